@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QImage>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+/// The pixels that the display thread converts into and lends to the GUI thread, one image at a time.
+///
+/// Lent images keep the buffer alive, so that one still queued when its stream is closed never shows freed memory.
+/// create(), isLent() and lend() are called on the display thread or while it does not run, giveBack() on the GUI
+/// thread.
+class ConversionBuffer : public std::enable_shared_from_this<ConversionBuffer> {
+public:
+    /// Room for width x height pixels of 4 bytes. Null where memory is short, or where the product, taken in 32 bits
+    /// as the camera's sizes are, is 0 or does not fit.
+    [[nodiscard]] static std::shared_ptr<ConversionBuffer> create(std::uint32_t width, std::uint32_t height);
+
+    [[nodiscard]] uchar* pixels() noexcept { return m_pixels.get(); }
+
+    /// True from lend() to giveBack(): the GUI thread may be reading.
+    [[nodiscard]] bool isLent() const noexcept { return m_lent.load(std::memory_order_acquire); }
+
+    /// The buffer as an ARGB32 image of the size given at creation, without a copy.
+    [[nodiscard]] QImage lend();
+
+    /// Ends the loan if `image` is of this buffer; images of earlier buffers are left alone.
+    void giveBack(const QImage& image) noexcept;
+
+    ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<uchar[]> pixels) noexcept;
+
+private:
+    const std::uint32_t m_width;
+    const std::uint32_t m_height;
+    const std::unique_ptr<uchar[]> m_pixels;
+    std::atomic<bool> m_lent{false};
+};
