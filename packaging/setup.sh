@@ -1,0 +1,48 @@
+# Sourced by ./run and ./test, from the project's root: installs what is missing and builds a preset.
+# shellcheck shell=bash
+
+# The packages of packaging/apt-packages.txt that this machine lacks.
+missing_packages() {
+    local wanted name
+    wanted=$(sed 's/#.*//' packaging/apt-packages.txt)
+    for name in $wanted; do
+        dpkg-query --show --showformat='${db:Status-Status}\n' "$name" 2>/dev/null | grep -qx installed || echo "$name"
+    done
+}
+
+install_missing_packages() {
+    local missing as_root=()
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        echo "This is not a Debian system: install the equivalents of packaging/apt-packages.txt yourself." >&2
+        return 0
+    fi
+    missing=$(missing_packages | xargs)
+    [ -z "$missing" ] && return 0
+    if [ "$(id -u)" -ne 0 ]; then
+        as_root=(sudo)
+        if ! command -v sudo >/dev/null; then
+            echo "Missing packages, and no right to install them: $missing" >&2
+            return 1
+        fi
+    fi
+    echo "Installing: $missing"
+    # The list is split on purpose: one argument a package.
+    # shellcheck disable=SC2086
+    if ! { "${as_root[@]}" apt-get update -qq &&
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing; }
+    then
+        echo "These packages are missing and could not be installed: $missing" >&2
+        return 1
+    fi
+}
+
+# build_preset PRESET [CMAKE OPTION ...]
+build_preset() {
+    local preset=$1
+    shift
+    # Configuring anew is needed only where it was never done or the options differ; Ninja sees changed CMake files.
+    if [ ! -f "build/$preset/build.ninja" ] || [ "$*" != "$(cat "build/$preset/.options" 2>/dev/null)" ]; then
+        cmake --preset "$preset" "$@" && printf '%s' "$*" >"build/$preset/.options" || return 1
+    fi
+    cmake --build --preset "$preset"
+}
