@@ -1,0 +1,238 @@
+#include "camera/OrvoCamApi.h"
+
+namespace Orvo {
+
+extern "C" {
+
+CAM_API_STATUS Sys_Initialize(std::uint32_t)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Sys_Terminate()
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Sys_GetInformation(CAM_SYSTEM_INFO*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Sys_GetNumOfCameras(std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Sys_CreateSignal(CAM_SIGNAL_HANDLE*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Sys_CloseSignal(CAM_SIGNAL_HANDLE)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE, std::uint32_t)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Cam_GetInformation(CAM_HANDLE, std::uint32_t, CAM_INFO*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Cam_Open(std::uint32_t, CAM_HANDLE*, CAM_SIGNAL_HANDLE, std::uint32_t, void*, std::uint32_t)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Cam_Close(CAM_HANDLE)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Misc_GetLastGenICamError(const char**)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_OpenSimple(CAM_HANDLE, CAM_STRM_HANDLE*, std::uint32_t*, void*, std::uint32_t, void*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_Close(CAM_STRM_HANDLE)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_SetCallbackImageAcquired(CAM_STRM_HANDLE, void*, CAM_IMAGE_ACQUIRED_CALLBACK)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_SetCallbackImageError(CAM_STRM_HANDLE, void*, CAM_IMAGE_ERROR_CALLBACK)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_SetCallbackBufferBusy(CAM_STRM_HANDLE, void*, CAM_BUFFER_BUSY_CALLBACK)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_Start(CAM_STRM_HANDLE, std::uint32_t)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_Stop(CAM_STRM_HANDLE)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_GetCurrentBufferIndex(CAM_STRM_HANDLE, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_LockBuffer(CAM_STRM_HANDLE, std::uint32_t, CAM_IMAGE_INFO*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Strm_UnlockBuffer(CAM_STRM_HANDLE, std::uint32_t)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetNode(CAM_HANDLE, const char*, CAM_NODE_HANDLE*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetNumOfFeatures(CAM_HANDLE, CAM_NODE_HANDLE, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFeatureByIndex(CAM_HANDLE, CAM_NODE_HANDLE, std::uint32_t, CAM_NODE_HANDLE*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetName(CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetType(CAM_HANDLE, CAM_NODE_HANDLE, NodeType*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetAccessMode(CAM_HANDLE, CAM_NODE_HANDLE, NodeAccessMode*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetVisibility(CAM_HANDLE, CAM_NODE_HANDLE, TC_NODE_VISIBILITY*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetDescription(CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetToolTip(CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetUnit(CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetRepresentation(CAM_HANDLE, CAM_NODE_HANDLE, NodeRepresentation*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFloatDisplayNotation(CAM_HANDLE, CAM_NODE_HANDLE, FloatDisplayNotation*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFloatDisplayPrecision(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetIntValue(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetIntMin(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetIntMax(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetIntInc(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFloatValue(CAM_HANDLE, CAM_NODE_HANDLE, double*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFloatMin(CAM_HANDLE, CAM_NODE_HANDLE, double*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFloatMax(CAM_HANDLE, CAM_NODE_HANDLE, double*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFloatInc(CAM_HANDLE, CAM_NODE_HANDLE, double*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetFloatHasInc(CAM_HANDLE, CAM_NODE_HANDLE, bool*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetBoolValue(CAM_HANDLE, CAM_NODE_HANDLE, bool*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetStrValue(CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetEnumStrValue(CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetEnumIntValue(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetNumOfEnumEntries(CAM_HANDLE, CAM_NODE_HANDLE, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetEnumEntryByIndex(CAM_HANDLE, CAM_NODE_HANDLE, std::uint32_t, CAM_NODE_HANDLE*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_GetEnumEntryStrValue(CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t*)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_SetIntValue(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t, bool)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_SetFloatValue(CAM_HANDLE, CAM_NODE_HANDLE, double, bool)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_SetBoolValue(CAM_HANDLE, CAM_NODE_HANDLE, bool, bool)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_SetStrValue(CAM_HANDLE, CAM_NODE_HANDLE, const char*, bool)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_SetEnumStrValue(CAM_HANDLE, CAM_NODE_HANDLE, const char*, bool)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_SetEnumIntValue(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t, bool)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+CAM_API_STATUS Nd_CmdExecute(CAM_HANDLE, CAM_NODE_HANDLE, bool)
+{
+    return CAM_API_STS_NOT_INITIALIZED;
+}
+
+} // extern "C"
+
+} // namespace Orvo

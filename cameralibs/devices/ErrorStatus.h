@@ -1,0 +1,16 @@
+#pragma once
+
+#include "cameralibs/devices/Device.h"
+
+typedef struct _GError GError;
+
+namespace orvo {
+
+/// What an error of Aravis means to a caller of the camera API. Takes the error over and frees it; null gives success.
+/// An error of the evaluation of a description, and any of another library, gives CAM_API_STS_GENICAM_ERR.
+[[nodiscard]] Outcome takeError(GError* error);
+
+/// The same for an error of opening a device or a stream, where another library's error is no GenICam error.
+[[nodiscard]] Outcome takeOpenError(GError* error);
+
+} // namespace orvo
