@@ -5,6 +5,10 @@
 /// Every operation of both libraries is there, is recorded with its arguments, and can be made to fail at any call.
 /// Without a script there is one camera: 64 x 48, BayerRG8, no images of its own, and a small node map. Every member
 /// may be called from any thread, but the test's own thread is the one that scripts.
+///
+/// One camera can be open at a time. Handles begin anew with each reset, so that recorded calls compare as text:
+/// signals count from 1001, cameras from 2001, streams from 3001; the nodes of the n-th opening from n x 1000000 + 1,
+/// in the order of the node map.
 
 #include "camera/OrvoCamApi.h"
 #include "camera/OrvoCamUtl.h"
@@ -22,7 +26,7 @@ namespace scripted {
 struct Call {
     std::string operation;
     std::vector<std::string> arguments;
-    Orvo::CAM_API_STATUS result;
+    Orvo::CAM_API_STATUS result; ///< CAM_API_STS_UNSUCCESSFUL while it is under way
 
     /// `Operation(a, b)`.
     [[nodiscard]] std::string text() const;
@@ -35,14 +39,20 @@ void reset();
 // --- Failing --------------------------------------------------------------------------------------------------------
 
 /// From now on the `nth` call of the operation (1 = the next) gives `status` and does nothing else; the later ones
-/// are as ever. Several for one operation add up.
+/// are as ever. Several for one operation add up. Status 0 makes a call that claims success and gives nothing.
 void failCall(const std::string& operation, Orvo::CAM_API_STATUS status, int nth = 1);
 
 /// Every call of the operation fails until `heal`.
 void failAlways(const std::string& operation, Orvo::CAM_API_STATUS status);
+
+/// Every call of a node operation that names this node fails until `heal`.
+void failNode(const std::string& node, const std::string& operation, Orvo::CAM_API_STATUS status);
+
+/// Ends every failure that was scripted for the operation.
 void heal(const std::string& operation);
 
-/// Called at the start of every call of the operation, on the caller's thread, before anything is decided.
+/// Called at the start of every call of the operation, on the caller's thread, when the call is counted and before
+/// anything is decided; it may script and may call operations. Null removes it.
 void onCall(const std::string& operation, std::function<void()> hook);
 
 // --- Recorded calls -------------------------------------------------------------------------------------------------
@@ -57,6 +67,7 @@ void clearCalls();
 
 // --- Cameras --------------------------------------------------------------------------------------------------------
 
+/// What discovery lists, in this order.
 struct CameraSpec {
     std::string vendor = "Scripted";
     std::string model = "SC-1";
@@ -66,14 +77,20 @@ struct CameraSpec {
 };
 void setCameras(std::vector<CameraSpec> cameras);
 
+/// What the utility operations tell. The nodes Width, Height, PixelFormat, TriggerMode and TriggerSource follow where
+/// they are, and lead when they are written.
 void setImageFormat(std::uint32_t width, std::uint32_t height, std::uint32_t pixelFormat);
 void setTrigger(bool on, std::uint32_t source);
+
+/// The text of Misc_GetLastGenICamError.
 void setGenICamError(std::string text);
 void setSystemInformation(const std::string& driver, const std::string& u3vApi2, const std::string& u3vCamApi,
                           const std::string& camApi);
 
-/// Sets the removal signal of the open camera; from then on operations on it give 19.
+/// Sets the removal signal of the open camera; from then on operations on it give 19 and discovery does not list it.
 void unplug();
+/// Every unplugged camera is back; a handle from before stays dead.
+void plugIn();
 
 // --- Stream ---------------------------------------------------------------------------------------------------------
 
@@ -81,7 +98,8 @@ void unplug();
 [[nodiscard]] bool streaming();
 
 /// Puts an image into the next slot and calls the image callback, on a thread that is not the test's; returns when the
-/// callback has returned. `fill` is written to every byte. False where no stream is running.
+/// callback has returned. `fill` is written to every byte. An image that finds the slot locked is dropped and told by
+/// the busy callback. False where no stream is running. May be called from any thread but a callback's.
 bool deliverImage(std::uint64_t frameNumber, std::uint8_t fill = 0, std::uint32_t status = 0);
 bool deliverError(std::uint32_t status, std::uint32_t bufferIndex = 0);
 bool deliverBusy(std::uint32_t bufferIndex);
@@ -124,16 +142,22 @@ struct NodeSpec {
     std::string strValue;
 
     /// Features of a category; entries of an enumeration (type NODE_TYPE_ENUM_ENTRY, `intValue` their number, `name`
-    /// the symbolic name). A category may name a feature that is nowhere else: its handle cannot be fetched then.
+    /// the symbolic name; as nodes they are called EnumEntry_, the enumeration, _ and that name). A category may name a
+    /// feature that is nowhere else: fetching its handle gives CAM_API_STS_NOT_FOUND then.
     std::vector<std::string> features;
     std::vector<NodeSpec> entries;
 
     int executed = 0; ///< of a command: how often it was executed
 };
 
-/// Replaces the node map; the first node is usually the category "Root". Takes effect at the next Cam_Open.
+[[nodiscard]] NodeSpec category(std::string name, std::vector<std::string> features);
+[[nodiscard]] NodeSpec enumEntry(std::string name, std::int64_t value,
+                                 Orvo::NodeAccessMode access = Orvo::NODE_ACCESS_MODE_RO);
+
+/// Replaces the node map; the first node is usually the category "Root". While a camera is open it takes effect at the
+/// next Cam_Open. Values outlive closing and opening.
 void setNodes(std::vector<NodeSpec> nodes);
-/// A node as it is now, and changing it under the viewer; the name must exist.
+/// A node as it is now, and changing it under the viewer; the name must exist, and stays.
 [[nodiscard]] NodeSpec node(const std::string& name);
 void changeNode(const std::string& name, const std::function<void(NodeSpec&)>& change);
 

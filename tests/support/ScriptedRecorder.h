@@ -1,0 +1,88 @@
+#pragma once
+
+#include "tests/support/ScriptedCamera.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace scripted {
+
+/// One argument of a call, kept as it came and made a text only when a test asks: a feature browser over 20,000 nodes
+/// makes some hundred thousand calls.
+struct Argument {
+    enum class Kind : std::uint8_t { Unsigned, Signed, Real, Flag, Word, Text };
+
+    Kind kind = Kind::Unsigned;
+    union {
+        std::uint64_t asUnsigned = 0;
+        std::int64_t asSigned;
+        double asReal;
+        bool asFlag;
+        const char* asText;
+    };
+
+    [[nodiscard]] std::string toString() const;
+};
+
+[[nodiscard]] Argument number(std::uint64_t value);
+[[nodiscard]] Argument integer(std::int64_t value);
+[[nodiscard]] Argument real(double value);
+[[nodiscard]] Argument flag(bool value);
+[[nodiscard]] Argument text(const char* value);
+[[nodiscard]] Argument out(const void* pointer);
+[[nodiscard]] Argument in(const void* pointer);
+template <typename Callback> [[nodiscard]] Argument callback(Callback* function)
+{
+    return in(reinterpret_cast<const void*>(function));
+}
+
+/// What was called, and what shall fail. Guarded by the lock of the world that owns it.
+class Recorder {
+public:
+    struct Operation {
+        std::string name;
+        int countSinceClear = 0;
+        int countEver = 0;
+        std::map<int, Orvo::CAM_API_STATUS> failures; // by the count ever at which they are due
+        std::optional<Orvo::CAM_API_STATUS> failsAlways;
+        std::function<void()> hook;
+
+        /// The status that the script has for the call with this count, taken out of the script.
+        [[nodiscard]] std::optional<Orvo::CAM_API_STATUS> plannedStatus(int count);
+    };
+
+    [[nodiscard]] Operation& operation(std::string_view name);
+
+    /// Counts and records a call; the result becomes known with finish().
+    std::uint64_t begin(Operation& operation, std::initializer_list<Argument> arguments);
+    void finish(std::uint64_t sequence, Orvo::CAM_API_STATUS result);
+
+    [[nodiscard]] std::vector<Call> calls() const;
+    void clear();
+    void reset();
+
+private:
+    struct Entry {
+        const Operation* operation;
+        std::size_t firstArgument;
+        std::size_t argumentCount;
+        Orvo::CAM_API_STATUS result;
+    };
+
+    std::unordered_map<std::string_view, Operation> m_operations; // never erased: calls refer to them
+    std::deque<std::string> m_names;                              // what the keys point at
+    std::vector<Entry> m_entries;
+    std::vector<Argument> m_arguments;
+    std::deque<std::string> m_texts; // a deque: the arguments point into it
+    std::uint64_t m_firstSequence = 0;
+};
+
+} // namespace scripted
