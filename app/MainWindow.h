@@ -2,6 +2,7 @@
 
 #include "app/MainState.h"
 #include "camera/CameraTypes.h"
+#include "display/KeptImages.h"
 
 #include <QImage>
 #include <QMainWindow>
@@ -116,7 +117,8 @@ private:
     std::atomic<std::uint32_t> lastFrameNumber{0}; // low 32 bits; touched by the callback
     FeatureView* featureView = nullptr;
     QImage captureImage;
-    QMutex captureMutex; // guards captureImage while it is handed to the image view
+    KeptImages displayedImages; // the memory behind captureImage
+    QMutex captureMutex;        // guards captureImage while it is handed to the image view
     double scale = 1.0;
     bool skipFirstFps = false;
     ImageView* imageView = nullptr;

@@ -106,11 +106,11 @@ enum NodeType : std::int32_t {
 };
 
 enum NodeAccessMode : std::int32_t {
-    NODE_ACCESS_MODE_NI = 0, ///< not implemented
-    NODE_ACCESS_MODE_NA = 1, ///< not available
-    NODE_ACCESS_MODE_WO = 2, ///< write-only
-    NODE_ACCESS_MODE_RO = 3, ///< read-only
-    NODE_ACCESS_MODE_RW = 4, ///< read-write
+    NODE_ACCESS_MODE_NI = 0,        ///< not implemented
+    NODE_ACCESS_MODE_NA = 1,        ///< not available
+    NODE_ACCESS_MODE_WO = 2,        ///< write-only
+    NODE_ACCESS_MODE_RO = 3,        ///< read-only
+    NODE_ACCESS_MODE_RW = 4,        ///< read-write
     NODE_ACCESS_MODE_UNDEFINED = 6, ///< not asked for yet; the library never gives it
 };
 
@@ -281,7 +281,8 @@ ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetType(CAM_HANDLE camera, CAM_NODE_HANDLE nod
 
 /// The access mode now, selectors, availability and locks applied. Categories have 3.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetAccessMode(CAM_HANDLE camera, CAM_NODE_HANDLE node, NodeAccessMode* mode);
-ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetVisibility(CAM_HANDLE camera, CAM_NODE_HANDLE node, TC_NODE_VISIBILITY* visibility);
+ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetVisibility(CAM_HANDLE camera, CAM_NODE_HANDLE node,
+                                                TC_NODE_VISIBILITY* visibility);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetDescription(CAM_HANDLE camera, CAM_NODE_HANDLE node, char* buffer,
                                                  std::uint32_t* size);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetToolTip(CAM_HANDLE camera, CAM_NODE_HANDLE node, char* buffer,

@@ -1,0 +1,225 @@
+#include "app/MainWindow.h"
+
+#include "app/ActionStates.h"
+#include "camera/OrvoCamUtl.h"
+#include "camera/StatusName.h"
+#include "discovery/DiscoveryDlg.h"
+#include "display/DispThread.h"
+#include "features/FeatureView.h"
+#include "ui_MainWindow.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QTextCursor>
+
+namespace {
+
+constexpr std::uint32_t kEveryLayer = 65535;
+
+constexpr int kTopDockHeight = 25;
+constexpr int kRightDockWidth = 500;
+constexpr int kBottomDockHeight = 170;
+
+/// Shows the wait cursor for as long as it lives.
+class WaitCursor {
+public:
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    Q_DISABLE_COPY_MOVE(WaitCursor)
+};
+
+QPoint centredPosition(const QRect& available, const QSize& size)
+{
+    return {available.x() + available.width() / 2 - size.width() / 2,
+            available.y() + available.height() / 2 - size.height() / 2};
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent)
+    , ui(std::make_unique<Ui_MainWindow>())
+{
+    ui->setupUi(this);
+    move(centredPosition(QGuiApplication::primaryScreen()->availableGeometry(), size()));
+
+    // A failure leaves a window that can be looked at, with the actions as the form has them.
+    CAM_API_STATUS status = Orvo::Sys_Initialize(kEveryLayer);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "Sys_Initialize error!");
+        return;
+    }
+    status = Orvo::PrepareLUT();
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "PrepareLUT error!");
+        return;
+    }
+
+    ui->dockWidget_Top->setFixedHeight(kTopDockHeight);
+    ui->dockWidgetRight->setFixedWidth(kRightDockWidth);
+    ui->dockWidgetBottom->setFixedHeight(kBottomDockHeight);
+
+    state = MAIN_STATE_IDLE;
+    scale = 1.0;
+    update_main_dialog();
+}
+
+MainWindow::~MainWindow()
+{
+    terminate();
+}
+
+// --- Message log ----------------------------------------------------------------------------------------------------
+
+void MainWindow::write_log(QString text)
+{
+    if (!logEnabled)
+        return;
+    // Not QTextEdit::append(), which would read markup into a text that a camera may have written.
+    QTextEdit& log = *ui->messageLogEdit;
+    QTextCursor end(log.document());
+    end.movePosition(QTextCursor::End);
+    if (!log.document()->isEmpty())
+        end.insertBlock();
+    end.insertText(text);
+    // The box scrolls to where its own cursor is.
+    log.setTextCursor(end);
+}
+
+void MainWindow::set_error(CAM_API_STATUS status, QString title_str)
+{
+    write_log(QStringLiteral("ERROR: %1 [%2]").arg(title_str, QLatin1String(cameraStatusName(status))));
+}
+
+void MainWindow::on_pushButtonClear_clicked()
+{
+    ui->messageLogEdit->clear();
+}
+
+// --- State ----------------------------------------------------------------------------------------------------------
+
+void MainWindow::change_state(MAIN_STATE newState)
+{
+    state = newState;
+    update_main_dialog();
+}
+
+void MainWindow::update_main_dialog()
+{
+    applyActionStates(*ui, state, scale);
+}
+
+// --- Opening and closing a camera -----------------------------------------------------------------------------------
+
+void MainWindow::open_camera()
+{
+    if (cameraOpened)
+        return;
+    change_state(MAIN_STATE_OPENING);
+
+    bool chosen = false;
+    {
+        DiscoveryDlg dialog(this);
+        connect(&dialog, &DiscoveryDlg::setError, this, &MainWindow::set_error);
+        connect(&dialog, &DiscoveryDlg::writeLog, this, &MainWindow::write_log);
+        // Connected anew at every opening, so that after the n-th a line of a callback is written n times. This is
+        // meant.
+        connect(this, &MainWindow::writeLog, this, &MainWindow::write_log);
+        chosen = dialog.exec() == QDialog::Accepted;
+        if (chosen)
+            cameraIndex = dialog.current_device;
+    }
+    if (!chosen) {
+        change_state(MAIN_STATE_IDLE);
+        return;
+    }
+
+    const WaitCursor waitCursor;
+    if (removalSignal == 0) {
+        // Without a signal the camera opens all the same; only its removal goes unnoticed.
+        static_cast<void>(Orvo::Sys_CreateSignal(&removalSignal));
+    }
+    const CAM_API_STATUS status = Orvo::Cam_Open(cameraIndex, &camera, removalSignal, 1, nullptr, 1);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "Error Cam_Open()");
+        const char* description = nullptr;
+        if (status == Orvo::CAM_API_STS_GENICAM_ERR &&
+            Orvo::Misc_GetLastGenICamError(&description) == Orvo::CAM_API_STS_SUCCESS) {
+            write_log(QStringLiteral("  GenICam Error description: %1").arg(QString::fromUtf8(description)));
+        }
+        change_state(MAIN_STATE_IDLE);
+        return;
+    }
+    cameraOpened = true;
+
+    bool changed = false;
+    if (!get_camera_parameter(&changed)) {
+        // The line names success: what failed has been logged by the reading already.
+        set_error(Orvo::CAM_API_STS_SUCCESS, "Error Cam_Open()");
+        close_camera();
+        return;
+    }
+    captureCount.store(0, std::memory_order_relaxed);
+    lastFrameNumber.store(0, std::memory_order_relaxed);
+    initialize_image_view(static_cast<int>(width), static_cast<int>(height));
+
+    featureView = new FeatureView;
+    ui->dockWidgetRight->setWidget(featureView);
+    featureView->SetCam(camera);
+    connect(featureView, &FeatureView::checkSoftwareTriggerMode, this, &MainWindow::check_software_trigger_mode);
+
+    change_state(MAIN_STATE_OPENED);
+}
+
+void MainWindow::close_camera()
+{
+    acquiring.store(false, std::memory_order_release);
+    if (dispThread)
+        dispThread->requestStop();
+
+    stop_acquisition();
+
+    if (featureView) {
+        ui->dockWidgetRight->setWidget(nullptr);
+        featureView->close();
+        delete featureView;
+        featureView = nullptr;
+    }
+
+    close_stream();
+    if (camera != 0) {
+        static_cast<void>(Orvo::Cam_Close(camera)); // a camera that cannot be closed is gone all the same
+        camera = 0;
+    }
+    if (removalSignal != 0) {
+        static_cast<void>(Orvo::Sys_CloseSignal(removalSignal)); // as above
+        removalSignal = 0;
+    }
+
+    initialize_image_view(0, 0);
+    on_actionNormalSize_triggered();
+
+    cameraOpened = false;
+    change_state(MAIN_STATE_IDLE);
+}
+
+void MainWindow::removed_camera()
+{
+    // The display thread reports a removal through the event queue, so the user may have closed the camera meanwhile:
+    // closing again changes nothing then, and the line is true all the same.
+    write_log("A camera has been Removed.");
+
+    // What fails while a vanished camera is closed is of no interest to the user.
+    const bool logWasEnabled = logEnabled;
+    logEnabled = false;
+    close_camera();
+    logEnabled = logWasEnabled;
+}
+
+void MainWindow::terminate()
+{
+    close_camera();
+    const CAM_API_STATUS status = Orvo::Sys_Terminate();
+    if (status != Orvo::CAM_API_STS_SUCCESS)
+        set_error(status, "Sys_Terminate error!");
+}

@@ -1,0 +1,73 @@
+// The About box.
+
+#include "app/MainWindow.h"
+
+#include "camera/OrvoCamApi.h"
+
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QMessageBox>
+#include <QSpacerItem>
+
+#include <cstring>
+
+namespace {
+
+constexpr char kVersion[] = QT_TRANSLATE_NOOP("QMainWindow", "Version : 0.1.1 (2016/02/26)");
+constexpr char kRights[] = QT_TRANSLATE_NOOP("QMainWindow", "\n\nAll rights reserved.");
+constexpr int kContentWidth = 545;
+
+struct VersionRow {
+    const char* label;
+    const char (Orvo::CAM_SYSTEM_INFO::*text)[64];
+};
+// The names are padded so that every colon stands in one column of the monospace font.
+constexpr VersionRow kVersionRows[] = {
+    {QT_TRANSLATE_NOOP("QMainWindow", "\n\n  OrvoU3vDriver : "), &Orvo::CAM_SYSTEM_INFO::driverVersion},
+    {QT_TRANSLATE_NOOP("QMainWindow", "\n  OrvoU3vApi2   : "), &Orvo::CAM_SYSTEM_INFO::u3vApi2Version},
+    {QT_TRANSLATE_NOOP("QMainWindow", "\n  OrvoU3vCamApi : "), &Orvo::CAM_SYSTEM_INFO::u3vCamApiVersion},
+    {QT_TRANSLATE_NOOP("QMainWindow", "\n  OrvoCamApi    : "), &Orvo::CAM_SYSTEM_INFO::camApiVersion},
+};
+
+QString translated(const char* text)
+{
+    return QCoreApplication::translate("QMainWindow", text);
+}
+
+template <std::size_t size> QString textOf(const char (&field)[size])
+{
+    return QString::fromUtf8(field, static_cast<int>(strnlen(field, size)));
+}
+
+QString versionTexts()
+{
+    QString text = translated(kVersion);
+    Orvo::CAM_SYSTEM_INFO info{};
+    // Without an answer the box shows the version and the rights line only.
+    if (Orvo::Sys_GetInformation(&info) == Orvo::CAM_API_STS_SUCCESS) {
+        for (const VersionRow& row : kVersionRows)
+            text += translated(row.label) + textOf(info.*row.text);
+    }
+    return text + translated(kRights);
+}
+
+} // namespace
+
+void MainWindow::on_action_Menu_About_triggered()
+{
+    const QString details = versionTexts();
+
+    QMessageBox box(this);
+    box.setFont(QFont("monospace", 11));
+    box.setIconPixmap(QPixmap(":/images/Icon/Viewer_Main_icon_2.ico"));
+    box.setText("OrvoCamLinuxViewer");
+    box.setInformativeText(details);
+    box.setStandardButtons(QMessageBox::Ok);
+    box.setDefaultButton(QMessageBox::Ok);
+    // Last, because every setter above lays the grid out anew.
+    if (auto* const grid = qobject_cast<QGridLayout*>(box.layout())) {
+        grid->addItem(new QSpacerItem(kContentWidth, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), grid->rowCount(),
+                      0, 1, grid->columnCount());
+    }
+    box.exec();
+}

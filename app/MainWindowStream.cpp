@@ -1,0 +1,303 @@
+// Running the stream of the open camera: start and stop, the callbacks of the camera library, and the road of images
+// and frame rates from the display thread to the window.
+
+#include "app/MainWindow.h"
+
+#include "camera/OrvoCamUtl.h"
+#include "display/ConversionBuffer.h"
+#include "display/DispThread.h"
+#include "display/ImageView.h"
+#include "features/FeatureView.h"
+#include "ui_MainWindow.h"
+
+#include <QMutexLocker>
+#include <QScopeGuard>
+
+namespace {
+
+constexpr std::uint32_t kBufferCount = 8;
+constexpr std::uint32_t kRequestCount = 8;
+
+/// The same pixels as RGB32, without a copy: their alpha is known to be 255, so the view may take them for opaque and
+/// draws them without converting them first.
+QImage opaqueView(const QImage& image)
+{
+    if (image.isNull())
+        return image;
+    auto kept = std::make_unique<QImage>(image);
+    const uchar* const pixels = kept->constBits();
+    return QImage(
+        pixels, image.width(), image.height(), image.bytesPerLine(), QImage::Format_RGB32,
+        [](void* owner) { delete static_cast<QImage*>(owner); }, kept.release());
+}
+
+/// "%1" in two decimals, right-aligned in six characters.
+QString rateText(double rate)
+{
+    return QStringLiteral("%1").arg(rate, 6, 'f', 2);
+}
+
+} // namespace
+
+// --- Image parameters -----------------------------------------------------------------------------------------------
+
+bool MainWindow::get_camera_parameter(bool* changed)
+{
+    // They outlive the camera on purpose: another one of the same size and format is no change.
+    static std::uint32_t lastWidth = 0;
+    static std::uint32_t lastHeight = 0;
+    static std::uint32_t lastPixelFormat = 0;
+
+    *changed = false;
+    if (!cameraOpened)
+        return false;
+
+    const auto read = [this](auto operation, std::uint32_t& member, const char* failure) {
+        std::uint32_t value = 0;
+        const CAM_API_STATUS status = operation(camera, &value);
+        if (status != Orvo::CAM_API_STS_SUCCESS) {
+            set_error(status, failure);
+            return false;
+        }
+        member = value;
+        return true;
+    };
+    if (!read(Orvo::GetCamWidth, width, "Error image width.") ||
+        !read(Orvo::GetCamHeight, height, "Error image height.") ||
+        !read(Orvo::GetCamPixelFormat, pixelFormat, "Error image pixel format.")) {
+        return false;
+    }
+
+    const auto remember = [changed](std::uint32_t& last, std::uint32_t now) {
+        if (last != now)
+            *changed = true;
+        last = now;
+    };
+    remember(lastWidth, width);
+    remember(lastHeight, height);
+    remember(lastPixelFormat, pixelFormat);
+    return true;
+}
+
+void MainWindow::initialize_image_view(int newWidth, int newHeight)
+{
+    if (imageView) {
+        // Taken out first: the window would delete it by itself when the next one comes.
+        takeCentralWidget();
+        delete imageView;
+        imageView = nullptr;
+    }
+    if (newWidth != 0 && newHeight != 0) {
+        imageView = new ImageView(this);
+        setCentralWidget(imageView);
+        imageView->set_image_size(newWidth, newHeight);
+        imageView->show();
+    } else {
+        setCentralWidget(new QWidget);
+    }
+}
+
+// --- Stream ---------------------------------------------------------------------------------------------------------
+
+bool MainWindow::open_stream()
+{
+    if (!dispThread) {
+        dispThread = new DispThread(this);
+        connect(dispThread, &DispThread::dispFps, this, &MainWindow::disp_fps);
+        connect(dispThread, &DispThread::dispImage, this, &MainWindow::disp_image);
+        connect(dispThread, &DispThread::removedCamera, this, &MainWindow::removed_camera);
+        dispThread->start();
+    }
+
+    std::uint32_t maxImageSize = 0;
+    CAM_API_STATUS status = Orvo::Strm_OpenSimple(camera, &stream, &maxImageSize, nullptr, kBufferCount, nullptr);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "Strm_OpenSimple()");
+        return false;
+    }
+
+    // What cannot be read has been logged; the stream goes on with the values from before.
+    bool changed = false;
+    if (get_camera_parameter(&changed) && changed)
+        initialize_image_view(static_cast<int>(width), static_cast<int>(height));
+
+    convBuffer = ConversionBuffer::create(width, height);
+    if (!convBuffer) {
+        set_error(Orvo::CAM_API_STS_UNSUCCESSFUL, "malloc error!");
+        return false;
+    }
+
+    status = Orvo::Strm_SetCallbackImageAcquired(stream, this, &MainWindow::CallBackImageAcquired);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "Strm_SetCallbackImageAcquired()");
+        return false;
+    }
+    status = Orvo::Strm_SetCallbackImageError(stream, this, &MainWindow::CallBackErrorImage);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "Strm_SetCallbackImageError()");
+        return false;
+    }
+    status = Orvo::Strm_SetCallbackBufferBusy(stream, this, &MainWindow::CallbackBufferBusy);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "Strm_SetCallbackBufferBusy()");
+        return false;
+    }
+    return true;
+}
+
+void MainWindow::start_acquisition()
+{
+    if (!cameraOpened || acquiring.load(std::memory_order_acquire))
+        return;
+
+    bool changed = false;
+    if (get_camera_parameter(&changed) && changed)
+        initialize_image_view(static_cast<int>(width), static_cast<int>(height));
+
+    if (!open_stream()) {
+        close_camera();
+        return;
+    }
+    const CAM_API_STATUS status = Orvo::Strm_Start(stream, kRequestCount);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        set_error(status, "Error stream start.");
+        close_camera();
+        return;
+    }
+
+    skipFirstFps = true;
+    ui->actionStart->setEnabled(false);
+    change_state(MAIN_STATE_ACQUIRING);
+    check_software_trigger_mode();
+    if (featureView) {
+        featureView->closeEditOperation();
+        featureView->updateAllFeatures(true);
+    }
+    // Last, so that the display thread and the callbacks see everything above.
+    acquiring.store(true, std::memory_order_release);
+}
+
+void MainWindow::stop_acquisition()
+{
+    acquiring.store(false, std::memory_order_release);
+    if (stream != 0) {
+        const CAM_API_STATUS status = Orvo::Strm_Stop(stream);
+        if (status != Orvo::CAM_API_STS_SUCCESS)
+            set_error(status, "Error stop acquisition.");
+    }
+    close_stream();
+    change_state(MAIN_STATE_OPENED);
+    if (featureView)
+        featureView->updateAllFeatures(true);
+}
+
+bool MainWindow::close_stream()
+{
+    // The thread reads stream and buffer, so it goes first.
+    if (dispThread) {
+        dispThread->requestStop();
+        dispThread->wait();
+        delete dispThread;
+        dispThread = nullptr;
+    }
+    if (stream != 0) {
+        static_cast<void>(Orvo::Strm_Close(stream)); // a stream that cannot be closed is gone all the same
+        stream = 0;
+    }
+    convBuffer.reset();
+    captureCount.store(0, std::memory_order_relaxed);
+    return true;
+}
+
+// --- Software trigger -----------------------------------------------------------------------------------------------
+
+void MainWindow::execute_software_trigger()
+{
+    if (!cameraOpened)
+        return;
+    const CAM_API_STATUS status = Orvo::ExecuteCamSoftwareTrigger(camera);
+    if (status != Orvo::CAM_API_STS_SUCCESS)
+        set_error(status, "Error execute S/W trigger.");
+}
+
+void MainWindow::check_software_trigger_mode()
+{
+    // What cannot be read counts as "no software trigger".
+    bool triggerOn = false;
+    std::uint32_t source = 0;
+    const bool enabled = cameraOpened && state == MAIN_STATE_ACQUIRING &&
+                         Orvo::GetCamTriggerMode(camera, &triggerOn) == Orvo::CAM_API_STS_SUCCESS && triggerOn &&
+                         Orvo::GetCamTriggerSource(camera, &source) == Orvo::CAM_API_STS_SUCCESS &&
+                         source == Orvo::CAM_TRIGGER_SOURCE_SOFTWARE;
+    ui->actionSoftwareTrigger->setEnabled(enabled);
+    ui->action_Menu_One_Shot->setEnabled(enabled);
+}
+
+// --- Callbacks, on threads of the camera library --------------------------------------------------------------------
+
+void MainWindow::CallBackImageAcquired(Orvo::CAM_HANDLE camera, CAM_STRM_HANDLE, Orvo::CAM_IMAGE_INFO* info,
+                                       std::uint32_t, void* context)
+{
+    std::uint32_t index = 0;
+    if (Orvo::GetCamIndexFromCamHandle(camera, &index) != Orvo::CAM_API_STS_SUCCESS)
+        return;
+    MainWindow& window = *static_cast<MainWindow*>(context);
+    const auto frameNumber = static_cast<std::uint32_t>(info->frameNumber);
+    const std::uint32_t previous = window.lastFrameNumber.exchange(frameNumber, std::memory_order_relaxed);
+    // Frame numbers are counted, so that lost images belong to the rate. The first image of a later stream counts from
+    // the last one of the stream before: that lands in the first report after a start, which is never shown.
+    const bool first = !window.firstFrameSeen.exchange(true, std::memory_order_relaxed);
+    window.captureCount.fetch_add(first ? 1 : frameNumber - previous, std::memory_order_relaxed);
+}
+
+void MainWindow::CallBackErrorImage(Orvo::CAM_HANDLE, CAM_STRM_HANDLE, std::uint32_t status, std::uint32_t,
+                                    void* context)
+{
+    auto* const window = static_cast<MainWindow*>(context);
+    if (!window || !window->acquiring.load(std::memory_order_acquire))
+        return;
+    emit window->writeLog(
+        QStringLiteral("CallBackErrorImage. (status = 0x%1)").arg(QString::number(status, 16).toUpper()));
+}
+
+void MainWindow::CallbackBufferBusy(Orvo::CAM_HANDLE, CAM_STRM_HANDLE, std::uint32_t bufferIndex, void* context)
+{
+    auto* const window = static_cast<MainWindow*>(context);
+    if (!window || !window->acquiring.load(std::memory_order_acquire))
+        return;
+    emit window->writeLog(QStringLiteral("CallbackBufferBusy. (uiBufferIndex = %1)").arg(bufferIndex));
+}
+
+// --- From the display thread ----------------------------------------------------------------------------------------
+
+void MainWindow::disp_fps(double capFps, double dispFps)
+{
+    if (!acquiring.load(std::memory_order_acquire))
+        return;
+    if (skipFirstFps) {
+        skipFirstFps = false;
+        return;
+    }
+    ui->labelDispFps->setText(
+        QStringLiteral("[Disp = %1 fps] , [Cap = %2 fps]").arg(rateText(dispFps), rateText(capFps)));
+}
+
+void MainWindow::disp_image(QImage image)
+{
+    // The display thread converts the next image only when this one has been given back. An image that was still
+    // queued when its stream was stopped belongs to an earlier buffer, which it keeps alive by itself.
+    const auto handOver = qScopeGuard([this, &image] {
+        if (convBuffer)
+            convBuffer->giveBack(image);
+    });
+    if (!acquiring.load(std::memory_order_acquire))
+        return;
+    captureImage = displayedImages.copyOf(image);
+    update_capture_image();
+}
+
+void MainWindow::update_capture_image()
+{
+    const QMutexLocker locker(&captureMutex);
+    emit Update_Image(opaqueView(captureImage));
+}

@@ -1,0 +1,96 @@
+#include "tests/support/WindowDriver.h"
+
+#include "discovery/DiscoveryDlg.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QTextEdit>
+#include <QTimer>
+
+namespace {
+
+constexpr int kPollMs = 5;
+
+/// The dialog on screen whose list is filled, or was tried to be.
+DiscoveryDlg* readyDialog()
+{
+    auto* const dialog = qobject_cast<DiscoveryDlg*>(QApplication::activeModalWidget());
+    if (!dialog)
+        return nullptr;
+    const auto* const update = dialog->findChild<QPushButton*>("PushButtonUpateCameraList");
+    return update && update->isEnabled() ? dialog : nullptr;
+}
+
+} // namespace
+
+WindowDriver::WindowDriver()
+    : m_window(std::make_unique<MainWindow>())
+{
+    m_window->show();
+}
+
+WindowDriver::~WindowDriver() = default;
+
+QAction* WindowDriver::action(const char* name) const
+{
+    auto* const found = child<QAction>(name);
+    if (!found)
+        qFatal("no action %s", name);
+    return found;
+}
+
+void WindowDriver::trigger(const char* name)
+{
+    QAction* const wanted = action(name);
+    if (wanted->isEnabled()) {
+        wanted->trigger();
+        return;
+    }
+    const QByteArray slot = QByteArray("on_") + name + "_triggered";
+    const bool called = wanted->isCheckable()
+                            ? QMetaObject::invokeMethod(m_window.get(), slot, Q_ARG(bool, !wanted->isChecked()))
+                            : QMetaObject::invokeMethod(m_window.get(), slot);
+    if (!called)
+        qFatal("no slot %s", slot.constData());
+}
+
+void WindowDriver::open()
+{
+    open([](DiscoveryDlg& dialog) {
+        auto* const button = dialog.findChild<QPushButton*>("openButton");
+        if (button->isEnabled())
+            button->click();
+        else
+            dialog.reject();
+    });
+}
+
+void WindowDriver::open(const std::function<void(DiscoveryDlg&)>& user)
+{
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (DiscoveryDlg* const dialog = readyDialog()) {
+            poll.stop();
+            user(*dialog);
+        }
+    });
+    poll.start(kPollMs);
+    trigger("actionOpen");
+}
+
+QStringList WindowDriver::log() const
+{
+    const QString text = child<QTextEdit>("messageLogEdit")->toPlainText();
+    return text.isEmpty() ? QStringList() : text.split('\n');
+}
+
+void WindowDriver::clearLog()
+{
+    child<QPushButton>("pushButtonClear")->click();
+}
+
+QString WindowDriver::rates() const
+{
+    return child<QLabel>("labelDispFps")->text();
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "app/MainWindow.h"
+
+#include <QAction>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+
+class DiscoveryDlg;
+
+/// A main window over the scripted camera, and a user's hand on it. Scripts of the camera are set before the driver is
+/// made or between its calls; making it does not reset them.
+class WindowDriver {
+public:
+    WindowDriver();
+    ~WindowDriver();
+    Q_DISABLE_COPY_MOVE(WindowDriver)
+
+    [[nodiscard]] MainWindow& window() { return *m_window; }
+
+    /// Ends the program: destroys the window.
+    void exit() { m_window.reset(); }
+
+    [[nodiscard]] QAction* action(const char* name) const;
+    [[nodiscard]] bool enabled(const char* name) const { return action(name)->isEnabled(); }
+
+    /// Triggers the action as its slot would be, even where it is disabled.
+    void trigger(const char* name);
+
+    /// Opens the first camera through the dialog, or does with the dialog what `user` does once the list is filled.
+    void open();
+    void open(const std::function<void(DiscoveryDlg&)>& user);
+    void start() { trigger("actionStart"); }
+    void stop() { trigger("actionStop"); }
+    void close() { trigger("actionClose"); }
+
+    [[nodiscard]] QStringList log() const;
+    void clearLog();
+    [[nodiscard]] QString rates() const;
+
+    template <typename T> [[nodiscard]] T* child(const char* name) const { return m_window->findChild<T*>(name); }
+
+private:
+    std::unique_ptr<MainWindow> m_window;
+};
