@@ -1,0 +1,46 @@
+#include "cameralibs/util/Conversion.h"
+
+#include "camera/OrvoCamUtl.h"
+
+namespace Orvo {
+
+// The tables of the conversion are part of the library.
+CAM_API_STATUS PrepareLUT()
+{
+    return CAM_API_STS_SUCCESS;
+}
+
+CAM_API_STATUS ConvImage(std::uint32_t dstFormat, std::uint32_t srcPixelFormat, std::uint32_t /*option*/, void* dst,
+                         const void* src, std::uint32_t width, std::uint32_t height)
+{
+    const orvo::PixelFormat* const format = orvo::findPixelFormat(srcPixelFormat);
+    if (dstFormat != 0 || format == nullptr) {
+        return CAM_API_STS_NOT_IMPLEMENTED;
+    }
+    const orvo::SourceImage image{*format, static_cast<const std::uint8_t*>(src), width, height};
+    constexpr std::uint64_t pixelLimit = (std::uint64_t{1} << 32) / orvo::bytesPerBgra;
+    if (image.pixels() == 0 || image.pixels() >= pixelLimit || dst == nullptr || src == nullptr) {
+        return CAM_API_STS_INVALID_PARAMETER;
+    }
+
+    auto* const bgra = static_cast<std::uint8_t*>(dst);
+    switch (format->family) {
+    case orvo::PixelFamily::Mono:
+        orvo::convertMono(image, bgra);
+        break;
+    case orvo::PixelFamily::Bayer:
+        orvo::convertBayer(image, bgra);
+        break;
+    case orvo::PixelFamily::Rgb:
+        orvo::convertRgb(image, bgra);
+        break;
+    case orvo::PixelFamily::YCbCr:
+    case orvo::PixelFamily::YCbCr601:
+    case orvo::PixelFamily::YCbCr709:
+        orvo::convertYCbCr(image, bgra);
+        break;
+    }
+    return CAM_API_STS_SUCCESS;
+}
+
+} // namespace Orvo
