@@ -1,0 +1,55 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// A second, plain and slow ConvImage that shares nothing with the library: every sample is read bit by bit, every
+/// colour computed where it stands, and the layout of an image comes from the name of its format.
+class ReferenceConversion {
+public:
+    /// One exact pixel: for the YCbCr formats not rounded.
+    struct Colour {
+        double blue = 0;
+        double green = 0;
+        double red = 0;
+    };
+
+    ReferenceConversion(const std::string& formatName, std::size_t width, std::size_t height);
+
+    /// Of a whole source image.
+    [[nodiscard]] std::size_t sourceBytes() const;
+
+    /// As told by the name; the value of the format tells it too.
+    [[nodiscard]] std::size_t bitsPerPixel() const;
+
+    [[nodiscard]] std::vector<Colour> convert(const std::uint8_t* source) const;
+
+    /// 0 where colours are exact, 1 for the YCbCr formats.
+    [[nodiscard]] double tolerance() const { return m_chroma ? 1 : 0; }
+
+private:
+    // The upper 8 bits of a component: 'Y', 'R', 'U' ..., 'C' for the one sample of a Bayer pixel.
+    [[nodiscard]] int sample(const std::uint8_t* source, char component, std::size_t x, std::size_t y) const;
+    [[nodiscard]] std::size_t samplesPerRow() const;
+    [[nodiscard]] Colour bayer(const std::vector<int>& mosaic, std::size_t x, std::size_t y) const;
+    [[nodiscard]] Colour yCbCr(int y, int cb, int cr) const;
+
+    std::size_t m_width;
+    std::size_t m_height;
+    std::string m_order; // the samples of one group
+    std::size_t m_pixelsPerGroup = 1;
+    std::size_t m_bits = 8;
+    std::size_t m_containerBits = 8;
+    bool m_pairs = false;
+    bool m_padded32 = false;
+    bool m_planar = false;
+    std::size_t m_chromaRows = 0; // of a semiplanar image: rows of Y for one of chroma
+    std::string m_bayer;          // the first two colours
+    bool m_chroma = false;
+    double m_kr = 0.299;
+    double m_kb = 0.114;
+    bool m_fullRange = true;
+};
