@@ -1,0 +1,93 @@
+#include "FrameGenerator.h"
+
+#include "cameralibs/devices/simulated/CameraModel.h"
+
+#include <chrono>
+
+namespace orvo::simulated {
+
+namespace {
+
+bool isNth(std::uint64_t number, std::uint32_t every)
+{
+    return every != 0 && number % every == 0;
+}
+
+} // namespace
+
+FrameGenerator::FrameGenerator(const CameraModel& model, Acquisition& acquisition, FrameSink& sink,
+                               const std::vector<FrameBuffer*>& buffers)
+    : m_acquisition(acquisition)
+    , m_sink(sink)
+    , m_free(buffers)
+    , m_maker(model.width, model.height, model.color)
+{
+}
+
+FrameGenerator::~FrameGenerator()
+{
+    stop();
+}
+
+Outcome FrameGenerator::start()
+{
+    m_frameNumber = 0;
+    m_acquisition.openSource();
+    m_thread = std::thread([this] { run(); });
+    return {};
+}
+
+void FrameGenerator::stop()
+{
+    if (!m_thread.joinable())
+        return;
+    m_acquisition.closeSource();
+    m_thread.join();
+}
+
+void FrameGenerator::run()
+{
+    for (;;) {
+        const Acquisition::Next next = m_acquisition.waitForNext();
+        switch (next.task) {
+        case Acquisition::Task::End:
+            return;
+        case Acquisition::Task::Errors:
+            for (std::uint32_t i = 0; i < next.errors; ++i)
+                m_sink.fail(Orvo::CAM_API_STS_PACKET_STATUS_ERROR);
+            break;
+        case Acquisition::Task::Image:
+            sendImage(next.settings);
+            break;
+        }
+    }
+}
+
+void FrameGenerator::sendImage(const FrameSettings& settings)
+{
+    ++m_frameNumber;
+    if (isNth(m_frameNumber, settings.loseEvery))
+        return;
+    if (isNth(m_frameNumber, settings.incompleteEvery)) {
+        m_sink.fail(Orvo::CAM_API_STS_MISSING_PACKETS);
+        return;
+    }
+    const std::size_t size = ImageMaker::sizeOf(settings.image);
+    if (m_free.empty() || m_free.back()->capacity < size) {
+        m_sink.fail(Orvo::CAM_API_STS_BUFFER_FULL);
+        return;
+    }
+    FrameBuffer* const buffer = m_free.back();
+    m_free.pop_back();
+
+    using namespace std::chrono;
+    const auto now = Acquisition::Clock::now().time_since_epoch();
+    m_maker.make(settings.image, m_frameNumber, duration<double>(now).count(), buffer->data);
+    buffer->size = size;
+    buffer->frameNumber = m_frameNumber;
+    buffer->timestampNs = static_cast<std::uint64_t>(duration_cast<nanoseconds>(now).count());
+    if (FrameBuffer* const returned = m_sink.deliver(buffer); returned != nullptr)
+        m_free.push_back(returned);
+}
+
+} // namespace orvo::simulated

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "cameralibs/devices/Device.h"
+#include "cameralibs/devices/simulated/Acquisition.h"
+#include "cameralibs/devices/simulated/ImageMaker.h"
+
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace orvo::simulated {
+
+struct CameraModel;
+
+/// The images of a built-in camera: a thread of its own makes each one when it is due and hands it to the sink.
+class FrameGenerator : public FrameSource {
+public:
+    FrameGenerator(const CameraModel& model, Acquisition& acquisition, FrameSink& sink,
+                   const std::vector<FrameBuffer*>& buffers);
+    ~FrameGenerator() override;
+
+    [[nodiscard]] Outcome start() override;
+    void stop() override;
+
+private:
+    void run();
+    void sendImage(const FrameSettings& settings);
+
+    Acquisition& m_acquisition;
+    FrameSink& m_sink;
+    std::vector<FrameBuffer*> m_free;
+    ImageMaker m_maker;
+    std::uint64_t m_frameNumber = 0;
+    std::thread m_thread;
+};
+
+} // namespace orvo::simulated

@@ -1,0 +1,22 @@
+#include "FrameSettings.h"
+
+#include <tuple>
+
+namespace orvo::simulated {
+
+namespace {
+
+auto members(const ImageSettings& s)
+{
+    return std::tie(s.format, s.width, s.height, s.offsetX, s.offsetY, s.binningX, s.binningY, s.reverseX, s.reverseY,
+                    s.pattern, s.red, s.green, s.blue, s.blackLevel, s.gamma);
+}
+
+} // namespace
+
+bool ImageSettings::operator==(const ImageSettings& other) const
+{
+    return members(*this) == members(other);
+}
+
+} // namespace orvo::simulated

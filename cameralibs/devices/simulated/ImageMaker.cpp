@@ -1,0 +1,211 @@
+#include "ImageMaker.h"
+
+#include "cameralibs/devices/simulated/FrameNumber.h"
+#include "cameralibs/devices/simulated/TestPatterns.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace orvo::simulated {
+
+namespace {
+
+Sample luma(const Sample& light)
+{
+    const auto level = static_cast<std::uint16_t>((77U * light.red + 150U * light.green + 29U * light.blue) >> 8);
+    return {level, level, level};
+}
+
+int groupBelow(int x)
+{
+    constexpr int kGroup = kPixelGroup;
+    return x / kGroup * kGroup;
+}
+
+} // namespace
+
+ImageMaker::ImageMaker(std::uint32_t sensorWidth, std::uint32_t sensorHeight, bool color)
+    : m_sensorWidth(sensorWidth)
+    , m_sensorHeight(sensorHeight)
+    , m_color(color)
+    , m_scene(sensorWidth, sensorHeight)
+{
+}
+
+std::size_t ImageMaker::sizeOf(const ImageSettings& settings)
+{
+    return bytesOf(*settings.format, static_cast<std::size_t>(settings.width) * settings.height);
+}
+
+void ImageMaker::make(const ImageSettings& settings, std::uint64_t frameNumber, double seconds, std::uint8_t* out)
+{
+    if (settings != m_settings)
+        prepare(settings);
+    if (m_settings.pattern == TestPattern::Off)
+        makeScene(frameNumber, seconds, out);
+    else
+        makePattern(frameNumber, out);
+}
+
+void ImageMaker::prepare(const ImageSettings& settings)
+{
+    m_settings = settings;
+    m_row.resize(settings.width);
+    m_light.resize(static_cast<std::size_t>(settings.width) * settings.binningX);
+    m_still.clear();
+    if (settings.pattern != TestPattern::Off)
+        return;
+
+    buildTone();
+    m_still.resize(sizeOf(settings));
+    const int width = static_cast<int>(settings.width);
+    for (int y = 0; y < static_cast<int>(settings.height); ++y) {
+        renderSpan(0, y, width, nullptr);
+        packSpan(0, y, width, m_still.data());
+    }
+}
+
+void ImageMaker::buildTone()
+{
+    const double factors[] = {m_settings.red, m_settings.green, m_settings.blue};
+    for (std::size_t channel = 0; channel < m_tone.size(); ++channel) {
+        auto& tone = m_tone[channel];
+        tone.resize(kFullLight + 1);
+        for (std::size_t light = 0; light < tone.size(); ++light) {
+            const double linear = static_cast<double>(light) / kFullLight * factors[channel] + m_settings.blackLevel;
+            const double value = std::pow(std::clamp(linear, 0.0, 1.0), m_settings.gamma);
+            tone[light] = static_cast<std::uint16_t>(value * std::numeric_limits<std::uint16_t>::max() + 0.5);
+        }
+    }
+}
+
+void ImageMaker::makeScene(std::uint64_t frameNumber, double seconds, std::uint8_t* out)
+{
+    std::memcpy(out, m_still.data(), m_still.size());
+    drawBall(seconds, out);
+    drawNumber(frameNumber, out);
+}
+
+void ImageMaker::makePattern(std::uint64_t frameNumber, std::uint8_t* out)
+{
+    const std::size_t rowBytes = bytesOf(*m_settings.format, m_settings.width);
+    std::array<const std::uint8_t*, kPatternRowKinds> made{};
+    for (std::uint32_t y = 0; y < m_settings.height; ++y) {
+        std::uint8_t* const row = out + y * rowBytes;
+        const std::uint8_t*& like = made[patternRowKind(m_settings, frameNumber, y)];
+        if (like != nullptr) {
+            std::memcpy(row, like, rowBytes);
+            continue;
+        }
+        paintPattern(m_settings, frameNumber, y, m_row.data());
+        m_settings.format->pack(m_row.data(), m_settings.width, y, row);
+        like = row;
+    }
+}
+
+void ImageMaker::drawBall(double seconds, std::uint8_t* out)
+{
+    const Ball ball = m_scene.ballAt(seconds);
+    const Rect onSensor = ball.bounds();
+
+    // From the sensor to the image: what ReverseX and ReverseY mirror, what the offset cuts, what binning joins.
+    const auto toImage = [](int low, int high, bool reversed, std::uint32_t sensor, std::uint32_t binning,
+                            std::uint32_t offset, std::uint32_t size, int& first, int& last) {
+        const int end = static_cast<int>(sensor);
+        if (reversed) {
+            std::swap(low, high);
+            low = end - low;
+            high = end - high;
+        }
+        const int step = static_cast<int>(binning);
+        first = std::clamp(low / step - static_cast<int>(offset) - 1, 0, static_cast<int>(size));
+        last = std::clamp(high / step - static_cast<int>(offset) + 1, 0, static_cast<int>(size));
+    };
+    const ImageSettings& s = m_settings;
+    Rect area;
+    toImage(onSensor.left, onSensor.right, s.reverseX, m_sensorWidth, s.binningX, s.offsetX, s.width, area.left,
+            area.right);
+    toImage(onSensor.top, onSensor.bottom, s.reverseY, m_sensorHeight, s.binningY, s.offsetY, s.height, area.top,
+            area.bottom);
+
+    const int left = groupBelow(area.left);
+    const int count = groupBelow(area.right - left + static_cast<int>(kPixelGroup) - 1);
+    for (int y = area.top; y < area.bottom; ++y) {
+        renderSpan(left, y, count, &ball);
+        packSpan(left, y, count, out);
+    }
+}
+
+void ImageMaker::drawNumber(std::uint64_t frameNumber, std::uint8_t* out)
+{
+    const FrameNumber number(frameNumber, m_settings.width, m_settings.height);
+    const Rect box = number.box();
+    for (int y = box.top; y < box.bottom; ++y) {
+        number.paint(y, m_row.data());
+        packSpan(box.left, y, box.right - box.left, out);
+    }
+}
+
+void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
+{
+    const int stepX = static_cast<int>(m_settings.binningX);
+    const int stepY = static_cast<int>(m_settings.binningY);
+    const int sensorCount = count * stepX;
+    int sensorX = (x + static_cast<int>(m_settings.offsetX)) * stepX;
+    if (m_settings.reverseX)
+        sensorX = static_cast<int>(m_sensorWidth) - sensorX - sensorCount;
+    const int sensorY = (y + static_cast<int>(m_settings.offsetY)) * stepY;
+
+    // Sums of the light of the sensor pixels that make up one pixel of the image.
+    struct Sum {
+        std::uint32_t red, green, blue;
+    };
+    static_assert(sizeof(Sample) == 3 * sizeof(std::uint16_t));
+    const std::uint32_t joined = m_settings.binningX * m_settings.binningY;
+    for (int i = 0; i < count; ++i)
+        m_row[static_cast<std::size_t>(i)] = {};
+    for (int row = 0; row < stepY; ++row) {
+        readSensor(sensorX, sensorY + row, sensorCount, ball, m_light.data());
+        for (int i = 0; i < count; ++i) {
+            const int from = m_settings.reverseX ? count - 1 - i : i;
+            Sum sum{0, 0, 0};
+            for (int column = 0; column < stepX; ++column) {
+                const Sample& light = m_light[static_cast<std::size_t>(from * stepX + column)];
+                sum.red += light.red;
+                sum.green += light.green;
+                sum.blue += light.blue;
+            }
+            Sample& pixel = m_row[static_cast<std::size_t>(i)];
+            pixel.red = static_cast<std::uint16_t>(pixel.red + sum.red);
+            pixel.green = static_cast<std::uint16_t>(pixel.green + sum.green);
+            pixel.blue = static_cast<std::uint16_t>(pixel.blue + sum.blue);
+        }
+    }
+    for (int i = 0; i < count; ++i) {
+        Sample& pixel = m_row[static_cast<std::size_t>(i)];
+        pixel = {m_tone[0][pixel.red / joined], m_tone[1][pixel.green / joined], m_tone[2][pixel.blue / joined]};
+    }
+}
+
+void ImageMaker::readSensor(int x, int y, int count, const Ball* ball, Sample* light) const
+{
+    const int row = m_settings.reverseY ? static_cast<int>(m_sensorHeight) - 1 - y : y;
+    m_scene.render(x, row, count, light);
+    if (ball != nullptr)
+        ball->paint(x, row, count, light);
+    if (!m_color)
+        std::transform(light, light + count, light, luma);
+}
+
+void ImageMaker::packSpan(int x, int y, int count, std::uint8_t* image) const
+{
+    const auto width = static_cast<std::size_t>(m_settings.width);
+    const std::size_t begin =
+        bytesOf(*m_settings.format, static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x));
+    m_settings.format->pack(m_row.data(), static_cast<std::size_t>(count), static_cast<std::uint32_t>(y),
+                            image + begin);
+}
+
+} // namespace orvo::simulated

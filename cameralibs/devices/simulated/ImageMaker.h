@@ -1,0 +1,51 @@
+#pragma once
+
+/// Makes the images of a built-in camera. What stands still in them is kept packed as long as the settings stay, so an
+/// image costs a copy and the few pixels that move. Lives on one thread.
+
+#include "cameralibs/devices/simulated/FrameSettings.h"
+#include "cameralibs/devices/simulated/Scene.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace orvo::simulated {
+
+class ImageMaker {
+public:
+    ImageMaker(std::uint32_t sensorWidth, std::uint32_t sensorHeight, bool color);
+
+    /// Bytes of an image with these settings.
+    [[nodiscard]] static std::size_t sizeOf(const ImageSettings& settings);
+
+    /// Fills `out`, of sizeOf(settings) bytes, with the image of a moment.
+    void make(const ImageSettings& settings, std::uint64_t frameNumber, double seconds, std::uint8_t* out);
+
+private:
+    void prepare(const ImageSettings& settings);
+    void buildTone();
+    void makeScene(std::uint64_t frameNumber, double seconds, std::uint8_t* out);
+    void makePattern(std::uint64_t frameNumber, std::uint8_t* out);
+    void drawBall(double seconds, std::uint8_t* out);
+    void drawNumber(std::uint64_t frameNumber, std::uint8_t* out);
+
+    /// Pixels of row `y` from column `x` in 16 bits per channel, with the ball where there is one.
+    void renderSpan(int x, int y, int count, const Ball* ball);
+    void readSensor(int x, int y, int count, const Ball* ball, Sample* light) const;
+    void packSpan(int x, int y, int count, std::uint8_t* image) const;
+
+    std::uint32_t m_sensorWidth;
+    std::uint32_t m_sensorHeight;
+    bool m_color;
+    Scene m_scene;
+
+    ImageSettings m_settings;
+    std::array<std::vector<std::uint16_t>, 3> m_tone; ///< from light to pixel value, per channel
+    std::vector<std::uint8_t> m_still;
+    std::vector<Sample> m_light;
+    std::vector<Sample> m_row;
+};
+
+} // namespace orvo::simulated

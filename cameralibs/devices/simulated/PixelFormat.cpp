@@ -1,0 +1,125 @@
+#include "PixelFormat.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace orvo::simulated {
+
+namespace {
+
+// What one pixel of a row says, in 16 bits.
+
+struct Mono {
+    static std::uint32_t component(const Sample& pixel, std::size_t, std::uint32_t)
+    {
+        return (77U * pixel.red + 150U * pixel.green + 29U * pixel.blue) >> 8;
+    }
+};
+
+struct BayerRG {
+    static std::uint32_t component(const Sample& pixel, std::size_t x, std::uint32_t y)
+    {
+        if (((x ^ y) & 1) != 0)
+            return pixel.green;
+        return (y & 1) != 0 ? pixel.blue : pixel.red;
+    }
+};
+
+// How the pixels of a row follow each other.
+
+template <typename Source> void packBytes(const Sample* pixels, std::size_t count, std::uint32_t y, std::uint8_t* out)
+{
+    for (std::size_t x = 0; x < count; ++x)
+        out[x] = static_cast<std::uint8_t>(Source::component(pixels[x], x, y) >> 8);
+}
+
+template <typename Source, unsigned Depth>
+void packWords(const Sample* pixels, std::size_t count, std::uint32_t y, std::uint8_t* out)
+{
+    for (std::size_t x = 0; x < count; ++x) {
+        const std::uint32_t word = Source::component(pixels[x], x, y) >> (16 - Depth);
+        out[2 * x] = static_cast<std::uint8_t>(word);
+        out[2 * x + 1] = static_cast<std::uint8_t>(word >> 8);
+    }
+}
+
+// Four pixels fill whole bytes: five of them with 10 bits, six with 12.
+template <typename Source, unsigned Depth>
+void packBits(const Sample* pixels, std::size_t count, std::uint32_t y, std::uint8_t* out)
+{
+    for (std::size_t x = 0; x < count; x += kPixelGroup) {
+        std::uint64_t bits = 0;
+        for (unsigned i = 0; i < kPixelGroup; ++i)
+            bits |= static_cast<std::uint64_t>(Source::component(pixels[x + i], x + i, y) >> (16 - Depth)) << i * Depth;
+        for (unsigned i = 0; i < kPixelGroup * Depth / 8; ++i)
+            *out++ = static_cast<std::uint8_t>(bits >> 8 * i);
+    }
+}
+
+void packRgb8(const Sample* pixels, std::size_t count, std::uint32_t, std::uint8_t* out)
+{
+    for (std::size_t x = 0; x < count; ++x) {
+        *out++ = static_cast<std::uint8_t>(pixels[x].red >> 8);
+        *out++ = static_cast<std::uint8_t>(pixels[x].green >> 8);
+        *out++ = static_cast<std::uint8_t>(pixels[x].blue >> 8);
+    }
+}
+
+std::uint8_t rounded(double value)
+{
+    return static_cast<std::uint8_t>(std::clamp(value + 0.5, 0.0, 255.0));
+}
+
+// Full range BT.601; the chroma of a pair is that of its mean.
+void packYuv422(const Sample* pixels, std::size_t count, std::uint32_t, std::uint8_t* out)
+{
+    const auto luma = [](double r, double g, double b) { return 0.299 * r + 0.587 * g + 0.114 * b; };
+    for (std::size_t x = 0; x < count; x += 2) {
+        const Sample& first = pixels[x];
+        const Sample& second = pixels[x + 1];
+        const double red = (first.red + second.red) / 512.0;
+        const double green = (first.green + second.green) / 512.0;
+        const double blue = (first.blue + second.blue) / 512.0;
+        const double mean = luma(red, green, blue);
+        *out++ = rounded(luma(first.red, first.green, first.blue) / 256);
+        *out++ = rounded((blue - mean) / 1.772 + 128);
+        *out++ = rounded(luma(second.red, second.green, second.blue) / 256);
+        *out++ = rounded((red - mean) / 1.402 + 128);
+    }
+}
+
+constexpr PixelFormat kFormats[] = {
+    {"Mono8", 0x01080001, 8, 8, packBytes<Mono>},
+    {"Mono10", 0x01100003, 16, 10, packWords<Mono, 10>},
+    {"Mono10p", 0x010A0046, 10, 10, packBits<Mono, 10>},
+    {"Mono12", 0x01100005, 16, 12, packWords<Mono, 12>},
+    {"Mono12p", 0x010C0047, 12, 12, packBits<Mono, 12>},
+    {"Mono16", 0x01100007, 16, 16, packWords<Mono, 16>},
+    {"BayerRG8", 0x01080009, 8, 8, packBytes<BayerRG>},
+    {"BayerRG10", 0x0110000D, 16, 10, packWords<BayerRG, 10>},
+    {"BayerRG12", 0x01100011, 16, 12, packWords<BayerRG, 12>},
+    {"BayerRG12p", 0x010C0059, 12, 12, packBits<BayerRG, 12>},
+    {"RGB8", 0x02180014, 24, 8, packRgb8},
+    {"YUV422_8", 0x02100032, 16, 8, packYuv422},
+};
+
+template <typename Key, typename Field> const PixelFormat* find(Key key, Field PixelFormat::*field)
+{
+    const auto* const found = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                           [&](const auto& format) { return format.*field == key; });
+    return found != std::end(kFormats) ? found : nullptr;
+}
+
+} // namespace
+
+const PixelFormat* pixelFormat(std::uint32_t value)
+{
+    return find(value, &PixelFormat::value);
+}
+
+const PixelFormat* pixelFormat(std::string_view name)
+{
+    return find(name, &PixelFormat::name);
+}
+
+} // namespace orvo::simulated

@@ -1,0 +1,44 @@
+#include "SimulatedDevice.h"
+
+#include "cameralibs/devices/simulated/Attachment.h"
+#include "cameralibs/devices/simulated/CameraModel.h"
+#include "cameralibs/devices/simulated/Description.h"
+#include "cameralibs/devices/simulated/FrameGenerator.h"
+
+#include <utility>
+
+namespace orvo::simulated {
+
+SimulatedDevice::SimulatedDevice(const CameraModel& model, DeviceInfo info, std::shared_ptr<Attachment> attachment)
+    : m_model(model)
+    , m_info(std::move(info))
+    , m_attachment(std::move(attachment))
+    , m_description(describe(model))
+    , m_registers(model, m_acquisition)
+    , m_arvDevice(makeRegisterDevice(m_registers, m_description))
+{
+    m_registers.onUnplug([this](unsigned replugAfter) { unplug(replugAfter); });
+}
+
+Outcome SimulatedDevice::description(std::string& xml)
+{
+    xml = m_description;
+    return {};
+}
+
+Outcome SimulatedDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
+                                    std::unique_ptr<FrameSource>& source)
+{
+    source = std::make_unique<FrameGenerator>(m_model, m_acquisition, sink, buffers);
+    return {};
+}
+
+void SimulatedDevice::unplug(unsigned replugAfter)
+{
+    m_attachment->unplug(replugAfter);
+    m_acquisition.disconnect();
+    if (m_removed)
+        m_removed();
+}
+
+} // namespace orvo::simulated

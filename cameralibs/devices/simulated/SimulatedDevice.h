@@ -1,0 +1,41 @@
+#pragma once
+
+#include "cameralibs/devices/Device.h"
+#include "cameralibs/devices/simulated/Acquisition.h"
+#include "cameralibs/devices/simulated/CameraRegisters.h"
+#include "cameralibs/devices/simulated/RegisterDevice.h"
+
+#include <memory>
+#include <string>
+
+namespace orvo::simulated {
+
+class Attachment;
+struct CameraModel;
+
+/// An opened built-in camera.
+class SimulatedDevice : public Device {
+public:
+    SimulatedDevice(const CameraModel& model, DeviceInfo info, std::shared_ptr<Attachment> attachment);
+
+    [[nodiscard]] const DeviceInfo& info() const override { return m_info; }
+    [[nodiscard]] ArvDevice* registers() override { return m_arvDevice.get(); }
+    [[nodiscard]] Outcome description(std::string& xml) override;
+    [[nodiscard]] Outcome openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
+                                     std::unique_ptr<FrameSource>& source) override;
+    void onRemoval(std::function<void()> handler) override { m_removed = std::move(handler); }
+
+private:
+    void unplug(unsigned replugAfter);
+
+    const CameraModel& m_model;
+    DeviceInfo m_info;
+    std::shared_ptr<Attachment> m_attachment;
+    std::string m_description;
+    Acquisition m_acquisition;
+    CameraRegisters m_registers;
+    ArvDevicePtr m_arvDevice;
+    std::function<void()> m_removed;
+};
+
+} // namespace orvo::simulated
