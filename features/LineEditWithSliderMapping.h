@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+
+/// The arithmetic between a node's values and the positions of a slider, without a window.
+///
+/// A linear slider stands at value x scale, scale being a power of ten; a logarithmic one has the positions 0 to 10000.
+/// Positions are 32-bit: what leaves their range becomes INT_MIN, and the rules below rely on that.
+struct SliderMapping {
+    double scale = 1.0;     ///< slider units per unit of value
+    double logOffset = 0.0; ///< added before taking the logarithm
+    double logRange = 0.0;  ///< natural logarithm of the scaled span plus one
+    std::int64_t minInt = 0;
+    std::int64_t maxInt = 0;
+    std::int64_t incInt = 1;
+    double minFloat = 0.0;
+    double maxFloat = 0.0;
+    double incFloat = 1.0;
+    bool hasIncFloat = false;
+};
+
+/// Where a slider begins, ends and stands.
+struct SliderPositions {
+    int minimum = 0;
+    int maximum = 0;
+    int position = 0;
+};
+
+/// Each sets scale, offset and logarithmic range for the integer or float range in `mapping`, and tells where the
+/// slider is to stand. Of an empty range, where the minimum is not below the maximum, the position is the minimum's.
+[[nodiscard]] SliderPositions loadIntLinear(SliderMapping& mapping, std::int64_t value);
+[[nodiscard]] SliderPositions loadIntLog(SliderMapping& mapping, std::int64_t value);
+[[nodiscard]] SliderPositions loadFloatLinear(SliderMapping& mapping, double value);
+[[nodiscard]] SliderPositions loadFloatLog(SliderMapping& mapping, double value);
+
+[[nodiscard]] int intToPosition(const SliderMapping& mapping, bool logarithmic, std::int64_t value);
+[[nodiscard]] int floatToPosition(const SliderMapping& mapping, bool logarithmic, double value);
+
+/// The valid value at a position.
+[[nodiscard]] std::int64_t positionToInt(const SliderMapping& mapping, bool logarithmic, int position);
+[[nodiscard]] double positionToFloat(const SliderMapping& mapping, bool logarithmic, int position);
+
+/// The value brought into the range and onto a step. An integer takes the nearest step, halves upward. The steps of a
+/// float are as wide as its increment squared: so it is meant, and it is the ordinary snapping for an increment of 1
+/// only.
+[[nodiscard]] std::int64_t validInt(const SliderMapping& mapping, std::int64_t value);
+[[nodiscard]] double validFloat(const SliderMapping& mapping, double value);
