@@ -1,0 +1,32 @@
+#pragma once
+
+#include "camera/OrvoCamApi.h"
+
+#include <QString>
+
+/// Item data of a value cell: an EditorWidgetType as int.
+constexpr int EditorKindRole = Qt::UserRole + 3;
+
+/// The editor of a feature's value.
+enum EditorWidgetType : int {
+    EditorNone = 0, ///< the cell is not editable
+    EditorLineEdit = 1,
+    EditorComboBox = 2,
+    EditorSlider = 3, ///< LineEditWithSlider
+    EditorButton = 4,
+    EditorSpinBox = 5, ///< chosen for no node
+};
+
+/// What a node is shown as.
+struct NodeEditor {
+    EditorWidgetType editor;
+    Orvo::NodeRepresentation representation;
+
+    /// The editor of a node of this type, name and representation. With `useNameOverrides` a few well-known features
+    /// get a slider whatever the camera says of their representation. A type that is not known leaves the editor None.
+    [[nodiscard]] static NodeEditor choose(Orvo::NodeType type, const QString& name,
+                                           Orvo::NodeRepresentation representation, bool useNameOverrides);
+
+    /// The type as the user reads it.
+    [[nodiscard]] static QString typeText(Orvo::NodeType type);
+};
