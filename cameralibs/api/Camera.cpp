@@ -1,0 +1,89 @@
+#include "Camera.h"
+
+#include "cameralibs/api/HandleTable.h"
+#include "cameralibs/api/Stream.h"
+
+#include <utility>
+
+namespace orvo {
+
+using namespace Orvo;
+
+Camera::Camera(std::uint32_t index, DeviceInfo info, std::shared_ptr<Removal> removal, std::unique_ptr<Device> device,
+               std::shared_ptr<const Description> description)
+    : m_handle(newHandles())
+    , m_index(index)
+    , m_info(std::move(info))
+    , m_removal(std::move(removal))
+    , m_description(std::move(description))
+    , m_firstNode(newHandles(m_description->size()))
+    , m_device(std::move(device))
+    , m_nodes(std::make_unique<NodeMap>(m_description, m_device->registers()))
+{
+}
+
+Camera::~Camera()
+{
+    release();
+}
+
+NodeId Camera::nodeOf(CAM_NODE_HANDLE node) const
+{
+    // Handles below the first one wrap round to far beyond the last.
+    const CAM_NODE_HANDLE index = node - m_firstNode;
+    throwUnless(index < m_description->size(), CAM_API_STS_INVALID_NODE_HANDLE);
+    return static_cast<NodeId>(index);
+}
+
+std::shared_ptr<Stream> Camera::stream() const
+{
+    const std::lock_guard lock(m_streamMutex);
+    return m_stream;
+}
+
+void Camera::attachStream(const std::shared_ptr<Stream>& stream)
+{
+    const std::lock_guard lock(m_streamMutex);
+    throwUnless(!m_closing, CAM_API_STS_INVALID_CAMERA_HANDLE);
+    throwUnless(m_stream == nullptr, CAM_API_STS_ALREADY_OPENED);
+    m_stream = stream;
+}
+
+void Camera::detachStream(const Stream& stream)
+{
+    const std::lock_guard lock(m_streamMutex);
+    if (m_stream.get() == &stream)
+        m_stream = nullptr;
+}
+
+std::shared_ptr<Stream> Camera::beginClosing()
+{
+    const std::lock_guard lock(m_streamMutex);
+    m_closing = true;
+    return m_stream;
+}
+
+void Camera::release()
+{
+    const std::lock_guard lock(m_mutex);
+    // The node map reaches the device without keeping it alive.
+    m_nodes.reset();
+    m_device.reset();
+    m_released.store(true, std::memory_order_release);
+}
+
+void Camera::requireDevice() const
+{
+    throwUnless(m_device != nullptr, CAM_API_STS_INVALID_CAMERA_HANDLE);
+    throwUnless(!removed(), CAM_API_STS_CAMERA_NOT_RESPONDING);
+}
+
+void Camera::noteFailure(const Failure& failure)
+{
+    if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
+        m_removal->note();
+    else if (removed())
+        throw Failure(CAM_API_STS_CAMERA_NOT_RESPONDING);
+}
+
+} // namespace orvo

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "cameralibs/api/Failure.h"
+#include "cameralibs/api/NodeMap.h"
+#include "cameralibs/api/Removal.h"
+#include "cameralibs/devices/Device.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace orvo {
+
+class Stream;
+
+/// An opened camera. Any thread; whatever reaches the device or evaluates the description runs one at a time.
+class Camera {
+public:
+    Camera(std::uint32_t index, DeviceInfo info, std::shared_ptr<Removal> removal, std::unique_ptr<Device> device,
+           std::shared_ptr<const Description> description);
+    ~Camera();
+
+    [[nodiscard]] Orvo::CAM_HANDLE handle() const noexcept { return m_handle; }
+    [[nodiscard]] std::uint32_t indexWhenOpened() const noexcept { return m_index; }
+    [[nodiscard]] const DeviceInfo& info() const noexcept { return m_info; }
+    [[nodiscard]] const Description& description() const noexcept { return *m_description; }
+
+    [[nodiscard]] bool removed() const noexcept { return m_removal->noted(); }
+
+    /// False once the camera is gone or closed: the device may be opened anew.
+    [[nodiscard]] bool holdsDevice() const noexcept
+    {
+        return !removed() && !m_released.load(std::memory_order_acquire);
+    }
+
+    /// Throws Failure(CAM_API_STS_INVALID_NODE_HANDLE) for a handle that is not one of this camera's.
+    [[nodiscard]] NodeId nodeOf(Orvo::CAM_NODE_HANDLE node) const;
+    [[nodiscard]] Orvo::CAM_NODE_HANDLE handleOf(NodeId node) const noexcept { return m_firstNode + node; }
+
+    /// `work(NodeMap&)` with the device to itself. A status that tells of a lost device is noted before it is passed
+    /// on.
+    template <class Work> void evaluate(Work&& work)
+    {
+        withDevice([&](Device&, NodeMap& nodes) { work(nodes); });
+    }
+
+    template <class Work> void withDevice(Work&& work)
+    {
+        const std::lock_guard lock(m_mutex);
+        requireDevice();
+        try {
+            work(*m_device, *m_nodes);
+        } catch (const Failure& failure) {
+            noteFailure(failure);
+            throw;
+        }
+    }
+
+    /// Null without one.
+    [[nodiscard]] std::shared_ptr<Stream> stream() const;
+
+    /// Makes `stream` this camera's stream. Throws Failure(CAM_API_STS_ALREADY_OPENED) where it has one, and
+    /// Failure(CAM_API_STS_INVALID_CAMERA_HANDLE) where it is being closed.
+    void attachStream(const std::shared_ptr<Stream>& stream);
+    void detachStream(const Stream& stream);
+
+    /// The stream to close first, if any; no other can be attached from now on.
+    [[nodiscard]] std::shared_ptr<Stream> beginClosing();
+
+    /// Closes the device.
+    void release();
+
+private:
+    void requireDevice() const;
+    void noteFailure(const Failure& failure);
+
+    const Orvo::CAM_HANDLE m_handle;
+    const std::uint32_t m_index;
+    const DeviceInfo m_info;
+    const std::shared_ptr<Removal> m_removal;
+    const std::shared_ptr<const Description> m_description;
+    const Orvo::CAM_NODE_HANDLE m_firstNode;
+    std::atomic<bool> m_released{false};
+
+    std::mutex m_mutex; ///< guards the device and its node map
+    std::unique_ptr<Device> m_device;
+    std::unique_ptr<NodeMap> m_nodes;
+
+    mutable std::mutex m_streamMutex;
+    std::shared_ptr<Stream> m_stream;
+    bool m_closing = false;
+};
+
+} // namespace orvo

@@ -1,0 +1,35 @@
+#include "Description.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvo {
+
+NodeId DescribedNode::link(const char* property) const
+{
+    const auto found = std::find_if(references.begin(), references.end(),
+                                    [&](const Reference& reference) { return reference.property == property; });
+    return found == references.end() ? kNoNode : found->target;
+}
+
+NodeId Description::find(const std::string& name) const
+{
+    const auto found = m_byName.find(name);
+    return found == m_byName.end() ? kNoNode : found->second;
+}
+
+NodeId Description::add(DescribedNode node)
+{
+    const auto id = static_cast<NodeId>(m_nodes.size());
+    if (node.element != Element::enumEntry)
+        m_byName[node.name] = id;
+    m_nodes.push_back(std::move(node));
+    return id;
+}
+
+void Description::setXml(std::string xml)
+{
+    m_xml = std::move(xml);
+}
+
+} // namespace orvo

@@ -1,0 +1,25 @@
+#include "LastError.h"
+
+namespace orvo {
+
+namespace {
+
+std::string& text()
+{
+    thread_local std::string lastText;
+    return lastText;
+}
+
+} // namespace
+
+const char* lastGenICamError() noexcept
+{
+    return text().c_str();
+}
+
+void setLastGenICamError(const std::string& newText)
+{
+    text() = newText;
+}
+
+} // namespace orvo

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "cameralibs/api/AccessRule.h"
+#include "cameralibs/api/Failure.h"
+
+namespace orvo {
+
+/// A minimum, maximum or increment: told even for a node that cannot be read, where that is possible; where it is not,
+/// the node's own status comes first.
+template <class Limit> auto limitOf(const NodeMap& nodes, NodeId id, Limit&& limit)
+{
+    try {
+        return limit();
+    } catch (const Failure& failure) {
+        if (failure.status() != Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
+            requireReadable(nodes, id);
+        throw;
+    }
+}
+
+} // namespace orvo

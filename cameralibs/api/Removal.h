@@ -1,0 +1,35 @@
+#pragma once
+
+#include "cameralibs/api/Signal.h"
+
+#include <atomic>
+#include <memory>
+#include <utility>
+
+namespace orvo {
+
+/// Whether a camera is gone. Its own object, because whoever finds out may outlive the camera. Any thread.
+class Removal {
+public:
+    /// `signal` may be null.
+    explicit Removal(std::shared_ptr<Signal> signal)
+        : m_signal(std::move(signal))
+    {
+    }
+
+    /// The signal first: who sees that the camera is gone finds the signal set.
+    void note()
+    {
+        if (m_signal != nullptr)
+            m_signal->set();
+        m_noted.store(true, std::memory_order_release);
+    }
+
+    [[nodiscard]] bool noted() const noexcept { return m_noted.load(std::memory_order_acquire); }
+
+private:
+    std::shared_ptr<Signal> m_signal;
+    std::atomic<bool> m_noted{false};
+};
+
+} // namespace orvo

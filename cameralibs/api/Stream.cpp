@@ -1,0 +1,249 @@
+#include "Stream.h"
+
+#include "cameralibs/api/Camera.h"
+#include "cameralibs/api/HandleTable.h"
+#include "cameralibs/api/IntegerOperations.h"
+#include "cameralibs/api/TextOperations.h"
+
+#include <limits>
+#include <utility>
+
+namespace orvo {
+
+using namespace Orvo;
+
+namespace {
+
+constexpr std::uint32_t kMaxBuffers = 1024;
+
+/// Images that may arrive while the callback of an earlier one runs.
+constexpr std::size_t kSpares = 8;
+constexpr std::size_t kSparesOfLargeImages = 4;
+constexpr std::size_t kLargeImage = 4'000'000;
+
+thread_local int callbackDepth = 0;
+
+class InsideCallback {
+public:
+    InsideCallback() { ++callbackDepth; }
+    ~InsideCallback() { --callbackDepth; }
+    InsideCallback(const InsideCallback&) = delete;
+    InsideCallback& operator=(const InsideCallback&) = delete;
+};
+
+std::size_t readPayload(const NodeMap& nodes)
+{
+    const NodeId node = nodes.description().find("PayloadSize");
+    throwUnless(node != kNoNode, CAM_API_STS_NOT_IMPLEMENTED);
+    const std::int64_t payload = readInteger(nodes, node);
+    // A size of zero makes some transports divide by it.
+    if (payload <= 0 || payload > std::numeric_limits<std::uint32_t>::max())
+        throw Failure(CAM_API_STS_GENICAM_ERR, "[PayloadSize] No image has " + std::to_string(payload) + " bytes");
+    return static_cast<std::size_t>(payload);
+}
+
+} // namespace
+
+bool Stream::insideCallback() noexcept
+{
+    return callbackDepth != 0;
+}
+
+Stream::Stream(std::shared_ptr<Camera> camera)
+    : m_camera(std::move(camera))
+    , m_handle(newHandles())
+{
+}
+
+Stream::~Stream()
+{
+    close();
+}
+
+void Stream::open(std::uint32_t bufferCount)
+{
+    throwUnless(bufferCount > 0 && bufferCount <= kMaxBuffers, CAM_API_STS_INVALID_PARAMETER);
+    {
+        const std::lock_guard lock(m_stateMutex);
+        throwUnless(m_state == State::stopped, CAM_API_STS_INVALID_CAMERA_HANDLE);
+        m_state = State::changing;
+    }
+    try {
+        m_camera->withDevice([&](Device& device, NodeMap& nodes) {
+            const std::size_t payload = readPayload(nodes);
+            m_ring = std::make_unique<SlotRing>(bufferCount, payload > kLargeImage ? kSparesOfLargeImages : kSpares,
+                                                payload);
+            throwIfFailed(device.openSource(*this, m_ring->spares(), m_source));
+        });
+    } catch (...) {
+        setState(State::stopped);
+        throw;
+    }
+    setState(State::stopped);
+}
+
+void Stream::start()
+{
+    {
+        const std::lock_guard lock(m_stateMutex);
+        throwUnless(m_state != State::closed, CAM_API_STS_INVALID_STREAM_HANDLE);
+        throwUnless(m_state == State::stopped, CAM_API_STS_ALREADY_ACTIVATED);
+        m_state = State::changing;
+    }
+    try {
+        startDevice();
+    } catch (...) {
+        m_source->stop();
+        setState(State::stopped);
+        throw;
+    }
+    setState(State::running);
+}
+
+void Stream::stop()
+{
+    {
+        std::unique_lock lock(m_stateMutex);
+        m_stateChanged.wait(lock, [this] { return m_state != State::changing; });
+        if (m_state != State::running)
+            return;
+        m_state = State::changing;
+    }
+    // Whatever the camera answers: no callback runs after this.
+    try {
+        stopDevice();
+    } catch (...) {
+        m_source->stop();
+        setState(State::stopped);
+        throw;
+    }
+    setState(State::stopped);
+}
+
+void Stream::close()
+{
+    try {
+        stop();
+    } catch (const Failure&) {
+        // It is stopped on this side, and the camera is about to be left alone.
+    }
+    {
+        std::unique_lock lock(m_stateMutex);
+        m_stateChanged.wait(lock, [this] { return m_state != State::changing; });
+        m_state = State::closed;
+    }
+    m_source.reset();
+}
+
+void Stream::setImageCallback(Callback<CAM_IMAGE_ACQUIRED_CALLBACK> callback)
+{
+    const std::lock_guard lock(m_callbackMutex);
+    m_imageCallback = callback;
+}
+
+void Stream::setErrorCallback(Callback<CAM_IMAGE_ERROR_CALLBACK> callback)
+{
+    const std::lock_guard lock(m_callbackMutex);
+    m_errorCallback = callback;
+}
+
+void Stream::setBusyCallback(Callback<CAM_BUFFER_BUSY_CALLBACK> callback)
+{
+    const std::lock_guard lock(m_callbackMutex);
+    m_busyCallback = callback;
+}
+
+FrameBuffer* Stream::deliver(FrameBuffer* filled)
+{
+    SlotRing::Placed placed = m_ring->place(*filled);
+    Callback<CAM_IMAGE_ACQUIRED_CALLBACK> image;
+    Callback<CAM_BUFFER_BUSY_CALLBACK> busy;
+    {
+        const std::lock_guard lock(m_callbackMutex);
+        image = m_imageCallback;
+        busy = m_busyCallback;
+    }
+    const InsideCallback inside;
+    if (placed.stored && image.function != nullptr)
+        image.function(m_camera->handle(), m_handle, &placed.info, placed.slot, image.context);
+    if (!placed.stored && busy.function != nullptr)
+        busy.function(m_camera->handle(), m_handle, placed.slot, busy.context);
+    return placed.free;
+}
+
+void Stream::fail(CAM_API_STATUS status)
+{
+    Callback<CAM_IMAGE_ERROR_CALLBACK> error;
+    {
+        const std::lock_guard lock(m_callbackMutex);
+        error = m_errorCallback;
+    }
+    const InsideCallback inside;
+    if (error.function != nullptr)
+        error.function(m_camera->handle(), m_handle, status, m_ring->nextSlot(), error.context);
+}
+
+// Another payload needs other buffers, and a source that knows them.
+void Stream::prepareSource()
+{
+    m_camera->withDevice([&](Device& device, NodeMap& nodes) {
+        const std::size_t payload = readPayload(nodes);
+        if (payload <= m_ring->payload() && m_source != nullptr)
+            return;
+        m_source.reset();
+        m_ring->grow(payload);
+        throwIfFailed(device.openSource(*this, m_ring->spares(), m_source));
+    });
+}
+
+void Stream::startDevice()
+{
+    prepareSource();
+    m_ring->beginStart();
+    lockTransportLayer(true);
+    m_camera->withDevice([&](Device&, NodeMap&) { throwIfFailed(m_source->start()); });
+    execute("AcquisitionStart");
+}
+
+void Stream::stopDevice()
+{
+    if (!m_camera->removed())
+        execute("AcquisitionStop");
+    // Not under the camera's lock: the callback that is waited for may be waiting for that lock.
+    m_source->stop();
+    if (!m_camera->removed())
+        lockTransportLayer(false);
+}
+
+void Stream::execute(const char* command)
+{
+    m_camera->evaluate([&](NodeMap& nodes) {
+        const NodeId node = nodes.description().find(command);
+        if (node != kNoNode)
+            executeCommand(nodes, node);
+    });
+}
+
+void Stream::lockTransportLayer(bool locked)
+{
+    try {
+        m_camera->evaluate([&](NodeMap& nodes) {
+            const NodeId node = nodes.description().find("TLParamsLocked");
+            if (node != kNoNode)
+                writeInteger(nodes, node, locked ? 1 : 0, false);
+        });
+    } catch (const Failure& failure) {
+        // A camera that has the feature but does not take it guards its settings by itself.
+        if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
+            throw;
+    }
+}
+
+void Stream::setState(State state)
+{
+    const std::lock_guard lock(m_stateMutex);
+    m_state = state;
+    m_stateChanged.notify_all();
+}
+
+} // namespace orvo

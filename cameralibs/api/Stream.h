@@ -1,0 +1,76 @@
+#pragma once
+
+#include "cameralibs/api/SlotRing.h"
+#include "cameralibs/devices/Device.h"
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
+namespace orvo {
+
+class Camera;
+
+/// The image stream of a camera. Any thread; the callbacks run on the source's thread, with no lock held.
+class Stream : private FrameSink {
+public:
+    explicit Stream(std::shared_ptr<Camera> camera);
+    ~Stream() override;
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+
+    /// True on a thread that is in a callback of any stream.
+    [[nodiscard]] static bool insideCallback() noexcept;
+
+    [[nodiscard]] Orvo::CAM_STRM_HANDLE handle() const noexcept { return m_handle; }
+    [[nodiscard]] Camera& camera() const noexcept { return *m_camera; }
+
+    /// Comes first, once. All throw Failure.
+    void open(std::uint32_t bufferCount);
+    [[nodiscard]] std::size_t payload() const { return m_ring->payload(); }
+    void start();
+    void stop();
+
+    /// Stops, and gives the device's part back. Nothing can be started any more. Does not throw.
+    void close();
+
+    [[nodiscard]] SlotRing& slots() noexcept { return *m_ring; }
+
+    template <class Function> struct Callback {
+        Function function = nullptr;
+        void* context = nullptr;
+    };
+    void setImageCallback(Callback<Orvo::CAM_IMAGE_ACQUIRED_CALLBACK> callback);
+    void setErrorCallback(Callback<Orvo::CAM_IMAGE_ERROR_CALLBACK> callback);
+    void setBusyCallback(Callback<Orvo::CAM_BUFFER_BUSY_CALLBACK> callback);
+
+private:
+    enum class State { stopped, changing, running, closed };
+
+    [[nodiscard]] FrameBuffer* deliver(FrameBuffer* filled) override;
+    void fail(Orvo::CAM_API_STATUS status) override;
+
+    void prepareSource();
+    void startDevice();
+    void stopDevice();
+    void execute(const char* command);
+    void lockTransportLayer(bool locked);
+    void setState(State state);
+
+    const std::shared_ptr<Camera> m_camera;
+    const Orvo::CAM_STRM_HANDLE m_handle;
+
+    std::mutex m_stateMutex;
+    std::condition_variable m_stateChanged;
+    State m_state = State::stopped;
+
+    std::unique_ptr<SlotRing> m_ring;
+    std::unique_ptr<FrameSource> m_source;
+
+    std::mutex m_callbackMutex;
+    Callback<Orvo::CAM_IMAGE_ACQUIRED_CALLBACK> m_imageCallback;
+    Callback<Orvo::CAM_IMAGE_ERROR_CALLBACK> m_errorCallback;
+    Callback<Orvo::CAM_BUFFER_BUSY_CALLBACK> m_busyCallback;
+};
+
+} // namespace orvo

@@ -1,0 +1,240 @@
+#include "System.h"
+
+#include "cameralibs/api/Failure.h"
+#include "cameralibs/api/TextOperations.h"
+#include "cameralibs/devices/AravisProvider.h"
+#include "cameralibs/devices/simulated/SimulatedProvider.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace orvo {
+
+using namespace Orvo;
+
+namespace {
+
+/// The process's one System, if any.
+struct Root {
+    std::mutex mutex;
+    std::shared_ptr<System> system;
+    bool terminating = false;
+};
+
+Root& root()
+{
+    static Root theRoot;
+    return theRoot;
+}
+
+/// Held wherever Aravis lists or opens devices or parses a description, which it can do once at a time per process.
+std::mutex& providerMutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+bool sameDevice(const DeviceInfo& a, const DeviceInfo& b)
+{
+    return a.link == b.link && a.id == b.id;
+}
+
+} // namespace
+
+System::System()
+{
+    m_providers.push_back(makeAravisProvider());
+    // Nobody changes the environment while the library starts.
+    m_providers.push_back(
+        makeSimulatedProvider(std::getenv("ORVO_SIMULATED_CAMERAS"))); // NOLINT(concurrency-mt-unsafe)
+}
+
+System::~System() = default;
+
+std::shared_ptr<System> System::current()
+{
+    const std::lock_guard lock(root().mutex);
+    return root().terminating ? nullptr : root().system;
+}
+
+CAM_API_STATUS System::initialize()
+{
+    const std::lock_guard lock(root().mutex);
+    if (root().system != nullptr)
+        return CAM_API_STS_ALREADY_INITIALIZED;
+    root().system = std::make_shared<System>();
+    return CAM_API_STS_SUCCESS;
+}
+
+CAM_API_STATUS System::terminate()
+{
+    std::shared_ptr<System> system;
+    {
+        const std::lock_guard lock(root().mutex);
+        if (root().system == nullptr || root().terminating)
+            return CAM_API_STS_NOT_INITIALIZED;
+        root().terminating = true;
+        system = root().system;
+    }
+    // Without the lock: the streams that end here may have callbacks under way that call into the library.
+    system->shutDown();
+    const std::lock_guard lock(root().mutex);
+    root().system = nullptr;
+    root().terminating = false;
+    return CAM_API_STS_SUCCESS;
+}
+
+std::uint32_t System::enumerate()
+{
+    const std::lock_guard providers(providerMutex());
+    std::vector<Listed> found;
+    for (const auto& provider : m_providers)
+        for (DeviceInfo& info : provider->enumerate())
+            found.push_back({provider.get(), std::move(info)});
+    const std::lock_guard lock(m_listMutex);
+    m_list = std::move(found);
+    return static_cast<std::uint32_t>(m_list.size());
+}
+
+DeviceInfo System::listedCamera(std::uint32_t index) const
+{
+    DeviceInfo info = listed(index).info;
+    const std::lock_guard lock(m_listMutex);
+    if (const auto name = m_userNames.find({info.link, info.id}); name != m_userNames.end())
+        info.userName = name->second;
+    return info;
+}
+
+std::uint32_t System::indexOf(const Camera& camera) const
+{
+    const std::lock_guard lock(m_listMutex);
+    const auto found = std::find_if(m_list.begin(), m_list.end(),
+                                    [&](const Listed& entry) { return sameDevice(entry.info, camera.info()); });
+    return found == m_list.end() ? camera.indexWhenOpened() : static_cast<std::uint32_t>(found - m_list.begin());
+}
+
+DeviceInfo System::infoOf(const Camera& camera) const
+{
+    DeviceInfo info = camera.info();
+    const std::lock_guard lock(m_listMutex);
+    if (const auto name = m_userNames.find({info.link, info.id}); name != m_userNames.end())
+        info.userName = name->second;
+    return info;
+}
+
+void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CAM_HANDLE* handle)
+{
+    const Listed entry = listed(index);
+    const std::lock_guard providers(providerMutex());
+    throwUnless(!m_providers.empty(), CAM_API_STS_NOT_INITIALIZED);
+    throwUnless(!isOpen(entry.info), CAM_API_STS_ALREADY_OPENED);
+    std::unique_ptr<Device> device;
+    throwIfFailed(entry.provider->open(entry.info.id, device));
+
+    std::shared_ptr<Signal> signal;
+    if (removalSignal != 0) {
+        signal = m_signals.find(removalSignal);
+        throwUnless(signal != nullptr, CAM_API_STS_INVALID_EVENT_HANDLE);
+    }
+    throwUnless(handle != nullptr, CAM_API_STS_INVALID_PARAMETER);
+    if (signal != nullptr)
+        signal->clear();
+    auto removal = std::make_shared<Removal>(std::move(signal));
+    device->onRemoval([removal] { removal->note(); });
+
+    std::string xml;
+    throwIfFailed(device->description(xml));
+    const auto camera =
+        std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
+    rememberUserName(*camera);
+    throwUnless(m_cameras.add(camera->handle(), camera), CAM_API_STS_NOT_INITIALIZED);
+    *handle = camera->handle();
+}
+
+bool System::closeCamera(CAM_HANDLE handle)
+{
+    const auto camera = m_cameras.take(handle);
+    if (camera != nullptr)
+        close(*camera);
+    return camera != nullptr;
+}
+
+std::shared_ptr<Stream> System::openStream(const std::shared_ptr<Camera>& camera, std::uint32_t bufferCount)
+{
+    auto stream = std::make_shared<Stream>(camera);
+    camera->attachStream(stream);
+    try {
+        stream->open(bufferCount);
+        throwUnless(m_streams.add(stream->handle(), stream), CAM_API_STS_NOT_INITIALIZED);
+    } catch (...) {
+        stream->close();
+        camera->detachStream(*stream);
+        throw;
+    }
+    return stream;
+}
+
+bool System::closeStream(CAM_STRM_HANDLE handle)
+{
+    const auto stream = m_streams.take(handle);
+    if (stream == nullptr)
+        return false;
+    stream->close();
+    stream->camera().detachStream(*stream);
+    return true;
+}
+
+System::Listed System::listed(std::uint32_t index) const
+{
+    const std::lock_guard lock(m_listMutex);
+    throwUnless(index < m_list.size(), CAM_API_STS_INVALID_CAMERA_INDEX);
+    return m_list[index];
+}
+
+bool System::isOpen(const DeviceInfo& info) const
+{
+    const auto cameras = m_cameras.all();
+    return std::any_of(cameras.begin(), cameras.end(), [&](const std::shared_ptr<Camera>& camera) {
+        return camera->holdsDevice() && sameDevice(camera->info(), info);
+    });
+}
+
+void System::rememberUserName(Camera& camera)
+{
+    const NodeId node = camera.description().find("DeviceUserID");
+    if (node == kNoNode || camera.description().node(node).type != NODE_TYPE_STRING)
+        return;
+    try {
+        std::string name;
+        camera.evaluate([&](NodeMap& nodes) { name = readText(nodes, node); });
+        const std::lock_guard lock(m_listMutex);
+        m_userNames[{camera.info().link, camera.info().id}] = name;
+    } catch (const Failure& failure) {
+        // A camera that keeps its name to itself is as good as any other; one that is lost is not.
+        if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
+            throw;
+    }
+}
+
+void System::close(Camera& camera)
+{
+    if (const auto stream = camera.beginClosing(); stream != nullptr) {
+        (void)m_streams.take(stream->handle());
+        stream->close();
+        camera.detachStream(*stream);
+    }
+    camera.release();
+}
+
+void System::shutDown()
+{
+    for (const auto& camera : m_cameras.close())
+        close(*camera);
+    (void)m_streams.close();
+    for (const auto& signal : m_signals.close())
+        signal->close(CAM_API_STS_NOT_INITIALIZED);
+    const std::lock_guard providers(providerMutex());
+    m_providers.clear();
+}
+
+} // namespace orvo

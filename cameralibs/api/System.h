@@ -1,0 +1,77 @@
+#pragma once
+
+#include "cameralibs/api/Camera.h"
+#include "cameralibs/api/HandleTable.h"
+#include "cameralibs/api/Signal.h"
+#include "cameralibs/api/Stream.h"
+#include "cameralibs/devices/Device.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvo {
+
+/// The root object, alive between Sys_Initialize and Sys_Terminate. Any thread.
+class System {
+public:
+    System();
+    ~System();
+
+    /// Null before initialize() and from the begin of terminate() on.
+    [[nodiscard]] static std::shared_ptr<System> current();
+    [[nodiscard]] static Orvo::CAM_API_STATUS initialize();
+    [[nodiscard]] static Orvo::CAM_API_STATUS terminate();
+
+    [[nodiscard]] HandleTable<Signal>& signals() noexcept { return m_signals; }
+    [[nodiscard]] const HandleTable<Camera>& cameras() const noexcept { return m_cameras; }
+    [[nodiscard]] const HandleTable<Stream>& streams() const noexcept { return m_streams; }
+
+    /// Looks for cameras; the number of them.
+    [[nodiscard]] std::uint32_t enumerate();
+
+    /// A camera of the last enumeration. Throws Failure(CAM_API_STS_INVALID_CAMERA_INDEX).
+    [[nodiscard]] DeviceInfo listedCamera(std::uint32_t index) const;
+
+    /// The index that an open camera has in the last enumeration, and what is known of it.
+    [[nodiscard]] std::uint32_t indexOf(const Camera& camera) const;
+    [[nodiscard]] DeviceInfo infoOf(const Camera& camera) const;
+
+    /// `handle` may be null, which is told in its turn.
+    void openCamera(std::uint32_t index, Orvo::CAM_SIGNAL_HANDLE removalSignal, Orvo::CAM_HANDLE* handle);
+
+    /// False for a handle that another thread closed meanwhile.
+    [[nodiscard]] bool closeCamera(Orvo::CAM_HANDLE handle);
+
+    [[nodiscard]] std::shared_ptr<Stream> openStream(const std::shared_ptr<Camera>& camera, std::uint32_t bufferCount);
+    [[nodiscard]] bool closeStream(Orvo::CAM_STRM_HANDLE handle);
+
+private:
+    struct Listed {
+        DeviceProvider* provider;
+        DeviceInfo info;
+    };
+
+    using DeviceKey = std::pair<Orvo::CAM_LINK, std::string>;
+
+    [[nodiscard]] Listed listed(std::uint32_t index) const;
+    [[nodiscard]] bool isOpen(const DeviceInfo& info) const;
+    void rememberUserName(Camera& camera);
+    void close(Camera& camera);
+    void shutDown();
+
+    std::vector<std::unique_ptr<DeviceProvider>> m_providers;
+
+    mutable std::mutex m_listMutex;
+    std::vector<Listed> m_list;
+    std::map<DeviceKey, std::string> m_userNames; ///< of the cameras that were open once
+
+    HandleTable<Signal> m_signals;
+    HandleTable<Camera> m_cameras;
+    HandleTable<Stream> m_streams;
+};
+
+} // namespace orvo

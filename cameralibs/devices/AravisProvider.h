@@ -1,0 +1,12 @@
+#pragma once
+
+#include "cameralibs/devices/Device.h"
+
+#include <memory>
+
+namespace orvo {
+
+/// USB3 Vision and GigE Vision cameras.
+[[nodiscard]] std::unique_ptr<DeviceProvider> makeAravisProvider();
+
+} // namespace orvo
