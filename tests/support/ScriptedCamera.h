@@ -26,7 +26,7 @@ namespace scripted {
 struct Call {
     std::string operation;
     std::vector<std::string> arguments;
-    Orvo::CAM_API_STATUS result; ///< CAM_API_STS_UNSUCCESSFUL while it is under way
+    Orvo::CAM_API_STATUS result = Orvo::CAM_API_STS_UNSUCCESSFUL; ///< CAM_API_STS_UNSUCCESSFUL while it is under way
 
     /// `Operation(a, b)`.
     [[nodiscard]] std::string text() const;

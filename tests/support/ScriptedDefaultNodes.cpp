@@ -98,10 +98,11 @@ NodeSpec enumEntry(std::string name, std::int64_t value, Orvo::NodeAccessMode ac
 void setNodes(std::vector<NodeSpec> nodes)
 {
     const std::lock_guard lock(world().mutex);
-    if (world().camera.handle == 0)
+    if (world().camera.handle == 0) {
         world().nodes = NodeMap(std::move(nodes));
-    else
+    } else {
         world().nextNodes = NodeMap(std::move(nodes));
+    }
 }
 
 NodeSpec node(const std::string& name)

@@ -7,85 +7,60 @@ namespace scripted {
 
 namespace {
 
-Argument word(const char* value)
-{
-    Argument argument;
-    argument.kind = Argument::Kind::Word;
-    argument.asText = value;
-    return argument;
-}
+struct ToString {
+    std::string operator()(std::uint64_t value) const { return std::to_string(value); }
+    std::string operator()(std::int64_t value) const { return std::to_string(value); }
+    std::string operator()(bool value) const { return value ? "true" : "false"; }
+    std::string operator()(Argument::Word word) const { return word.literal; }
+    std::string operator()(Argument::Text text) const { return '"' + std::string(text.bytes) + '"'; }
+    std::string operator()(double value) const
+    {
+        std::array<char, 64> buffer{};
+        return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
+    }
+};
 
 } // namespace
 
 Argument number(std::uint64_t value)
 {
-    Argument argument;
-    argument.asUnsigned = value;
-    return argument;
+    return Argument(value);
 }
-
 Argument integer(std::int64_t value)
 {
-    Argument argument;
-    argument.kind = Argument::Kind::Signed;
-    argument.asSigned = value;
-    return argument;
+    return Argument(value);
 }
-
 Argument real(double value)
 {
-    Argument argument;
-    argument.kind = Argument::Kind::Real;
-    argument.asReal = value;
-    return argument;
+    return Argument(value);
 }
-
 Argument flag(bool value)
 {
-    Argument argument;
-    argument.kind = Argument::Kind::Flag;
-    argument.asFlag = value;
-    return argument;
+    return Argument(value);
+}
+Argument out(const void* pointer)
+{
+    return Argument(Argument::Word{pointer == nullptr ? "null" : "out"});
+}
+Argument in(const void* pointer)
+{
+    return Argument(Argument::Word{pointer == nullptr ? "null" : "ptr"});
 }
 
 Argument text(const char* value)
 {
-    Argument argument = word("null");
-    if (value != nullptr) {
-        argument.kind = Argument::Kind::Text;
-        argument.asText = value;
-    }
-    return argument;
+    return value == nullptr ? out(nullptr) : Argument(Argument::Text{value});
 }
 
-Argument out(const void* pointer)
+const char* Argument::textBytes() const noexcept
 {
-    return word(pointer == nullptr ? "null" : "out");
-}
-Argument in(const void* pointer)
-{
-    return word(pointer == nullptr ? "null" : "ptr");
+    const Text* text = std::get_if<Text>(&m_value);
+    return text == nullptr ? nullptr : text->bytes;
 }
 
 std::string Argument::toString() const
 {
-    switch (kind) {
-    case Kind::Unsigned:
-        return std::to_string(asUnsigned);
-    case Kind::Signed:
-        return std::to_string(asSigned);
-    case Kind::Real: {
-        std::array<char, 64> buffer{};
-        return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), asReal).ptr};
-    }
-    case Kind::Flag:
-        return asFlag ? "true" : "false";
-    case Kind::Text:
-        return '"' + std::string(asText) + '"';
-    case Kind::Word:
-        break;
-    }
-    return asText;
+    return std::visit(ToString{}, m_value);
 }
 
 std::string Call::text() const
@@ -121,10 +96,9 @@ std::uint64_t Recorder::begin(Operation& operation, std::initializer_list<Argume
     ++operation.countSinceClear;
     ++operation.countEver;
     m_entries.push_back({&operation, m_arguments.size(), arguments.size(), Orvo::CAM_API_STS_UNSUCCESSFUL});
-    for (Argument argument : arguments) {
-        if (argument.kind == Argument::Kind::Text)
-            argument.asText = m_texts.emplace_back(argument.asText).c_str();
-        m_arguments.push_back(argument);
+    for (const Argument& argument : arguments) {
+        const char* bytes = argument.textBytes();
+        m_arguments.push_back(bytes == nullptr ? argument : text(m_texts.emplace_back(bytes).c_str()));
     }
     return m_firstSequence + m_entries.size() - 1;
 }

@@ -11,25 +11,34 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <variant>
 #include <vector>
 
 namespace scripted {
 
 /// One argument of a call, kept as it came and made a text only when a test asks: a feature browser over 20,000 nodes
 /// makes some hundred thousand calls.
-struct Argument {
-    enum class Kind : std::uint8_t { Unsigned, Signed, Real, Flag, Word, Text };
-
-    Kind kind = Kind::Unsigned;
-    union {
-        std::uint64_t asUnsigned = 0;
-        std::int64_t asSigned;
-        double asReal;
-        bool asFlag;
-        const char* asText;
+class Argument {
+public:
+    struct Word {
+        const char* literal;
     };
+    struct Text {
+        const char* bytes;
+    };
+    using Value = std::variant<std::uint64_t, std::int64_t, double, bool, Word, Text>;
 
+    explicit Argument(Value value) noexcept
+        : m_value(value)
+    {
+    }
+
+    /// The text argument's bytes, or null.
+    [[nodiscard]] const char* textBytes() const noexcept;
     [[nodiscard]] std::string toString() const;
+
+private:
+    Value m_value;
 };
 
 [[nodiscard]] Argument number(std::uint64_t value);

@@ -172,10 +172,11 @@ CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE signal, std::uint32_t timeout
         const auto decided = [&] { return closed() || world().signals[signal]; };
         if (const CAM_API_STATUS status = uninitialised())
             return status;
-        if (timeoutMs == waitWithoutEnd)
+        if (timeoutMs == waitWithoutEnd) {
             world().changed.wait(lock, decided);
-        else if (!decided())
+        } else if (!decided()) {
             world().changed.wait_for(lock, std::chrono::milliseconds(timeoutMs), decided);
+        }
         if (closed())
             return CAM_API_STS_INVALID_EVENT_HANDLE;
         return world().signals[signal] ? CAM_API_STS_SUCCESS : CAM_API_STS_TIMEOUT;

@@ -1,5 +1,8 @@
 #include "tests/support/ScriptedNodeAccess.h"
 
+#include <array>
+#include <string_view>
+
 using namespace scripted;
 
 namespace {
@@ -17,6 +20,19 @@ Orvo::CAM_API_STATUS cameraProperty(const char* operation, Orvo::CAM_HANDLE came
         return Orvo::CAM_API_STS_SUCCESS;
     });
 }
+
+struct Follower {
+    std::string_view node;
+    void (*follow)(ImageFormat& format, std::uint32_t value);
+};
+
+constexpr std::array<Follower, 5> followers = {{
+    {"Width", [](ImageFormat& format, std::uint32_t value) { format.width = value; }},
+    {"Height", [](ImageFormat& format, std::uint32_t value) { format.height = value; }},
+    {"PixelFormat", [](ImageFormat& format, std::uint32_t value) { format.pixelFormat = value; }},
+    {"TriggerMode", [](ImageFormat& format, std::uint32_t value) { format.triggerOn = value != 0; }},
+    {"TriggerSource", [](ImageFormat& format, std::uint32_t value) { format.triggerSource = value; }},
+}};
 
 /// Writes a number into a node that may be there and may take it.
 void leadNode(const char* name, std::int64_t value)
@@ -62,18 +78,10 @@ void onConvImage(std::function<void(void*, const void*, std::uint32_t, std::uint
 
 void followNode(const NodeMap::Node& node)
 {
-    ImageFormat& format = world().format;
-    const auto value = static_cast<std::uint32_t>(node.spec.intValue);
-    if (node.spec.name == "Width")
-        format.width = value;
-    else if (node.spec.name == "Height")
-        format.height = value;
-    else if (node.spec.name == "PixelFormat")
-        format.pixelFormat = value;
-    else if (node.spec.name == "TriggerMode")
-        format.triggerOn = value != 0;
-    else if (node.spec.name == "TriggerSource")
-        format.triggerSource = value;
+    for (const Follower& follower : followers) {
+        if (follower.node == node.spec.name)
+            follower.follow(world().format, static_cast<std::uint32_t>(node.spec.intValue));
+    }
 }
 
 void changeNode(const std::string& name, const std::function<void(NodeSpec&)>& change)

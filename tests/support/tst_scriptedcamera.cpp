@@ -18,6 +18,7 @@ namespace {
 std::vector<std::string> texts(const std::vector<scripted::Call>& calls)
 {
     std::vector<std::string> result;
+    result.reserve(calls.size());
     for (const scripted::Call& call : calls)
         result.push_back(call.text());
     return result;
@@ -25,8 +26,8 @@ std::vector<std::string> texts(const std::vector<scripted::Call>& calls)
 
 class ScriptedCamera : public ::testing::Test {
 protected:
-    ScriptedCamera() { scripted::reset(); }
-    ~ScriptedCamera() override { scripted::reset(); }
+    void SetUp() override { scripted::reset(); }
+    void TearDown() override { scripted::reset(); }
 
     void open()
     {
@@ -395,12 +396,12 @@ TEST_F(ScriptedCamera, imageFormatAndNodesStayInStep)
 
 TEST_F(ScriptedCamera, nodeMapOfTwentyThousandIsWalked)
 {
-    constexpr int categories = 200;
-    constexpr int perCategory = 100;
+    constexpr std::int64_t categories = 200;
+    constexpr std::int64_t perCategory = 100;
     std::vector<scripted::NodeSpec> nodes{scripted::category("Root", {"Nowhere"})};
-    for (int c = 0; c < categories; ++c) {
+    for (std::int64_t c = 0; c < categories; ++c) {
         scripted::NodeSpec category = scripted::category("Category" + std::to_string(c), {});
-        for (int i = 0; i < perCategory; ++i) {
+        for (std::int64_t i = 0; i < perCategory; ++i) {
             category.features.push_back("Feature" + std::to_string(c * perCategory + i));
             scripted::NodeSpec feature;
             feature.name = category.features.back();
@@ -445,7 +446,7 @@ TEST_F(ScriptedCamera, nodeMapOfTwentyThousandIsWalked)
 TEST_F(ScriptedCamera, sharedLibrariesCarryTheNamesOfTheCameraLibraries)
 {
     void* utility = dlopen(ORVO_MAKER_LIBS "/libOrvoCamUtl_64.so.1", RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(utility, nullptr) << dlerror();
+    ASSERT_NE(utility, nullptr) << "the shared libraries are built beside this program";
     // The second library leads to the first.
     const auto initialize = reinterpret_cast<decltype(&Sys_Initialize)>(dlsym(utility, "Sys_Initialize"));
     const auto enumerate = reinterpret_cast<decltype(&Sys_GetNumOfCameras)>(dlsym(utility, "Sys_GetNumOfCameras"));
