@@ -1,0 +1,121 @@
+#include "discovery/DiscoveryDlg.h"
+
+#include "ui_DiscoveryDlg.h"
+
+#include <array>
+
+namespace {
+
+constexpr int kFirstEnumerationMs = 100;
+
+enum Column { kVendorName, kModelName, kSerialNo, kUserDefinedName, kCameraIndex, kColumnCount };
+
+// The column of the user-defined name takes what is left.
+constexpr std::array<std::pair<Column, int>, 3> kColumnWidths = {
+    {{kVendorName, 140}, {kModelName, 140}, {kSerialNo, 80}}};
+
+template <std::size_t capacity> QString fieldText(const char (&field)[capacity])
+{
+    return QString::fromLatin1(field, static_cast<int>(qstrnlen(field, capacity)));
+}
+
+} // namespace
+
+DiscoveryDlg::DiscoveryDlg(QWidget* parent)
+    : QDialog(parent)
+    , ui(std::make_unique<Ui_DiscoveryDlg>())
+{
+    ui->setupUi(this);
+
+    QTreeWidget& list = *ui->discoveryWidget;
+    list.setColumnCount(kColumnCount);
+    list.setHeaderLabels({tr("VendorName"), tr("ModelName"), tr("SerialNo"), tr("UserDefinedName")});
+    for (const auto& [column, width] : kColumnWidths)
+        list.setColumnWidth(column, width);
+    list.hideColumn(kCameraIndex);
+
+    connect(ui->PushButtonUpateCameraList, &QPushButton::clicked, this, &DiscoveryDlg::discovery_camera);
+    connect(ui->openButton, &QPushButton::clicked, this, &DiscoveryDlg::open_camera);
+    connect(ui->cancelButton, &QPushButton::clicked, this, &DiscoveryDlg::reject);
+}
+
+DiscoveryDlg::~DiscoveryDlg() = default;
+
+void DiscoveryDlg::showEvent(QShowEvent*)
+{
+    ui->PushButtonUpateCameraList->setEnabled(false);
+    timer_id = startTimer(kFirstEnumerationMs, Qt::CoarseTimer);
+}
+
+void DiscoveryDlg::timerEvent(QTimerEvent*)
+{
+    killTimer(timer_id);
+    discovery_camera();
+    ui->PushButtonUpateCameraList->setEnabled(true);
+}
+
+void DiscoveryDlg::discovery_camera()
+{
+    ui->PushButtonUpateCameraList->setEnabled(false);
+    ui->openButton->setEnabled(false);
+    ui->discoveryWidget->clear();
+
+    std::uint32_t count = 0;
+    CAM_API_STATUS status = Orvo::Sys_GetNumOfCameras(&count);
+    if (status != Orvo::CAM_API_STS_SUCCESS) {
+        // The update button stays disabled until the dialog is shown again; after the first enumeration the timer
+        // enables it.
+        emit setError(status, "Sys_GetNumOfCameras()");
+        return;
+    }
+    if (count == 0) {
+        ui->PushButtonUpateCameraList->setEnabled(true);
+        return;
+    }
+    for (std::int32_t index = 0; index < static_cast<std::int32_t>(count); ++index) {
+        Orvo::CAM_INFO info{};
+        status = Orvo::Cam_GetInformation(0, static_cast<std::uint32_t>(index), &info);
+        if (status != Orvo::CAM_API_STS_SUCCESS) {
+            emit setError(status, "Cam_GetInformation()");
+            ui->PushButtonUpateCameraList->setEnabled(true);
+            return;
+        }
+        addCamera(index, info);
+    }
+    ui->openButton->setEnabled(true);
+    ui->PushButtonUpateCameraList->setEnabled(true);
+}
+
+void DiscoveryDlg::addCamera(std::int32_t index, const Orvo::CAM_INFO& info)
+{
+    auto* const row = new QTreeWidgetItem(ui->discoveryWidget);
+    row->setText(kVendorName, fieldText(info.vendorName));
+    row->setText(kModelName, fieldText(info.modelName));
+    row->setText(kSerialNo, fieldText(info.serialNumber));
+    row->setText(kUserDefinedName, fieldText(info.userDefinedName));
+    row->setText(kCameraIndex, QString("%1").arg(index));
+    if (index == 0)
+        ui->discoveryWidget->setCurrentItem(row);
+}
+
+bool DiscoveryDlg::get_current_device(uint32_t* cur_device)
+{
+    const QList<QTreeWidgetItem*> selected = ui->discoveryWidget->selectedItems();
+    if (selected.isEmpty())
+        return false;
+    *cur_device = selected.first()->text(kCameraIndex).toUInt();
+    return true;
+}
+
+void DiscoveryDlg::on_discoveryWidget_itemSelectionChanged()
+{
+    std::uint32_t index = 0;
+    if (get_current_device(&index))
+        current_device = index;
+}
+
+void DiscoveryDlg::open_camera()
+{
+    if (!ui->discoveryWidget->selectedItems().isEmpty())
+        done(QDialog::Accepted);
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QFrame>
+#include <QImage>
+
+class GraphicsView;
+class ImageGraphicsItem;
+class MainWindow;
+class QGraphicsScene;
+class QLabel;
+class QLayout;
+class QToolButton;
+
+/// The main window's central widget while a camera is open: the newest image in a scene, scaled by a zoom factor, and
+/// above it a bar that switches between rubber-band selection and dragging by hand. Driven by the main window's signals
+/// only, but for the first size. GUI thread.
+class ImageView : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit ImageView(MainWindow* parent);
+
+    [[nodiscard]] GraphicsView* view() const noexcept { return m_view; }
+
+public slots:
+    void set_image_size(int width, int height);
+    /// Doubles and halves without a bound; the main window's actions keep the factor between 0.25 and 8.
+    void zoomIn();
+    void zoomOut();
+    void zoomReset();
+    void resetView();
+    void setupMatrix();
+    void togglePointerMode();
+    void toggleOpenGL();
+    void update_image(QImage pimage);
+    /// What is on screen stays until something repaints the view.
+    void clear_image();
+
+private:
+    [[nodiscard]] QLayout* createModeBar();
+    void connectTo(MainWindow* mainWindow);
+
+    GraphicsView* m_view;
+    QLabel* m_modeLabel;
+    QToolButton* m_selectButton;
+    QToolButton* m_dragButton;
+    QGraphicsScene* m_scene;
+    ImageGraphicsItem* m_imageItem; // the scene's
+    int m_imageWidth = 1;
+    int m_imageHeight = 1;
+    double m_zoomScale = 1.0;
+};
