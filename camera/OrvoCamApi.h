@@ -174,6 +174,13 @@ static_assert(sizeof(CAM_INFO) == 1024 && offsetof(CAM_INFO, vendorName) == 4 &&
 static_assert(offsetof(CAM_INFO, serialNumber) == 132 && offsetof(CAM_INFO, userDefinedName) == 196);
 static_assert(offsetof(CAM_INFO, cameraIndex) == 260);
 
+/// The kinds of camera that Sys_Initialize starts.
+enum CAM_LAYER : std::uint32_t {
+    CAM_LAYER_USB3_VISION = 1,
+    CAM_LAYER_GIGE_VISION = 2,
+    CAM_LAYER_SIMULATED = 4,
+};
+
 /// The versions of the layers below. The texts are UTF-8 and NUL-terminated, reserved bytes zero.
 struct CAM_SYSTEM_INFO {
     char driverVersion[64];
@@ -200,8 +207,8 @@ typedef void (*CAM_BUFFER_BUSY_CALLBACK)(CAM_HANDLE camera, CAM_STRM_HANDLE stre
 
 // --- System ---------------------------------------------------------------------------------------------------------
 
-/// `mask` selects the layers to start; 65535 for all. A second call without Sys_Terminate between gives
-/// CAM_API_STS_ALREADY_INITIALIZED.
+/// `mask` selects the layers to start, CAM_LAYER values added up; 65535 for all. A second call without Sys_Terminate
+/// between gives CAM_API_STS_ALREADY_INITIALIZED.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_Initialize(std::uint32_t mask);
 
 /// Closes every camera, stream and signal.

@@ -41,9 +41,14 @@ bool sameDevice(const DeviceInfo& a, const DeviceInfo& b)
 
 } // namespace
 
-System::System()
+System::System(std::uint32_t layers)
 {
-    m_providers.push_back(makeAravisProvider());
+    const bool usb = (layers & CAM_LAYER_USB3_VISION) != 0;
+    const bool gige = (layers & CAM_LAYER_GIGE_VISION) != 0;
+    if (usb || gige)
+        m_providers.push_back(makeAravisProvider(usb, gige));
+    if ((layers & CAM_LAYER_SIMULATED) == 0)
+        return;
     // Nobody changes the environment while the library starts.
     m_providers.push_back(
         makeSimulatedProvider(std::getenv("ORVO_SIMULATED_CAMERAS"))); // NOLINT(concurrency-mt-unsafe)
@@ -57,12 +62,12 @@ std::shared_ptr<System> System::current()
     return root().terminating ? nullptr : root().system;
 }
 
-CAM_API_STATUS System::initialize()
+CAM_API_STATUS System::initialize(std::uint32_t layers)
 {
     const std::lock_guard lock(root().mutex);
     if (root().system != nullptr)
         return CAM_API_STS_ALREADY_INITIALIZED;
-    root().system = std::make_shared<System>();
+    root().system = std::make_shared<System>(layers);
     return CAM_API_STS_SUCCESS;
 }
 

@@ -18,12 +18,13 @@ namespace orvo {
 /// The root object, alive between Sys_Initialize and Sys_Terminate. Any thread.
 class System {
 public:
-    System();
+    /// `layers` are CAM_LAYER values added up.
+    explicit System(std::uint32_t layers);
     ~System();
 
     /// Null before initialize() and from the begin of terminate() on.
     [[nodiscard]] static std::shared_ptr<System> current();
-    [[nodiscard]] static Orvo::CAM_API_STATUS initialize();
+    [[nodiscard]] static Orvo::CAM_API_STATUS initialize(std::uint32_t layers);
     [[nodiscard]] static Orvo::CAM_API_STATUS terminate();
 
     [[nodiscard]] HandleTable<Signal>& signals() noexcept { return m_signals; }

@@ -11,7 +11,7 @@ public:
     }
 };
 } // namespace
-std::unique_ptr<DeviceProvider> makeAravisProvider()
+std::unique_ptr<DeviceProvider> makeAravisProvider(bool, bool)
 {
     return std::make_unique<AravisProvider>();
 }

@@ -7,6 +7,6 @@
 namespace orvo {
 
 /// USB3 Vision and GigE Vision cameras.
-[[nodiscard]] std::unique_ptr<DeviceProvider> makeAravisProvider();
+[[nodiscard]] std::unique_ptr<DeviceProvider> makeAravisProvider(bool usb, bool gige);
 
 } // namespace orvo

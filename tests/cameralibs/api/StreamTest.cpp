@@ -1,0 +1,257 @@
+#include "CameraFixture.h"
+#include "StreamRecorder.h"
+
+#include <algorithm>
+#include <set>
+#include <thread>
+
+using namespace Orvo;
+
+namespace {
+
+constexpr std::uint32_t kSlots = 4;
+
+/// A small image at a high rate, with the callbacks recorded.
+class StreamTest : public CameraTest {
+protected:
+    StreamTest()
+    {
+        setInt("Width", 64);
+        setInt("Height", 64);
+        EXPECT_EQ(Strm_OpenSimple(m_camera, &m_stream, &m_maxSize, nullptr, kSlots, nullptr), CAM_API_STS_SUCCESS);
+        m_recorder.attachTo(m_stream);
+    }
+    ~StreamTest() override { (void)Strm_Stop(m_stream); }
+
+    void start() { ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS); }
+    void stop() { ASSERT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS); }
+
+    CAM_STRM_HANDLE m_stream = 0;
+    std::uint32_t m_maxSize = 0;
+    StreamRecorder m_recorder;
+};
+
+std::vector<std::uint8_t> bytesOf(const CAM_IMAGE_INFO& info)
+{
+    const auto* data = static_cast<const std::uint8_t*>(info.data);
+    return {data, data + info.dataSize};
+}
+
+} // namespace
+
+TEST_F(StreamTest, OpenTellsThePayloadAndOnlyOneIsOpen)
+{
+    EXPECT_EQ(m_maxSize, 64U * 64U);
+    CAM_STRM_HANDLE second = 0;
+    EXPECT_EQ(Strm_OpenSimple(m_camera, &second, nullptr, nullptr, kSlots, nullptr), CAM_API_STS_ALREADY_OPENED);
+    EXPECT_EQ(Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, kSlots, nullptr), CAM_API_STS_ALREADY_OPENED);
+    EXPECT_EQ(second, 0U);
+    ASSERT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_INVALID_STREAM_HANDLE);
+    EXPECT_EQ(Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, kSlots, nullptr), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(Strm_OpenSimple(m_camera, &second, nullptr, nullptr, 0, nullptr), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(Strm_OpenSimple(m_camera, &second, nullptr, nullptr, 0xFFFFFFFF, nullptr), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(Strm_OpenSimple(m_camera, &second, nullptr, nullptr, kSlots, nullptr), CAM_API_STS_SUCCESS);
+    EXPECT_NE(second, m_stream);
+}
+
+TEST_F(StreamTest, ClosingTheCameraClosesItsStream)
+{
+    start();
+    ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_INVALID_STREAM_HANDLE);
+    EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_INVALID_STREAM_HANDLE);
+}
+
+TEST_F(StreamTest, ImagesArriveWithTheirRecords)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(10));
+    stop();
+    std::uint64_t lastNumber = 0;
+    std::uint64_t lastTime = 0;
+    std::uint32_t expectedSlot = 0;
+    for (const auto& image : m_recorder.images()) {
+        EXPECT_EQ(image.camera, m_camera);
+        EXPECT_EQ(image.stream, m_stream);
+        EXPECT_EQ(image.info.frameNumber, lastNumber + 1) << "simulated cameras begin at 1 and lose nothing unasked";
+        EXPECT_GT(image.info.timestampNs, lastTime);
+        EXPECT_EQ(image.info.dataSize, 64U * 64U);
+        EXPECT_EQ(image.info.status, 0U);
+        EXPECT_NE(image.info.data, nullptr);
+        EXPECT_THAT(image.info.reserved0, ::testing::Each(0));
+        EXPECT_THAT(image.info.reserved16, ::testing::Each(0));
+        EXPECT_THAT(image.info.reserved56, ::testing::Each(0));
+        EXPECT_THAT(image.info.reserved68, ::testing::Each(0));
+        EXPECT_EQ(image.slot, expectedSlot);
+        expectedSlot = (expectedSlot + 1) % kSlots;
+        lastNumber = image.info.frameNumber;
+        lastTime = image.info.timestampNs;
+    }
+    EXPECT_EQ(m_recorder.overlaps(), 0);
+}
+
+TEST_F(StreamTest, StartedTwiceIsRefusedAndStoppedTwiceIsNot)
+{
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS) << "never started";
+    start();
+    EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_ALREADY_ACTIVATED);
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
+    start();
+}
+
+TEST_F(StreamTest, NoCallbackAfterStopReturned)
+{
+    for (int round = 0; round < 20; ++round) {
+        m_recorder.clear();
+        start();
+        ASSERT_TRUE(m_recorder.waitForImages(2));
+        stop();
+        const std::size_t atStop = m_recorder.images().size();
+        EXPECT_EQ(getInt("TLParamsLocked"), 0);
+        EXPECT_EQ(m_recorder.images().size(), atStop);
+    }
+}
+
+TEST_F(StreamTest, StopWaitsForTheCallbackUnderWay)
+{
+    std::atomic<bool> inside{false};
+    std::atomic<bool> left{false};
+    m_recorder.onImage = [&](const StreamRecorder::Image&) {
+        inside = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        left = true;
+    };
+    start();
+    while (!inside)
+        std::this_thread::yield();
+    left = false;
+    stop();
+    EXPECT_TRUE(left);
+}
+
+TEST_F(StreamTest, CurrentBufferNeedsAnImageOfThisStart)
+{
+    std::uint32_t index = 77;
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &index), CAM_API_STS_NOT_READY);
+    EXPECT_EQ(index, 77U);
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, nullptr), CAM_API_STS_INVALID_PARAMETER);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(1));
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &index), CAM_API_STS_SUCCESS);
+    EXPECT_LT(index, kSlots);
+    stop();
+    EXPECT_EQ(Nd_SetEnumStrValue(m_camera, node("TriggerMode"), "On"), CAM_API_STS_SUCCESS);
+    start();
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &index), CAM_API_STS_NOT_READY);
+}
+
+TEST_F(StreamTest, LocksCountAndNeedAFilledSlot)
+{
+    CAM_IMAGE_INFO info = {};
+    EXPECT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_NOT_READY);
+    EXPECT_EQ(Strm_LockBuffer(m_stream, kSlots, &info), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(Strm_LockBuffer(m_stream, 0, nullptr), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, kSlots), CAM_API_STS_INVALID_PARAMETER);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(1));
+    stop();
+    // After the stop too.
+    EXPECT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(info.dataSize, 64U * 64U);
+    EXPECT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_INVALID_PARAMETER);
+}
+
+TEST_F(StreamTest, LockedBufferIsNotWrittenAndNamedAsBusy)
+{
+    EXPECT_EQ(Nd_SetEnumStrValue(m_camera, node("TestPattern"), "GreyHorizontalRampMoving"), CAM_API_STS_SUCCESS);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(kSlots + 1));
+    std::uint32_t slot = 0;
+    ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), CAM_API_STS_SUCCESS);
+    CAM_IMAGE_INFO info = {};
+    ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
+    const std::vector<std::uint8_t> before = bytesOf(info);
+    ASSERT_TRUE(m_recorder.waitForBusy(5));
+    EXPECT_THAT(m_recorder.busy(), ::testing::Each(slot));
+    EXPECT_EQ(bytesOf(info), before);
+    // Dropped images leave the newest where it was.
+    std::uint32_t current = kSlots;
+    ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &current), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(current, (slot + kSlots - 1) % kSlots);
+    const std::size_t images = m_recorder.images().size();
+    ASSERT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
+    ASSERT_TRUE(m_recorder.waitForImages(images + 2));
+    stop();
+    const auto all = m_recorder.images();
+    EXPECT_EQ(all[images].slot, slot) << "the slot that was locked comes next";
+    EXPECT_EQ(all[images].info.frameNumber - all[images - 1].info.frameNumber, m_recorder.busy().size() + 1)
+        << "dropped images count";
+}
+
+TEST_F(StreamTest, LockOutlastsARestart)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(1));
+    stop();
+    CAM_IMAGE_INFO info = {};
+    ASSERT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
+    const std::vector<std::uint8_t> before = bytesOf(info);
+    // Larger images need larger buffers; the locked one stays as it is.
+    setInt("Width", 256);
+    setInt("Height", 256);
+    m_recorder.clear();
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(1));
+    EXPECT_EQ(m_recorder.images().front().info.dataSize, 256U * 256U);
+    ASSERT_TRUE(m_recorder.waitForBusy(1));
+    EXPECT_EQ(bytesOf(info), before);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_SUCCESS);
+    const std::size_t images = m_recorder.images().size();
+    ASSERT_TRUE(m_recorder.waitForImages(images + 2 * kSlots));
+}
+
+TEST_F(StreamTest, RemovedCallbacksAreNotCalled)
+{
+    ASSERT_EQ(Strm_SetCallbackImageAcquired(m_stream, nullptr, nullptr), CAM_API_STS_SUCCESS);
+    start();
+    std::uint32_t index = 0;
+    while (Strm_GetCurrentBufferIndex(m_stream, &index) != CAM_API_STS_SUCCESS)
+        std::this_thread::yield();
+    stop();
+    EXPECT_TRUE(m_recorder.images().empty());
+}
+
+TEST_F(StreamTest, UnpluggedWhileStreaming)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(2));
+    std::uint32_t slot = 0;
+    CAM_IMAGE_INFO info = {};
+    ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
+    unplug();
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
+    const std::size_t images = m_recorder.images().size();
+    EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(m_recorder.images().size(), images);
+}
+
+TEST_F(StreamTest, ForeignHandlesAreRefused)
+{
+    EXPECT_EQ(Strm_Start(m_camera, 8), CAM_API_STS_INVALID_STREAM_HANDLE);
+    EXPECT_EQ(Strm_Stop(m_signal), CAM_API_STS_INVALID_STREAM_HANDLE);
+    EXPECT_EQ(Strm_Close(0), CAM_API_STS_INVALID_STREAM_HANDLE);
+    EXPECT_EQ(Cam_Close(m_stream), CAM_API_STS_INVALID_CAMERA_HANDLE);
+    EXPECT_EQ(Sys_CloseSignal(m_camera), CAM_API_STS_INVALID_EVENT_HANDLE);
+    EXPECT_EQ(Strm_OpenSimple(m_stream, nullptr, nullptr, nullptr, 8, nullptr), CAM_API_STS_INVALID_CAMERA_HANDLE);
+    EXPECT_EQ(Strm_LockBuffer(m_camera, 99, nullptr), CAM_API_STS_INVALID_STREAM_HANDLE);
+}
