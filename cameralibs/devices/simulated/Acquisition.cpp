@@ -84,6 +84,12 @@ bool Acquisition::isActive() const
     return m_active;
 }
 
+std::uint64_t Acquisition::imageCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_images;
+}
+
 void Acquisition::openSource()
 {
     const std::lock_guard lock(m_mutex);
@@ -148,6 +154,7 @@ void Acquisition::takeImage(Clock::time_point now)
     if (now - m_due > kMaxLag)
         m_due = now;
     m_due += seconds(m_settings.period);
+    ++m_images;
     ++m_framesSent;
     if (m_settings.framesToSend != 0 && m_framesSent >= m_settings.framesToSend)
         m_active = false;

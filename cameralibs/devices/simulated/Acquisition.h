@@ -26,6 +26,9 @@ public:
     void disconnect();
     [[nodiscard]] bool isActive() const;
 
+    /// Images taken since the camera was switched on.
+    [[nodiscard]] std::uint64_t imageCount() const;
+
     // For the source of images.
 
     enum class Task { Image, Errors, End };
@@ -55,7 +58,8 @@ private:
     bool m_connected = true;
     bool m_active = false;
     bool m_sourceOpen = false;
-    std::uint32_t m_framesSent = 0;
+    std::uint64_t m_images = 0;
+    std::uint32_t m_framesSent = 0; ///< of the present acquisition
     std::uint32_t m_triggers = 0;
     std::uint32_t m_errors = 0;
 

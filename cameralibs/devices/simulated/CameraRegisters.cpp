@@ -16,10 +16,11 @@ constexpr auto& kReplugAfter = registerNamed("SimulationReplugAfter");
 
 } // namespace
 
-CameraRegisters::CameraRegisters(const CameraModel& model, Acquisition& acquisition)
-    : m_sensor(model, m_memory, acquisition)
+CameraRegisters::CameraRegisters(const CameraModel& model, const std::string& serial, Attachment& attachment,
+                                 Acquisition& acquisition, DeviceClock& clock)
+    : m_firmware(model, serial, m_memory, attachment, acquisition, clock)
 {
-    m_sensor.powerUp();
+    m_firmware.powerUp();
 }
 
 AccessResult CameraRegisters::reach(const RegisterEntry* entry) const
@@ -42,7 +43,7 @@ AccessResult CameraRegisters::read(std::uint64_t address, void* buffer, std::uin
     const AccessResult result = reach(entry);
     if (result != AccessResult::Done)
         return result;
-    m_sensor.refresh(*entry);
+    m_firmware.refresh(*entry);
     m_memory.read(address, buffer, size);
     return AccessResult::Done;
 }
@@ -61,7 +62,7 @@ AccessResult CameraRegisters::write(std::uint64_t address, const void* buffer, s
     if (entry == &kUnplug)
         unplug();
     else
-        m_sensor.apply(*entry);
+        m_firmware.apply(*entry);
     return AccessResult::Done;
 }
 
@@ -69,15 +70,26 @@ bool CameraRegisters::accepts(const RegisterEntry& entry, const void* buffer, st
 {
     if (entry.kind == RegisterKind::Text || entry.kind == RegisterKind::Bytes)
         return true;
-    if (size != entry.length)
+    if (size % entry.length != 0)
         return false;
-    if (entry.kind == RegisterKind::Real) {
-        const double value = decodeReal(entry, buffer);
-        return !entry.limited || (value >= entry.minimum && value <= entry.maximum); // false for what is not a number
+    const auto* const elements = static_cast<const std::uint8_t*>(buffer);
+    for (std::uint32_t i = 0; i < size; i += entry.length) {
+        if (!acceptsElement(entry, elements + i))
+            return false;
     }
-    const std::int64_t value = decodeInteger(entry, buffer);
-    const auto number = static_cast<double>(value);
-    return (!entry.limited || (number >= entry.minimum && number <= entry.maximum)) && m_sensor.accepts(entry, value);
+    return true;
+}
+
+bool CameraRegisters::acceptsElement(const RegisterEntry& entry, const std::uint8_t* element) const
+{
+    const auto isWithin = [&](double number) {
+        // False for what is not a number.
+        return !entry.limited || (number >= entry.minimum && number <= entry.maximum);
+    };
+    if (entry.kind == RegisterKind::Real)
+        return isWithin(decodeReal(entry, element));
+    const std::int64_t value = decodeInteger(entry, element);
+    return isWithin(static_cast<double>(value)) && m_firmware.sensor().accepts(entry, value);
 }
 
 void CameraRegisters::unplug()

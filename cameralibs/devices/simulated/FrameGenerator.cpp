@@ -1,6 +1,6 @@
 #include "FrameGenerator.h"
 
-#include "cameralibs/devices/simulated/CameraModel.h"
+#include "cameralibs/devices/simulated/DeviceClock.h"
 
 #include <chrono>
 
@@ -15,12 +15,12 @@ bool isNth(std::uint64_t number, std::uint32_t every)
 
 } // namespace
 
-FrameGenerator::FrameGenerator(const CameraModel& model, Acquisition& acquisition, FrameSink& sink,
+FrameGenerator::FrameGenerator(Acquisition& acquisition, const DeviceClock& clock, FrameSink& sink,
                                const std::vector<FrameBuffer*>& buffers)
     : m_acquisition(acquisition)
+    , m_clock(clock)
     , m_sink(sink)
     , m_free(buffers)
-    , m_maker(model.width, model.height, model.color)
 {
 }
 
@@ -80,12 +80,12 @@ void FrameGenerator::sendImage(const FrameSettings& settings)
     FrameBuffer* const buffer = m_free.back();
     m_free.pop_back();
 
-    using namespace std::chrono;
-    const auto now = Acquisition::Clock::now().time_since_epoch();
-    m_maker.make(settings.image, m_frameNumber, duration<double>(now).count(), buffer->data);
+    // The scene has a time of its own: it does not stop with the camera, nor jump when the clock is reset.
+    const std::chrono::duration<double> sceneTime = Acquisition::Clock::now().time_since_epoch();
+    buffer->timestampNs = static_cast<std::uint64_t>(m_clock.nanoseconds());
+    m_maker.make(settings.image, m_frameNumber, sceneTime.count(), buffer->data);
     buffer->size = size;
     buffer->frameNumber = m_frameNumber;
-    buffer->timestampNs = static_cast<std::uint64_t>(duration_cast<nanoseconds>(now).count());
     if (FrameBuffer* const returned = m_sink.deliver(buffer); returned != nullptr)
         m_free.push_back(returned);
 }

@@ -10,12 +10,12 @@
 
 namespace orvo::simulated {
 
-struct CameraModel;
+class DeviceClock;
 
-/// The images of a built-in camera: a thread of its own makes each one when it is due and hands it to the sink.
+/// The images of a simulated camera: a thread of its own makes each one when it is due and hands it to the sink.
 class FrameGenerator : public FrameSource {
 public:
-    FrameGenerator(const CameraModel& model, Acquisition& acquisition, FrameSink& sink,
+    FrameGenerator(Acquisition& acquisition, const DeviceClock& clock, FrameSink& sink,
                    const std::vector<FrameBuffer*>& buffers);
     ~FrameGenerator() override;
 
@@ -27,6 +27,7 @@ private:
     void sendImage(const FrameSettings& settings);
 
     Acquisition& m_acquisition;
+    const DeviceClock& m_clock;
     FrameSink& m_sink;
     std::vector<FrameBuffer*> m_free;
     ImageMaker m_maker;

@@ -4,6 +4,7 @@
 
 #include "cameralibs/devices/simulated/PixelFormat.h"
 
+#include <array>
 #include <cstdint>
 
 namespace orvo::simulated {
@@ -23,6 +24,10 @@ enum class TestPattern : std::uint8_t {
 };
 
 struct ImageSettings {
+    std::uint32_t sensorWidth = 0;
+    std::uint32_t sensorHeight = 0;
+    bool color = false;
+
     const PixelFormat* format = nullptr;
     std::uint32_t width = 0;
     std::uint32_t height = 0;
@@ -40,6 +45,8 @@ struct ImageSettings {
     double blue = 1;
     double blackLevel = 0; ///< fraction of the full scale
     double gamma = 1;
+    bool useTable = false;
+    std::array<std::uint8_t, 256> table{}; ///< look-up table, of and to values of 8 bits
 
     [[nodiscard]] bool operator==(const ImageSettings& other) const;
     [[nodiscard]] bool operator!=(const ImageSettings& other) const { return !(*this == other); }

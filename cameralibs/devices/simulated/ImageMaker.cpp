@@ -18,6 +18,16 @@ Sample luma(const Sample& light)
     return {level, level, level};
 }
 
+// Between the values of the table, so that more than 8 bits keep their steps.
+double lookUp(const std::array<std::uint8_t, 256>& table, double value)
+{
+    const double place = value * 255;
+    const auto below = static_cast<std::size_t>(place);
+    const std::size_t above = std::min<std::size_t>(below + 1, 255);
+    const double part = place - static_cast<double>(below);
+    return (table[below] * (1 - part) + table[above] * part) / 255;
+}
+
 int groupBelow(int x)
 {
     constexpr int kGroup = kPixelGroup;
@@ -25,14 +35,6 @@ int groupBelow(int x)
 }
 
 } // namespace
-
-ImageMaker::ImageMaker(std::uint32_t sensorWidth, std::uint32_t sensorHeight, bool color)
-    : m_sensorWidth(sensorWidth)
-    , m_sensorHeight(sensorHeight)
-    , m_color(color)
-    , m_scene(sensorWidth, sensorHeight)
-{
-}
 
 std::size_t ImageMaker::sizeOf(const ImageSettings& settings)
 {
@@ -52,6 +54,7 @@ void ImageMaker::make(const ImageSettings& settings, std::uint64_t frameNumber, 
 void ImageMaker::prepare(const ImageSettings& settings)
 {
     m_settings = settings;
+    m_scene = Scene(settings.sensorWidth, settings.sensorHeight);
     m_row.resize(settings.width);
     m_light.resize(static_cast<std::size_t>(settings.width) * settings.binningX);
     m_still.clear();
@@ -75,7 +78,9 @@ void ImageMaker::buildTone()
         tone.resize(kFullLight + 1);
         for (std::size_t light = 0; light < tone.size(); ++light) {
             const double linear = static_cast<double>(light) / kFullLight * factors[channel] + m_settings.blackLevel;
-            const double value = std::pow(std::clamp(linear, 0.0, 1.0), m_settings.gamma);
+            double value = std::pow(std::clamp(linear, 0.0, 1.0), m_settings.gamma);
+            if (m_settings.useTable)
+                value = lookUp(m_settings.table, value);
             tone[light] = static_cast<std::uint16_t>(value * std::numeric_limits<std::uint16_t>::max() + 0.5);
         }
     }
@@ -125,13 +130,14 @@ void ImageMaker::drawBall(double seconds, std::uint8_t* out)
     };
     const ImageSettings& s = m_settings;
     Rect area;
-    toImage(onSensor.left, onSensor.right, s.reverseX, m_sensorWidth, s.binningX, s.offsetX, s.width, area.left,
+    toImage(onSensor.left, onSensor.right, s.reverseX, s.sensorWidth, s.binningX, s.offsetX, s.width, area.left,
             area.right);
-    toImage(onSensor.top, onSensor.bottom, s.reverseY, m_sensorHeight, s.binningY, s.offsetY, s.height, area.top,
+    toImage(onSensor.top, onSensor.bottom, s.reverseY, s.sensorHeight, s.binningY, s.offsetY, s.height, area.top,
             area.bottom);
 
     const int left = groupBelow(area.left);
-    const int count = groupBelow(area.right - left + static_cast<int>(kPixelGroup) - 1);
+    const int whole = groupBelow(area.right - left + static_cast<int>(kPixelGroup) - 1);
+    const int count = std::min(whole, static_cast<int>(s.width) - left);
     for (int y = area.top; y < area.bottom; ++y) {
         renderSpan(left, y, count, &ball);
         packSpan(left, y, count, out);
@@ -155,34 +161,26 @@ void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
     const int sensorCount = count * stepX;
     int sensorX = (x + static_cast<int>(m_settings.offsetX)) * stepX;
     if (m_settings.reverseX)
-        sensorX = static_cast<int>(m_sensorWidth) - sensorX - sensorCount;
+        sensorX = static_cast<int>(m_settings.sensorWidth) - sensorX - sensorCount;
     const int sensorY = (y + static_cast<int>(m_settings.offsetY)) * stepY;
 
-    // Sums of the light of the sensor pixels that make up one pixel of the image.
-    struct Sum {
-        std::uint32_t red, green, blue;
-    };
-    static_assert(sizeof(Sample) == 3 * sizeof(std::uint16_t));
-    const std::uint32_t joined = m_settings.binningX * m_settings.binningY;
-    for (int i = 0; i < count; ++i)
-        m_row[static_cast<std::size_t>(i)] = {};
+    // The light of joined pixels is added up: sixteen of them at the most stay within 16 bits.
+    static_assert(16 * kFullLight <= std::numeric_limits<std::uint16_t>::max());
+    const auto add = [](std::uint16_t& sum, std::uint16_t light) { sum = static_cast<std::uint16_t>(sum + light); };
+    std::fill_n(m_row.begin(), count, Sample{});
     for (int row = 0; row < stepY; ++row) {
         readSensor(sensorX, sensorY + row, sensorCount, ball, m_light.data());
-        for (int i = 0; i < count; ++i) {
-            const int from = m_settings.reverseX ? count - 1 - i : i;
-            Sum sum{0, 0, 0};
-            for (int column = 0; column < stepX; ++column) {
-                const Sample& light = m_light[static_cast<std::size_t>(from * stepX + column)];
-                sum.red += light.red;
-                sum.green += light.green;
-                sum.blue += light.blue;
-            }
-            Sample& pixel = m_row[static_cast<std::size_t>(i)];
-            pixel.red = static_cast<std::uint16_t>(pixel.red + sum.red);
-            pixel.green = static_cast<std::uint16_t>(pixel.green + sum.green);
-            pixel.blue = static_cast<std::uint16_t>(pixel.blue + sum.blue);
+        if (m_settings.reverseX)
+            std::reverse(m_light.begin(), m_light.begin() + sensorCount);
+        for (int column = 0; column < sensorCount; ++column) {
+            const Sample& light = m_light[static_cast<std::size_t>(column)];
+            Sample& sum = m_row[static_cast<std::size_t>(column / stepX)];
+            add(sum.red, light.red);
+            add(sum.green, light.green);
+            add(sum.blue, light.blue);
         }
     }
+    const std::uint32_t joined = m_settings.binningX * m_settings.binningY;
     for (int i = 0; i < count; ++i) {
         Sample& pixel = m_row[static_cast<std::size_t>(i)];
         pixel = {m_tone[0][pixel.red / joined], m_tone[1][pixel.green / joined], m_tone[2][pixel.blue / joined]};
@@ -191,11 +189,11 @@ void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
 
 void ImageMaker::readSensor(int x, int y, int count, const Ball* ball, Sample* light) const
 {
-    const int row = m_settings.reverseY ? static_cast<int>(m_sensorHeight) - 1 - y : y;
+    const int row = m_settings.reverseY ? static_cast<int>(m_settings.sensorHeight) - 1 - y : y;
     m_scene.render(x, row, count, light);
     if (ball != nullptr)
         ball->paint(x, row, count, light);
-    if (!m_color)
+    if (!m_settings.color)
         std::transform(light, light + count, light, luma);
 }
 

@@ -15,8 +15,6 @@ namespace orvo::simulated {
 
 class ImageMaker {
 public:
-    ImageMaker(std::uint32_t sensorWidth, std::uint32_t sensorHeight, bool color);
-
     /// Bytes of an image with these settings.
     [[nodiscard]] static std::size_t sizeOf(const ImageSettings& settings);
 
@@ -36,11 +34,7 @@ private:
     void readSensor(int x, int y, int count, const Ball* ball, Sample* light) const;
     void packSpan(int x, int y, int count, std::uint8_t* image) const;
 
-    std::uint32_t m_sensorWidth;
-    std::uint32_t m_sensorHeight;
-    bool m_color;
-    Scene m_scene;
-
+    Scene m_scene{0, 0};
     ImageSettings m_settings;
     std::array<std::vector<std::uint16_t>, 3> m_tone; ///< from light to pixel value, per channel
     std::vector<std::uint8_t> m_still;

@@ -50,6 +50,13 @@ struct RegisterEntry {
         return row;
     }
 
+    [[nodiscard]] constexpr RegisterEntry readOnly() const
+    {
+        RegisterEntry row = *this;
+        row.access = RegisterAccess::ReadOnly;
+        return row;
+    }
+
     [[nodiscard]] constexpr RegisterEntry notStored() const
     {
         RegisterEntry row = *this;

@@ -138,7 +138,7 @@ void RegisterMemory::setText(const RegisterEntry& entry, std::string_view value,
 {
     auto* const begin = at(entry, index);
     std::memset(begin, 0, entry.length);
-    std::memcpy(begin, value.data(), std::min<std::size_t>(value.size(), entry.length));
+    value.copy(reinterpret_cast<char*>(begin), entry.length); // unlike memcpy, an empty text may have no address
 }
 
 std::vector<std::uint8_t> RegisterMemory::save() const

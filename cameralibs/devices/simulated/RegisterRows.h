@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <limits>
 
 namespace orvo::simulated {
 
@@ -14,6 +15,9 @@ namespace rows {
 constexpr auto RO = RegisterAccess::ReadOnly;
 constexpr auto RW = RegisterAccess::ReadWrite;
 constexpr auto WO = RegisterAccess::WriteOnly;
+
+constexpr std::numeric_limits<std::int64_t> kInt64;
+constexpr std::numeric_limits<double> kDouble;
 
 constexpr RegisterEntry integer(std::string_view name, RegisterKind kind, std::uint32_t length, RegisterAccess access,
                                 std::int64_t initial)
@@ -30,6 +34,11 @@ constexpr RegisterEntry integer(std::string_view name, RegisterKind kind, std::u
 constexpr RegisterEntry u32(std::string_view name, RegisterAccess access, std::int64_t initial = 0)
 {
     return integer(name, RegisterKind::Unsigned, 4, access, initial);
+}
+
+constexpr RegisterEntry i32(std::string_view name, RegisterAccess access, std::int64_t initial = 0)
+{
+    return integer(name, RegisterKind::Signed, 4, access, initial);
 }
 
 constexpr RegisterEntry i64(std::string_view name, RegisterAccess access, std::int64_t initial = 0)
@@ -60,6 +69,13 @@ constexpr RegisterEntry real(std::string_view name, RegisterAccess access, doubl
     row.length = 8;
     row.access = access;
     row.real = initial;
+    return row;
+}
+
+constexpr RegisterEntry single(std::string_view name, RegisterAccess access, double initial = 0)
+{
+    RegisterEntry row = real(name, access, initial);
+    row.length = 4;
     return row;
 }
 

@@ -1,44 +1,53 @@
 #include "SensorModel.h"
 
-#include "cameralibs/devices/simulated/Acquisition.h"
 #include "cameralibs/devices/simulated/CameraModel.h"
+#include "cameralibs/devices/simulated/PixelFormat.h"
 #include "cameralibs/devices/simulated/RegisterMemory.h"
 #include "cameralibs/devices/simulated/RegisterTable.h"
+#include "cameralibs/devices/simulated/SettingsReader.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
+#include <cstddef>
 
 namespace orvo::simulated {
 
 namespace {
 
-constexpr auto& kPixelFormatReg = registerNamed("PixelFormat");
-constexpr auto& kWidth = registerNamed("Width");
-constexpr auto& kHeight = registerNamed("Height");
-constexpr auto& kOffsetX = registerNamed("OffsetX");
-constexpr auto& kOffsetY = registerNamed("OffsetY");
-constexpr auto& kWidthMax = registerNamed("WidthMax");
-constexpr auto& kHeightMax = registerNamed("HeightMax");
+enum class Automatic { Off, Once, Continuous };
+
+constexpr auto& kPixelFormat = registerNamed("PixelFormat");
 constexpr auto& kFrameRate = registerNamed("AcquisitionFrameRate");
-constexpr auto& kFrameRateMax = registerNamed("AcquisitionFrameRateMax");
+constexpr auto& kFrameRateWanted = registerNamed("AcquisitionFrameRateWanted");
 constexpr auto& kExposureTime = registerNamed("ExposureTime");
-constexpr auto& kTriggerMode = registerNamed("TriggerMode");
-constexpr auto& kTriggerSource = registerNamed("TriggerSource");
+constexpr auto& kGain = registerNamed("Gain");
+constexpr auto& kExposureAuto = registerNamed("ExposureAuto");
+constexpr auto& kGainAuto = registerNamed("GainAuto");
+constexpr auto& kBalanceWhiteAuto = registerNamed("BalanceWhiteAuto");
+constexpr auto& kBalanceRatio = registerNamed("BalanceRatio");
+
+/// The registers of one direction of the image.
+struct Axis {
+    const RegisterEntry& sensorSize;
+    const RegisterEntry& greatest;
+    const RegisterEntry& size;
+    const RegisterEntry& offset;
+    const RegisterEntry& binning;
+    std::int64_t step;
+};
+
+constexpr Axis kAxes[] = {
+    {registerNamed("SensorWidth"), registerNamed("WidthMax"), registerNamed("Width"), registerNamed("OffsetX"),
+     registerNamed("BinningHorizontal"), kPixelGroup},
+    {registerNamed("SensorHeight"), registerNamed("HeightMax"), registerNamed("Height"), registerNamed("OffsetY"),
+     registerNamed("BinningVertical"), 2},
+};
 
 constexpr std::int64_t kMinSize = 16;
-constexpr std::int64_t kWidthStep = kPixelGroup;
-constexpr std::int64_t kHeightStep = 2;
 
-// The light of the scene is right for this exposure, without gain.
-constexpr double kNominalExposure = 10000;
-
-enum class AcquisitionMode { SingleFrame, MultiFrame, Continuous };
-
-std::int64_t nanosecondsNow()
+std::int64_t roundedDown(std::int64_t value, std::int64_t step)
 {
-    using namespace std::chrono;
-    return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count();
+    return value / step * step;
 }
 
 bool fits(std::int64_t value, std::int64_t minimum, std::int64_t maximum, std::int64_t step)
@@ -48,133 +57,141 @@ bool fits(std::int64_t value, std::int64_t minimum, std::int64_t maximum, std::i
 
 } // namespace
 
-SensorModel::SensorModel(const CameraModel& model, RegisterMemory& memory, Acquisition& acquisition)
+SensorModel::SensorModel(const CameraModel& model, RegisterMemory& memory)
     : m_model(model)
     , m_memory(memory)
-    , m_acquisition(acquisition)
 {
 }
 
-void SensorModel::powerUp()
+void SensorModel::setFactoryDefaults()
 {
-    m_memory.reset();
-    m_memory.setText(registerNamed("DeviceModelName"), m_model.name);
+    m_memory.setText(registerNamed("SensorName"), m_model.sensor);
     m_memory.set(registerNamed("SensorWidth"), m_model.width);
     m_memory.set(registerNamed("SensorHeight"), m_model.height);
     m_memory.set(registerNamed("ColorSensor"), m_model.color ? 1 : 0);
-    m_memory.set(kWidth, m_model.width);
-    m_memory.set(kHeight, m_model.height);
-    m_memory.set(kPixelFormatReg, pixelFormat(m_model.formats.front())->value);
-    m_memory.setReal(kFrameRate, m_model.defaultFrameRate);
-    m_timestampZero = nanosecondsNow();
-    updateDerived();
-    publish();
+    m_memory.set(registerNamed("SensorShutterMode"), m_model.rollingShutter ? 1 : 0);
+    m_memory.setReal(registerNamed("SensorPixelWidth"), m_model.pixelPitch);
+    m_memory.setReal(registerNamed("SensorPixelHeight"), m_model.pixelPitch);
+    m_memory.set(registerNamed("Width"), m_model.width);
+    m_memory.set(registerNamed("Height"), m_model.height);
+    m_memory.set(kPixelFormat, pixelFormat(m_model.formats.front())->value);
+    m_memory.setReal(kFrameRateWanted, m_model.defaultFrameRate);
+    for (std::uint32_t value = 0; value < 256; ++value)
+        m_memory.set(registerNamed("LUTValue"), value, value);
+    update();
 }
 
 bool SensorModel::accepts(const RegisterEntry& entry, std::int64_t value) const
 {
-    if (&entry == &kWidth)
-        return fits(value, kMinSize, m_memory.integer(kWidthMax) - m_memory.integer(kOffsetX), kWidthStep);
-    if (&entry == &kHeight)
-        return fits(value, kMinSize, m_memory.integer(kHeightMax) - m_memory.integer(kOffsetY), kHeightStep);
-    if (&entry == &kOffsetX)
-        return fits(value, 0, m_memory.integer(kWidthMax) - m_memory.integer(kWidth), kWidthStep);
-    if (&entry == &kOffsetY)
-        return fits(value, 0, m_memory.integer(kHeightMax) - m_memory.integer(kHeight), kHeightStep);
-    if (&entry == &kPixelFormatReg) {
-        const PixelFormat* const format = pixelFormat(static_cast<std::uint32_t>(value));
+    for (const Axis& axis : kAxes) {
+        const std::int64_t greatest = m_memory.integer(axis.greatest);
+        if (&entry == &axis.size)
+            return fits(value, kMinSize, greatest - m_memory.integer(axis.offset), axis.step);
+        if (&entry == &axis.offset)
+            return fits(value, 0, greatest - m_memory.integer(axis.size), axis.step);
+    }
+    if (&entry == &kPixelFormat) {
         const auto& names = m_model.formats;
-        return format != nullptr && std::find(names.begin(), names.end(), format->name) != names.end();
+        return std::any_of(names.begin(), names.end(), [&](std::string_view name) {
+            const PixelFormat* const format = pixelFormat(name);
+            return format != nullptr && format->value == value;
+        });
     }
     return true;
 }
 
-void SensorModel::refresh(const RegisterEntry& entry)
-{
-    constexpr auto& kTemperature = registerNamed("DeviceTemperature");
-    constexpr auto& kTimestamp = registerNamed("Timestamp");
-    if (&entry == &kTemperature) {
-        const double minutes = static_cast<double>(nanosecondsNow() - m_timestampZero) / 60e9;
-        m_memory.setReal(kTemperature, 44.0 + 2.0 * std::sin(7 * minutes) + 0.5 * std::sin(40 * minutes), 0);
-        m_memory.setReal(kTemperature, 38.0 + 1.0 * std::sin(5 * minutes), 1);
-    } else if (&entry == &kTimestamp) {
-        m_memory.set(kTimestamp, nanosecondsNow() - m_timestampZero);
-    }
-}
-
 void SensorModel::apply(const RegisterEntry& entry)
 {
-    if (entry.access == RegisterAccess::WriteOnly)
-        execute(entry);
-    updateDerived();
-    publish();
+    if (&entry == &kFrameRate)
+        m_memory.setReal(kFrameRateWanted, m_memory.real(kFrameRate));
+    applyBinning();
+    applyAutomatics();
+    update();
 }
 
-void SensorModel::execute(const RegisterEntry& entry)
+void SensorModel::update()
 {
-    if (entry.name == "AcquisitionStart")
-        m_acquisition.start();
-    else if (entry.name == "AcquisitionStop")
-        m_acquisition.stop();
-    else if (entry.name == "TriggerSoftware")
-        m_acquisition.trigger();
-    else if (entry.name == "TimestampLatch")
-        m_memory.set(registerNamed("TimestampLatchValue"), nanosecondsNow() - m_timestampZero);
-    else if (entry.name == "TimestampReset")
-        m_timestampZero = nanosecondsNow();
-    else if (entry.name == "DeviceReset")
-        powerUp();
-}
-
-void SensorModel::updateDerived()
-{
-    m_memory.set(kWidthMax, m_model.width);
-    m_memory.set(kHeightMax, m_model.height);
-    const auto pixels = static_cast<std::size_t>(m_memory.integer(kWidth) * m_memory.integer(kHeight));
-    const PixelFormat& format = *pixelFormat(static_cast<std::uint32_t>(m_memory.integer(kPixelFormatReg)));
-    m_memory.set(registerNamed("PayloadSize"), static_cast<std::int64_t>(bytesOf(format, pixels)));
-
-    const double readOut = m_model.fullFrameRate * m_model.height / static_cast<double>(m_memory.integer(kHeight));
-    m_memory.setReal(kFrameRateMax, std::min(readOut, 1e6 / m_memory.real(kExposureTime)));
-}
-
-void SensorModel::publish()
-{
-    const auto u32 = [&](const RegisterEntry& entry) { return static_cast<std::uint32_t>(m_memory.integer(entry)); };
-    FrameSettings settings;
-    ImageSettings& image = settings.image;
-    image.format = pixelFormat(u32(kPixelFormatReg));
-    image.width = u32(kWidth);
-    image.height = u32(kHeight);
-    image.offsetX = u32(kOffsetX);
-    image.offsetY = u32(kOffsetY);
-    image.reverseX = m_memory.flag(registerNamed("ReverseX"));
-    image.reverseY = m_memory.flag(registerNamed("ReverseY"));
-    image.pattern = static_cast<TestPattern>(u32(registerNamed("TestPattern")));
-    const double exposure = m_memory.real(kExposureTime);
-    const double brightness = exposure / kNominalExposure * std::pow(10.0, m_memory.real(registerNamed("Gain")) / 20);
-    image.red = image.green = image.blue = brightness;
-    image.blackLevel = m_memory.real(registerNamed("BlackLevel")) / 255;
-    image.gamma = m_memory.real(registerNamed("Gamma"));
-
-    settings.period = 1 / std::min(m_memory.real(kFrameRate), m_memory.real(kFrameRateMax));
-    settings.exposure = exposure / 1e6;
-    if (m_memory.flag(kTriggerMode))
-        settings.trigger = u32(kTriggerSource) == 0 ? TriggerKind::Software : TriggerKind::NeverComing;
-    settings.triggerDelay = m_memory.real(registerNamed("TriggerDelay")) / 1e6;
-    switch (static_cast<AcquisitionMode>(u32(registerNamed("AcquisitionMode")))) {
-    case AcquisitionMode::SingleFrame:
-        settings.framesToSend = 1;
-        break;
-    case AcquisitionMode::MultiFrame:
-        settings.framesToSend = u32(registerNamed("AcquisitionFrameCount"));
-        break;
-    case AcquisitionMode::Continuous:
-        break;
+    for (std::size_t i = 0; i < m_binning.size(); ++i) {
+        const Axis& axis = kAxes[i];
+        m_binning[i] = m_memory.integer(axis.binning);
+        m_memory.set(axis.greatest, roundedDown(m_memory.integer(axis.sensorSize) / m_binning[i], axis.step));
     }
-    settings.loseEvery = u32(registerNamed("SimulationLoseEvery"));
-    settings.incompleteEvery = u32(registerNamed("SimulationIncompleteEvery"));
-    m_acquisition.configure(settings);
+    updatePixels();
+    updateFrameRate();
+}
+
+// The same part of the sensor is seen as before, as nearly as the steps allow.
+void SensorModel::applyBinning()
+{
+    for (std::size_t i = 0; i < m_binning.size(); ++i) {
+        const Axis& axis = kAxes[i];
+        const std::int64_t before = m_binning[i];
+        const std::int64_t now = m_memory.integer(axis.binning);
+        if (now == before)
+            continue;
+        const std::int64_t greatest = roundedDown(m_memory.integer(axis.sensorSize) / now, axis.step);
+        const bool whole = m_memory.integer(axis.size) == m_memory.integer(axis.greatest);
+        const std::int64_t scaled = whole ? greatest : m_memory.integer(axis.size) * before / now;
+        const std::int64_t size = std::clamp(roundedDown(scaled, axis.step), kMinSize, greatest);
+        const std::int64_t offset = roundedDown(m_memory.integer(axis.offset) * before / now, axis.step);
+        m_memory.set(axis.size, size);
+        m_memory.set(axis.offset, std::min(offset, greatest - size));
+    }
+}
+
+void SensorModel::applyAutomatics()
+{
+    const auto mode = [&](const RegisterEntry& entry) { return static_cast<Automatic>(m_memory.integer(entry)); };
+    const auto finishOnce = [&](const RegisterEntry& entry) {
+        if (mode(entry) == Automatic::Once)
+            m_memory.set(entry, 0);
+    };
+    if (mode(kExposureAuto) != Automatic::Off) {
+        const double exposure = 1 / brightness(1, m_memory.real(kGain));
+        m_memory.setReal(kExposureTime, std::clamp(exposure, kExposureTime.minimum, kExposureTime.maximum));
+        finishOnce(kExposureAuto);
+    }
+    if (mode(kGainAuto) != Automatic::Off) {
+        const double gain = -20 * std::log10(brightness(m_memory.real(kExposureTime), 0));
+        m_memory.setReal(kGain, std::clamp(std::round(gain * 10) / 10, kGain.minimum, kGain.maximum));
+        finishOnce(kGainAuto);
+    }
+    if (mode(kBalanceWhiteAuto) != Automatic::Off) {
+        for (std::uint32_t color = 0; color < kBalanceRatio.count; ++color)
+            m_memory.setReal(kBalanceRatio, 1, color); // the scene is lit by white light
+        finishOnce(kBalanceWhiteAuto);
+    }
+}
+
+void SensorModel::updatePixels()
+{
+    const PixelFormat& format = *pixelFormat(static_cast<std::uint32_t>(m_memory.integer(kPixelFormat)));
+    const bool bayer = format.name.substr(0, 5) == "Bayer";
+    m_memory.set(registerNamed("PixelSize"), format.bitsPerPixel);
+    m_memory.set(registerNamed("PixelColorFilter"), bayer ? 1 : 0);
+    m_memory.set(registerNamed("PixelDynamicRangeMax"), (1LL << format.depth) - 1);
+    const std::int64_t pixels = m_memory.integer(registerNamed("Width")) * m_memory.integer(registerNamed("Height"));
+    const std::size_t size = bytesOf(format, static_cast<std::size_t>(pixels));
+    m_memory.set(registerNamed("PayloadSize"), static_cast<std::int64_t>(size));
+}
+
+void SensorModel::updateFrameRate()
+{
+    constexpr auto& kMax = registerNamed("AcquisitionFrameRateMax");
+    const bool limited = m_memory.flag(registerNamed("DeviceLinkThroughputLimitMode"));
+    const auto link =
+        static_cast<double>(m_memory.integer(registerNamed(limited ? "DeviceLinkThroughputLimit" : "DeviceLinkSpeed")));
+    const auto payload = static_cast<double>(m_memory.integer(registerNamed("PayloadSize")));
+    const auto rows = static_cast<double>(m_memory.integer(registerNamed("Height")) * m_binning[1]);
+    const double readOut = m_model.fullFrameRate * m_model.height / rows;
+    const double greatest = std::min({readOut, link / payload, 1e6 / m_memory.real(kExposureTime), kFrameRate.maximum});
+    m_memory.setReal(kMax, greatest);
+
+    const double wanted = std::min(m_memory.real(kFrameRateWanted), greatest);
+    m_memory.setReal(kFrameRate, wanted);
+    const bool enabled = m_memory.flag(registerNamed("AcquisitionFrameRateEnable"));
+    m_memory.setReal(registerNamed("AcquisitionResultingFrameRate"), enabled ? wanted : greatest);
+    m_memory.set(registerNamed("DeviceMaxThroughput"), static_cast<std::int64_t>(greatest * payload));
 }
 
 } // namespace orvo::simulated

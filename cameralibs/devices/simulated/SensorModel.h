@@ -1,43 +1,42 @@
 #pragma once
 
-/// What the registers of a built-in camera mean: which values they take, what a write changes elsewhere and what the
-/// images look like afterwards. Accessed like the registers, by one thread at a time.
-
 #include "cameralibs/devices/simulated/RegisterEntry.h"
 
+#include <array>
 #include <cstdint>
 
 namespace orvo::simulated {
 
-class Acquisition;
 struct CameraModel;
 class RegisterMemory;
 
+/// How the registers of the image depend on each other: the region of interest on binning, the greatest frame rate on
+/// exposure, height and link, the automatic functions on what they adjust.
 class SensorModel {
 public:
-    SensorModel(const CameraModel& model, RegisterMemory& memory, Acquisition& acquisition);
+    SensorModel(const CameraModel& model, RegisterMemory& memory);
 
-    /// Puts the registers as they are when the camera is switched on.
-    void powerUp();
+    /// Sets the registers as the camera leaves the factory.
+    void setFactoryDefaults();
 
     /// Whether the camera takes this value, beyond the limits of the table.
     [[nodiscard]] bool accepts(const RegisterEntry& entry, std::int64_t value) const;
 
-    /// Before a register is read: those that change by themselves are brought up to date.
-    void refresh(const RegisterEntry& entry);
-
-    /// After a register was written.
+    /// After a register was written by the user.
     void apply(const RegisterEntry& entry);
 
+    /// After any number of registers changed together.
+    void update();
+
 private:
-    void execute(const RegisterEntry& entry);
-    void updateDerived();
-    void publish();
+    void applyBinning();
+    void applyAutomatics();
+    void updateFrameRate();
+    void updatePixels();
 
     const CameraModel& m_model;
     RegisterMemory& m_memory;
-    Acquisition& m_acquisition;
-    std::int64_t m_timestampZero = 0;
+    std::array<std::int64_t, 2> m_binning{1, 1}; ///< that the region of interest is fitted to: across, down
 };
 
 } // namespace orvo::simulated

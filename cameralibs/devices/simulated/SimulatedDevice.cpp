@@ -10,11 +10,10 @@
 namespace orvo::simulated {
 
 SimulatedDevice::SimulatedDevice(const CameraModel& model, DeviceInfo info, std::shared_ptr<Attachment> attachment)
-    : m_model(model)
-    , m_info(std::move(info))
+    : m_info(std::move(info))
     , m_attachment(std::move(attachment))
     , m_description(describe(model))
-    , m_registers(model, m_acquisition)
+    , m_registers(model, m_info.serial, *m_attachment, m_acquisition, m_clock)
     , m_arvDevice(makeRegisterDevice(m_registers, m_description))
 {
     m_registers.onUnplug([this](unsigned replugAfter) { unplug(replugAfter); });
@@ -29,7 +28,7 @@ Outcome SimulatedDevice::description(std::string& xml)
 Outcome SimulatedDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
                                     std::unique_ptr<FrameSource>& source)
 {
-    source = std::make_unique<FrameGenerator>(m_model, m_acquisition, sink, buffers);
+    source = std::make_unique<FrameGenerator>(m_acquisition, m_clock, sink, buffers);
     return {};
 }
 

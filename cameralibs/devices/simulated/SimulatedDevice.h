@@ -3,6 +3,7 @@
 #include "cameralibs/devices/Device.h"
 #include "cameralibs/devices/simulated/Acquisition.h"
 #include "cameralibs/devices/simulated/CameraRegisters.h"
+#include "cameralibs/devices/simulated/DeviceClock.h"
 #include "cameralibs/devices/simulated/RegisterDevice.h"
 
 #include <memory>
@@ -28,11 +29,11 @@ public:
 private:
     void unplug(unsigned replugAfter);
 
-    const CameraModel& m_model;
     DeviceInfo m_info;
     std::shared_ptr<Attachment> m_attachment;
     std::string m_description;
     Acquisition m_acquisition;
+    DeviceClock m_clock;
     CameraRegisters m_registers;
     ArvDevicePtr m_arvDevice;
     std::function<void()> m_removed;
