@@ -36,6 +36,9 @@ enum class Fragment : int {
     StringWrite,      ///< %1 = the text
     EnumWrite,        ///< %1 = the entry's symbolic name
     CommandExecution,
+    PreambleStatus,
+    PreambleCamera,
+    PreambleNode,
 };
 
 /// The lines of a fragment without %1.

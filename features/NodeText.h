@@ -1,0 +1,24 @@
+#pragma once
+
+#include "camera/OrvoCamApi.h"
+
+#include <QString>
+
+#include <cstdint>
+
+/// An operation of the camera API that gives a text of a node.
+using NodeTextOperation = Orvo::CAM_API_STATUS (*)(Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node, char* buffer,
+                                                   std::uint32_t* size);
+
+/// The first of the two calls that a text takes: the bytes it needs.
+[[nodiscard]] Orvo::CAM_API_STATUS readTextSize(NodeTextOperation operation, Orvo::CAM_HANDLE camera,
+                                                Orvo::CAM_NODE_HANDLE node, std::uint32_t& size);
+
+/// The second: the text, of at most `size` bytes. It stays as it was after a failure. A size for which there is no
+/// memory gives CAM_API_STS_UNSUCCESSFUL without a call.
+[[nodiscard]] Orvo::CAM_API_STATUS readTextOfSize(NodeTextOperation operation, Orvo::CAM_HANDLE camera,
+                                                  Orvo::CAM_NODE_HANDLE node, std::uint32_t size, QString& text);
+
+/// Both.
+[[nodiscard]] Orvo::CAM_API_STATUS readText(NodeTextOperation operation, Orvo::CAM_HANDLE camera,
+                                            Orvo::CAM_NODE_HANDLE node, QString& text);

@@ -1,0 +1,47 @@
+#include "features/NumberConversion.h"
+
+namespace {
+
+constexpr double twoTo31 = 2147483648.0;
+constexpr double twoTo63 = 9223372036854775808.0;
+
+} // namespace
+
+std::int32_t doubleToInt(double value)
+{
+    if (value > -twoTo31 - 1.0 && value < twoTo31)
+        return static_cast<std::int32_t>(value);
+    return INT32_MIN;
+}
+
+std::int64_t doubleToInt64(double value)
+{
+    if (value >= -twoTo63 && value < twoTo63)
+        return static_cast<std::int64_t>(value);
+    return INT64_MIN;
+}
+
+long snapToIncrement(long value, long minimum, long maximum, long increment)
+{
+    if (maximum <= minimum)
+        return maximum; // the maximum is applied last
+    if (value <= minimum)
+        return minimum;
+
+    // Distances above the minimum: the whole range of long may lie between, so they are unsigned.
+    const auto distanceOf = [minimum](long number) {
+        return static_cast<std::uint64_t>(number) - static_cast<std::uint64_t>(minimum);
+    };
+    const std::uint64_t step = increment > 0 ? static_cast<std::uint64_t>(increment) : 1;
+    const std::uint64_t distance = distanceOf(value);
+    const std::uint64_t span = distanceOf(maximum);
+    const std::uint64_t beyond = distance % step;
+    const std::uint64_t lower = distance - beyond;
+    if (lower >= span)
+        return maximum;
+    if (beyond < step - beyond)
+        return static_cast<long>(static_cast<std::uint64_t>(minimum) + lower);
+    if (step >= span - lower)
+        return maximum;
+    return static_cast<long>(static_cast<std::uint64_t>(minimum) + lower + step);
+}

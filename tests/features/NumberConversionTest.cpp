@@ -1,0 +1,128 @@
+// Conversions that the language leaves open: out-of-range doubles, and 64-bit ranges wider than their numbers.
+
+#include "features/NumberConversion.h"
+
+#include <QtTest>
+
+#include <climits>
+#include <limits>
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+class NumberConversionTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void toInt_data();
+    void toInt();
+    void toInt64_data();
+    void toInt64();
+    void snap_data();
+    void snap();
+};
+
+void NumberConversionTest::toInt_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("zero") << 0.0 << 0;
+    QTest::newRow("truncates downward") << 2.999 << 2;
+    QTest::newRow("truncates upward") << -2.999 << -2;
+    QTest::newRow("largest") << 2147483647.0 << INT_MAX;
+    QTest::newRow("largest and a part") << 2147483647.999 << INT_MAX;
+    QTest::newRow("above") << 2147483648.0 << INT_MIN;
+    QTest::newRow("least") << -2147483648.0 << INT_MIN;
+    QTest::newRow("least and a part") << -2147483648.999 << INT_MIN;
+    QTest::newRow("next to the least") << -2147483647.5 << -INT_MAX;
+    QTest::newRow("below") << -2147483649.0 << INT_MIN;
+    QTest::newRow("far above") << 1e300 << INT_MIN;
+    QTest::newRow("far below") << -1e300 << INT_MIN;
+    QTest::newRow("infinity") << infinity << INT_MIN;
+    QTest::newRow("minus infinity") << -infinity << INT_MIN;
+    QTest::newRow("NaN") << notANumber << INT_MIN;
+}
+
+void NumberConversionTest::toInt()
+{
+    QFETCH(double, value);
+    QTEST(doubleToInt(value), "expected");
+}
+
+void NumberConversionTest::toInt64_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<qlonglong>("expected");
+    constexpr qlonglong least = INT64_MIN;
+    QTest::newRow("truncates downward") << 1e10 + 0.75 << 10000000000LL;
+    QTest::newRow("truncates upward") << -1e10 - 0.75 << -10000000000LL;
+    QTest::newRow("largest double below") << 9223372036854774784.0 << 9223372036854774784LL;
+    QTest::newRow("above") << 9223372036854775808.0 << least;
+    QTest::newRow("least") << -9223372036854775808.0 << least;
+    QTest::newRow("below") << -9223372036854777856.0 << least;
+    QTest::newRow("infinity") << infinity << least;
+    QTest::newRow("NaN") << notANumber << least;
+}
+
+void NumberConversionTest::toInt64()
+{
+    QFETCH(double, value);
+    QTEST(static_cast<qlonglong>(doubleToInt64(value)), "expected");
+}
+
+void NumberConversionTest::snap_data()
+{
+    QTest::addColumn<qlonglong>("value");
+    QTest::addColumn<qlonglong>("minimum");
+    QTest::addColumn<qlonglong>("maximum");
+    QTest::addColumn<qlonglong>("increment");
+    QTest::addColumn<qlonglong>("expected");
+    const auto row = [](const char* name, qlonglong value, qlonglong minimum, qlonglong maximum, qlonglong increment,
+                        qlonglong expected) {
+        QTest::newRow(name) << value << minimum << maximum << increment << expected;
+    };
+    constexpr qlonglong least = INT64_MIN;
+    constexpr qlonglong most = INT64_MAX;
+    row("below half", 5, 0, 10, 4, 4);
+    row("half goes up", 6, 0, 10, 4, 8);
+    row("the maximum comes after rounding", 11, 0, 10, 4, 10);
+    row("off the steps at the maximum", 10, 0, 10, 4, 10);
+    row("below the minimum", -3, 0, 10, 4, 0);
+    row("above a maximum between steps stays on a step", 11, 0, 10, 8, 8);
+    row("odd increment, below half", 4, 0, 10, 3, 3);
+    row("odd increment, above half", 5, 0, 10, 3, 6);
+    row("steps count from the minimum", 6, 1, 100, 4, 5);
+    row("steps count from a negative minimum", -4, -7, 100, 4, -3);
+    row("increment 1", 7, 0, 10, 1, 7);
+    row("increment 0 counts as 1", 7, 0, 10, 0, 7);
+    row("negative increment counts as 1", 7, 0, 10, -4, 7);
+    row("increment beyond the range, below half", 4, 0, 10, 1000, 0);
+    row("increment beyond the range, above half", 10, 0, 10, 15, 10);
+    row("fixed value", 7, 3, 3, 1, 3);
+    row("maximum below the minimum", 7, 5, 3, 1, 3);
+    row("whole range, least", least, least, most, 1, least);
+    row("whole range, most", most, least, most, 1, most);
+    row("whole range, zero", 0, least, most, 1, 0);
+    row("whole range, widest step, below half", most / 2 - 1, least, most, most, -1);
+    row("whole range, widest step, half", most / 2, least, most, most, most - 1);
+    row("whole range, last step beyond the maximum", most, least, most, 1LL << 62, most);
+    row("whole range, negative increment", 12345, least, most, least, 12345);
+    row("upper half", most - 1, 0, most, 2, most - 1);
+    row("upper half, half a step goes up to the maximum", most, 0, most, 2, most);
+}
+
+void NumberConversionTest::snap()
+{
+    QFETCH(qlonglong, value);
+    QFETCH(qlonglong, minimum);
+    QFETCH(qlonglong, maximum);
+    QFETCH(qlonglong, increment);
+    QTEST(static_cast<qlonglong>(snapToIncrement(value, minimum, maximum, increment)), "expected");
+}
+
+} // namespace
+
+QTEST_GUILESS_MAIN(NumberConversionTest)
+#include "NumberConversionTest.moc"
