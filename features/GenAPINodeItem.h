@@ -2,6 +2,7 @@
 
 #include "camera/OrvoCamApi.h"
 #include "features/NodeEditor.h"
+#include "features/NodeText.h"
 #include "features/OperationLog.h"
 
 #include <QObject>
@@ -173,6 +174,35 @@ private:
         QString valueText;
         bool valueTextValid = false; ///< valueText may be shown without asking the camera
     };
+
+    void readProperties();
+    void readFloatNotation();
+
+    /// Reads the value by type and access mode into the cached number and text, and builds its log.
+    Orvo::CAM_API_STATUS readValue(QString& log);
+    Orvo::CAM_API_STATUS readInteger();
+    Orvo::CAM_API_STATUS readBoolean();
+    Orvo::CAM_API_STATUS readFloat();
+    /// A text announced with fewer bytes than `leastSize` counts as failed.
+    Orvo::CAM_API_STATUS readValueText(NodeTextOperation operation, std::uint32_t leastSize);
+    void readFloatRange(bool all, QString& log);
+    void readIntegerRange(bool all, QString& log);
+    /// Makes the value text with its unit the edit role, without a write, and returns it.
+    QString showValueText();
+
+    /// Writes the text by type and gives the fragment of the write, of one that the text did not allow too.
+    Orvo::CAM_API_STATUS writeText(const QString& text, QString& fragment);
+    Orvo::CAM_API_STATUS writeInteger(const QString& text, QString& fragment);
+    Orvo::CAM_API_STATUS writeBoolean(const QString& text, QString& fragment);
+    Orvo::CAM_API_STATUS writeCommand(const QString& text, QString& fragment);
+    Orvo::CAM_API_STATUS writeFloat(const QString& text, QString& fragment);
+    /// Notes the outcome of a write that was tried; `shownText` is the value text if it succeeded. Returns the status.
+    Orvo::CAM_API_STATUS written(Orvo::CAM_API_STATUS status, const QString& shownText);
+    void tellValuesWritten();
+
+    [[nodiscard]] int opeLogLevel() const;
+    /// Hands an entry to the view, the line that looks the node up in front; nothing where the level is below `mode`.
+    void sendOpeLog(const QString& log, OperationLogMode mode);
 
     Orvo::CAM_API_STATUS m_lastStatus = Orvo::CAM_API_STS_SUCCESS; ///< of the last camera call
     FeatureView* m_featureView = nullptr;
