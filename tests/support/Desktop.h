@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QImage>
+#include <QPoint>
+#include <QRect>
+#include <QString>
+
+#include <optional>
+
+typedef struct _XDisplay Display;
+
+/// The X screen as a user has it: looks at pixels, moves the pointer, clicks, closes windows.
+class Desktop {
+public:
+    Desktop();
+    ~Desktop();
+    Q_DISABLE_COPY_MOVE(Desktop)
+
+    [[nodiscard]] QImage look() const;
+
+    /// Where on the screen the fully opaque pixels of `icon` stand just so.
+    [[nodiscard]] std::optional<QRect> find(const QImage& icon) const;
+
+    /// The visible top-level window with this title.
+    [[nodiscard]] std::optional<QRect> window(const QString& title) const;
+
+    void click(QPoint where);
+
+    /// What a click on the window's close button asks for.
+    void closeWindow(const QString& title);
+
+private:
+    [[nodiscard]] unsigned long windowId(const QString& title) const;
+
+    Display* m_display;
+};
