@@ -1,6 +1,6 @@
 // The real executable with shared camera libraries in a real X server, used through its pixels.
 
-#include "tests/e2e/Desktop.h"
+#include "tests/support/Desktop.h"
 
 #include <QtTest>
 
@@ -30,6 +30,8 @@ public:
     {
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert(extra);
+        // Without one Qt complains, and a clean run is to say nothing.
+        environment.insert("XDG_RUNTIME_DIR", m_runtimeFolder.path());
         m_process.setProcessEnvironment(environment);
         m_process.setProcessChannelMode(QProcess::SeparateChannels);
         m_process.start(VIEWER_PROGRAM, QStringList());
@@ -57,6 +59,7 @@ public:
     }
 
 private:
+    QTemporaryDir m_runtimeFolder;
     QProcess m_process;
 };
 
