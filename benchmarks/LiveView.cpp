@@ -9,11 +9,14 @@
 #include "benchmarks/Process.h"
 #include "camera/OrvoCamApi.h"
 #include "discovery/DiscoveryDlg.h"
+#include "display/GraphicsView.h"
+#include "display/ImageView.h"
 #include "tests/support/Desktop.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QGraphicsItem>
 #include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -129,16 +132,13 @@ void openColourCamera(WindowDriver& driver)
 {
     driver.open([](DiscoveryDlg& dialog) {
         auto* const list = dialog.findChild<QTreeWidget*>("discoveryWidget");
-        const auto found = list->findItems("*", Qt::MatchWildcard, 1);
-        for (QTreeWidgetItem* const item : found) {
-            if (item->text(1).contains("olour")) {
-                list->setCurrentItem(item);
-                break;
-            }
-        }
+        const auto found = list->findItems("C1920", Qt::MatchContains, 1);
+        if (!found.isEmpty())
+            list->setCurrentItem(found.first());
         dialog.findChild<QPushButton*>("openButton")->click();
     });
-    if (!driver.enabled("actionStart")) {
+    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
+    if (!view || view->view()->scene()->items().first()->boundingRect().size() != QSizeF(1920, 1200)) {
         std::fprintf(stderr, "live_view: no camera\n");
         std::exit(EXIT_FAILURE);
     }

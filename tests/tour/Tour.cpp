@@ -142,7 +142,7 @@ void Tour::menu(const char* name)
 void Tour::discovery()
 {
     picture("start");
-    openCamera(0, true);
+    openCamera(1, true); // the colour camera of 1920 x 1200 pixels
     picture("opened");
 }
 
