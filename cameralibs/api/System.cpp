@@ -2,7 +2,7 @@
 
 #include "cameralibs/api/Failure.h"
 #include "cameralibs/api/TextOperations.h"
-#include "cameralibs/devices/AravisProvider.h"
+#include "cameralibs/devices/aravis/AravisProvider.h"
 #include "cameralibs/devices/simulated/SimulatedProvider.h"
 
 #include <algorithm>
@@ -145,6 +145,7 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
     if (signal != nullptr)
         signal->clear();
     auto removal = std::make_shared<Removal>(std::move(signal));
+    device->setLostQuery([removal] { return removal->noted(); });
     device->onRemoval([removal] { removal->note(); });
 
     std::string xml;

@@ -51,6 +51,7 @@ public:
     virtual ~FrameSink() = default;
 
     /// Takes a complete image and returns the buffer that is free instead: the same one where the image was dropped.
+    /// Never null.
     [[nodiscard]] virtual FrameBuffer* deliver(FrameBuffer* filled) = 0;
 
     /// An image that did not arrive whole; its buffer stays with the source.
@@ -90,6 +91,10 @@ public:
     /// `handler` runs once, on any thread, as soon as the device finds out by itself that it is gone: it only notes the
     /// fact. Set before the first register access.
     virtual void onRemoval(std::function<void()> handler) = 0;
+
+    /// `lost` tells whether anybody found out that the device is gone. From then on nothing that this device or its
+    /// sources are asked for waits for it, closing least of all.
+    virtual void setLostQuery(std::function<bool()> lost) { (void)lost; }
 };
 
 /// A kind of camera. Calls into all providers are serialised by the caller.
@@ -101,7 +106,7 @@ public:
     [[nodiscard]] virtual std::vector<DeviceInfo> enumerate() = 0;
 
     /// Errors: CAM_API_STS_CAMERA_NOT_RESPONDING where it is gone, CAM_API_STS_ACCESS_DENIED where another program
-    /// controls it, CAM_API_STS_BUSY.
+    /// controls it, CAM_API_STS_BUSY. A device that is back may be opened while the lost one is not destroyed yet.
     [[nodiscard]] virtual Outcome open(const std::string& id, std::unique_ptr<Device>& device) = 0;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "CameraAccess.h"
+
 #include "camera/OrvoCamApi.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +9,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 /// A library with simulated cameras only, so that nothing looks for cameras on the network. Enumerated once.
 class SystemTest : public ::testing::Test {
@@ -37,16 +38,3 @@ protected:
     Orvo::CAM_SIGNAL_HANDLE m_signal = 0;
     Orvo::CAM_HANDLE m_camera = 0;
 };
-
-[[nodiscard]] Orvo::CAM_NODE_HANDLE nodeOf(Orvo::CAM_HANDLE camera, const char* name);
-
-using TextOperation = Orvo::CAM_API_STATUS (*)(Orvo::CAM_HANDLE, Orvo::CAM_NODE_HANDLE, char*, std::uint32_t*);
-
-/// The whole text, or "status N".
-[[nodiscard]] std::string textOf(TextOperation operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node);
-
-/// The names of a category's features, in their order.
-[[nodiscard]] std::vector<std::string> featuresOf(Orvo::CAM_HANDLE camera, const char* category);
-
-/// The symbolic names of an enumeration's entries, in their order.
-[[nodiscard]] std::vector<std::string> entriesOf(Orvo::CAM_HANDLE camera, const char* enumeration);

@@ -6,7 +6,7 @@
 
 namespace orvo {
 
-/// USB3 Vision and GigE Vision cameras.
+/// USB3 Vision and GigE Vision cameras, either kind where it is wanted. Looking for GigE Vision cameras takes a second.
 [[nodiscard]] std::unique_ptr<DeviceProvider> makeAravisProvider(bool usb, bool gige);
 
 } // namespace orvo

@@ -1,0 +1,77 @@
+#include "AravisDevice.h"
+
+#include "cameralibs/devices/ErrorStatus.h"
+#include "cameralibs/devices/aravis/AravisSource.h"
+#include "cameralibs/devices/aravis/GigeStream.h"
+
+#include <utility>
+
+namespace orvo {
+
+using namespace Orvo;
+
+namespace {
+
+using Handler = std::function<void()>;
+
+void callHandler(ArvDevice*, void* handler)
+{
+    (*static_cast<Handler*>(handler))();
+}
+
+void deleteHandler(void* handler, GClosure*)
+{
+    delete static_cast<Handler*>(handler);
+}
+
+} // namespace
+
+AravisDevice::AravisDevice(DeviceInfo info, std::shared_ptr<DeviceConnection> connection)
+    : m_info(std::move(info))
+    , m_connection(std::move(connection))
+{
+}
+
+AravisDevice::~AravisDevice()
+{
+    if (m_removalConnection != 0)
+        g_signal_handler_disconnect(m_connection->device(), m_removalConnection);
+}
+
+Outcome AravisDevice::description(std::string& xml)
+{
+    std::size_t size = 0;
+    const char* text = arv_device_get_genicam_xml(m_connection->device(), &size);
+    if (text == nullptr || size == 0)
+        return {CAM_API_STS_XML_LOAD_ERR, "The camera gives no description"};
+    xml.assign(text, size);
+    return {};
+}
+
+Outcome AravisDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
+                                 std::unique_ptr<FrameSource>& source)
+{
+    ArvDevice* device = m_connection->device();
+    if (ARV_IS_GV_DEVICE(device))
+        prepareGigeDevice(ARV_GV_DEVICE(device));
+    GError* error = nullptr;
+    GObjectPointer<ArvStream> stream(arv_device_create_stream(device, nullptr, nullptr, &error));
+    if (Outcome outcome = takeOpenError(error); !outcome.ok())
+        return outcome;
+    if (stream == nullptr)
+        return {CAM_API_STS_NOT_IMPLEMENTED, {}};
+    if (ARV_IS_GV_STREAM(stream.get()))
+        prepareGigeStream(ARV_GV_DEVICE(device), ARV_GV_STREAM(stream.get()));
+    source = std::make_unique<AravisSource>(m_connection, std::move(stream), sink, buffers);
+    return {};
+}
+
+void AravisDevice::onRemoval(std::function<void()> handler)
+{
+    // The closure owns the handler: one that runs while it is being disconnected keeps it.
+    auto owned = std::make_unique<Handler>(std::move(handler));
+    m_removalConnection = g_signal_connect_data(m_connection->device(), "control-lost", G_CALLBACK(callHandler),
+                                                owned.release(), deleteHandler, static_cast<GConnectFlags>(0));
+}
+
+} // namespace orvo

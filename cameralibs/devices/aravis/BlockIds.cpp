@@ -1,0 +1,31 @@
+#include "BlockIds.h"
+
+namespace orvo {
+
+namespace {
+
+constexpr std::uint64_t kHighestShortId = 65535;
+
+/// How many images further `id` is; at least one, as no image comes twice.
+std::uint64_t step(std::uint64_t lastId, std::uint64_t id)
+{
+    if (lastId > kHighestShortId || id > kHighestShortId)
+        return id > lastId ? id - lastId : 1;
+    const auto distance = static_cast<std::int16_t>(id - lastId);
+    if (distance < 1)
+        return 1;
+    const bool wrapped = id < lastId;
+    // There is no id 0 between the last and the first.
+    return static_cast<std::uint64_t>(distance - (wrapped && distance > 1 ? 1 : 0));
+}
+
+} // namespace
+
+std::uint64_t BlockIds::next(std::uint64_t id)
+{
+    m_number = m_lastId ? m_number + step(*m_lastId, id) : id;
+    m_lastId = id;
+    return m_number;
+}
+
+} // namespace orvo

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <glib-object.h>
+
+#include <memory>
+
+namespace orvo {
+
+struct GObjectUnref {
+    void operator()(void* object) const noexcept { g_object_unref(object); }
+};
+
+/// Owns one reference of a GObject.
+template <class T> using GObjectPointer = std::unique_ptr<T, GObjectUnref>;
+
+} // namespace orvo

@@ -1,0 +1,21 @@
+#include "camera/OrvoCamApi.h"
+
+#include <cstdio>
+
+using namespace Orvo;
+
+int main()
+{
+    std::uint32_t count = 0;
+    CAM_HANDLE camera = 0;
+    CAM_API_STATUS status = Sys_Initialize(CAM_LAYER_GIGE_VISION);
+    if (status == CAM_API_STS_SUCCESS)
+        status = Sys_GetNumOfCameras(&count);
+    if (status == CAM_API_STS_SUCCESS)
+        status = Cam_Open(0, &camera, 0, 1, nullptr, 1);
+    std::printf("%u\n", status);
+    std::fflush(stdout);
+    while (std::getchar() != EOF) {
+    }
+    return Sys_Terminate() == CAM_API_STS_SUCCESS ? 0 : 1;
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+/// Another program, for as long as this lives.
+class ChildProcess {
+public:
+    explicit ChildProcess(const std::vector<std::string>& command);
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// A line that the program prints; empty once it has ended.
+    [[nodiscard]] std::string readLine();
+
+    /// Ends it at once, as a pulled cable ends a camera.
+    void kill();
+
+private:
+    pid_t m_pid = -1;
+    int m_input = -1;
+    int m_output = -1;
+};

@@ -1,0 +1,84 @@
+#include "GigeFixture.h"
+
+#include <chrono>
+
+using namespace Orvo;
+
+using GigeRemovalTest = ListedGige;
+using GigeRemovalOpenTest = OpenGige;
+using GigeRemovalStreamingTest = StreamingGige;
+
+namespace {
+
+constexpr CAM_API_STATUS kGone = CAM_API_STS_CAMERA_NOT_RESPONDING;
+
+/// Far above what anything local takes, far below what waiting for a camera takes.
+constexpr std::chrono::milliseconds kAtOnce{1000};
+
+template <class Work> void expectAtOnce(const char* what, Work&& work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, kAtOnce) << what;
+}
+
+} // namespace
+
+TEST_F(GigeRemovalTest, CameraThatDiedSinceItWasListedDoesNotOpen)
+{
+    m_fakes.front()->kill();
+    CAM_HANDLE camera = 0;
+    EXPECT_EQ(open(0, &camera), kGone);
+    EXPECT_EQ(camera, 0U);
+    ASSERT_EQ(Sys_GetNumOfCameras(&m_count), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(m_count, 0U);
+}
+
+TEST_F(GigeRemovalStreamingTest, CameraLostWhileStreaming)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(3));
+    m_fakes.front()->kill();
+    ASSERT_EQ(Sys_WaitForSignal(m_signal, 30000), CAM_API_STS_SUCCESS) << "nobody touches a register meanwhile";
+    expectAtOnce("node", [&] {
+        std::int64_t value = 0;
+        EXPECT_EQ(Nd_GetIntValue(m_camera, 1, &value), kGone);
+    });
+    std::uint32_t slot = 0;
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), kGone);
+    expectAtOnce("stop", [&] { EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS); });
+    expectAtOnce("close stream", [&] { EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS); });
+    expectAtOnce("close camera", [&] { EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS); });
+    EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
+    // Waits for what was left to others.
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+}
+
+TEST_F(GigeRemovalOpenTest, RegisterAccessFindsOutThatTheCameraIsGone)
+{
+    const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
+    m_fakes.front()->kill();
+    EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone);
+    EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS) << "set before the status is given";
+    expectAtOnce("read", [&] { EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone); });
+    expectAtOnce("write", [&] { EXPECT_EQ(Nd_SetIntValue(m_camera, width, 64), kGone); });
+    expectAtOnce("close", [&] { EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS); });
+}
+
+TEST_F(GigeRemovalOpenTest, CameraThatIsBackOpensAgain)
+{
+    const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
+    m_fakes.clear();
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone);
+    addCamera({"-i", "127.0.0.1"});
+    CAM_HANDLE again = 0;
+    ASSERT_EQ(open(0, &again, m_signal), CAM_API_STS_SUCCESS) << "while the lost one is not closed yet";
+    EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
+    EXPECT_EQ(intOf(again, "Width"), 512);
+    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone);
+    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(intOf(again, "Width"), 512);
+}
