@@ -18,7 +18,8 @@ std::shared_ptr<ConversionBuffer> ConversionBuffer::create(std::uint32_t width, 
     const std::uint32_t bytes = width * height * kBytesPerPixel;
     if (bytes == 0 || bytes / kBytesPerPixel / width != height)
         return nullptr;
-    std::unique_ptr<uchar[]> pixels(new (std::nothrow) uchar[bytes]);
+    // Cleared, so that an image that cannot be converted is black and not what the memory held before.
+    std::unique_ptr<uchar[]> pixels(new (std::nothrow) uchar[bytes]());
     if (!pixels)
         return nullptr;
     return std::make_shared<ConversionBuffer>(width, height, std::move(pixels));
