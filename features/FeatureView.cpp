@@ -1,80 +1,130 @@
 #include "features/FeatureView.h"
 
-// The interface without its insides: the table is not built yet.
+#include "features/DescBox.h"
+#include "features/GenAPINodeItem.h"
+#include "features/PlainToolTip.h"
+
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QPersistentModelIndex>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kRowHeight = 22;
+
+} // namespace
 
 FeatureView::FeatureView(QWidget* parent)
     : QWidget(parent)
 {
+    makeRowColours();
+    createToolBar();
+    createTable();
+    m_descBox = new DescBox(this);
+
+    auto* const layout = new QVBoxLayout(this);
+    layout->addWidget(m_toolBar);
+    layout->addWidget(&m_tableView);
+    layout->addWidget(m_descBox);
+
+    sortAndFilter(false, Orvo::NODE_VISIBILITY_BEGINNER);
 }
 
-FeatureView::~FeatureView() = default;
-
-int FeatureView::SetCam(unsigned long)
+FeatureView::~FeatureView()
 {
-    return 1;
+    dropModel();
+    m_toolBar->clear();
+    m_items.clear();
 }
 
-Orvo::CAM_API_STATUS FeatureView::registerItemsToList(unsigned long)
+void FeatureView::createTable()
 {
-    return Orvo::CAM_API_STS_SUCCESS;
+    m_delegate.setParent(this);
+    m_delegate.setView(this);
+    m_tableView.setItemDelegate(&m_delegate);
+    m_tableView.setWindowTitle(tr("FeatureView"));
+    m_tableView.setEditTriggers(QAbstractItemView::CurrentChanged | QAbstractItemView::SelectedClicked);
+    m_tableView.viewport()->installEventFilter(this);
+
+    QHeaderView* const rows = m_tableView.verticalHeader();
+    rows->hide();
+    // The default last: it is held to the limits, and a style's least height may be above it.
+    rows->setMinimumSectionSize(kRowHeight);
+    rows->setMaximumSectionSize(kRowHeight);
+    rows->setDefaultSectionSize(kRowHeight);
+
+    QHeaderView* const columns = m_tableView.horizontalHeader();
+    columns->setStretchLastSection(true);
+    columns->setToolTip(tr("Double-clicking column header will shows / hides Node-Type colmn."));
+    updateClmNodeTypeVisible();
+
+    connect(&m_tableView, &QTableView::clicked, this, &FeatureView::tableRowClicked);
+    connect(&m_tableView, &QTableView::doubleClicked, this, &FeatureView::tableRowDoubleClicked);
+    connect(columns, &QHeaderView::sectionDoubleClicked, this, &FeatureView::columnHeaderDoubleClicked);
+
+    m_valuesWritten = false;
+    showModel(emptyModel().release());
 }
 
-void FeatureView::showModel(QStandardItemModel*) {}
-
-GenAPINodeItem* FeatureView::itemAt(const QModelIndex&) const
+std::unique_ptr<QStandardItemModel> FeatureView::emptyModel()
 {
-    return nullptr;
+    auto model = std::make_unique<QStandardItemModel>(0, ColumnCount);
+    model->setHorizontalHeaderLabels({tr("Name"), tr("Type"), tr("Value")});
+    return model;
 }
 
-void FeatureView::sortAndFilter(bool, Orvo::TC_NODE_VISIBILITY) {}
-
-void FeatureView::setLevelInvisibleAvailable(bool available)
+void FeatureView::showModel(QStandardItemModel* model)
 {
-    m_levelInvisibleAvailable = available;
+    if (model != m_sourceModel.get()) {
+        dropModel();
+        m_sourceModel.reset(model);
+    }
+    sortAndFilter(false, static_cast<Orvo::TC_NODE_VISIBILITY>(m_level));
 }
 
-void FeatureView::setCellColor(QStandardItemModel*, int) {}
-
-void FeatureView::SetRowCollapsedState() {}
-
-void FeatureView::changeCollapsedState(QModelIndex) {}
-
-bool FeatureView::clmNodeTypeVisible() const
+void FeatureView::dropModel()
 {
-    return m_tableView.isColumnHidden(1);
+    if (m_descBox && m_descBox->getCurrentIndex() >= 0)
+        m_descBox->clear();
+    m_filterModel.setSourceModel(nullptr); // closes the editors while their items live
+    if (!m_items.isEmpty() && m_items.first()->model() == m_sourceModel.get())
+        m_items.clear();
+    m_sourceModel.reset();
 }
 
-void FeatureView::setclmNodeTypeVisible(bool) {}
-
-void FeatureView::setMinWdtShowingClmNodeType(int width)
+QStandardItem* FeatureView::sourceItem(const QModelIndex& index, int column) const
 {
-    m_minWdtShowingClmNodeType = width;
+    const QModelIndex source = index.model() == &m_filterModel ? m_filterModel.mapToSource(index) : index;
+    if (!source.isValid() || source.model() != m_sourceModel.get())
+        return nullptr;
+    return m_sourceModel->item(source.row(), column);
 }
 
-void FeatureView::updateClmNodeTypeVisible() {}
+GenAPINodeItem* FeatureView::itemAt(const QModelIndex& index) const
+{
+    const QStandardItem* const name = sourceItem(index, NameColumn);
+    if (!name)
+        return nullptr;
+    const int row = name->data(ItemIndexRole).toInt();
+    return dynamic_cast<GenAPINodeItem*>(m_sourceModel->item(row, ValueColumn));
+}
 
-void FeatureView::closeEditOperation() {}
+void FeatureView::closeEditOperation()
+{
+    const QPersistentModelIndex current = m_tableView.currentIndex(); // an editor that closes may write
+    m_tableView.reset();
+    m_tableView.setCurrentIndex(current);
+}
 
-void FeatureView::setWriteInProgress(bool) {}
-
-void FeatureView::selectSortCategory() {}
-
-void FeatureView::selectSortAtoZ() {}
-
-void FeatureView::selectBeginner() {}
-
-void FeatureView::selectExpert() {}
-
-void FeatureView::selectGuru() {}
-
-void FeatureView::selectInvisible() {}
-
-void FeatureView::tableRowClicked(QModelIndex) {}
-
-void FeatureView::tableRowDoubleClicked(QModelIndex) {}
-
-void FeatureView::columnHeaderDoubleClicked() {}
-
-void FeatureView::updateAllFeatures(bool) {}
-
-void FeatureView::resizeEvent(QResizeEvent*) {}
+bool FeatureView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != m_tableView.viewport() || event->type() != QEvent::ToolTip)
+        return QWidget::eventFilter(watched, event);
+    const auto& help = *static_cast<QHelpEvent*>(event);
+    const QModelIndex index = m_tableView.indexAt(help.pos());
+    showPlainToolTip(help, index.data(Qt::ToolTipRole).toString(), m_tableView.viewport(),
+                     m_tableView.visualRect(index));
+    return true;
+}

@@ -1,15 +1,24 @@
 #pragma once
 
 #include "camera/OrvoCamApi.h"
+#include "features/FeatureFilterModel.h"
+#include "features/TableViewItemDelegate.h"
 
+#include <QAction>
+#include <QIcon>
 #include <QList>
+#include <QStandardItemModel>
 #include <QTableView>
+#include <QVariant>
 #include <QWidget>
 
-class GenAPINodeItem;
-class QModelIndex;
-class QStandardItemModel;
+#include <array>
+#include <memory>
+
 class DescBox;
+class GenAPINodeItem;
+class QToolBar;
+enum EditorWidgetType : int;
 
 /// The feature browser of one opened camera: a table with one row per node, its tool bar, and the description of the
 /// chosen node. Lives on the GUI thread.
@@ -27,6 +36,9 @@ public:
     explicit FeatureView(QWidget* parent = nullptr);
     ~FeatureView() override;
 
+    void createToolBar();
+    void createTable();
+
     // --- The rows ---------------------------------------------------------------------------------------------------
 
     /// Shows the features of the camera, which stays open for as long as this view lives. 0, or 1 where the camera has
@@ -36,8 +48,13 @@ public:
     /// Makes the item of the node and, of a category, those of everything below it, and appends them to the list.
     Orvo::CAM_API_STATUS registerItemsToList(unsigned long hNode);
 
-    /// Takes the model, whose items replace those shown before; they are deleted.
+    /// Takes the model, whose items replace those shown before; they are deleted. The rows keep the order of the model.
     void showModel(QStandardItemModel* model);
+
+    /// Rows for work on this view without a camera: one, and nine of them.
+    void addFeature(QStandardItemModel* model, int row, const QString& level, const QString& name, const QString& type,
+                    const QString& value, EditorWidgetType editor);
+    void setFeatureDataDebug(QStandardItemModel* model);
 
     /// The item in the value column of the row that `index` leads to, an index of the table's model or of the source
     /// model. Null where the row has no camera node.
@@ -45,7 +62,7 @@ public:
 
     /// In the order of the rows of the source model, which owns them.
     [[nodiscard]] const QList<GenAPINodeItem*>& items() const { return m_items; }
-    [[nodiscard]] QStandardItemModel* sourceModel() const { return m_sourceModel; }
+    [[nodiscard]] QStandardItemModel* sourceModel() const { return m_sourceModel.get(); }
     [[nodiscard]] QTableView* tableView() { return &m_tableView; }
     [[nodiscard]] const QTableView* tableView() const { return &m_tableView; }
     [[nodiscard]] DescBox* descBox() const { return m_descBox; }
@@ -71,7 +88,7 @@ public:
 
     /// Colours a row by the access mode of its item.
     void setCellColor(QStandardItemModel* model, int row);
-    void setCellColor(int row) { setCellColor(m_sourceModel, row); }
+    void setCellColor(int row) { setCellColor(m_sourceModel.get(), row); }
 
     /// Shows and hides the rows of the table by the fold states of their categories.
     void SetRowCollapsedState();
@@ -100,7 +117,7 @@ public:
     void setValuesWritten() { m_valuesWritten = true; }
 
     /// While an item writes no editor opens.
-    void setWriteInProgress(bool inProgress);
+    void setWriteInProgress(bool inProgress) { m_delegate.setWriteInProgress(inProgress); }
 
 signals:
     /// One entry of the operation log. A receiver may change the text, which nobody looks at afterwards.
@@ -127,15 +144,65 @@ public slots:
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    enum ToolAction {
+        RefreshAction,
+        SortCategoryAction,
+        SortAzAction,
+        BeginnerAction,
+        ExpertAction,
+        GuruAction,
+        InvisibleAction,
+        ToolActionCount,
+    };
+    enum { NameColumn, TypeColumn, ValueColumn, ColumnCount };
+
+    struct RowColours {
+        QVariant background;
+        QVariant foreground;
+    };
+
+    // FeatureView.cpp
+    [[nodiscard]] static std::unique_ptr<QStandardItemModel> emptyModel();
+    void dropModel();
+    /// The item of a source row's cell, by an index of the source model or of the table's model.
+    [[nodiscard]] QStandardItem* sourceItem(const QModelIndex& index, int column) const;
+
+    // FeatureViewTree.cpp
+    Orvo::CAM_API_STATUS registerSubtree(Orvo::CAM_NODE_HANDLE node, int level);
+    void fillRow(QStandardItemModel& model, int row);
+
+    void checkActions();   // FeatureViewToolBar.cpp
+    void spanCategories(); // FeatureViewFilter.cpp
+    void makeRowColours(); // FeatureViewColours.cpp
+
+    // FeatureViewFolding.cpp
+    /// The name cell of a row of the table; rows are asked one by one, so this is quicker than the model's data.
+    [[nodiscard]] const QStandardItem* nameItem(int row) const;
+    [[nodiscard]] static bool isCategoryName(const QStandardItem* name);
+
     QTableView m_tableView;
     DescBox* m_descBox = nullptr;
-    QStandardItemModel* m_sourceModel = nullptr;
+    std::unique_ptr<QStandardItemModel> m_sourceModel;
     int m_opeLogLevel = 1;
+    TableViewItemDelegate m_delegate;
     bool m_valuesWritten = false;
-    QList<GenAPINodeItem*> m_items;
+    QList<GenAPINodeItem*> m_items; // owned by the source model
+    FeatureFilterModel m_filterModel;
+    QToolBar* m_toolBar = nullptr;
+    std::array<std::unique_ptr<QAction>, ToolActionCount> m_actions;
+    int m_level = Orvo::NODE_VISIBILITY_BEGINNER;
+    bool m_sortAtoZ = false;
     bool m_autoReRead = true;
     bool m_levelInvisibleAvailable = false;
     bool m_niFeatureVisible = false;
+    Orvo::CAM_HANDLE m_camera = 0;
     int m_minWdtShowingClmNodeType = 300;
+    bool m_reReading = false;
+    bool m_reReadAgain = false;
+    std::array<RowColours, 6> m_rowColours;
+    QIcon m_foldedIcon{QStringLiteral(":/images/FeatureView/images/Folded.png")};
+    QIcon m_expandedIcon{QStringLiteral(":/images/FeatureView/images/Collapsed.png")};
 };

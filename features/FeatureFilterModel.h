@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QRegExp>
+#include <QSortFilterProxyModel>
+
+/// The rows of the feature table that pass the user level, in their order. Lives on the GUI thread.
+///
+/// A change of filter and order is one change of layout: current index, selection and open editors stay with their
+/// rows. The base class would take out and put in run after run of rows instead, each at the cost of the whole table.
+class FeatureFilterModel : public QSortFilterProxyModel {
+    Q_OBJECT
+
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+    /// Shows the rows whose filter role matches `filter`, ordered by `role` of column 0.
+    void arrange(const QRegExp& filter, int role);
+
+protected:
+    [[nodiscard]] bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+
+private:
+    QRegExp m_filter;
+};

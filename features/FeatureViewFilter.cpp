@@ -1,0 +1,137 @@
+// Which rows are shown, in which order, and the reading of all of them.
+
+#include "features/DescBox.h"
+#include "features/FeatureView.h"
+#include "features/GenAPINodeItem.h"
+#include "features/UpdatesPaused.h"
+
+using Orvo::TC_NODE_VISIBILITY;
+
+namespace {
+
+/// Lower levels are shown with the higher ones. Categories stand between features in their own order only.
+struct LevelPattern {
+    int level;
+    const char* inCategoryOrder;
+    const char* inAtoZOrder;
+};
+
+constexpr LevelPattern kLevelPatterns[] = {
+    {Orvo::NODE_VISIBILITY_BEGINNER, "[BC]", "B"},
+    {Orvo::NODE_VISIBILITY_EXPERT, "[BEC]", "[BE]"},
+    {Orvo::NODE_VISIBILITY_GURU, "[BEGC]", "[BEG]"},
+    {Orvo::NODE_VISIBILITY_INVISIBLE, "[BEGIC]", "[BEGI]"},
+};
+
+/// Of Beginner for a level that there is not.
+const LevelPattern& patternOf(int level)
+{
+    for (const LevelPattern& pattern : kLevelPatterns) {
+        if (pattern.level == level)
+            return pattern;
+    }
+    return kLevelPatterns[0];
+}
+
+} // namespace
+
+void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
+{
+    m_level = level;
+    m_sortAtoZ = sortAtoZ;
+    checkActions();
+
+    const UpdatesPaused paused(m_tableView);
+    const LevelPattern& pattern = patternOf(m_level);
+    const QRegExp filter(QString::fromLatin1(sortAtoZ ? pattern.inAtoZOrder : pattern.inCategoryOrder),
+                         m_niFeatureVisible ? Qt::CaseInsensitive : Qt::CaseSensitive);
+    m_filterModel.setFilterKeyColumn(NameColumn);
+    m_filterModel.setFilterRole(LevelRole);
+    // Before a new source, which is then filtered and sorted once.
+    m_filterModel.arrange(filter, sortAtoZ ? static_cast<int>(Qt::DisplayRole) : static_cast<int>(ItemIndexRole));
+    m_filterModel.setSourceModel(m_sourceModel.get());
+    if (m_tableView.model() != &m_filterModel)
+        m_tableView.setModel(&m_filterModel);
+
+    spanCategories();
+    SetRowCollapsedState();
+    // The value column is stretched to what is left. A hidden column keeps its width.
+    for (const int column : {NameColumn, TypeColumn}) {
+        if (!m_tableView.isColumnHidden(column))
+            m_tableView.resizeColumnToContents(column);
+    }
+    updateClmNodeTypeVisible();
+}
+
+void FeatureView::spanCategories()
+{
+    m_tableView.clearSpans();
+    if (m_sortAtoZ)
+        return;
+    for (int row = 0; row < m_filterModel.rowCount(); ++row) {
+        if (isCategoryName(nameItem(row)))
+            m_tableView.setSpan(row, NameColumn, 1, ColumnCount);
+    }
+}
+
+void FeatureView::setLevelInvisibleAvailable(bool available)
+{
+    m_levelInvisibleAvailable = available;
+    m_actions[InvisibleAction]->setVisible(available);
+}
+
+void FeatureView::selectSortCategory()
+{
+    sortAndFilter(false, static_cast<TC_NODE_VISIBILITY>(m_level));
+}
+
+void FeatureView::selectSortAtoZ()
+{
+    sortAndFilter(true, static_cast<TC_NODE_VISIBILITY>(m_level));
+}
+
+void FeatureView::selectBeginner()
+{
+    sortAndFilter(m_sortAtoZ, Orvo::NODE_VISIBILITY_BEGINNER);
+}
+
+void FeatureView::selectExpert()
+{
+    sortAndFilter(m_sortAtoZ, Orvo::NODE_VISIBILITY_EXPERT);
+}
+
+void FeatureView::selectGuru()
+{
+    sortAndFilter(m_sortAtoZ, Orvo::NODE_VISIBILITY_GURU);
+}
+
+void FeatureView::selectInvisible()
+{
+    sortAndFilter(m_sortAtoZ, Orvo::NODE_VISIBILITY_INVISIBLE);
+}
+
+void FeatureView::updateAllFeatures(bool force)
+{
+    if (m_reReading) {
+        m_reReadAgain = true;
+        return;
+    }
+    if (!m_valuesWritten && !force)
+        return;
+
+    m_reReading = true;
+    do {
+        m_reReadAgain = false;
+        for (int row = 0; row < m_items.size(); ++row) { // reading may change the list
+            m_items.at(row)->updateVals(false);
+            setCellColor(row);
+        }
+    } while (m_reReadAgain);
+    m_valuesWritten = false;
+    m_reReading = false;
+    m_tableView.viewport()->repaint();
+
+    const QModelIndex current = m_tableView.currentIndex();
+    if (current.isValid())
+        m_descBox->setText(itemAt(current));
+}

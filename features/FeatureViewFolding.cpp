@@ -1,0 +1,110 @@
+// Folding of categories, clicks on rows, and the node-type column that hides where the view is narrow.
+
+#include "features/DescBox.h"
+#include "features/FeatureView.h"
+#include "features/UpdatesPaused.h"
+
+#include <QCursor>
+#include <QPersistentModelIndex>
+
+#include <vector>
+
+namespace {
+
+constexpr int kFoldIconWidth = 21; // a click left of it, seen from the table's left edge, folds
+
+} // namespace
+
+const QStandardItem* FeatureView::nameItem(int row) const
+{
+    return m_sourceModel->item(m_filterModel.mapToSource(m_filterModel.index(row, NameColumn)).row(), NameColumn);
+}
+
+bool FeatureView::isCategoryName(const QStandardItem* name)
+{
+    return name && name->data(LevelRole).toString() == QLatin1String("C");
+}
+
+void FeatureView::SetRowCollapsedState()
+{
+    // Decided before anything is hidden: every change of a row costs the table something.
+    std::vector<bool> hidden(static_cast<std::size_t>(m_filterModel.rowCount()), false);
+    if (!m_sortAtoZ) {
+        // A category is shown where a feature follows it directly. The rows of a category within a category, and what
+        // the outer one has after them, go with the inner one.
+        bool expanded = false;
+        bool afterCategory = false;
+        for (std::size_t row = 0; row < hidden.size(); ++row) {
+            const QStandardItem* const name = nameItem(static_cast<int>(row));
+            if (isCategoryName(name)) {
+                expanded = name->data(ExpandedRole).toBool();
+                afterCategory = true;
+                hidden[row] = true;
+                continue;
+            }
+            if (afterCategory)
+                hidden[row - 1] = false;
+            afterCategory = false;
+            hidden[row] = !expanded;
+        }
+    }
+
+    const UpdatesPaused paused(m_tableView); // else the cost of a row grows with their number
+    for (std::size_t row = 0; row < hidden.size(); ++row)
+        m_tableView.setRowHidden(static_cast<int>(row), hidden[row]);
+}
+
+void FeatureView::changeCollapsedState(QModelIndex index)
+{
+    QStandardItem* const name = sourceItem(index, NameColumn);
+    if (!isCategoryName(name))
+        return;
+    const bool expanded = !name->data(ExpandedRole).toBool();
+    name->setData(expanded, ExpandedRole);
+    name->setIcon(expanded ? m_expandedIcon : m_foldedIcon);
+    SetRowCollapsedState();
+}
+
+void FeatureView::tableRowClicked(QModelIndex index)
+{
+    const QPersistentModelIndex clicked = index; // reading from the camera may change the rows
+    m_descBox->setText(itemAt(index));
+    if (m_tableView.mapFromGlobal(QCursor::pos()).x() < kFoldIconWidth)
+        changeCollapsedState(clicked);
+}
+
+void FeatureView::tableRowDoubleClicked(QModelIndex index)
+{
+    changeCollapsedState(index);
+}
+
+void FeatureView::columnHeaderDoubleClicked()
+{
+    setclmNodeTypeVisible(clmNodeTypeVisible());
+}
+
+bool FeatureView::clmNodeTypeVisible() const
+{
+    return m_tableView.isColumnHidden(TypeColumn);
+}
+
+void FeatureView::setclmNodeTypeVisible(bool visible)
+{
+    m_tableView.setColumnHidden(TypeColumn, !visible);
+}
+
+void FeatureView::setMinWdtShowingClmNodeType(int width)
+{
+    m_minWdtShowingClmNodeType = width;
+    updateClmNodeTypeVisible();
+}
+
+void FeatureView::updateClmNodeTypeVisible()
+{
+    setclmNodeTypeVisible(m_minWdtShowingClmNodeType <= width());
+}
+
+void FeatureView::resizeEvent(QResizeEvent*)
+{
+    updateClmNodeTypeVisible();
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QRect>
+
+class QHelpEvent;
+class QString;
+class QWidget;
+
+/// Answers a QEvent::ToolTip with `text` as it stands, broken into lines, whatever markup it may look like. The tool
+/// tip stays while the pointer is within `area` of the widget (all of it where empty). An empty text hides it.
+void showPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget, const QRect& area = {});
