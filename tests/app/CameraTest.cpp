@@ -10,7 +10,6 @@
 
 #include <QDockWidget>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollBar>
 #include <QTextEdit>
 #include <QTreeWidget>
@@ -100,8 +99,7 @@ void CameraTest::startInitialisesTheLibraries()
 void CameraTest::startCentresTheWindow()
 {
     // Before it is shown: what a window manager adds does not count.
-    const MainWindow mainWindow;
-    const QWidget& window = mainWindow;
+    const MainWindow window;
     const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
     QCOMPARE(window.x(), available.x() + available.width() / 2 - window.width() / 2);
     QCOMPARE(window.y(), available.y() + available.height() / 2 - window.height() / 2);
@@ -492,8 +490,8 @@ void CameraTest::logScrollsToTheNewestLine()
     const auto* const edit = driver.child<QTextEdit>("messageLogEdit");
     QCOMPARE(driver.log().size(), 100);
     QVERIFY(edit->textCursor().atEnd());
-    QVERIFY(edit->verticalScrollBar()->maximum() > edit->viewport()->height());
-    QVERIFY(edit->viewport()->rect().contains(edit->cursorRect()));
+    QVERIFY(edit->verticalScrollBar()->maximum() > 0);
+    QCOMPARE(edit->verticalScrollBar()->value(), edit->verticalScrollBar()->maximum());
 }
 
 void CameraTest::clearEmptiesTheLog()

@@ -1,4 +1,4 @@
-#include "tests/support/Desktop.h"
+#include "tests/e2e/Desktop.h"
 
 #include <QGuiApplication>
 #include <QPixmap>

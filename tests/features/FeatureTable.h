@@ -1,0 +1,64 @@
+#pragma once
+
+#include "features/FeatureView.h"
+#include "features/GenAPINodeItem.h"
+#include "tests/support/ScriptedCamera.h"
+
+#include <QIcon>
+#include <QStringList>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A scripted feature of the given level and access, an Integer unless the test makes it something else.
+[[nodiscard]] scripted::NodeSpec feature(std::string name,
+                                         Orvo::TC_NODE_VISIBILITY visibility = Orvo::NODE_VISIBILITY_BEGINNER,
+                                         Orvo::NodeAccessMode access = Orvo::NODE_ACCESS_MODE_RW);
+
+/// `count` features below as many categories as it takes at twelve each, Root first.
+[[nodiscard]] std::vector<scripted::NodeSpec> manyNodes(int count);
+
+/// Whether the icon shows the compiled-in image of that name.
+[[nodiscard]] bool showsImage(const QIcon& icon, const QString& fileName);
+
+/// A feature view over an open scripted camera.
+class FeatureTable {
+public:
+    /// Opens the camera, with its nodes as they are scripted, and shows its features.
+    FeatureTable();
+    /// The same with these nodes.
+    explicit FeatureTable(std::vector<scripted::NodeSpec> nodes);
+    ~FeatureTable();
+    Q_DISABLE_COPY_MOVE(FeatureTable)
+
+    [[nodiscard]] FeatureView& view() { return *m_view; }
+    [[nodiscard]] QTableView& table() { return *m_view->tableView(); }
+    [[nodiscard]] QAbstractItemModel& rowsModel() { return *table().model(); }
+    [[nodiscard]] Orvo::CAM_HANDLE camera() const { return m_camera; }
+
+    /// Deletes the view while the camera is open.
+    void destroyView() { m_view.reset(); }
+    /// Shows the view and waits until it has the focus.
+    void show();
+
+    /// Names of the rows that pass the filter, blanks in front removed; with `shownOnly` without the folded ones.
+    [[nodiscard]] QStringList names(bool shownOnly = false);
+    [[nodiscard]] QStringList shownNames() { return names(true); }
+    /// The row of the table, which must exist.
+    [[nodiscard]] int row(const QString& name);
+    [[nodiscard]] QModelIndex cell(const QString& name, int column = 0);
+    [[nodiscard]] GenAPINodeItem* item(const QString& name);
+
+    /// Brings the pointer to a point of the table and clicks there, into the row.
+    void clickRow(const QString& name, int x);
+
+private:
+    void open();
+
+    Orvo::CAM_HANDLE m_camera = 0;
+    std::unique_ptr<FeatureView> m_view;
+};
+
+/// Opens the first camera of the script; the handle.
+[[nodiscard]] Orvo::CAM_HANDLE openScriptedCamera();

@@ -1,0 +1,395 @@
+// Folding categories, clicks on rows and on the header, and the node-type column.
+
+#include "features/DescBox.h"
+#include "tests/features/FeatureTable.h"
+#include "tests/support/ScriptedCamera.h"
+
+#include <QtTest>
+
+#include <QCursor>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QScrollBar>
+#include <QTextDocument>
+#include <QToolTip>
+
+using scripted::category;
+using scripted::NodeSpec;
+
+namespace {
+
+/// A loose feature, a category with one, a category within a category, and an empty one.
+std::vector<NodeSpec> nested()
+{
+    return {category("Root", {"Loose", "Plain", "Outer", "Empty"}),
+            category("Plain", {"A", "B"}),
+            category("Outer", {"Inner", "After"}),
+            category("Inner", {"C"}),
+            category("Empty", {}),
+            feature("Loose"),
+            feature("A"),
+            feature("B"),
+            feature("C"),
+            feature("After")};
+}
+
+class FeatureViewFoldingTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+    void cleanup() { QCursor::setPos(0, 0); }
+
+    void atFirstOnlyCategoriesWithFeaturesAreShown();
+    void aCategoryUnfoldsAndFolds();
+    void theOuterHeaderStaysHidden();
+    void featuresAfterAnInnerCategoryFollowIt();
+    void featuresBeforeTheFirstCategoryStayHidden();
+    void aCategoryWhoseFeaturesAreFilteredOutIsHidden();
+    void inAToZEveryRowIsShown();
+    void foldStatesOutliveFilterAndOrder();
+    void foldStatesEndWithTheModel();
+    void theCaseOfTheLevelLetterCounts();
+
+    void aFeatureRowDoesNotFold();
+    void anyCellOfACategoryFolds();
+    void anIndexOfTheSourceModelFoldsToo();
+    void anInvalidIndexDoesNothing();
+
+    void clickDescribesTheRow();
+    void clickAtTheLeftEdgeFolds_data();
+    void clickAtTheLeftEdgeFolds();
+    void clickAtTheLeftEdgeOfAFeatureOnlyDescribes();
+    void doubleClickFolds();
+    void doubleClickOnAFeatureChangesNothing();
+
+    void theTypeColumnFollowsTheWidth();
+    void theThresholdAppliesAtOnce();
+    void headerDoubleClickTogglesTheTypeColumn();
+    void theManualToggleHoldsUntilTheNextResize();
+    void theNameOfTheQuestionIsTheOppositeOfItsAnswer();
+
+    void closingTheEditorKeepsTheCurrentRow();
+    void closingWithoutACurrentRow();
+    void scrollToCurrentDoesNothing();
+    void toolTipsAreShownAsTheyStand();
+};
+
+void FeatureViewFoldingTest::atFirstOnlyCategoriesWithFeaturesAreShown()
+{
+    FeatureTable features(nested());
+    QCOMPARE(features.names(), QStringList({"Loose", "Plain", "A", "B", "Outer", "Inner", "C", "After", "Empty"}));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
+}
+
+void FeatureViewFoldingTest::aCategoryUnfoldsAndFolds()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.cell("Plain"));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "A", "B", "Inner"}));
+    QCOMPARE(features.cell("Plain").data(FeatureView::ExpandedRole), QVariant(true));
+    QVERIFY(showsImage(features.cell("Plain").data(Qt::DecorationRole).value<QIcon>(), "Collapsed.png"));
+
+    features.view().changeCollapsedState(features.cell("Plain"));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
+    QCOMPARE(features.cell("Plain").data(FeatureView::ExpandedRole), QVariant(false));
+    QVERIFY(showsImage(features.cell("Plain").data(Qt::DecorationRole).value<QIcon>(), "Folded.png"));
+}
+
+void FeatureViewFoldingTest::theOuterHeaderStaysHidden()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.cell("Outer"));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
+}
+
+void FeatureViewFoldingTest::featuresAfterAnInnerCategoryFollowIt()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.cell("Inner"));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner", "C", "After"}));
+}
+
+void FeatureViewFoldingTest::featuresBeforeTheFirstCategoryStayHidden()
+{
+    FeatureTable features({category("Root", {"Loose"}), feature("Loose")});
+    QVERIFY(features.shownNames().isEmpty());
+    features.view().selectSortAtoZ();
+    QCOMPARE(features.shownNames(), QStringList({"Loose"}));
+}
+
+void FeatureViewFoldingTest::aCategoryWhoseFeaturesAreFilteredOutIsHidden()
+{
+    FeatureTable features({category("Root", {"Gurus", "All"}), category("Gurus", {"G"}), category("All", {"B"}),
+                           feature("G", Orvo::NODE_VISIBILITY_GURU), feature("B")});
+    QCOMPARE(features.shownNames(), QStringList({"All"}));
+    features.view().selectGuru();
+    QCOMPARE(features.shownNames(), QStringList({"Gurus", "All"}));
+    features.view().selectBeginner();
+    QCOMPARE(features.shownNames(), QStringList({"All"}));
+}
+
+void FeatureViewFoldingTest::inAToZEveryRowIsShown()
+{
+    FeatureTable features(nested());
+    features.view().selectSortAtoZ();
+    QCOMPARE(features.shownNames(), QStringList({"A", "After", "B", "C", "Loose"}));
+    features.view().selectSortCategory();
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
+}
+
+void FeatureViewFoldingTest::foldStatesOutliveFilterAndOrder()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.cell("Plain"));
+    features.view().selectSortAtoZ();
+    features.view().selectGuru();
+    features.view().selectSortCategory();
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "A", "B", "Inner"}));
+}
+
+void FeatureViewFoldingTest::foldStatesEndWithTheModel()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.cell("Plain"));
+    features.view().SetCam(features.camera());
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
+}
+
+void FeatureViewFoldingTest::theCaseOfTheLevelLetterCounts()
+{
+    FeatureTable features(nested());
+    features.view().setNIfeatureVisible(true); // else a lower-case letter would not pass
+    features.view().sourceModel()->item(1, 0)->setData("c", FeatureView::LevelRole);
+    features.view().selectBeginner();
+    QVERIFY(features.names().contains("Plain"));
+    QVERIFY(!features.shownNames().contains("Plain"));
+    features.view().changeCollapsedState(features.cell("Plain"));
+    QCOMPARE(features.cell("Plain").data(FeatureView::ExpandedRole), QVariant(false));
+}
+
+void FeatureViewFoldingTest::aFeatureRowDoesNotFold()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.cell("A"));
+    QVERIFY(!features.cell("A").data(FeatureView::ExpandedRole).isValid());
+    QVERIFY(!features.cell("A").data(Qt::DecorationRole).isValid());
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
+}
+
+void FeatureViewFoldingTest::anyCellOfACategoryFolds()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.cell("Plain", 2));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "A", "B", "Inner"}));
+    QVERIFY(!features.cell("Plain", 2).data(FeatureView::ExpandedRole).isValid());
+}
+
+void FeatureViewFoldingTest::anIndexOfTheSourceModelFoldsToo()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState(features.view().sourceModel()->index(1, 0));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "A", "B", "Inner"}));
+}
+
+void FeatureViewFoldingTest::anInvalidIndexDoesNothing()
+{
+    FeatureTable features(nested());
+    features.view().changeCollapsedState({});
+    features.view().tableRowDoubleClicked({});
+    const QStandardItemModel other(1, 1);
+    features.view().changeCollapsedState(other.index(0, 0));
+    QVERIFY(!features.view().itemAt({}));
+    QVERIFY(!features.view().itemAt(other.index(0, 0)));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
+}
+
+void FeatureViewFoldingTest::clickDescribesTheRow()
+{
+    FeatureTable features(nested());
+    features.show();
+    features.view().changeCollapsedState(features.cell("Inner"));
+    features.clickRow("C", 200);
+    QCOMPARE(features.view().descBox()->getCurrentIndex(), 6);
+    features.clickRow("Inner", 200);
+    QCOMPARE(features.view().descBox()->getCurrentIndex(), 5);
+    features.view().selectSortAtoZ();
+    features.clickRow("B", 30);
+    QCOMPARE(features.view().descBox()->getCurrentIndex(), 3);
+}
+
+void FeatureViewFoldingTest::clickAtTheLeftEdgeFolds_data()
+{
+    QTest::addColumn<int>("x");
+    QTest::addColumn<bool>("folds");
+    QTest::newRow("0") << 1 << true; // 0 is the frame
+    QTest::newRow("20") << 20 << true;
+    QTest::newRow("21") << 21 << false;
+    QTest::newRow("in the name") << 60 << false;
+}
+
+void FeatureViewFoldingTest::clickAtTheLeftEdgeFolds()
+{
+    QFETCH(int, x);
+    FeatureTable features(nested());
+    features.show();
+    features.clickRow("Plain", x);
+    QTEST(features.shownNames().contains("A"), "folds");
+    QCOMPARE(features.view().descBox()->getCurrentIndex(), 1);
+    QCOMPARE(features.table().currentIndex(), features.cell("Plain"));
+}
+
+void FeatureViewFoldingTest::clickAtTheLeftEdgeOfAFeatureOnlyDescribes()
+{
+    FeatureTable features(nested());
+    features.show();
+    features.view().changeCollapsedState(features.cell("Plain"));
+    const QStringList before = features.shownNames();
+    features.clickRow("A", 5);
+    QCOMPARE(features.shownNames(), before);
+    QCOMPARE(features.view().descBox()->getCurrentIndex(), 2);
+}
+
+void FeatureViewFoldingTest::doubleClickFolds()
+{
+    FeatureTable features(nested());
+    features.show();
+    const QRect row = features.table().visualRect(features.cell("Plain"));
+    const QPoint inTheName(100, row.center().y());
+    QCursor::setPos(features.table().viewport()->mapToGlobal(inTheName)); // away from the edge, where a click folds
+    QTest::mouseClick(features.table().viewport(), Qt::LeftButton, {}, inTheName);
+    QTest::mouseDClick(features.table().viewport(), Qt::LeftButton, {}, inTheName);
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "A", "B", "Inner"}));
+}
+
+void FeatureViewFoldingTest::doubleClickOnAFeatureChangesNothing()
+{
+    FeatureTable features(nested());
+    features.show();
+    features.view().changeCollapsedState(features.cell("Plain"));
+    const QStringList before = features.shownNames();
+    const QPoint inTheName = features.table().visualRect(features.cell("A")).center();
+    const QSignalSpy doubleClicks(&features.table(), &QTableView::doubleClicked);
+    QTest::mouseClick(features.table().viewport(), Qt::LeftButton, {}, inTheName);
+    QTest::mouseDClick(features.table().viewport(), Qt::LeftButton, {}, inTheName);
+    QCOMPARE(doubleClicks.count(), 1);
+    QCOMPARE(features.shownNames(), before);
+}
+
+void FeatureViewFoldingTest::theTypeColumnFollowsTheWidth()
+{
+    FeatureTable features(nested());
+    features.show();
+    features.view().setMinimumSize(1, 1);
+    features.table().setMinimumSize(1, 1);
+    features.view().resize(299, 400);
+    QVERIFY(features.table().isColumnHidden(1));
+    features.view().resize(300, 400);
+    QVERIFY(!features.table().isColumnHidden(1));
+    features.view().resize(299, 400);
+    QVERIFY(features.table().isColumnHidden(1));
+}
+
+void FeatureViewFoldingTest::theThresholdAppliesAtOnce()
+{
+    FeatureTable features(nested());
+    features.view().setMinWdtShowingClmNodeType(501);
+    QCOMPARE(features.view().minWdtShowingClmNodeType(), 501);
+    QVERIFY(features.table().isColumnHidden(1));
+    features.view().setMinWdtShowingClmNodeType(500);
+    QVERIFY(!features.table().isColumnHidden(1));
+}
+
+void FeatureViewFoldingTest::headerDoubleClickTogglesTheTypeColumn()
+{
+    FeatureTable features(nested());
+    features.show();
+    QHeaderView* const header = features.table().horizontalHeader();
+    for (const int section : {0, 2}) {
+        const QPoint at(header->sectionViewportPosition(section) + 10, header->height() / 2);
+        QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, at);
+        QVERIFY(features.table().isColumnHidden(1));
+        features.view().columnHeaderDoubleClicked();
+        QVERIFY(!features.table().isColumnHidden(1));
+    }
+}
+
+void FeatureViewFoldingTest::theManualToggleHoldsUntilTheNextResize()
+{
+    FeatureTable features(nested());
+    features.show();
+    features.view().columnHeaderDoubleClicked();
+    QVERIFY(features.table().isColumnHidden(1));
+    features.view().updateAllFeatures();
+    features.view().changeCollapsedState(features.cell("Plain"));
+    QVERIFY(features.table().isColumnHidden(1));
+    features.view().resize(501, 700);
+    QVERIFY(!features.table().isColumnHidden(1));
+}
+
+void FeatureViewFoldingTest::theNameOfTheQuestionIsTheOppositeOfItsAnswer()
+{
+    FeatureTable features(nested());
+    features.view().setclmNodeTypeVisible(true);
+    QVERIFY(!features.view().clmNodeTypeVisible());
+    features.view().setclmNodeTypeVisible(false);
+    QVERIFY(features.view().clmNodeTypeVisible());
+}
+
+void FeatureViewFoldingTest::closingTheEditorKeepsTheCurrentRow()
+{
+    FeatureTable features(nested());
+    features.show();
+    features.view().changeCollapsedState(features.cell("Plain"));
+    features.table().setCurrentIndex(features.cell("A"));
+    features.view().closeEditOperation();
+    QCOMPARE(features.table().currentIndex(), features.cell("A"));
+    QCOMPARE(features.shownNames(), QStringList({"Plain", "A", "B", "Inner"}));
+}
+
+void FeatureViewFoldingTest::closingWithoutACurrentRow()
+{
+    FeatureTable features(nested());
+    features.view().closeEditOperation();
+    QVERIFY(!features.table().currentIndex().isValid());
+}
+
+void FeatureViewFoldingTest::scrollToCurrentDoesNothing()
+{
+    FeatureTable features(manyNodes(200));
+    features.view().selectSortAtoZ();
+    features.show();
+    features.table().setCurrentIndex(features.rowsModel().index(0, 0));
+    features.table().scrollToBottom();
+    const int before = features.table().verticalScrollBar()->value();
+    QVERIFY(before > 0);
+    features.view().ScrollToCurrent();
+    QCOMPARE(features.table().verticalScrollBar()->value(), before);
+}
+
+void FeatureViewFoldingTest::toolTipsAreShownAsTheyStand()
+{
+    NodeSpec node = feature("A");
+    node.toolTip = "<b>bold</b> & <img src='x'>\nsecond line";
+    FeatureTable features({category("Root", {"C"}), category("C", {"A"}), node});
+    features.show();
+    features.view().selectSortAtoZ();
+    QWidget* const viewport = features.table().viewport();
+    const auto ask = [&](const QPoint& at) {
+        QHelpEvent event(QEvent::ToolTip, at, viewport->mapToGlobal(at));
+        QCoreApplication::sendEvent(viewport, &event);
+        return QToolTip::text();
+    };
+    const QString shown = ask(features.table().visualRect(features.cell("A")).center());
+    QTextDocument document;
+    document.setHtml(shown);
+    QCOMPARE(document.toPlainText(), QString::fromStdString(node.toolTip));
+    QCOMPARE(features.cell("A").data(Qt::ToolTipRole).toString(), QString::fromStdString(node.toolTip));
+    ask(viewport->rect().bottomRight());
+    QTRY_VERIFY(QToolTip::text().isEmpty());
+}
+
+} // namespace
+
+QTEST_MAIN(FeatureViewFoldingTest)
+#include "FeatureViewFoldingTest.moc"
