@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 /// The conversions behind ConvImage, one for each family of formats. Each works through the image in pieces of
 /// `pixelsPerPiece` of a row, in buffers on the stack: reads the samples as bytes, makes colours of them, and writes
@@ -25,18 +26,7 @@ struct SourceImage {
 
     /// From the first sample of a row to that of the next: pairs and groups are completed per row. Of planar images
     /// those of the first plane.
-    [[nodiscard]] std::uint64_t samplesPerRow() const noexcept
-    {
-        if (format.packing == SamplePacking::Pairs) {
-            return std::uint64_t{width} + width % 2;
-        }
-        if (format.family == PixelFamily::Mono || format.family == PixelFamily::Bayer ||
-            format.packing == SamplePacking::Planar || format.packing == SamplePacking::Semiplanar) {
-            return width;
-        }
-        const unsigned group = pixelsPerGroup(format);
-        return (std::uint64_t{width} + group - 1) / group * format.order.size();
-    }
+    [[nodiscard]] std::uint64_t samplesPerRow() const noexcept;
 };
 
 constexpr std::size_t bytesPerBgra = 4;
@@ -50,15 +40,22 @@ void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept;
 
 void convertYCbCr(const SourceImage& image, std::uint8_t* bgra) noexcept;
 
-/// Writes the pixels of one piece; the planes may be one and the same.
-inline void writeBgra(const std::uint8_t* __restrict blue, const std::uint8_t* __restrict green,
-                      const std::uint8_t* __restrict red, std::size_t pixels, std::uint8_t* __restrict bgra) noexcept
+/// One pixel. Made of two halves of 16 bits, and stored as a whole, because the compiler's vectoriser then finds its
+/// way; four stores of bytes end in a loop ten times slower.
+inline void writePixel(std::uint8_t blue, std::uint8_t green, std::uint8_t red, std::uint8_t* bgra) noexcept
+{
+    const auto lower = static_cast<std::uint16_t>(blue | green << 8);
+    const auto upper = static_cast<std::uint16_t>(red | 0xFF00);
+    const std::uint32_t pixel = lower | std::uint32_t{upper} << 16;
+    std::memcpy(bgra, &pixel, bytesPerBgra);
+}
+
+/// The pixels of one piece; the planes may be one and the same.
+inline void writePixels(const std::uint8_t* __restrict blue, const std::uint8_t* __restrict green,
+                        const std::uint8_t* __restrict red, std::size_t pixels, std::uint8_t* __restrict bgra) noexcept
 {
     for (std::size_t i = 0; i < pixels; ++i) {
-        bgra[bytesPerBgra * i] = blue[i];
-        bgra[bytesPerBgra * i + 1] = green[i];
-        bgra[bytesPerBgra * i + 2] = red[i];
-        bgra[bytesPerBgra * i + 3] = 255;
+        writePixel(blue[i], green[i], red[i], bgra + bytesPerBgra * i);
     }
 }
 

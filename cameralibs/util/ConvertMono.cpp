@@ -12,7 +12,7 @@ void convertMono(const SourceImage& image, std::uint8_t* bgra) noexcept
     std::array<std::uint8_t, pixelsPerPiece> buffer{};
     forEachPiece(image, [&](std::uint32_t x, std::uint32_t y, std::uint32_t pixels) {
         const std::uint8_t* const gray = reader.read(y * samplesPerRow + x, pixels, buffer.data());
-        writeBgra(gray, gray, gray, pixels, bgra);
+        writePixels(gray, gray, gray, pixels, bgra);
         bgra += bytesPerBgra * pixels;
     });
 }

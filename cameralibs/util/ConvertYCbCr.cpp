@@ -32,7 +32,7 @@ struct Matrix {
 private:
     static constexpr std::int16_t fixed(double value, unsigned fraction)
     {
-        return static_cast<std::int16_t>(value * (1U << fraction) + 0.5);
+        return static_cast<std::int16_t>((static_cast<int>(value * (2U << fraction)) + 1) / 2);
     }
     static constexpr std::int16_t chroma(double value, bool fullRange)
     {
@@ -56,16 +56,17 @@ const Matrix& matrixOf(PixelFamily family)
     }
 }
 
-// The upper half of a product of 16-bit numbers: one instruction for eight of them.
-inline int upperHalf(int a, int b)
+// The upper half of a product of 16-bit numbers: one instruction for eight of them, as long as no number in between
+// is wider. Hence the casts here and below.
+inline std::int16_t upperHalf(std::int16_t a, std::int16_t b)
 {
     return static_cast<std::int16_t>(a * b >> 16);
 }
 
-inline std::uint8_t fromThirtySeconds(int sum)
+inline std::uint8_t fromThirtySeconds(std::int16_t sum)
 {
-    const auto rounded = static_cast<std::int16_t>((static_cast<std::int16_t>(sum) + 16) >> 5);
-    return static_cast<std::uint8_t>(std::clamp<std::int16_t>(rounded, 0, 255));
+    const auto rounded = static_cast<std::int16_t>(static_cast<std::int16_t>(sum + 16) >> 5);
+    return static_cast<std::uint8_t>(rounded < 0 ? 0 : rounded > 255 ? 255 : rounded);
 }
 
 struct Planes {
@@ -86,12 +87,15 @@ void toColours(const Planes& planes, const Matrix& matrix, std::size_t pixels, C
 {
     const Matrix m = matrix;
     for (std::size_t i = 0; i < pixels; ++i) {
-        const int y = upperHalf((planes.y[i] - m.black) * 128, m.luma);
-        const int cb = (planes.cb[i] - 128) * 256;
-        const int cr = (planes.cr[i] - 128) * 256;
-        colours.blue[i] = fromThirtySeconds(y + upperHalf(cb, m.blueFromCb));
-        colours.green[i] = fromThirtySeconds(y - upperHalf(cb, m.greenFromCb) - upperHalf(cr, m.greenFromCr));
-        colours.red[i] = fromThirtySeconds(y + upperHalf(cr, m.redFromCr));
+        const auto y = upperHalf(static_cast<std::int16_t>((planes.y[i] - m.black) * 128), m.luma);
+        const auto cb = static_cast<std::int16_t>((planes.cb[i] - 128) * 256);
+        const auto cr = static_cast<std::int16_t>((planes.cr[i] - 128) * 256);
+        const auto blue = static_cast<std::int16_t>(y + upperHalf(cb, m.blueFromCb));
+        const auto green = static_cast<std::int16_t>(y - upperHalf(cb, m.greenFromCb) - upperHalf(cr, m.greenFromCr));
+        const auto red = static_cast<std::int16_t>(y + upperHalf(cr, m.redFromCr));
+        colours.blue[i] = fromThirtySeconds(blue);
+        colours.green[i] = fromThirtySeconds(green);
+        colours.red[i] = fromThirtySeconds(red);
     }
 }
 
@@ -131,7 +135,7 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
         const std::uint8_t* const samples = reader.read(first, groups * SamplesPerGroup, buffer.data());
         splitGroups<PixelsPerGroup, SamplesPerGroup>(samples, image.format.order, groups, planes);
         toColours(planes, matrix, pixels, colours);
-        writeBgra(colours.blue.data(), colours.green.data(), colours.red.data(), pixels, bgra);
+        writePixels(colours.blue.data(), colours.green.data(), colours.red.data(), pixels, bgra);
         bgra += bytesPerBgra * pixels;
     });
 }
@@ -140,21 +144,23 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
 void convertSemiplanar(const SourceImage& image, std::uint8_t* bgra)
 {
     const Matrix& matrix = matrixOf(image.format.family);
-    const std::uint32_t rowsPerChromaRow = pixelsPerGroup(image.format) / 2;
+    const bool rowsShareChroma = pixelsPerGroup(image.format) == 4;
+    const std::uint64_t lumaPerRow = image.samplesPerRow();
     const std::uint64_t chromaPerRow = (std::uint64_t{image.width} + 1) / 2 * 2;
     const std::size_t cb = image.format.order.find('U') < image.format.order.find('V') ? 0 : 1;
     Planes planes{};
     Colours colours{};
     forEachPiece(image, [&](std::uint32_t x, std::uint32_t y, std::uint32_t pixels) {
-        const std::uint8_t* const luma = image.data + y * image.samplesPerRow() + x;
-        const std::uint8_t* const chroma = image.data + image.pixels() + y / rowsPerChromaRow * chromaPerRow + x;
+        const std::uint8_t* const luma = image.data + y * lumaPerRow + x;
+        const std::uint32_t chromaRow = rowsShareChroma ? y / 2 : y;
+        const std::uint8_t* const chroma = image.data + image.pixels() + chromaRow * chromaPerRow + x;
         std::copy_n(luma, pixels, planes.y.data());
-        for (std::size_t i = 0; i < pixels; ++i) {
-            planes.cb[i] = chroma[i / 2 * 2 + cb];
-            planes.cr[i] = chroma[i / 2 * 2 + 1 - cb];
+        for (std::size_t pair = 0; pair < (pixels + 1) / 2; ++pair) {
+            planes.cb[2 * pair] = planes.cb[2 * pair + 1] = chroma[2 * pair + cb];
+            planes.cr[2 * pair] = planes.cr[2 * pair + 1] = chroma[2 * pair + 1 - cb];
         }
         toColours(planes, matrix, pixels, colours);
-        writeBgra(colours.blue.data(), colours.green.data(), colours.red.data(), pixels, bgra);
+        writePixels(colours.blue.data(), colours.green.data(), colours.red.data(), pixels, bgra);
         bgra += bytesPerBgra * pixels;
     });
 }

@@ -13,7 +13,7 @@ void readWords(const std::uint8_t* __restrict words, std::size_t count, std::uin
 }
 
 // The upper 8 of the bits of a sample that begins at bit `start`.
-inline std::uint8_t upperBits(const std::uint8_t* run, std::uint64_t start, unsigned bits)
+inline std::uint8_t upperBits(const std::uint8_t* run, std::uint64_t start, std::size_t bits)
 {
     const std::uint64_t bit = start + bits - 8;
     const std::uint8_t* const byte = run + bit / 8;
@@ -22,7 +22,7 @@ inline std::uint8_t upperBits(const std::uint8_t* run, std::uint64_t start, unsi
     return shift == 0 ? *byte : static_cast<std::uint8_t>(byte[0] >> shift | byte[1] << (8 - shift));
 }
 
-template <unsigned Bits>
+template <std::size_t Bits>
 void readBits(const std::uint8_t* run, std::uint64_t first, std::size_t count, std::uint8_t* out)
 {
     // Four samples end with a byte. Rows may begin in the middle of such a group.
@@ -39,7 +39,7 @@ void readBits(const std::uint8_t* run, std::uint64_t first, std::size_t count, s
         out[2] = upperBits(run, 2 * Bits, Bits);
         out[3] = upperBits(run, 3 * Bits, Bits);
     }
-    for (unsigned start = 0; out != end; start += Bits) {
+    for (std::size_t start = 0; out != end; start += Bits) {
         *out++ = upperBits(run, start, Bits);
     }
 }

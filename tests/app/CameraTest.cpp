@@ -10,6 +10,7 @@
 
 #include <QDockWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTextEdit>
 #include <QTreeWidget>
@@ -99,7 +100,8 @@ void CameraTest::startInitialisesTheLibraries()
 void CameraTest::startCentresTheWindow()
 {
     // Before it is shown: what a window manager adds does not count.
-    const MainWindow window;
+    const MainWindow mainWindow;
+    const QWidget& window = mainWindow;
     const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
     QCOMPARE(window.x(), available.x() + available.width() / 2 - window.width() / 2);
     QCOMPARE(window.y(), available.y() + available.height() / 2 - window.height() / 2);
@@ -490,8 +492,8 @@ void CameraTest::logScrollsToTheNewestLine()
     const auto* const edit = driver.child<QTextEdit>("messageLogEdit");
     QCOMPARE(driver.log().size(), 100);
     QVERIFY(edit->textCursor().atEnd());
-    QVERIFY(edit->verticalScrollBar()->maximum() > 0);
-    QCOMPARE(edit->verticalScrollBar()->value(), edit->verticalScrollBar()->maximum());
+    QVERIFY(edit->verticalScrollBar()->maximum() > edit->viewport()->height());
+    QVERIFY(edit->viewport()->rect().contains(edit->cursorRect()));
 }
 
 void CameraTest::clearEmptiesTheLog()

@@ -107,8 +107,9 @@ void FormTest::actions()
         const QImage drawn(QString(":/images/Icon/") + expected.icon);
         QVERIFY(!drawn.isNull());
         QCOMPARE(action->icon().availableSizes(QIcon::Normal, QIcon::Off), QList<QSize>{drawn.size()});
-        QCOMPARE(action->icon().pixmap(drawn.size()).toImage().convertToFormat(QImage::Format_ARGB32),
-                 drawn.convertToFormat(QImage::Format_ARGB32));
+        constexpr auto likeAPixmap = QImage::Format_ARGB32_Premultiplied;
+        QCOMPARE(action->icon().pixmap(drawn.size()).toImage().convertToFormat(likeAPixmap),
+                 drawn.convertToFormat(likeAPixmap));
     }
 }
 

@@ -1,12 +1,13 @@
 // Starting and stopping the stream, software trigger, callbacks, and what the window does with images and rates.
 
+#include "display/GraphicsView.h"
 #include "display/ImageView.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
 
-#include <QGraphicsView>
+#include <QGraphicsItem>
 
 namespace {
 
@@ -380,19 +381,21 @@ void StreamTest::softwareTriggerEndsWithTheStream()
 
 void StreamTest::softwareTriggerExecutes_data()
 {
-    QTest::newRow("actionSoftwareTrigger");
-    QTest::newRow("action_Menu_One_Shot");
+    QTest::addColumn<QByteArray>("action");
+    QTest::newRow("tool bar") << QByteArray("actionSoftwareTrigger");
+    QTest::newRow("menu") << QByteArray("action_Menu_One_Shot");
 }
 
 void StreamTest::softwareTriggerExecutes()
 {
+    QFETCH(QByteArray, action);
     WindowDriver driver;
-    driver.trigger(QTest::currentDataTag());
+    driver.trigger(action);
     QCOMPARE(scripted::count("ExecuteCamSoftwareTrigger"), 0); // no camera
     scripted::setTrigger(true, 64);
     driver.open();
     driver.start();
-    driver.trigger(QTest::currentDataTag());
+    driver.trigger(action);
     QCOMPARE(scripted::count("ExecuteCamSoftwareTrigger"), 1);
 }
 
@@ -507,24 +510,26 @@ void StreamTest::imagesAfterStopAreNotShown()
 
 void StreamTest::pausedShowsNoImages_data()
 {
-    QTest::newRow("actionPause");
-    QTest::newRow("action_Menu_Pause");
+    QTest::addColumn<QByteArray>("action");
+    QTest::newRow("tool bar") << QByteArray("actionPause");
+    QTest::newRow("menu") << QByteArray("action_Menu_Pause");
 }
 
 void StreamTest::pausedShowsNoImages()
 {
+    QFETCH(QByteArray, action);
     WindowDriver driver;
     driver.open();
     driver.start();
     int shown = 0;
     connect(&driver.window(), &MainWindow::Update_Image, this, [&] { ++shown; });
-    driver.trigger(QTest::currentDataTag());
-    QVERIFY(driver.action(QTest::currentDataTag())->isChecked());
+    driver.trigger(action);
+    QVERIFY(driver.action(action)->isChecked());
     // One image may have been on its way; from here on there is none.
     QVERIFY(scripted::deliverImage(1));
     QTest::qWait(100);
     QCOMPARE(shown, 0);
-    driver.trigger(QTest::currentDataTag());
+    driver.trigger(action);
     QTRY_COMPARE(shown, 1);
     disconnect(&driver.window(), &MainWindow::Update_Image, this, nullptr);
 }
@@ -611,8 +616,7 @@ void StreamTest::removalWhileAcquiring()
     QVERIFY(!driver.enabled("actionStop"));
     QCOMPARE(scripted::count("Cam_Close"), 1);
     // The log speaks again.
-    scripted::failCall("Cam_Open", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING);
-    driver.open();
+    QVERIFY(QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, QString("more"))));
     QCOMPARE(driver.log().size(), 2);
 }
 

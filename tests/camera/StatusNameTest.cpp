@@ -75,8 +75,9 @@ TEST(StatusName, everyGapIsUnknown)
 {
     constexpr std::uint32_t highestNamedBelowTheLast = 41216;
     for (std::uint32_t status = 0; status <= highestNamedBelowTheLast + 1; ++status) {
-        if (kNames.find(status) == kNames.end())
+        if (kNames.find(status) == kNames.end()) {
             ASSERT_STREQ(cameraStatusName(status), "UNKNOWN") << status;
+        }
     }
     for (const std::uint32_t status : {0x7FFFFFFFu, 0x80000000u, 0xFFFF0000u, 0xFFFFFFFEu})
         EXPECT_STREQ(cameraStatusName(status), "UNKNOWN") << status;

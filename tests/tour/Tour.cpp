@@ -7,6 +7,7 @@
 
 #include "app/MainWindow.h"
 #include "discovery/DiscoveryDlg.h"
+#include "display/GraphicsView.h"
 #include "display/ImageView.h"
 #include "tests/support/OpenedCamera.h"
 #include "tests/support/WindowDriver.h"
@@ -141,7 +142,7 @@ void Tour::menu(const char* name)
 void Tour::discovery()
 {
     picture("start");
-    openCamera(0, true);
+    openCamera(1, true); // the colour camera of 1920 x 1200 pixels
     picture("opened");
 }
 
@@ -198,7 +199,7 @@ void Tour::pauseAndSnapshot()
     withModal([this] { m_driver.trigger("actionSnapshot"); },
               [this](QWidget& dialog) {
                   picture("snapshot");
-                  qobject_cast<QDialog&>(dialog).reject();
+                  qobject_cast<QDialog*>(&dialog)->reject();
               });
     m_driver.trigger("actionPause");
 }
@@ -225,7 +226,7 @@ void Tour::about()
     withModal([this] { m_driver.trigger("action_Menu_About"); },
               [this](QWidget& box) {
                   picture("about");
-                  qobject_cast<QDialog&>(box).accept();
+                  qobject_cast<QDialog*>(&box)->accept();
               });
 }
 
@@ -254,6 +255,7 @@ void Tour::run()
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
+    QApplication::setApplicationName("OrvoCamLinuxViewer"); // the title of boxes that have none of their own
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() != 2) {
         std::fprintf(stderr, "tour: needs the folder for the pictures\n");

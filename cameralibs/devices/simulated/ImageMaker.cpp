@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <numeric>
 
 namespace orvo::simulated {
 
@@ -16,6 +17,15 @@ Sample luma(const Sample& light)
 {
     const auto level = static_cast<std::uint16_t>((77U * light.red + 150U * light.green + 29U * light.blue) >> 8);
     return {level, level, level};
+}
+
+// Sixteen joined pixels, the most there are, stay within 16 bits.
+static_assert(16 * kFullLight <= std::numeric_limits<std::uint16_t>::max());
+
+Sample sum(const Sample& a, const Sample& b)
+{
+    const auto add = [](std::uint16_t x, std::uint16_t y) { return static_cast<std::uint16_t>(x + y); };
+    return {add(a.red, b.red), add(a.green, b.green), add(a.blue, b.blue)};
 }
 
 // Between the values of the table, so that more than 8 bits keep their steps.
@@ -55,8 +65,8 @@ void ImageMaker::prepare(const ImageSettings& settings)
 {
     m_settings = settings;
     m_scene = Scene(settings.sensorWidth, settings.sensorHeight);
-    m_row.resize(settings.width);
-    m_light.resize(static_cast<std::size_t>(settings.width) * settings.binningX);
+    m_row.resize(static_cast<std::size_t>(settings.width) * settings.binningX);
+    m_light.resize(m_row.size());
     m_still.clear();
     if (settings.pattern != TestPattern::Off)
         return;
@@ -164,26 +174,27 @@ void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
         sensorX = static_cast<int>(m_settings.sensorWidth) - sensorX - sensorCount;
     const int sensorY = (y + static_cast<int>(m_settings.offsetY)) * stepY;
 
-    // The light of joined pixels is added up: sixteen of them at the most stay within 16 bits.
-    static_assert(16 * kFullLight <= std::numeric_limits<std::uint16_t>::max());
-    const auto add = [](std::uint16_t& sum, std::uint16_t light) { sum = static_cast<std::uint16_t>(sum + light); };
-    std::fill_n(m_row.begin(), count, Sample{});
-    for (int row = 0; row < stepY; ++row) {
-        readSensor(sensorX, sensorY + row, sensorCount, ball, m_light.data());
-        if (m_settings.reverseX)
-            std::reverse(m_light.begin(), m_light.begin() + sensorCount);
-        for (int column = 0; column < sensorCount; ++column) {
-            const Sample& light = m_light[static_cast<std::size_t>(column)];
-            Sample& sum = m_row[static_cast<std::size_t>(column / stepX)];
-            add(sum.red, light.red);
-            add(sum.green, light.green);
-            add(sum.blue, light.blue);
+    readSensor(sensorX, sensorY, sensorCount, ball, m_row.data());
+    if (stepX * stepY > 1) {
+        for (int row = 1; row < stepY; ++row) {
+            readSensor(sensorX, sensorY + row, sensorCount, ball, m_light.data());
+            std::transform(m_light.begin(), m_light.begin() + sensorCount, m_row.begin(), m_row.begin(), sum);
         }
+        joinColumns(count, stepX, stepX * stepY);
     }
-    const std::uint32_t joined = m_settings.binningX * m_settings.binningY;
     for (int i = 0; i < count; ++i) {
         Sample& pixel = m_row[static_cast<std::size_t>(i)];
-        pixel = {m_tone[0][pixel.red / joined], m_tone[1][pixel.green / joined], m_tone[2][pixel.blue / joined]};
+        pixel = {m_tone[0][pixel.red], m_tone[1][pixel.green], m_tone[2][pixel.blue]};
+    }
+}
+
+void ImageMaker::joinColumns(int count, int columns, int joined)
+{
+    const auto mean = [&](std::uint16_t light) { return static_cast<std::uint16_t>(light / joined); };
+    for (int i = 0; i < count; ++i) {
+        const auto first = m_row.begin() + i * columns;
+        const Sample total = std::accumulate(first, first + columns, Sample{}, sum);
+        m_row[static_cast<std::size_t>(i)] = {mean(total.red), mean(total.green), mean(total.blue)};
     }
 }
 
@@ -195,6 +206,8 @@ void ImageMaker::readSensor(int x, int y, int count, const Ball* ball, Sample* l
         ball->paint(x, row, count, light);
     if (!m_settings.color)
         std::transform(light, light + count, light, luma);
+    if (m_settings.reverseX)
+        std::reverse(light, light + count);
 }
 
 void ImageMaker::packSpan(int x, int y, int count, std::uint8_t* image) const

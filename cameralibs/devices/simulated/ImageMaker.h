@@ -31,6 +31,7 @@ private:
 
     /// Pixels of row `y` from column `x` in 16 bits per channel, with the ball where there is one.
     void renderSpan(int x, int y, int count, const Ball* ball);
+    void joinColumns(int count, int columns, int joined);
     void readSensor(int x, int y, int count, const Ball* ball, Sample* light) const;
     void packSpan(int x, int y, int count, std::uint8_t* image) const;
 
@@ -38,8 +39,8 @@ private:
     ImageSettings m_settings;
     std::array<std::vector<std::uint16_t>, 3> m_tone; ///< from light to pixel value, per channel
     std::vector<std::uint8_t> m_still;
-    std::vector<Sample> m_light;
-    std::vector<Sample> m_row;
+    std::vector<Sample> m_row;   ///< sensor pixels of one row or less, then pixels of the image
+    std::vector<Sample> m_light; ///< a further row of the sensor, to be joined
 };
 
 } // namespace orvo::simulated

@@ -65,26 +65,22 @@ void packRgb8(const Sample* pixels, std::size_t count, std::uint32_t, std::uint8
     }
 }
 
-std::uint8_t rounded(double value)
-{
-    return static_cast<std::uint8_t>(std::clamp(value + 0.5, 0.0, 255.0));
-}
-
-// Full range BT.601; the chroma of a pair is that of its mean.
+// Full range BT.601 in 14 bits of fraction; the chroma of a pair is that of its mean.
 void packYuv422(const Sample* pixels, std::size_t count, std::uint32_t, std::uint8_t* out)
 {
-    const auto luma = [](double r, double g, double b) { return 0.299 * r + 0.587 * g + 0.114 * b; };
+    const auto weigh = [](const Sample& pixel, int red, int green, int blue, int offset) {
+        return static_cast<std::uint8_t>(
+            ((red * pixel.red + green * pixel.green + blue * pixel.blue) / 16384 + offset) >> 8);
+    };
+    const auto mean = [](std::uint16_t a, std::uint16_t b) { return static_cast<std::uint16_t>((a + b) / 2); };
     for (std::size_t x = 0; x < count; x += 2) {
         const Sample& first = pixels[x];
         const Sample& second = pixels[x + 1];
-        const double red = (first.red + second.red) / 512.0;
-        const double green = (first.green + second.green) / 512.0;
-        const double blue = (first.blue + second.blue) / 512.0;
-        const double mean = luma(red, green, blue);
-        *out++ = rounded(luma(first.red, first.green, first.blue) / 256);
-        *out++ = rounded((blue - mean) / 1.772 + 128);
-        *out++ = rounded(luma(second.red, second.green, second.blue) / 256);
-        *out++ = rounded((red - mean) / 1.402 + 128);
+        const Sample both{mean(first.red, second.red), mean(first.green, second.green), mean(first.blue, second.blue)};
+        *out++ = weigh(first, 4899, 9617, 1868, 0);
+        *out++ = weigh(both, -2765, -5427, 8192, 0x8000);
+        *out++ = weigh(second, 4899, 9617, 1868, 0);
+        *out++ = weigh(both, 8192, -6860, -1332, 0x8000);
     }
 }
 

@@ -108,11 +108,16 @@ Sample star(const Place& at)
 }
 
 // The wall behind the chart: dark at the foot, with the lines of a grid.
-Sample wall(int x, int y, int height, int pitch)
+void paintWall(int x, int y, int count, int height, int pitch, Sample* light)
 {
+    constexpr unsigned kLine = 18;
     const auto fall = [&](int top, int foot) { return static_cast<unsigned>(top + (foot - top) * y / height); };
-    const unsigned line = x % pitch == 0 || y % pitch == 0 ? 18 : 0;
-    return light8(fall(70, 26) + line, fall(84, 32) + line, fall(104, 44) + line);
+    const auto colour = [&](unsigned line) {
+        return light8(fall(70, 26) + line, fall(84, 32) + line, fall(104, 44) + line);
+    };
+    std::fill_n(light, count, colour(y % pitch == 0 ? kLine : 0));
+    for (int column = (x + pitch - 1) / pitch * pitch; column < x + count; column += pitch)
+        light[column - x] = colour(kLine);
 }
 
 // Places in units of a 1200th of the height; a negative left side counts from the right edge.
@@ -169,8 +174,7 @@ void Scene::render(int x, int y, int count, Sample* light) const
 {
     const auto scaled = [&](int units) { return static_cast<int>(units * m_unit); };
     const int pitch = std::max(2, scaled(60));
-    for (int i = 0; i < count; ++i)
-        light[i] = wall(x + i, y, m_height, pitch);
+    paintWall(x, y, count, m_height, pitch, light);
 
     for (const Element& element : kElements) {
         const int left = scaled(element.left) + (element.left < 0 ? m_width : 0);

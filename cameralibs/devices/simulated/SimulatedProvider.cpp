@@ -1,11 +1,12 @@
 #include "SimulatedProvider.h"
 
 #include "cameralibs/devices/simulated/Attachment.h"
+#include "cameralibs/devices/simulated/CameraList.h"
 #include "cameralibs/devices/simulated/CameraModel.h"
+#include "cameralibs/devices/simulated/FileCamera.h"
 #include "cameralibs/devices/simulated/SimulatedDevice.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace orvo {
@@ -14,23 +15,25 @@ namespace {
 
 using namespace simulated;
 
+// One of the two kinds: built-in, or made from a file.
 struct Camera {
-    const CameraModel* model;
+    const CameraModel* model = nullptr;
+    const DescriptionFile* file = nullptr;
     DeviceInfo info;
-    std::shared_ptr<Attachment> attachment;
+    std::shared_ptr<Attachment> attachment = std::make_shared<Attachment>();
 };
 
 class SimulatedProvider : public DeviceProvider {
 public:
-    explicit SimulatedProvider(std::size_t count)
+    explicit SimulatedProvider(CameraList list)
+        : m_files(std::move(list.files))
     {
-        for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < list.builtIn; ++i) {
             const CameraModel& model = kCameraModels[i % kCameraModels.size()];
-            const std::string serial = "SIM-" + std::to_string(i + 1);
-            m_cameras.push_back({&model,
-                                 {Orvo::CAM_LINK_SIMULATED, serial, "Simulated", std::string(model.name), serial, ""},
-                                 std::make_shared<Attachment>()});
+            add(std::string(model.name), "SIM-" + std::to_string(i + 1)).model = &model;
         }
+        for (std::size_t i = 0; i < m_files.size(); ++i)
+            add(m_files[i].model, "XML-" + std::to_string(i + 1)).file = &m_files[i];
     }
 
     [[nodiscard]] std::vector<DeviceInfo> enumerate() override
@@ -38,7 +41,7 @@ public:
         std::vector<DeviceInfo> attached;
         for (const Camera& camera : m_cameras) {
             if (camera.attachment->isPlugged())
-                attached.push_back(camera.info);
+                attached.push_back(infoOf(camera));
         }
         return attached;
     }
@@ -49,11 +52,30 @@ public:
                                          [&](const Camera& candidate) { return candidate.info.id == id; });
         if (camera == m_cameras.end() || !camera->attachment->isPlugged())
             return {Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING, ""};
-        device = std::make_unique<SimulatedDevice>(*camera->model, camera->info, camera->attachment);
+        if (camera->file != nullptr)
+            device = std::make_unique<FileCamera>(*camera->file, infoOf(*camera));
+        else
+            device = std::make_unique<SimulatedDevice>(*camera->model, infoOf(*camera), camera->attachment);
         return {};
     }
 
 private:
+    Camera& add(std::string model, const std::string& serial)
+    {
+        Camera camera;
+        camera.info = {Orvo::CAM_LINK_SIMULATED, serial, "Simulated", std::move(model), serial, ""};
+        m_cameras.push_back(std::move(camera));
+        return m_cameras.back();
+    }
+
+    static DeviceInfo infoOf(const Camera& camera)
+    {
+        DeviceInfo info = camera.info;
+        info.userName = camera.attachment->memory().userName;
+        return info;
+    }
+
+    const std::vector<DescriptionFile> m_files;
     std::vector<Camera> m_cameras;
 };
 
@@ -61,10 +83,7 @@ private:
 
 std::unique_ptr<DeviceProvider> makeSimulatedProvider(const char* environmentValue)
 {
-    std::size_t count = kCameraModels.size();
-    if (environmentValue != nullptr)
-        count = static_cast<std::size_t>(std::strtoul(environmentValue, nullptr, 10));
-    return std::make_unique<SimulatedProvider>(count);
+    return std::make_unique<SimulatedProvider>(readCameraList(environmentValue));
 }
 
 } // namespace orvo

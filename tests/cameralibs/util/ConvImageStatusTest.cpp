@@ -124,7 +124,7 @@ TEST_F(ConvImageStatus, SourceAndDestinationNeedNoAlignment)
         for (std::size_t i = 0; i < source.size(); ++i) {
             source[i] = static_cast<std::uint8_t>(i * 37);
         }
-        std::vector<std::uint8_t> aligned(40 * 4 * 4);
+        std::vector<std::uint8_t> aligned(std::size_t{40} * 4 * 4);
         std::vector<std::uint8_t> unaligned(aligned.size() + 1);
         ASSERT_EQ(Orvo::ConvImage(0, format.value, 1, unaligned.data() + 1, source.data() + 1, 40, 4), 0U);
         source.erase(source.begin());

@@ -177,7 +177,7 @@ int ReferenceConversion::sample(const std::uint8_t* source, char component, std:
         const std::size_t group = x / m_pixelsPerGroup * m_order.size();
         position = (y * samplesPerRow() + group + place) * m_containerBits;
     }
-    return bitsAt(source, position, m_bits) >> (m_bits - 8);
+    return bitsAt(source, position + m_bits - 8, 8);
 }
 
 ReferenceConversion::Colour ReferenceConversion::bayer(const std::vector<int>& mosaic, std::size_t x,

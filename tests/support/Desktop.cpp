@@ -1,4 +1,4 @@
-#include "tests/e2e/Desktop.h"
+#include "tests/support/Desktop.h"
 
 #include <QGuiApplication>
 #include <QPixmap>

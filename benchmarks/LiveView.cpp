@@ -1,0 +1,223 @@
+// How well does the viewer keep up with a camera of 1920 x 1200 pixels at 60 images a second, and does it stay as it
+// is?
+//
+// The real window with the real camera libraries and the first simulated colour camera. Prints each figure beside its
+// limit and ends with status 1 where one is missed. Needs a screen:
+//
+//     tests/support/with-xvfb build/release/bin/live_view
+
+#include "benchmarks/Process.h"
+#include "camera/OrvoCamApi.h"
+#include "discovery/DiscoveryDlg.h"
+#include "display/GraphicsView.h"
+#include "display/ImageView.h"
+#include "tests/support/Desktop.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QGraphicsItem>
+#include <QProcess>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include <dlfcn.h>
+
+namespace {
+
+// --- Lost images, seen at the callback -------------------------------------------------------------------------------
+
+struct Callback {
+    void* context = nullptr;
+    Orvo::CAM_IMAGE_ACQUIRED_CALLBACK function = nullptr;
+};
+Callback viewerCallback;
+std::atomic<std::uint64_t> lastFrame{0};
+std::atomic<std::uint64_t> lostImages{0};
+
+void countLost(Orvo::CAM_HANDLE camera, Orvo::CAM_STRM_HANDLE stream, Orvo::CAM_IMAGE_INFO* info, std::uint32_t index,
+               void*)
+{
+    const std::uint64_t previous = lastFrame.exchange(info->frameNumber);
+    if (info->frameNumber > previous + 1)
+        lostImages += info->frameNumber - previous - 1;
+    viewerCallback.function(camera, stream, info, index, viewerCallback.context);
+}
+
+} // namespace
+
+// Stands before the camera library's own, which it calls.
+extern "C" Orvo::CAM_API_STATUS Strm_SetCallbackImageAcquired(Orvo::CAM_STRM_HANDLE stream, void* context,
+                                                              Orvo::CAM_IMAGE_ACQUIRED_CALLBACK callback)
+{
+    static const auto next = reinterpret_cast<decltype(&Orvo::Strm_SetCallbackImageAcquired)>(
+        dlsym(RTLD_NEXT, "Strm_SetCallbackImageAcquired"));
+    viewerCallback = {context, callback};
+    lastFrame = 0;
+    return next(stream, nullptr, &countLost);
+}
+
+namespace {
+
+bool allMet = true;
+
+enum class Limit { AtLeast, AtMost, Within };
+
+/// One line of the result: the figure, its limit, and their ratio.
+void report(const char* what, double measured, const char* unit, Limit limit, double bound, double around = 0)
+{
+    bool met = false;
+    QString limitText;
+    switch (limit) {
+    case Limit::AtLeast:
+        met = measured >= bound;
+        limitText = QString(">= %1").arg(bound);
+        break;
+    case Limit::AtMost:
+        met = measured <= bound;
+        limitText = QString("<= %1").arg(bound);
+        break;
+    case Limit::Within:
+        met = std::abs(measured - around) <= bound;
+        limitText = QString("%1 +- %2").arg(around).arg(bound);
+        break;
+    }
+    const double reference = limit == Limit::Within ? around : bound;
+    std::printf("%-44s %9.2f %-6s limit %-10s ratio %-6s %s\n", what, measured, unit, qPrintable(limitText),
+                reference != 0 ? qPrintable(QString::number(measured / reference, 'f', 2)) : "-",
+                met ? "met" : "MISSED");
+    allMet = allMet && met;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+// --- Start of the program
+// ---------------------------------------------------------------------------------------------
+
+void startToWindow()
+{
+    constexpr int rounds = 5;
+    const Desktop desktop;
+    std::vector<double> seconds;
+    for (int round = 0; round < rounds; ++round) {
+        QProcess viewer;
+        QElapsedTimer timer;
+        timer.start();
+        viewer.start(VIEWER_PROGRAM, QStringList());
+        if (!QTest::qWaitFor([&] { return desktop.window("OrvoCamLinuxViewer").has_value(); }))
+            std::exit(EXIT_FAILURE);
+        seconds.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e9);
+        viewer.terminate();
+        viewer.waitForFinished();
+    }
+    report("start to window on screen, median of 5", median(seconds), "s", Limit::AtMost, 0.5);
+}
+
+// --- The colour camera at 60 images a second
+// ----------------------------------------------------------------------------
+
+void openColourCamera(WindowDriver& driver)
+{
+    driver.open([](DiscoveryDlg& dialog) {
+        auto* const list = dialog.findChild<QTreeWidget*>("discoveryWidget");
+        const auto found = list->findItems("C1920", Qt::MatchContains, 1);
+        if (!found.isEmpty())
+            list->setCurrentItem(found.first());
+        dialog.findChild<QPushButton*>("openButton")->click();
+    });
+    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
+    if (!view || view->view()->scene()->items().first()->boundingRect().size() != QSizeF(1920, 1200)) {
+        std::fprintf(stderr, "live_view: no camera\n");
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+void rates(WindowDriver& driver)
+{
+    constexpr int reports = 5;
+    const QRegularExpression numbers(R"(Disp = *([\d.]+) fps\] , \[Cap = *([\d.]+) fps)");
+    driver.start();
+    const QString none = driver.rates();
+    if (!QTest::qWaitFor([&] { return driver.rates() != none; }, 10000))
+        std::exit(EXIT_FAILURE);
+
+    lostImages = 0;
+    double display = 1e9;
+    double capture = 0;
+    const double processorBefore = process::processorSeconds();
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < reports; ++i) {
+        QTest::qWait(2050);
+        const auto match = numbers.match(driver.rates());
+        display = std::min(display, match.captured(1).toDouble());
+        capture += match.captured(2).toDouble() / reports;
+    }
+    const double wall = static_cast<double>(timer.nsecsElapsed()) / 1e9;
+    const double processor = process::processorSeconds() - processorBefore;
+    report("display rate, lowest of 5 reports", display, "fps", Limit::AtLeast, 34);
+    report("capture rate, mean of 5 reports", capture, "fps", Limit::Within, 1, 60);
+    report("images lost", static_cast<double>(lostImages), "", Limit::AtMost, 0);
+    report("log lines", static_cast<double>(driver.log().size()), "", Limit::AtMost, 0);
+    std::printf("%-44s %9.2f %%      (camera, conversion and drawing; 100 %% = one core)\n", "processor share",
+                100 * processor / wall);
+    driver.stop();
+}
+
+// --- Flat over time
+// -----------------------------------------------------------------------------------------------------
+
+template <typename Cycle> void flat(const char* what, int cycles, const Cycle& cycle)
+{
+    const int warmUp = cycles / 5;
+    for (int i = 0; i < warmUp; ++i)
+        cycle();
+    const double memory = process::residentMiB();
+    const auto threads = static_cast<double>(process::threads());
+    for (int i = warmUp; i < cycles; ++i)
+        cycle();
+    const QString name = QString("%1 x %2").arg(cycles).arg(what);
+    constexpr double noise = 4; // MiB: the allocator's own ups and downs
+    report(qPrintable(name + ", memory gained"), process::residentMiB() - memory, "MiB", Limit::AtMost, noise);
+    report(qPrintable(name + ", threads gained"), static_cast<double>(process::threads()) - threads, "", Limit::AtMost,
+           0);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    startToWindow();
+
+    WindowDriver driver;
+    openColourCamera(driver);
+    rates(driver);
+    int images = 0;
+    QObject::connect(&driver.window(), &MainWindow::Update_Image, &driver.window(), [&] { ++images; });
+    flat("start/stop", 200, [&] {
+        const int before = images;
+        driver.start();
+        if (!QTest::qWaitFor([&] { return images > before; }, 5000))
+            std::exit(EXIT_FAILURE);
+        driver.stop();
+    });
+    driver.close();
+    flat("open/close", 50, [&] {
+        openColourCamera(driver);
+        driver.close();
+    });
+    return allMet ? EXIT_SUCCESS : EXIT_FAILURE;
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+
+/// What the operating system says of this process.
+namespace process {
+
+/// Seconds of processor time, user and system, of all threads.
+[[nodiscard]] double processorSeconds();
+
+/// Resident memory in MiB.
+[[nodiscard]] double residentMiB();
+
+[[nodiscard]] std::size_t threads();
+
+} // namespace process

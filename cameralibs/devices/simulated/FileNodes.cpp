@@ -1,0 +1,227 @@
+#include "FileNodes.h"
+
+#include <arv.h>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace orvo::simulated {
+
+namespace {
+
+constexpr std::int64_t kDefaultWidth = 1280;
+constexpr std::int64_t kDefaultHeight = 960;
+constexpr std::int64_t kMaxPixels = 1 << 27;
+constexpr double kDefaultRate = 30;
+constexpr double kMaxRate = 200;
+
+// Deeper than any description that was found valid.
+constexpr int kMaxDepth = 300;
+
+/// Takes the error of a call and frees it. Features that cannot be read or set are left as they are.
+class Attempt {
+public:
+    Attempt() = default;
+    ~Attempt() { g_clear_error(&m_error); }
+    Attempt(const Attempt&) = delete;
+    Attempt& operator=(const Attempt&) = delete;
+
+    [[nodiscard]] GError** error() { return &m_error; }
+    [[nodiscard]] bool ok() const { return m_error == nullptr; }
+
+private:
+    GError* m_error = nullptr;
+};
+
+void settleInteger(ArvGcInteger* node)
+{
+    Attempt attempt;
+    const gint64 value = arv_gc_integer_get_value(node, attempt.error());
+    const gint64 low = attempt.ok() ? arv_gc_integer_get_min(node, attempt.error()) : value;
+    const gint64 high = attempt.ok() ? arv_gc_integer_get_max(node, attempt.error()) : value;
+    if (attempt.ok() && low <= high && (value < low || value > high))
+        arv_gc_integer_set_value(node, std::clamp(value, low, high), attempt.error());
+}
+
+void settleFloat(ArvGcFloat* node)
+{
+    Attempt attempt;
+    const double value = arv_gc_float_get_value(node, attempt.error());
+    const double low = attempt.ok() ? arv_gc_float_get_min(node, attempt.error()) : value;
+    const double high = attempt.ok() ? arv_gc_float_get_max(node, attempt.error()) : value;
+    if (attempt.ok() && low <= high && !(value >= low && value <= high))
+        arv_gc_float_set_value(node, low, attempt.error());
+}
+
+void settleEnumeration(ArvGcEnumeration* node)
+{
+    Attempt attempt;
+    const gint64 value = arv_gc_enumeration_get_int_value(node, attempt.error());
+    guint count = 0;
+    gint64* const values =
+        attempt.ok() ? arv_gc_enumeration_dup_available_int_values(node, &count, attempt.error()) : nullptr;
+    if (attempt.ok() && count > 0 && std::find(values, values + count, value) == values + count)
+        arv_gc_enumeration_set_int_value(node, values[0], attempt.error());
+    g_free(values);
+}
+
+// The format itself, or one with as many bits, so that the size of the image is right whatever it shows.
+const PixelFormat* formatFor(std::uint32_t value)
+{
+    if (const PixelFormat* const known = pixelFormat(value))
+        return known;
+    switch (value >> 16 & 0xFF) {
+    case 8:
+        return pixelFormat("Mono8");
+    case 10:
+        return pixelFormat("Mono10p");
+    case 12:
+        return pixelFormat("Mono12p");
+    case 16:
+        return pixelFormat("Mono16");
+    case 24:
+        return pixelFormat("RGB8");
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+FileNodes::FileNodes(RegisterSpace& memory, const std::string& xml)
+    : m_device(makeRegisterDevice(memory, xml))
+    , m_nodes(arv_gc_new(m_device.get(), xml.data(), xml.size()))
+{
+}
+
+FileNodes::~FileNodes()
+{
+    if (m_nodes != nullptr)
+        g_object_unref(m_nodes);
+}
+
+void FileNodes::powerUp(const std::string& model, const std::string& serial)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_nodes == nullptr)
+        return;
+    for (const char* const name : {"SensorWidth", "WidthMax", "Width"})
+        setInteger(name, kDefaultWidth);
+    for (const char* const name : {"SensorHeight", "HeightMax", "Height"})
+        setInteger(name, kDefaultHeight);
+    setText("DeviceModelName", model);
+    setText("DeviceSerialNumber", serial);
+    setText("DeviceVendorName", "Simulated");
+    settle("Root", 0);
+    m_fillsPayloadSize = integer("PayloadSize").value_or(1) == 0;
+    fillPayloadSize();
+}
+
+std::optional<FrameSettings> FileNodes::settings() const
+{
+    const std::lock_guard lock(m_mutex);
+    return readSettings();
+}
+
+void FileNodes::updatePayloadSize()
+{
+    const std::lock_guard lock(m_mutex);
+    fillPayloadSize();
+}
+
+std::optional<FrameSettings> FileNodes::readSettings() const
+{
+    const std::int64_t width = integer("Width").value_or(0);
+    const std::int64_t height = integer("Height").value_or(0);
+    const PixelFormat* const format =
+        formatFor(static_cast<std::uint32_t>(integer("PixelFormat").value_or(pixelFormat("Mono8")->value)));
+    if (format == nullptr || width < 1 || height < 1 || width > kMaxPixels || height > kMaxPixels / width)
+        return std::nullopt;
+    // Rows of such formats begin at whole bytes here.
+    if (format->bitsPerPixel % 8 != 0 && width % kPixelGroup != 0)
+        return std::nullopt;
+
+    FrameSettings settings;
+    settings.image.format = format;
+    settings.image.width = settings.image.sensorWidth = static_cast<std::uint32_t>(width);
+    settings.image.height = settings.image.sensorHeight = static_cast<std::uint32_t>(height);
+    settings.image.color = true;
+    double rate = 0;
+    if (ArvGcNode* const node = m_nodes != nullptr ? arv_gc_get_node(m_nodes, "AcquisitionFrameRate") : nullptr;
+        ARV_IS_GC_FLOAT(node)) {
+        Attempt attempt;
+        rate = arv_gc_float_get_value(ARV_GC_FLOAT(node), attempt.error());
+    }
+    settings.period = 1 / (rate >= 1 && rate <= kMaxRate ? rate : kDefaultRate);
+    return settings;
+}
+
+void FileNodes::fillPayloadSize()
+{
+    if (!m_fillsPayloadSize)
+        return;
+    if (const auto settings = readSettings()) {
+        const std::size_t pixels = static_cast<std::size_t>(settings->image.width) * settings->image.height;
+        setInteger("PayloadSize", static_cast<std::int64_t>(bytesOf(*settings->image.format, pixels)));
+    }
+}
+
+std::optional<std::int64_t> FileNodes::integer(const char* name) const
+{
+    ArvGcNode* const node = m_nodes != nullptr ? arv_gc_get_node(m_nodes, name) : nullptr;
+    if (!ARV_IS_GC_INTEGER(node))
+        return std::nullopt;
+    Attempt attempt;
+    const gint64 value = arv_gc_integer_get_value(ARV_GC_INTEGER(node), attempt.error());
+    return attempt.ok() ? std::optional<std::int64_t>(value) : std::nullopt;
+}
+
+void FileNodes::setInteger(const char* name, std::int64_t value)
+{
+    ArvGcNode* const node = arv_gc_get_node(m_nodes, name);
+    if (!ARV_IS_GC_INTEGER(node))
+        return;
+    Attempt attempt;
+    arv_gc_integer_set_value(ARV_GC_INTEGER(node), value, attempt.error());
+}
+
+void FileNodes::setText(const char* name, const std::string& value)
+{
+    ArvGcNode* const node = arv_gc_get_node(m_nodes, name);
+    if (!ARV_IS_GC_STRING(node))
+        return;
+    Attempt attempt;
+    arv_gc_string_set_value(ARV_GC_STRING(node), value.c_str(), attempt.error());
+}
+
+void FileNodes::settle(const char* category, int depth)
+{
+    ArvGcNode* const node = arv_gc_get_node(m_nodes, category);
+    if (!ARV_IS_GC_CATEGORY(node))
+        return;
+    std::vector<std::string> names;
+    for (const GSList* feature = arv_gc_category_get_features(ARV_GC_CATEGORY(node)); feature != nullptr;
+         feature = feature->next)
+        names.emplace_back(static_cast<const char*>(feature->data));
+    for (const std::string& name : names)
+        settleFeature(name.c_str(), depth + 1);
+}
+
+void FileNodes::settleFeature(const char* name, int depth)
+{
+    ArvGcNode* const node = arv_gc_get_node(m_nodes, name);
+    if (depth > kMaxDepth || node == nullptr)
+        return;
+    // An enumeration is an integer, too.
+    if (ARV_IS_GC_CATEGORY(node))
+        settle(name, depth);
+    else if (ARV_IS_GC_ENUMERATION(node))
+        settleEnumeration(ARV_GC_ENUMERATION(node));
+    else if (ARV_IS_GC_INTEGER(node))
+        settleInteger(ARV_GC_INTEGER(node));
+    else if (ARV_IS_GC_FLOAT(node))
+        settleFloat(ARV_GC_FLOAT(node));
+}
+
+} // namespace orvo::simulated

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "cameralibs/devices/simulated/FrameSettings.h"
+#include "cameralibs/devices/simulated/RegisterDevice.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+typedef struct _ArvGc ArvGc;
+
+namespace orvo::simulated {
+
+/// What the camera itself knows of the description it was made from: it gives the registers values to begin with, and
+/// finds out what its images are to be like. Safe from any thread.
+class FileNodes {
+public:
+    /// The description is known to be valid. Construct one at a time per process.
+    FileNodes(RegisterSpace& memory, const std::string& xml);
+    ~FileNodes();
+    FileNodes(const FileNodes&) = delete;
+    FileNodes& operator=(const FileNodes&) = delete;
+
+    /// Puts every feature that is out of its range into it, and the image at a useful size.
+    void powerUp(const std::string& model, const std::string& serial);
+
+    /// Nothing where the description has no size of an image, or a pixel format of which none is known here.
+    [[nodiscard]] std::optional<FrameSettings> settings() const;
+
+    /// Keeps PayloadSize right where it is a register that the camera is expected to fill.
+    void updatePayloadSize();
+
+private:
+    [[nodiscard]] std::optional<std::int64_t> integer(const char* name) const;
+    void setInteger(const char* name, std::int64_t value);
+    void setText(const char* name, const std::string& value);
+    void settle(const char* category, int depth);
+    void settleFeature(const char* name, int depth);
+    [[nodiscard]] std::optional<FrameSettings> readSettings() const;
+    void fillPayloadSize();
+
+    mutable std::mutex m_mutex;
+    ArvDevicePtr m_device;
+    ArvGc* m_nodes = nullptr;
+    bool m_fillsPayloadSize = false;
+};
+
+} // namespace orvo::simulated

@@ -1,0 +1,308 @@
+#include "camera/OrvoCamUtl.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <map>
+#include <ostream>
+#include <utility>
+#include <vector>
+
+// Small images worked out by hand, some for each family: what the library and the reference of the other tests might
+// both have misunderstood shows here.
+
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+
+struct Bgr {
+    int blue;
+    int green;
+    int red;
+
+    friend bool operator==(const Bgr& a, const Bgr& b)
+    {
+        return a.blue == b.blue && a.green == b.green && a.red == b.red;
+    }
+    friend std::ostream& operator<<(std::ostream& out, const Bgr& colour)
+    {
+        return out << '(' << colour.blue << ", " << colour.green << ", " << colour.red << ')';
+    }
+};
+
+Bgr gray(int level)
+{
+    return {level, level, level};
+}
+
+std::vector<Bgr> convert(std::uint32_t format, const std::vector<std::uint8_t>& source, std::uint32_t width,
+                         std::uint32_t height)
+{
+    std::vector<std::uint8_t> bgra(std::size_t{width} * height * 4);
+    EXPECT_EQ(Orvo::ConvImage(0, format, 1, bgra.data(), source.data(), width, height), 0U);
+    std::vector<Bgr> pixels;
+    for (std::size_t i = 0; i < bgra.size(); i += 4) {
+        pixels.push_back({bgra[i], bgra[i + 1], bgra[i + 2]});
+        EXPECT_EQ(bgra[i + 3], 255);
+    }
+    return pixels;
+}
+
+TEST(ConvImageGolden, Mono)
+{
+    EXPECT_THAT(convert(0x01080001, {0, 128, 255}, 3, 1), ElementsAre(gray(0), gray(128), gray(255)));
+    // Mono10: the bits above the tenth mean nothing.
+    EXPECT_THAT(convert(0x01100003, {0xFF, 0xFD, 0x03, 0x02}, 1, 2), ElementsAre(gray(0x7F), gray(0x80)));
+    // Mono16
+    EXPECT_THAT(convert(0x01100007, {0xFF, 0x80}, 1, 1), ElementsAre(gray(0x80)));
+}
+
+TEST(ConvImageGolden, MonoRunsOfBits)
+{
+    // Mono10p: 0x3FF, 0x201, 0x004, 0x003
+    EXPECT_THAT(convert(0x010A0046, {0xFF, 0x07, 0x48, 0xC0, 0x00}, 4, 1),
+                ElementsAre(gray(255), gray(128), gray(1), gray(0)));
+    // Mono12p: 0xABC, 0x123, 0x456; the second row begins within a byte.
+    EXPECT_THAT(convert(0x010C0047, {0xBC, 0x3A, 0x12, 0x56, 0x04}, 1, 3),
+                ElementsAre(gray(0xAB), gray(0x12), gray(0x45)));
+    // Mono14p: 0x2AAA, 0x1FFF
+    EXPECT_THAT(convert(0x010E0104, {0xAA, 0xEA, 0xFF, 0x07}, 2, 1), ElementsAre(gray(0xAA), gray(0x7F)));
+}
+
+TEST(ConvImageGolden, MonoPairsAreCompletedPerRow)
+{
+    // Mono12Packed: 0xABC, 0x123 and 0x456, a pair completed by zero; then the same upside down.
+    const std::vector<std::uint8_t> twelve{0xAB, 0x3C, 0x12, 0x45, 0x06, 0x00, 0x45, 0x36, 0x12, 0xAB, 0x0C, 0x00};
+    EXPECT_THAT(convert(0x010C0006, twelve, 3, 2),
+                ElementsAre(gray(0xAB), gray(0x12), gray(0x45), gray(0x45), gray(0x12), gray(0xAB)));
+    // Mono10Packed: 0x3FC, 0x203
+    EXPECT_THAT(convert(0x010C0004, {0xFF, 0x30, 0x80}, 2, 1), ElementsAre(gray(0xFF), gray(0x80)));
+}
+
+// Pixels of 100 and one of 116: a filter changes a pixel by its weight in sixteenths.
+constexpr int level = 100;
+constexpr std::uint32_t side = 9;
+
+std::vector<std::uint8_t> levelWithPeak(std::size_t x, std::size_t y, std::uint8_t peak = level + 16)
+{
+    std::vector<std::uint8_t> mosaic(std::size_t{side} * side, std::uint8_t{level});
+    mosaic[y * side + x] = peak;
+    return mosaic;
+}
+
+// The pixels that differ from the level, by column and row.
+std::map<std::pair<int, int>, Bgr> changes(const std::vector<Bgr>& pixels)
+{
+    std::map<std::pair<int, int>, Bgr> result;
+    for (int i = 0; i < static_cast<int>(pixels.size()); ++i) {
+        const Bgr& pixel = pixels[static_cast<std::size_t>(i)];
+        if (!(pixel == gray(level))) {
+            const int width = static_cast<int>(side);
+            result[{i % width, i / width}] = {pixel.blue - level, pixel.green - level, pixel.red - level};
+        }
+    }
+    return result;
+}
+
+std::map<std::pair<int, int>, Bgr> aroundRed(int x, int y)
+{
+    return {
+        {{x, y}, {12, 8, 16}},       {{x - 1, y}, {0, 0, 8}},     {{x + 1, y}, {0, 0, 8}},
+        {{x, y - 1}, {0, 0, 8}},     {{x, y + 1}, {0, 0, 8}},     {{x - 1, y - 1}, {0, 0, 4}},
+        {{x + 1, y - 1}, {0, 0, 4}}, {{x - 1, y + 1}, {0, 0, 4}}, {{x + 1, y + 1}, {0, 0, 4}},
+        {{x - 2, y}, {-3, -2, 0}},   {{x + 2, y}, {-3, -2, 0}},   {{x, y - 2}, {-3, -2, 0}},
+        {{x, y + 2}, {-3, -2, 0}},
+    };
+}
+
+std::map<std::pair<int, int>, Bgr> aroundGreenOfRedRow(int x, int y)
+{
+    return {
+        {{x, y}, {10, 16, 10}},        {{x - 1, y}, {0, 4, 0}},       {{x + 1, y}, {0, 4, 0}},
+        {{x, y - 1}, {0, 4, 0}},       {{x, y + 1}, {0, 4, 0}},       {{x - 1, y - 1}, {-2, 0, -2}},
+        {{x + 1, y - 1}, {-2, 0, -2}}, {{x - 1, y + 1}, {-2, 0, -2}}, {{x + 1, y + 1}, {-2, 0, -2}},
+        {{x - 2, y}, {1, 0, -2}},      {{x + 2, y}, {1, 0, -2}},      {{x, y - 2}, {-2, 0, 1}},
+        {{x, y + 2}, {-2, 0, 1}},
+    };
+}
+
+std::map<std::pair<int, int>, Bgr> redAndBlueSwapped(std::map<std::pair<int, int>, Bgr> pixels)
+{
+    for (auto& [place, pixel] : pixels) {
+        std::swap(pixel.blue, pixel.red);
+    }
+    return pixels;
+}
+
+constexpr std::uint32_t bayerGr8 = 0x01080008;
+constexpr std::uint32_t bayerRg8 = 0x01080009;
+constexpr std::uint32_t bayerGb8 = 0x0108000A;
+constexpr std::uint32_t bayerBg8 = 0x0108000B;
+
+TEST(ConvImageGolden, BayerWeightsOfRedAndBlue)
+{
+    EXPECT_EQ(changes(convert(bayerRg8, levelWithPeak(4, 4), side, side)), aroundRed(4, 4));
+    EXPECT_EQ(changes(convert(bayerGr8, levelWithPeak(5, 4), side, side)), aroundRed(5, 4));
+    EXPECT_EQ(changes(convert(bayerGb8, levelWithPeak(4, 5), side, side)), aroundRed(4, 5));
+    EXPECT_EQ(changes(convert(bayerBg8, levelWithPeak(5, 5), side, side)), aroundRed(5, 5));
+
+    EXPECT_EQ(changes(convert(bayerBg8, levelWithPeak(4, 4), side, side)), redAndBlueSwapped(aroundRed(4, 4)));
+    EXPECT_EQ(changes(convert(bayerGb8, levelWithPeak(5, 4), side, side)), redAndBlueSwapped(aroundRed(5, 4)));
+    EXPECT_EQ(changes(convert(bayerGr8, levelWithPeak(4, 5), side, side)), redAndBlueSwapped(aroundRed(4, 5)));
+    EXPECT_EQ(changes(convert(bayerRg8, levelWithPeak(5, 5), side, side)), redAndBlueSwapped(aroundRed(5, 5)));
+}
+
+TEST(ConvImageGolden, BayerWeightsOfGreen)
+{
+    EXPECT_EQ(changes(convert(bayerRg8, levelWithPeak(5, 4), side, side)), aroundGreenOfRedRow(5, 4));
+    EXPECT_EQ(changes(convert(bayerGr8, levelWithPeak(4, 4), side, side)), aroundGreenOfRedRow(4, 4));
+    EXPECT_EQ(changes(convert(bayerGb8, levelWithPeak(4, 4), side, side)),
+              redAndBlueSwapped(aroundGreenOfRedRow(4, 4)));
+    EXPECT_EQ(changes(convert(bayerBg8, levelWithPeak(5, 4), side, side)),
+              redAndBlueSwapped(aroundGreenOfRedRow(5, 4)));
+}
+
+TEST(ConvImageGolden, BayerIsMirroredWithoutItsEdge)
+{
+    // The blue pixel at 1, 1 stands beside the corner on every side.
+    const auto pixels = convert(bayerRg8, levelWithPeak(1, 1), side, side);
+    EXPECT_EQ(pixels[0], (Bgr{level + 16, level, level}));
+    EXPECT_EQ(pixels[1], (Bgr{level + 16, level, level}));
+    EXPECT_EQ(pixels[side], (Bgr{level + 16, level, level}));
+    EXPECT_EQ(pixels[side + 1], (Bgr{level + 16, level + 8 - 2 * 2, level + 12 - 2 * 3}));
+    // The red one in the corner itself shows nowhere twice.
+    const auto corner = convert(bayerRg8, levelWithPeak(0, 0), side, side);
+    EXPECT_EQ(corner[0], (Bgr{level + 12, level + 8, level + 16}));
+    EXPECT_EQ(corner[1], (Bgr{level, level, level + 8}));
+    EXPECT_EQ(corner[2], (Bgr{level - 3, level - 2, level}));
+    EXPECT_EQ(corner[side + 1], (Bgr{level, level, level + 4}));
+}
+
+TEST(ConvImageGolden, BayerOfOnePixelRepeatsIt)
+{
+    for (const std::uint32_t format : {bayerGr8, bayerRg8, bayerGb8, bayerBg8}) {
+        EXPECT_THAT(convert(format, {77}, 1, 1), ElementsAre(gray(77)));
+    }
+    // R G, with the same row above and below and the other column to both sides. Green of the red pixel is
+    // (8 * 32 + 4 * (64 + 64 + 32 + 32) - 2 * 4 * 32) / 16, its blue (12 * 32 + 4 * 4 * 64 - 3 * 4 * 32) / 16.
+    EXPECT_THAT(convert(bayerRg8, {32, 64}, 2, 1), ElementsAre(Bgr{64, 48, 32}, Bgr{80, 64, 48}));
+}
+
+TEST(ConvImageGolden, BayerIsRoundedAndClamped)
+{
+    // A peak of one level: eight sixteenths are rounded up, four down; negative ones towards the level.
+    const auto pixels = convert(bayerRg8, levelWithPeak(4, 4, level + 1), side, side);
+    EXPECT_EQ(pixels[4 * side + 4], (Bgr{level + 1, level + 1, level + 1}));
+    EXPECT_EQ(pixels[4 * side + 3], (Bgr{level, level, level + 1}));
+    EXPECT_EQ(pixels[3 * side + 3], gray(level));
+    EXPECT_EQ(pixels[4 * side + 2], gray(level));
+
+    std::vector<std::uint8_t> mosaic(std::size_t{side} * side, 0);
+    mosaic[4 * side + 4] = 255;
+    EXPECT_EQ(convert(bayerRg8, mosaic, side, side)[4 * side + 2], gray(0));
+    for (std::uint8_t& pixel : mosaic) {
+        pixel = static_cast<std::uint8_t>(255 - pixel);
+    }
+    EXPECT_EQ(convert(bayerRg8, mosaic, side, side)[4 * side + 2], gray(255));
+}
+
+TEST(ConvImageGolden, Rgb)
+{
+    EXPECT_THAT(convert(0x02180014, {1, 2, 3, 4, 5, 6}, 2, 1), ElementsAre(Bgr{3, 2, 1}, Bgr{6, 5, 4}));        // RGB8
+    EXPECT_THAT(convert(0x02180015, {1, 2, 3, 4, 5, 6}, 2, 1), ElementsAre(Bgr{1, 2, 3}, Bgr{4, 5, 6}));        // BGR8
+    EXPECT_THAT(convert(0x02200016, {1, 2, 3, 99, 4, 5, 6, 0}, 2, 1), ElementsAre(Bgr{3, 2, 1}, Bgr{6, 5, 4})); // RGBa8
+    EXPECT_THAT(convert(0x02200017, {1, 2, 3, 99, 4, 5, 6, 0}, 2, 1), ElementsAre(Bgr{1, 2, 3}, Bgr{4, 5, 6})); // BGRa8
+    // RGB8_Planar
+    EXPECT_THAT(convert(0x02180021, {1, 2, 3, 4, 5, 6}, 2, 1), ElementsAre(Bgr{5, 3, 1}, Bgr{6, 4, 2}));
+    // RGB10p and RGB10p32: 0x3FF, 0x200, 0x004
+    EXPECT_THAT(convert(0x021E005C, {0xFF, 0x03, 0x48, 0x00}, 1, 1), ElementsAre(Bgr{1, 128, 255}));
+    EXPECT_THAT(convert(0x0220001D, {0xFF, 0x03, 0x48, 0xC0, 0xFF, 0x03, 0x48, 0x00}, 1, 2), Each(Bgr{1, 128, 255}));
+    // BGR12p: 0x123, 0x456, 0x789, then 0xABC, 0xDEF, 0xFED
+    EXPECT_THAT(convert(0x02240049, {0x23, 0x61, 0x45, 0x89, 0xC7, 0xAB, 0xEF, 0xDD, 0xFE}, 1, 2),
+                ElementsAre(Bgr{0x12, 0x45, 0x78}, Bgr{0xAB, 0xDE, 0xFE}));
+}
+
+// Within one level of what the equations of the standard give.
+testing::Matcher<Bgr> near(double blue, double green, double red)
+{
+    const auto within = [](double exact) { return testing::AllOf(testing::Ge(exact - 1), testing::Le(exact + 1)); };
+    return testing::AllOf(testing::Field(&Bgr::blue, within(blue)), testing::Field(&Bgr::green, within(green)),
+                          testing::Field(&Bgr::red, within(red)));
+}
+
+TEST(ConvImageGolden, YCbCrRangesAndMatrices)
+{
+    // YCbCr8, full range: 0 and 255 are black and white; red is 76.2, 85.0, 255.5.
+    EXPECT_THAT(convert(0x0218005B, {0, 128, 128, 255, 128, 128, 76, 85, 255}, 3, 1),
+                ElementsAre(gray(0), gray(255), near(0, 0.1, 254.1)));
+    // YCbCr601_8_CbYCr, limited range: 16 and 235; red is 81, 90, 240.
+    EXPECT_THAT(convert(0x0218003D, {128, 16, 128, 128, 235, 128, 90, 81, 240}, 3, 1),
+                ElementsAre(gray(0), gray(255), near(0, 0, 254.4)));
+    // Blacker than black and whiter than white.
+    EXPECT_THAT(convert(0x0218003D, {128, 0, 128, 128, 255, 128}, 2, 1), ElementsAre(gray(0), gray(255)));
+    // YCbCr709_8_CbYCr: red is 63, 102, 240.
+    EXPECT_THAT(convert(0x02180040, {128, 16, 128, 128, 235, 128, 102, 63, 240}, 3, 1),
+                ElementsAre(gray(0), gray(255), near(0, 0.6, 255)));
+    // Half way, with chroma that moves each colour: the equations of BT.601 and BT.709.
+    EXPECT_THAT(convert(0x0218005B, {128, 108, 148}, 1, 1), ElementsAre(near(92.6, 120.6, 156.0)));
+    EXPECT_THAT(convert(0x0218003D, {108, 128, 148}, 1, 1), ElementsAre(near(90.1, 122.0, 162.3)));
+    EXPECT_THAT(convert(0x02180040, {108, 128, 148}, 1, 1), ElementsAre(near(88.2, 124.0, 166.3)));
+}
+
+// With neutral chroma a pixel is as gray as its Y.
+TEST(ConvImageGolden, YCbCrOrdersOfLuma)
+{
+    constexpr std::uint8_t n = 128;
+    const auto grays = [](int first) { return ElementsAre(gray(first), gray(first + 1)); };
+    EXPECT_THAT(convert(0x02100032, {10, n, 11, n}, 2, 1), grays(10));       // YUV422_8
+    EXPECT_THAT(convert(0x0210001F, {n, 10, n, 11}, 2, 1), grays(10));       // YUV422_8_UYVY
+    EXPECT_THAT(convert(0x0210003B, {10, n, 11, n}, 2, 1), grays(10));       // YCbCr422_8
+    EXPECT_THAT(convert(0x02100043, {n, 10, n, 11}, 2, 1), grays(10));       // YCbCr422_8_CbYCrY
+    EXPECT_THAT(convert(0x02180020, {n, 10, n, n, 11, n}, 2, 1), grays(10)); // YUV8_UYV
+    EXPECT_THAT(convert(0x0218003A, {n, 10, n, n, 11, n}, 2, 1), grays(10)); // YCbCr8_CbYCr
+    const auto four = ElementsAre(gray(10), gray(11), gray(12), gray(13));
+    EXPECT_THAT(convert(0x020C001E, {n, 10, 11, n, 12, 13}, 4, 1), four);       // YUV411_8_UYYVYY
+    EXPECT_THAT(convert(0x020C003C, {n, 10, 11, n, 12, 13}, 4, 1), four);       // YCbCr411_8_CbYYCrYY
+    EXPECT_THAT(convert(0x020C005A, {10, 11, n, 12, 13, n}, 4, 1), four);       // YCbCr411_8
+    EXPECT_THAT(convert(0x020C0112, {10, 11, 12, 13, n, n}, 2, 2), four);       // YCbCr420_8_YY_CbCr_Semiplanar
+    EXPECT_THAT(convert(0x02100113, {10, 11, 12, 13, n, n, n, n}, 2, 2), four); // YCbCr422_8_YY_CbCr_Semiplanar
+}
+
+// Y 128, Cb 108, Cr 148 is reddish, the reverse bluish.
+TEST(ConvImageGolden, YCbCrOrdersOfChroma)
+{
+    constexpr std::uint8_t y = 128;
+    constexpr std::uint8_t cb = 108;
+    constexpr std::uint8_t cr = 148;
+    const auto reddish = Each(near(92.6, 120.6, 156.0));
+    EXPECT_THAT(convert(0x02100032, {y, cb, y, cr}, 2, 1), reddish);       // YUV422_8
+    EXPECT_THAT(convert(0x0210001F, {cb, y, cr, y}, 2, 1), reddish);       // YUV422_8_UYVY
+    EXPECT_THAT(convert(0x0210003B, {y, cb, y, cr}, 2, 1), reddish);       // YCbCr422_8
+    EXPECT_THAT(convert(0x02100043, {cb, y, cr, y}, 2, 1), reddish);       // YCbCr422_8_CbYCrY
+    EXPECT_THAT(convert(0x02180020, {cb, y, cr}, 1, 1), reddish);          // YUV8_UYV
+    EXPECT_THAT(convert(0x020C001E, {cb, y, y, cr, y, y}, 4, 1), reddish); // YUV411_8_UYYVYY
+    EXPECT_THAT(convert(0x020C005A, {y, y, cb, y, y, cr}, 4, 1), reddish); // YCbCr411_8
+    EXPECT_THAT(convert(0x020C0112, {y, y, y, y, cb, cr}, 2, 2), reddish); // YCbCr420_8_YY_CbCr_Semiplanar
+    EXPECT_THAT(convert(0x020C0114, {y, y, y, y, cr, cb}, 2, 2), reddish); // YCbCr420_8_YY_CrCb_Semiplanar
+    EXPECT_THAT(convert(0x02100113, {y, y, cb, cr}, 2, 1), reddish);       // YCbCr422_8_YY_CbCr_Semiplanar
+    EXPECT_THAT(convert(0x02100115, {y, y, cr, cb}, 2, 1), reddish);       // YCbCr422_8_YY_CrCb_Semiplanar
+    // YCbCr422_10: the low two bits fall away first.
+    EXPECT_THAT(convert(0x02200065, {0x03, 0x02, 0xB3, 0x01, 0x03, 0x02, 0x53, 0x02}, 2, 1), reddish);
+}
+
+TEST(ConvImageGolden, YCbCrGroupsAreCompletedPerRow)
+{
+    constexpr std::uint8_t n = 128;
+    // YUV422_8, three pixels wide
+    EXPECT_THAT(convert(0x02100032, {1, n, 2, n, 3, n, 99, n, 4, n, 5, n, 6, n, 99, n}, 3, 2),
+                ElementsAre(gray(1), gray(2), gray(3), gray(4), gray(5), gray(6)));
+    // YUV411_8_UYYVYY, one pixel wide
+    EXPECT_THAT(convert(0x020C001E, {n, 1, 99, n, 99, 99, n, 2, 99, n, 99, 99}, 1, 2), ElementsAre(gray(1), gray(2)));
+    // YCbCr422_10p, one pixel wide: 4 x 10 bits a row; Y 4, Cb 512, Y 1023, Cr 512, then Y 8.
+    EXPECT_THAT(convert(0x02140087, {0x04, 0x00, 0xF8, 0x3F, 0x80, 0x08, 0x00, 0xF8, 0x3F, 0x80}, 1, 2),
+                ElementsAre(gray(1), gray(2)));
+}
+
+} // namespace
