@@ -52,13 +52,10 @@ void readBits32(const std::uint8_t* words, unsigned bits, std::uint64_t first, s
     }
 }
 
+// Rows, and the pieces that they are read in, begin with a pair.
 void readPairs(const std::uint8_t* pairs, std::uint64_t first, std::size_t count, std::uint8_t* out)
 {
     std::uint8_t* const end = out + count;
-    if (out != end && first % 2 != 0) {
-        *out++ = pairs[first / 2 * 3 + 2];
-        ++first;
-    }
     for (pairs += first / 2 * 3; end - out >= 2; out += 2, pairs += 3) {
         out[0] = pairs[0];
         out[1] = pairs[2];

@@ -13,7 +13,8 @@ class SampleReader {
 public:
     SampleReader(const PixelFormat& format, const std::uint8_t* image) noexcept;
 
-    /// `count` samples from number `first` on: where they are if the image holds bytes, else in `buffer`.
+    /// `count` samples from number `first` on, the first of a pair where they are packed in pairs: where they are if
+    /// the image holds bytes, else in `buffer`.
     [[nodiscard]] const std::uint8_t* read(std::uint64_t first, std::size_t count, std::uint8_t* buffer) const noexcept;
 
 private:
