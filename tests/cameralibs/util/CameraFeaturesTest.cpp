@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <fstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -235,6 +237,85 @@ TEST_F(ManyCameras, IndexIsThatOfTheLastEnumeration)
         EXPECT_EQ(Orvo::GetCamIndexFromCamHandle(camera, &index), 0U);
         EXPECT_EQ(index, i);
     }
+}
+
+// A camera whose description is odd: sizes beyond 32 bits, numbers of its own behind the standard's names, and no
+// software trigger.
+constexpr const char* oddDescription = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Odd" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
+    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+    ProductGuid="00000000-0000-0000-0000-000000000000" VersionGuid="00000000-0000-0000-0000-000000000000"
+    xmlns="http://www.genicam.org/GenApi/Version_1_1">
+  <Category Name="Root">
+    <pFeature>Width</pFeature><pFeature>Height</pFeature>
+    <pFeature>TriggerMode</pFeature><pFeature>TriggerSource</pFeature>
+  </Category>
+  <Integer Name="Width"><Value>4294967296</Value></Integer>
+  <Integer Name="Height"><Value>-1</Value></Integer>
+  <Enumeration Name="TriggerMode">
+    <EnumEntry Name="On"><Value>0</Value></EnumEntry>
+    <EnumEntry Name="Off"><Value>1</Value></EnumEntry>
+    <Value>0</Value>
+  </Enumeration>
+  <Enumeration Name="TriggerSource">
+    <EnumEntry Name="Line5"><Value>4294967295</Value></EnumEntry>
+    <EnumEntry Name="Software"><Value>4294967296</Value></EnumEntry>
+    <EnumEntry Name="Line6"><Value>4294967297</Value></EnumEntry>
+    <Value>4294967295</Value>
+  </Enumeration>
+  <Port Name="Device"/>
+</RegisterDescription>
+)";
+
+class OddCamera : public CameraFeatures {
+protected:
+    OddCamera()
+        : CameraFeatures("0," + describedIn("odd-camera.xml"))
+    {
+    }
+
+private:
+    static std::string describedIn(const std::string& file)
+    {
+        std::string path = testing::TempDir() + file;
+        std::ofstream(path) << oddDescription;
+        return path;
+    }
+};
+
+TEST_F(OddCamera, NumberBeyond32BitsIsInvalid)
+{
+    std::uint32_t number = untouched;
+    EXPECT_EQ(Orvo::GetCamWidth(m_camera, &number), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(Orvo::GetCamHeight(m_camera, &number), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    choose("TriggerSource", "Line6");
+    EXPECT_EQ(Orvo::GetCamTriggerSource(m_camera, &number), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(number, untouched);
+}
+
+TEST_F(OddCamera, NamesTellWhereNumbersDoNot)
+{
+    bool on = false;
+    EXPECT_EQ(Orvo::GetCamTriggerMode(m_camera, &on), 0U);
+    EXPECT_TRUE(on);
+    choose("TriggerMode", "Off");
+    EXPECT_EQ(Orvo::GetCamTriggerMode(m_camera, &on), 0U);
+    EXPECT_FALSE(on);
+
+    std::uint32_t source = 0;
+    EXPECT_EQ(Orvo::GetCamTriggerSource(m_camera, &source), 0U);
+    EXPECT_EQ(source, 4294967295U);
+    choose("TriggerSource", "Software");
+    EXPECT_EQ(Orvo::GetCamTriggerSource(m_camera, &source), 0U);
+    EXPECT_EQ(source, Orvo::CAM_TRIGGER_SOURCE_SOFTWARE);
+}
+
+TEST_F(OddCamera, FeatureThatIsMissingIsNotFound)
+{
+    std::uint32_t format = untouched;
+    EXPECT_EQ(Orvo::GetCamPixelFormat(m_camera, &format), Orvo::CAM_API_STS_NOT_FOUND);
+    EXPECT_EQ(format, untouched);
+    EXPECT_EQ(Orvo::ExecuteCamSoftwareTrigger(m_camera), Orvo::CAM_API_STS_NOT_FOUND);
 }
 
 TEST(CameraFeaturesWithoutLibrary, BeforeInitializeAndAfterTerminate)
