@@ -2,21 +2,28 @@
 #include "cameralibs/util/SampleReader.h"
 
 #include <array>
+#include <cstring>
 
 namespace orvo {
 
 namespace {
 
-// Blue, Green, Red: their places among the samples of a pixel.
-template <std::size_t SamplesPerPixel, std::size_t Blue, std::size_t Green, std::size_t Red>
+// Takes each pixel as a word with a byte of something else at its end, alpha or the next pixel's first sample. After
+// the last one of three samples there may be nothing.
+template <std::size_t SamplesPerPixel, bool RedFirst>
 void writeInterleaved(const std::uint8_t* __restrict samples, std::size_t pixels, std::uint8_t* __restrict bgra)
 {
-    for (std::size_t i = 0; i < pixels; ++i, samples += SamplesPerPixel) {
-        writePixel(samples[Blue], samples[Green], samples[Red], bgra + bytesPerBgra * i);
+    for (std::size_t i = 0; i + 1 < pixels; ++i) {
+        std::uint32_t word = 0;
+        std::memcpy(&word, samples + SamplesPerPixel * i, sizeof word);
+        word = (RedFirst ? __builtin_bswap32(word) >> 8 : word) | 0xFF000000U;
+        std::memcpy(bgra + bytesPerBgra * i, &word, sizeof word);
     }
+    const std::uint8_t* const last = samples + SamplesPerPixel * (pixels - 1);
+    writePixel(last[RedFirst ? 2 : 0], last[1], last[RedFirst ? 0 : 2], bgra + bytesPerBgra * (pixels - 1));
 }
 
-template <std::size_t SamplesPerPixel, std::size_t Blue, std::size_t Green, std::size_t Red>
+template <std::size_t SamplesPerPixel, bool RedFirst>
 void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
 {
     const SampleReader reader(image.format, image.data);
@@ -25,7 +32,7 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
     forEachPiece(image, [&](std::uint32_t x, std::uint32_t y, std::uint32_t pixels) {
         const std::uint64_t first = y * samplesPerRow + x * SamplesPerPixel;
         const std::uint8_t* const samples = reader.read(first, pixels * SamplesPerPixel, buffer.data());
-        writeInterleaved<SamplesPerPixel, Blue, Green, Red>(samples, pixels, bgra);
+        writeInterleaved<SamplesPerPixel, RedFirst>(samples, pixels, bgra);
         bgra += bytesPerBgra * pixels;
     });
 }
@@ -53,13 +60,13 @@ void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept
     if (image.format.packing == SamplePacking::Planar) {
         convertPlanar(image, bgra);
     } else if (order == "RGB") {
-        convertInterleaved<3, 2, 1, 0>(image, bgra);
+        convertInterleaved<3, true>(image, bgra);
     } else if (order == "BGR") {
-        convertInterleaved<3, 0, 1, 2>(image, bgra);
+        convertInterleaved<3, false>(image, bgra);
     } else if (order == "RGBa") {
-        convertInterleaved<4, 2, 1, 0>(image, bgra);
+        convertInterleaved<4, true>(image, bgra);
     } else {
-        convertInterleaved<4, 0, 1, 2>(image, bgra);
+        convertInterleaved<4, false>(image, bgra);
     }
 }
 
