@@ -1,0 +1,199 @@
+// When images come: rates, triggers, modes.
+
+#include "camera/OrvoCamUtl.h"
+#include "tests/cameralibs/devices/ImageStream.h"
+#include "tests/cameralibs/devices/SimulatedCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <thread>
+#include <vector>
+
+using namespace Orvo;
+
+namespace {
+
+class AcquisitionTest : public ::testing::Test {
+protected:
+    // Images per second, by their time stamps.
+    [[nodiscard]] static double rateOf(const std::vector<Picture>& pictures)
+    {
+        const auto span = static_cast<double>(pictures.back().timestampNs - pictures.front().timestampNs);
+        return static_cast<double>(pictures.back().number - pictures.front().number) * 1e9 / span;
+    }
+
+    // Long enough for an image that should not come, were it to come after all.
+    static void letImagesCome() { std::this_thread::sleep_for(std::chrono::milliseconds(150)); }
+
+    Library m_library{"1"};
+    SimulatedCamera m_camera{kMono};
+};
+
+TEST_F(AcquisitionTest, ImagesComeAtTheRateThatIsSet)
+{
+    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60);
+    ImageStream stream(m_camera);
+    for (const double rate : {60.0, 20.0, 100.0}) {
+        m_camera.setReal("AcquisitionFrameRate", rate);
+        EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), rate);
+        (void)stream.take(2);
+        const auto pictures = stream.take(static_cast<std::size_t>(rate));
+        EXPECT_NEAR(rateOf(pictures) / rate, 1, 0.2);
+    }
+}
+
+TEST_F(AcquisitionTest, FrameNumbersCountFromOneInEveryStart)
+{
+    ImageStream stream(m_camera);
+    for (int start = 0; start < 3; ++start) {
+        if (start > 0)
+            stream.start();
+        ASSERT_TRUE(stream.waitForImages(5));
+        stream.stop();
+        const auto numbers = stream.numbers();
+        EXPECT_EQ(numbers.front(), 1U);
+        for (std::size_t i = 1; i < numbers.size(); ++i)
+            EXPECT_EQ(numbers[i], numbers[i - 1] + 1);
+    }
+}
+
+TEST_F(AcquisitionTest, LongExposuresLimitTheRate)
+{
+    m_camera.setReal("ExposureTime", 50000);
+    EXPECT_DOUBLE_EQ(m_camera.greatestReal("AcquisitionFrameRate"), 20);
+    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 20);
+    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), 20);
+    const auto pictures = ImageStream(m_camera).take(10);
+    EXPECT_NEAR(rateOf(pictures) / 20, 1, 0.25);
+    m_camera.setReal("ExposureTime", 1000);
+    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60) << "What was set counts again";
+}
+
+TEST_F(AcquisitionTest, FewerRowsAreFaster)
+{
+    m_camera.setReal("ExposureTime", 100);
+    const double whole = m_camera.greatestReal("AcquisitionFrameRate");
+    EXPECT_DOUBLE_EQ(whole, 200);
+    m_camera.setInteger("Height", 512);
+    EXPECT_DOUBLE_EQ(m_camera.greatestReal("AcquisitionFrameRate"), 2 * whole);
+    m_camera.setFlag("AcquisitionFrameRateEnable", false);
+    EXPECT_EQ(m_camera.access("AcquisitionFrameRate"), NODE_ACCESS_MODE_NA);
+    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), 2 * whole);
+}
+
+TEST_F(AcquisitionTest, TheLinkLimitsTheRate)
+{
+    EXPECT_EQ(m_camera.access("DeviceLinkThroughputLimit"), NODE_ACCESS_MODE_NA);
+    m_camera.choose("DeviceLinkThroughputLimitMode", "On");
+    m_camera.setInteger("DeviceLinkThroughputLimit", 50000000);
+    EXPECT_NEAR(m_camera.real("AcquisitionResultingFrameRate"), 50e6 / (1280 * 1024), 0.01);
+}
+
+TEST_F(AcquisitionTest, SoftwareTriggerGivesOneImageEach)
+{
+    m_camera.choose("TriggerMode", "On");
+    bool on = false;
+    std::uint32_t source = 0;
+    EXPECT_EQ(GetCamTriggerMode(m_camera.handle(), &on), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(on);
+    EXPECT_EQ(GetCamTriggerSource(m_camera.handle(), &source), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(source, CAM_TRIGGER_SOURCE_SOFTWARE);
+    ImageStream stream(m_camera);
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), 0U);
+    for (std::size_t i = 1; i <= 3; ++i) {
+        EXPECT_EQ(ExecuteCamSoftwareTrigger(m_camera.handle()), CAM_API_STS_SUCCESS);
+        ASSERT_TRUE(stream.waitForImages(i));
+    }
+    for (int i = 0; i < 5; ++i)
+        m_camera.execute("TriggerSoftware");
+    ASSERT_TRUE(stream.waitForImages(8));
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), 8U);
+    m_camera.choose("TriggerMode", "Off");
+    EXPECT_TRUE(stream.waitForImages(12));
+}
+
+TEST_F(AcquisitionTest, TriggersAreForTheirSourceOnly)
+{
+    m_camera.choose("TriggerMode", "On");
+    EXPECT_EQ(m_camera.access("TriggerActivation"), NODE_ACCESS_MODE_NA);
+    m_camera.choose("TriggerSource", "Line0");
+    EXPECT_EQ(m_camera.access("TriggerActivation"), NODE_ACCESS_MODE_RW);
+    ImageStream stream(m_camera);
+    m_camera.execute("TriggerSoftware");
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), 0U);
+    m_camera.choose("TriggerSource", "Software");
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), 0U) << "A trigger that came too early is no trigger";
+}
+
+TEST_F(AcquisitionTest, TriggerDelayAndExposureComeBeforeTheImage)
+{
+    m_camera.choose("TriggerMode", "On");
+    m_camera.setReal("TriggerDelay", 120000);
+    m_camera.setReal("ExposureTime", 80000);
+    ImageStream stream(m_camera);
+    const auto before = std::chrono::steady_clock::now();
+    m_camera.execute("TriggerSoftware");
+    ASSERT_TRUE(stream.waitForImages(1));
+    EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(200));
+}
+
+TEST_F(AcquisitionTest, ModesLimitTheImagesOfAStart)
+{
+    EXPECT_EQ(m_camera.access("AcquisitionFrameCount"), NODE_ACCESS_MODE_NA);
+    m_camera.choose("AcquisitionMode", "MultiFrame");
+    m_camera.setInteger("AcquisitionFrameCount", 4);
+    ImageStream stream(m_camera);
+    ASSERT_TRUE(stream.waitForImages(4));
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), 4U);
+    EXPECT_FALSE(m_camera.flag("AcquisitionStatus"));
+    stream.stop();
+    m_camera.choose("AcquisitionMode", "SingleFrame");
+    stream.start();
+    ASSERT_TRUE(stream.waitForImages(1));
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), 1U);
+    m_camera.execute("AcquisitionStart");
+    ASSERT_TRUE(stream.waitForImages(2));
+    EXPECT_EQ(stream.numbers().back(), 2U) << "Numbers go on within a start of the stream";
+}
+
+TEST_F(AcquisitionTest, TheCommandStopsTheImages)
+{
+    ImageStream stream(m_camera);
+    ASSERT_TRUE(stream.waitForImages(2));
+    EXPECT_TRUE(m_camera.flag("AcquisitionStatus"));
+    m_camera.execute("AcquisitionStop");
+    letImagesCome();
+    const std::size_t stopped = stream.imageCount();
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), stopped);
+    m_camera.execute("AcquisitionStart");
+    EXPECT_TRUE(stream.waitForImages(stopped + 3));
+}
+
+TEST_F(AcquisitionTest, SizesAreLockedWhileImagesAreTaken)
+{
+    const char* const locked[] = {
+        "Width", "Height", "PixelFormat", "BinningHorizontal", "AcquisitionMode", "AccessLockedWhileStreaming"};
+    {
+        const ImageStream stream(m_camera);
+        for (const char* const name : locked)
+            EXPECT_EQ(m_camera.access(name), NODE_ACCESS_MODE_RO) << name;
+        EXPECT_EQ(m_camera.access("UserSetLoad"), NODE_ACCESS_MODE_NA);
+        EXPECT_EQ(m_camera.access("OffsetX"), NODE_ACCESS_MODE_RW);
+        EXPECT_EQ(m_camera.access("ExposureTime"), NODE_ACCESS_MODE_RW);
+    }
+    for (const char* const name : locked)
+        EXPECT_EQ(m_camera.access(name), NODE_ACCESS_MODE_RW) << name;
+}
+
+} // namespace

@@ -1,0 +1,180 @@
+// Features that do something besides changing the image.
+
+#include "tests/cameralibs/devices/ImageStream.h"
+#include "tests/cameralibs/devices/SimulatedCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <thread>
+
+using namespace Orvo;
+
+namespace {
+
+class DeviceFeatureTest : public ::testing::Test {
+protected:
+    Library m_library{"1"};
+    SimulatedCamera m_camera{0};
+};
+
+TEST_F(DeviceFeatureTest, TheTemperatureMoves)
+{
+    const double first = m_camera.real("DeviceTemperature");
+    EXPECT_GT(first, 20);
+    EXPECT_LT(first, 60);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (m_camera.real("DeviceTemperature") == first && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_NE(m_camera.real("DeviceTemperature"), first);
+    m_camera.choose("DeviceTemperatureSelector", "Mainboard");
+    EXPECT_LT(m_camera.real("DeviceTemperature"), first - 1);
+}
+
+TEST_F(DeviceFeatureTest, TheClockRunsAndStampsTheImages)
+{
+    const std::int64_t before = m_camera.integer("Timestamp");
+    const Picture picture = takePicture(m_camera);
+    m_camera.execute("TimestampLatch");
+    const std::int64_t latched = m_camera.integer("TimestampLatchValue");
+    EXPECT_GT(static_cast<std::int64_t>(picture.timestampNs), before);
+    EXPECT_LT(static_cast<std::int64_t>(picture.timestampNs), latched);
+    EXPECT_EQ(m_camera.integer("TimestampLatchValue"), latched);
+    m_camera.execute("TimestampReset");
+    m_camera.execute("TimestampLatch");
+    EXPECT_LT(m_camera.integer("TimestampLatchValue"), latched);
+}
+
+TEST_F(DeviceFeatureTest, AutomaticExposureAndGainKeepTheBrightness)
+{
+    m_camera.setReal("Gain", 6);
+    m_camera.choose("ExposureAuto", "Once");
+    EXPECT_EQ(m_camera.choice("ExposureAuto"), "Off");
+    EXPECT_NEAR(m_camera.real("ExposureTime"), 10000 / std::pow(10, 6 / 20.0), 1);
+    m_camera.choose("ExposureAuto", "Continuous");
+    EXPECT_EQ(m_camera.access("ExposureTime"), NODE_ACCESS_MODE_RO);
+    m_camera.setReal("Gain", 20);
+    EXPECT_NEAR(m_camera.real("ExposureTime"), 1000, 1);
+    m_camera.choose("ExposureAuto", "Off");
+    m_camera.choose("GainAuto", "Continuous");
+    m_camera.setReal("ExposureTime", 5000);
+    EXPECT_NEAR(m_camera.real("Gain"), 6, 0.05);
+    EXPECT_EQ(m_camera.access("Gain"), NODE_ACCESS_MODE_RO);
+}
+
+TEST_F(DeviceFeatureTest, UserSetsAreSavedAndLoaded)
+{
+    m_camera.setInteger("Width", 640);
+    m_camera.setReal("Gain", 3);
+    m_camera.choose("UserSetSelector", "UserSet1");
+    m_camera.execute("UserSetSave");
+    m_camera.choose("UserSetSelector", "Default");
+    EXPECT_EQ(m_camera.access("UserSetSave"), NODE_ACCESS_MODE_NA);
+    m_camera.execute("UserSetLoad");
+    EXPECT_EQ(m_camera.integer("Width"), 1280);
+    EXPECT_DOUBLE_EQ(m_camera.real("Gain"), 0);
+    EXPECT_EQ(m_camera.integer("PayloadSize"), 1280 * 1024);
+    m_camera.choose("UserSetSelector", "UserSet1");
+    m_camera.execute("UserSetLoad");
+    EXPECT_EQ(m_camera.integer("Width"), 640);
+    EXPECT_DOUBLE_EQ(m_camera.real("Gain"), 3);
+    EXPECT_EQ(m_camera.integer("PayloadSize"), 640 * 1024);
+}
+
+TEST_F(DeviceFeatureTest, BinningIsPartOfAUserSet)
+{
+    m_camera.setInteger("BinningHorizontal", 2);
+    m_camera.choose("UserSetSelector", "UserSet0");
+    m_camera.execute("UserSetSave");
+    m_camera.execute("DeviceReset");
+    EXPECT_EQ(m_camera.integer("WidthMax"), 1280);
+    m_camera.choose("UserSetSelector", "UserSet0");
+    m_camera.execute("UserSetLoad");
+    EXPECT_EQ(m_camera.integer("BinningHorizontal"), 2);
+    EXPECT_EQ(m_camera.integer("WidthMax"), 640);
+    EXPECT_EQ(m_camera.integer("Width"), 640);
+}
+
+TEST_F(DeviceFeatureTest, LinesShowTheirSource)
+{
+    m_camera.choose("LineSelector", "Line2");
+    EXPECT_EQ(m_camera.choice("LineMode"), "Output");
+    m_camera.choose("LineSource", "UserOutput1");
+    EXPECT_FALSE(m_camera.flag("LineStatus"));
+    m_camera.setInteger("UserOutputValueAll", 2);
+    m_camera.choose("UserOutputSelector", "UserOutput1");
+    EXPECT_TRUE(m_camera.flag("UserOutputValue"));
+    EXPECT_TRUE(m_camera.flag("LineStatus"));
+    EXPECT_EQ(m_camera.integer("LineStatusAll"), 4);
+    m_camera.setFlag("UserOutputValue", false);
+    EXPECT_EQ(m_camera.integer("UserOutputValueAll"), 0);
+    m_camera.setFlag("LineInverter", true);
+    EXPECT_TRUE(m_camera.flag("LineStatus"));
+    m_camera.choose("LineSelector", "Line0");
+    EXPECT_EQ(m_camera.choice("LineMode"), "Input");
+    EXPECT_EQ(m_camera.access("LineSource"), NODE_ACCESS_MODE_NA);
+    EXPECT_FALSE(m_camera.flag("LineInverter"));
+}
+
+TEST_F(DeviceFeatureTest, CountersCountImages)
+{
+    m_camera.choose("TriggerMode", "On");
+    m_camera.choose("CounterSelector", "Counter1");
+    m_camera.choose("CounterEventSource", "FrameStart");
+    m_camera.execute("CounterReset");
+    ImageStream stream(m_camera);
+    for (std::size_t i = 1; i <= 5; ++i) {
+        m_camera.execute("TriggerSoftware");
+        ASSERT_TRUE(stream.waitForImages(i));
+    }
+    EXPECT_EQ(m_camera.integer("CounterValue"), 5);
+    m_camera.setInteger("CounterDuration", 3);
+    EXPECT_EQ(m_camera.integer("CounterValue"), 2);
+    m_camera.execute("CounterReset");
+    EXPECT_EQ(m_camera.integer("CounterValue"), 0);
+}
+
+TEST(PowerTest, WhatIsKeptWithoutPower)
+{
+    const Library library("1");
+    {
+        const SimulatedCamera camera(0);
+        camera.setText("DeviceUserID", "Über der Tür");
+        camera.setReal("ExposureTime", 2000);
+        camera.choose("UserSetSelector", "UserSet0");
+        camera.setText("UserSetDescription", "Bright");
+        camera.execute("UserSetSave");
+        camera.choose("UserSetDefault", "UserSet0");
+        camera.setReal("ExposureTime", 3000);
+        camera.setInteger("SimulationLoseEvery", 2);
+    }
+    const SimulatedCamera camera(0);
+    EXPECT_EQ(camera.text("DeviceUserID"), "Über der Tür");
+    EXPECT_DOUBLE_EQ(camera.real("ExposureTime"), 2000);
+    EXPECT_EQ(camera.choice("UserSetDefault"), "UserSet0");
+    EXPECT_EQ(camera.integer("SimulationLoseEvery"), 0);
+    camera.choose("UserSetSelector", "UserSet0");
+    EXPECT_EQ(camera.text("UserSetDescription"), "Bright");
+    camera.choose("UserSetDefault", "Default");
+    camera.execute("DeviceReset");
+    EXPECT_DOUBLE_EQ(camera.real("ExposureTime"), 10000);
+}
+
+TEST(PowerTest, TheNameIsInTheList)
+{
+    const Library library("1");
+    {
+        const SimulatedCamera camera(0);
+        camera.setText("DeviceUserID", "Left");
+    }
+    (void)Library::enumerate();
+    {
+        const SimulatedCamera camera(0);
+    }
+    EXPECT_STREQ(Library::info(0).userDefinedName, "Left");
+}
+
+} // namespace

@@ -1,0 +1,149 @@
+// The faults that a camera shows on demand.
+
+#include "tests/cameralibs/devices/ImageStream.h"
+#include "tests/cameralibs/devices/SimulatedCamera.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <thread>
+
+using namespace Orvo;
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::Not;
+
+namespace {
+
+class FaultTest : public ::testing::Test {
+protected:
+    Library m_library{"2"};
+    SimulatedCamera m_camera{kMono};
+};
+
+TEST_F(FaultTest, AnUnpluggedCameraIsGoneEverywhere)
+{
+    const CAM_NODE_HANDLE width = m_camera.node("Width");
+    ImageStream stream(m_camera);
+    ASSERT_TRUE(stream.waitForImages(2));
+    EXPECT_EQ(Sys_WaitForSignal(m_camera.removal(), 0), CAM_API_STS_TIMEOUT);
+    m_camera.execute("SimulationUnplug");
+    EXPECT_EQ(Sys_WaitForSignal(m_camera.removal(), 0), CAM_API_STS_SUCCESS);
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera.handle(), width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    EXPECT_EQ(Nd_SetIntValue(m_camera.handle(), width, 640, true), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    CAM_HANDLE again = 0;
+    EXPECT_EQ(Cam_Open(kMono, &again, 0, 1, nullptr, 1), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    const std::size_t count = stream.imageCount();
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    EXPECT_LE(stream.imageCount(), count + 1);
+    EXPECT_EQ(Library::enumerate(), 1U) << "The other one stays";
+    EXPECT_STREQ(Library::info(0).serialNumber, "SIM-2");
+}
+
+TEST(ReplugTest, AnUnpluggedCameraComesBack)
+{
+    const Library library("1");
+    {
+        const SimulatedCamera camera(0);
+        camera.setText("DeviceUserID", "Left");
+        camera.setInteger("Width", 640);
+        camera.setInteger("SimulationReplugAfter", 1);
+        camera.execute("SimulationUnplug");
+        EXPECT_EQ(Library::enumerate(), 0U);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (Library::enumerate() == 0 && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ASSERT_EQ(Library::enumerate(), 1U);
+        CAM_NODE_HANDLE width = 0;
+        EXPECT_EQ(Nd_GetNode(camera.handle(), "Width", &width), CAM_API_STS_CAMERA_NOT_RESPONDING)
+            << "What was opened before stays gone";
+    }
+    const SimulatedCamera camera(0);
+    EXPECT_EQ(camera.text("DeviceUserID"), "Left");
+    EXPECT_EQ(camera.integer("Width"), 1280) << "Switched on anew";
+    EXPECT_GE(ImageStream(camera).take(2).size(), 2U);
+}
+
+TEST_F(FaultTest, EveryNthImageIsLost)
+{
+    ImageStream stream(m_camera);
+    stream.stop();
+    m_camera.setInteger("SimulationLoseEvery", 3);
+    stream.start();
+    ASSERT_TRUE(stream.waitForImages(12));
+    stream.stop();
+    const auto numbers = stream.numbers();
+    std::uint64_t expected = 0;
+    for (const std::uint64_t number : numbers) {
+        expected += (expected + 1) % 3 == 0 ? 2 : 1;
+        EXPECT_EQ(number, expected);
+    }
+    EXPECT_TRUE(stream.errors().empty());
+}
+
+TEST_F(FaultTest, EveryNthImageIsIncomplete)
+{
+    ImageStream stream(m_camera);
+    stream.stop();
+    m_camera.setInteger("SimulationIncompleteEvery", 4);
+    stream.start();
+    ASSERT_TRUE(stream.waitForErrors(3));
+    stream.stop();
+    EXPECT_THAT(stream.errors(), Each(CAM_API_STS_MISSING_PACKETS));
+    const auto numbers = stream.numbers();
+    for (const std::uint64_t number : numbers)
+        EXPECT_NE(number % 4, 0U);
+    EXPECT_THAT(numbers, Contains(5U));
+}
+
+TEST_F(FaultTest, ErrorsComeInABurst)
+{
+    m_camera.choose("TriggerMode", "On"); // no images
+    ImageStream stream(m_camera);
+    m_camera.setInteger("SimulationErrorBurst", 25);
+    ASSERT_TRUE(stream.waitForErrors(25));
+    m_camera.setInteger("SimulationErrorBurst", 5);
+    ASSERT_TRUE(stream.waitForErrors(30));
+    EXPECT_EQ(stream.errors().size(), 30U);
+    EXPECT_THAT(stream.errors(), Each(Not(CAM_API_STS_SUCCESS)));
+    stream.stop();
+    m_camera.setInteger("SimulationErrorBurst", 7);
+    stream.start();
+    m_camera.setInteger("SimulationErrorBurst", 1);
+    ASSERT_TRUE(stream.waitForErrors(1));
+    EXPECT_EQ(stream.errors().size(), 1U) << "Nobody was there to hear the seven";
+}
+
+TEST_F(FaultTest, AccessesAreDelayed)
+{
+    m_camera.setInteger("SimulationAccessDelay", 40000);
+    const auto before = std::chrono::steady_clock::now();
+    (void)m_camera.integer("IntegerPureNumber");
+    EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(40));
+    m_camera.setInteger("SimulationAccessDelay", 0);
+    EXPECT_EQ(m_camera.integer("SimulationAccessDelay"), 0);
+}
+
+TEST_F(FaultTest, AccessesAreRefused)
+{
+    const CAM_NODE_HANDLE number = m_camera.node("IntegerPureNumber");
+    ImageStream stream(m_camera);
+    ASSERT_TRUE(stream.waitForImages(1));
+    m_camera.setFlag("SimulationRefuseAccess", true);
+    std::int64_t value = 77;
+    EXPECT_EQ(Nd_GetIntValue(m_camera.handle(), number, &value), CAM_API_STS_ACCESS_DENIED);
+    EXPECT_EQ(value, 77);
+    EXPECT_EQ(Nd_SetIntValue(m_camera.handle(), number, 1, true), CAM_API_STS_ACCESS_DENIED);
+    EXPECT_TRUE(m_camera.flag("SimulationRefuseAccess"));
+    EXPECT_TRUE(stream.waitForImages(stream.imageCount() + 5)) << "Images come all the same";
+    m_camera.setFlag("SimulationRefuseAccess", false);
+    EXPECT_EQ(m_camera.integer("IntegerPureNumber"), 12345);
+    EXPECT_EQ(Sys_WaitForSignal(m_camera.removal(), 0), CAM_API_STS_TIMEOUT) << "It never left";
+}
+
+} // namespace

@@ -1,0 +1,144 @@
+// Cameras made from description files.
+
+#include "tests/cameralibs/devices/DescriptionText.h"
+#include "tests/cameralibs/devices/FrameNumberReader.h"
+#include "tests/cameralibs/devices/ImageStream.h"
+#include "tests/cameralibs/devices/SimulatedCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+using namespace Orvo;
+
+namespace {
+
+std::string enumerationNode(const std::string& name, unsigned address, const std::string& entries)
+{
+    return "<Enumeration Name=\"" + name + "\">" + entries + "<pValue>" + name + "Reg</pValue></Enumeration>" +
+           "<IntReg Name=\"" + name + "Reg\"><Address>" + std::to_string(address) +
+           "</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Sign>Unsigned</Sign>"
+           "<Endianess>LittleEndian</Endianess></IntReg>";
+}
+
+std::string entry(const std::string& name, std::uint32_t value)
+{
+    return "<EnumEntry Name=\"" + name + "\"><Value>" + std::to_string(value) + "</Value></EnumEntry>";
+}
+
+std::string commandNode(const std::string& name, unsigned address)
+{
+    return "<Command Name=\"" + name + "\"><pValue>" + name + "Reg</pValue><CommandValue>1</CommandValue></Command>" +
+           "<IntReg Name=\"" + name + "Reg\"><Address>" + std::to_string(address) +
+           "</Address><Length>4</Length><AccessMode>WO</AccessMode><pPort>Device</pPort></IntReg>";
+}
+
+const char kRange[] = "<Min>16</Min><Max>4096</Max>";
+
+// What every camera that sends images has.
+std::string imagingCamera(const std::string& formats)
+{
+    return descriptionOf("Heron", "Width Height PixelFormat PayloadSize AcquisitionStart AcquisitionStop Speed Mode",
+                         integerNode("Width", 0x100, kRange) + integerNode("Height", 0x104, kRange) +
+                             integerNode("PayloadSize", 0x108, "") + enumerationNode("PixelFormat", 0x10C, formats) +
+                             commandNode("AcquisitionStart", 0x110) + commandNode("AcquisitionStop", 0x114) +
+                             integerNode("Speed", 0xFFFFFFF0, "<Min>7</Min><Max>9</Max>") +
+                             enumerationNode("Mode", 0x11C, entry("Slow", 3) + entry("Fast", 5)));
+}
+
+class FileCamera {
+public:
+    explicit FileCamera(const std::string& text)
+        : m_file(text)
+        , m_library(("0," + m_file.path()).c_str())
+        , m_camera(0)
+    {
+    }
+
+    [[nodiscard]] const SimulatedCamera& operator*() const { return m_camera; }
+    [[nodiscard]] const SimulatedCamera* operator->() const { return &m_camera; }
+
+private:
+    DescriptionFile m_file;
+    Library m_library;
+    SimulatedCamera m_camera;
+};
+
+TEST(FileCameraTest, ValuesBeginWithinTheirRanges)
+{
+    const FileCamera camera(imagingCamera(entry("Mono8", 0x01080001)));
+    EXPECT_EQ(camera->integer("Speed"), 7);
+    EXPECT_EQ(camera->choice("Mode"), "Slow");
+    EXPECT_EQ(camera->choice("PixelFormat"), "Mono8");
+    EXPECT_EQ(camera->integer("Width"), 1280);
+    EXPECT_EQ(camera->integer("Height"), 960);
+}
+
+TEST(FileCameraTest, RegistersAreMemory)
+{
+    const FileCamera camera(imagingCamera(entry("Mono8", 0x01080001)));
+    camera->setInteger("Speed", 9);
+    camera->choose("Mode", "Fast");
+    EXPECT_EQ(camera->integer("Speed"), 9);
+    EXPECT_EQ(camera->choice("Mode"), "Fast");
+    camera->execute("AcquisitionStart");
+}
+
+TEST(FileCameraTest, ImagesShowTheScene)
+{
+    const FileCamera camera(imagingCamera(entry("Mono8", 0x01080001) + entry("BayerRG12p", 0x010C0059)));
+    const Picture first = takePicture(*camera);
+    EXPECT_EQ(first.bytes.size(), 1280U * 960U);
+    EXPECT_EQ(readFrameNumber(first), first.number);
+    camera->setInteger("Width", 644);
+    camera->setInteger("Height", 481);
+    camera->choose("PixelFormat", "BayerRG12p");
+    EXPECT_EQ(camera->integer("PayloadSize"), 644 * 481 * 3 / 2);
+    const Picture second = takePicture(*camera);
+    EXPECT_EQ(second.bytes.size(), 644U * 481U * 3 / 2);
+}
+
+TEST(FileCameraTest, AnUnknownFormatHasTheRightSize)
+{
+    const FileCamera camera(imagingCamera(entry("BGR8", 0x02180015)));
+    EXPECT_EQ(takePicture(*camera).bytes.size(), 1280U * 960U * 3);
+}
+
+TEST(FileCameraTest, WithoutASizeThereAreNoImages)
+{
+    const FileCamera camera(descriptionOf("Mole", "Speed PayloadSize",
+                                          integerNode("Speed", 0, "<Min>7</Min><Max>9</Max>") +
+                                              integerNode("PayloadSize", 4, "<Min>1000</Min><Max>1000</Max>")));
+    EXPECT_EQ(camera->integer("Speed"), 7);
+    CAM_STRM_HANDLE stream = 0;
+    ASSERT_EQ(Strm_OpenSimple(camera->handle(), &stream, nullptr, nullptr, 8, nullptr), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_Start(stream, 8), CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
+}
+
+TEST(FileCameraTest, SizesOfARunawayDescriptionAreRefused)
+{
+    const std::string text = descriptionOf("Whale", "Width Height PayloadSize",
+                                           integerNode("Width", 0, "<Min>4000000000</Min><Max>4000000000</Max>") +
+                                               integerNode("Height", 4, "<Min>4000000000</Min><Max>4000000000</Max>") +
+                                               integerNode("PayloadSize", 8, "<Min>1000</Min><Max>1000</Max>"));
+    const FileCamera camera(text);
+    EXPECT_EQ(camera->integer("Width"), 4000000000);
+    CAM_STRM_HANDLE stream = 0;
+    ASSERT_EQ(Strm_OpenSimple(camera->handle(), &stream, nullptr, nullptr, 8, nullptr), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_Start(stream, 8), CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
+}
+
+TEST(FileCameraTest, EveryOpeningIsAPowerUp)
+{
+    const DescriptionFile file(imagingCamera(entry("Mono8", 0x01080001)));
+    const Library library(("0," + file.path()).c_str());
+    {
+        SimulatedCamera(0).setInteger("Speed", 9);
+    }
+    EXPECT_EQ(SimulatedCamera(0).integer("Speed"), 7);
+}
+
+} // namespace

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tests/cameralibs/devices/ImageStream.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+/// The image as the viewer shows it: 32 bits per pixel.
+[[nodiscard]] std::vector<std::uint32_t> convert(const Picture& picture);
+
+/// Reads the six digits in the upper left corner of an image; nothing where there are none.
+[[nodiscard]] std::optional<std::uint64_t> readFrameNumber(const Picture& picture);

@@ -1,0 +1,185 @@
+#include "SimulatedCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+using namespace Orvo;
+
+namespace {
+
+constexpr char kVariable[] = "ORVO_SIMULATED_CAMERAS";
+
+void expectDone(CAM_API_STATUS status, const std::string& what)
+{
+    EXPECT_EQ(status, CAM_API_STS_SUCCESS) << what;
+}
+
+} // namespace
+
+Library::Library(const char* cameras)
+{
+    // The library has no thread yet that could read the environment.
+    if (cameras != nullptr)
+        ::setenv(kVariable, cameras, 1); // NOLINT(concurrency-mt-unsafe)
+    else
+        ::unsetenv(kVariable); // NOLINT(concurrency-mt-unsafe)
+    expectDone(Sys_Initialize(CAM_LAYER_SIMULATED), "Sys_Initialize");
+    (void)enumerate();
+}
+
+Library::~Library()
+{
+    expectDone(Sys_Terminate(), "Sys_Terminate");
+}
+
+std::uint32_t Library::enumerate()
+{
+    std::uint32_t count = 0;
+    expectDone(Sys_GetNumOfCameras(&count), "Sys_GetNumOfCameras");
+    return count;
+}
+
+CAM_INFO Library::info(std::uint32_t index)
+{
+    CAM_INFO info{};
+    expectDone(Cam_GetInformation(0, index, &info), "Cam_GetInformation");
+    return info;
+}
+
+SimulatedCamera::SimulatedCamera(std::uint32_t index)
+{
+    expectDone(Sys_CreateSignal(&m_removal), "Sys_CreateSignal");
+    expectDone(Cam_Open(index, &m_camera, m_removal, 1, nullptr, 1), "Cam_Open");
+}
+
+SimulatedCamera::~SimulatedCamera()
+{
+    expectDone(Cam_Close(m_camera), "Cam_Close");
+    expectDone(Sys_CloseSignal(m_removal), "Sys_CloseSignal");
+}
+
+CAM_NODE_HANDLE SimulatedCamera::node(const std::string& name) const
+{
+    CAM_NODE_HANDLE node = 0;
+    expectDone(Nd_GetNode(m_camera, name.c_str(), &node), name);
+    return node;
+}
+
+NodeAccessMode SimulatedCamera::access(const std::string& name) const
+{
+    NodeAccessMode mode = NODE_ACCESS_MODE_UNDEFINED;
+    expectDone(Nd_GetAccessMode(m_camera, node(name), &mode), name);
+    return mode;
+}
+
+std::int64_t SimulatedCamera::integer(const std::string& name) const
+{
+    std::int64_t value = 0;
+    expectDone(Nd_GetIntValue(m_camera, node(name), &value), name);
+    return value;
+}
+
+std::int64_t SimulatedCamera::greatest(const std::string& name) const
+{
+    std::int64_t value = 0;
+    expectDone(Nd_GetIntMax(m_camera, node(name), &value), name);
+    return value;
+}
+
+double SimulatedCamera::real(const std::string& name) const
+{
+    double value = 0;
+    expectDone(Nd_GetFloatValue(m_camera, node(name), &value), name);
+    return value;
+}
+
+double SimulatedCamera::greatestReal(const std::string& name) const
+{
+    double value = 0;
+    expectDone(Nd_GetFloatMax(m_camera, node(name), &value), name);
+    return value;
+}
+
+bool SimulatedCamera::flag(const std::string& name) const
+{
+    bool value = false;
+    expectDone(Nd_GetBoolValue(m_camera, node(name), &value), name);
+    return value;
+}
+
+std::string SimulatedCamera::text(const std::string& name) const
+{
+    return wholeText(Nd_GetStrValue, m_camera, node(name));
+}
+
+std::string SimulatedCamera::choice(const std::string& name) const
+{
+    return wholeText(Nd_GetEnumStrValue, m_camera, node(name));
+}
+
+void SimulatedCamera::setInteger(const std::string& name, std::int64_t value) const
+{
+    expectDone(Nd_SetIntValue(m_camera, node(name), value, true), name);
+}
+
+void SimulatedCamera::setReal(const std::string& name, double value) const
+{
+    expectDone(Nd_SetFloatValue(m_camera, node(name), value, true), name);
+}
+
+void SimulatedCamera::setFlag(const std::string& name, bool value) const
+{
+    expectDone(Nd_SetBoolValue(m_camera, node(name), value, true), name);
+}
+
+void SimulatedCamera::setText(const std::string& name, const std::string& value) const
+{
+    expectDone(Nd_SetStrValue(m_camera, node(name), value.c_str(), true), name);
+}
+
+void SimulatedCamera::choose(const std::string& name, const std::string& entry) const
+{
+    expectDone(Nd_SetEnumStrValue(m_camera, node(name), entry.c_str(), true), name);
+}
+
+void SimulatedCamera::execute(const std::string& name) const
+{
+    expectDone(Nd_CmdExecute(m_camera, node(name), true), name);
+}
+
+std::vector<std::string> SimulatedCamera::features(const std::string& category) const
+{
+    std::uint32_t count = 0;
+    expectDone(Nd_GetNumOfFeatures(m_camera, node(category), &count), category);
+    std::vector<std::string> names;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        CAM_NODE_HANDLE feature = 0;
+        expectDone(Nd_GetFeatureByIndex(m_camera, node(category), i, &feature), category);
+        names.push_back(wholeText(Nd_GetName, m_camera, feature));
+    }
+    return names;
+}
+
+std::vector<std::string> SimulatedCamera::entries(const std::string& enumeration) const
+{
+    std::uint32_t count = 0;
+    expectDone(Nd_GetNumOfEnumEntries(m_camera, node(enumeration), &count), enumeration);
+    std::vector<std::string> names;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        CAM_NODE_HANDLE entry = 0;
+        expectDone(Nd_GetEnumEntryByIndex(m_camera, node(enumeration), i, &entry), enumeration);
+        names.push_back(wholeText(Nd_GetEnumEntryStrValue, m_camera, entry));
+    }
+    return names;
+}
+
+std::string wholeText(TextOperation operation, CAM_HANDLE camera, CAM_NODE_HANDLE node)
+{
+    std::uint32_t size = 0;
+    expectDone(operation(camera, node, nullptr, &size), "size of a text");
+    std::string text(size, '?');
+    expectDone(operation(camera, node, text.data(), &size), "text");
+    text.resize(text.find('\0'));
+    return text;
+}

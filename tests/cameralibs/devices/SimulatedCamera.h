@@ -1,0 +1,70 @@
+#pragma once
+
+#include "camera/OrvoCamApi.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// The camera API with simulated cameras only, for the length of a test. Enumerated once.
+class Library {
+public:
+    /// `cameras` is the value of ORVO_SIMULATED_CAMERAS, null for none.
+    explicit Library(const char* cameras = "3");
+    ~Library();
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    /// How many cameras there are now.
+    [[nodiscard]] static std::uint32_t enumerate();
+    [[nodiscard]] static Orvo::CAM_INFO info(std::uint32_t index);
+};
+
+/// The built-in cameras, by index.
+constexpr std::uint32_t kMono = 0;
+constexpr std::uint32_t kColor = 1;
+constexpr std::uint32_t kLarge = 2;
+constexpr std::uint32_t kBuiltIn = 3;
+
+/// An opened camera whose features are expected to do what they are told: a failure fails the test.
+class SimulatedCamera {
+public:
+    explicit SimulatedCamera(std::uint32_t index);
+    ~SimulatedCamera();
+    SimulatedCamera(const SimulatedCamera&) = delete;
+    SimulatedCamera& operator=(const SimulatedCamera&) = delete;
+
+    [[nodiscard]] Orvo::CAM_HANDLE handle() const { return m_camera; }
+    [[nodiscard]] Orvo::CAM_SIGNAL_HANDLE removal() const { return m_removal; }
+
+    [[nodiscard]] Orvo::CAM_NODE_HANDLE node(const std::string& name) const;
+    [[nodiscard]] Orvo::NodeAccessMode access(const std::string& name) const;
+
+    [[nodiscard]] std::int64_t integer(const std::string& name) const;
+    [[nodiscard]] std::int64_t greatest(const std::string& name) const;
+    [[nodiscard]] double real(const std::string& name) const;
+    [[nodiscard]] double greatestReal(const std::string& name) const;
+    [[nodiscard]] bool flag(const std::string& name) const;
+    [[nodiscard]] std::string text(const std::string& name) const;
+    [[nodiscard]] std::string choice(const std::string& name) const;
+
+    void setInteger(const std::string& name, std::int64_t value) const;
+    void setReal(const std::string& name, double value) const;
+    void setFlag(const std::string& name, bool value) const;
+    void setText(const std::string& name, const std::string& value) const;
+    void choose(const std::string& name, const std::string& entry) const;
+    void execute(const std::string& name) const;
+
+    /// The names of the features of a category, and of the entries of an enumeration.
+    [[nodiscard]] std::vector<std::string> features(const std::string& category) const;
+    [[nodiscard]] std::vector<std::string> entries(const std::string& enumeration) const;
+
+private:
+    Orvo::CAM_SIGNAL_HANDLE m_removal = 0;
+    Orvo::CAM_HANDLE m_camera = 0;
+};
+
+using TextOperation = Orvo::CAM_API_STATUS (*)(Orvo::CAM_HANDLE, Orvo::CAM_NODE_HANDLE, char*, std::uint32_t*);
+
+/// The whole of a text.
+[[nodiscard]] std::string wholeText(TextOperation operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node);
