@@ -12,6 +12,9 @@ class GenAPINodeItem;
 /// The editor of an Integer or Float node with a range: a line edit and a slider side by side. Typed text is written
 /// when the line edit is left; while the slider is dragged its value is shown at once and written every 50 ms. Loading
 /// writes nothing. Lives on the GUI thread.
+///
+/// Leaving it, from either part, sends it a focus-out event, so that a delegate commits and closes it as it does with
+/// an editor of one part.
 class LineEditWithSlider : public QWidget {
     Q_OBJECT
 
@@ -19,25 +22,31 @@ public:
     explicit LineEditWithSlider(QWidget* parent = nullptr);
     ~LineEditWithSlider() override;
 
-    /// Shows range and value of the item, which may be loaded again at any time; a drag that is under way ends.
-    /// Anything but an Integer or Float node, null too, leaves an empty, disabled editor.
+    /// Shows range and value of the item, which may be loaded again at any time; a press of the slider that is under
+    /// way ends. Anything but an Integer or Float node, null too, leaves an empty, disabled editor.
     void setValue(GenAPINodeItem* item);
 
+    /// The four ways to load, each for a node of its type, not null. A range with one value, or none, disables the line
+    /// edit. None of them enables or disables the slider.
     void setValIntLinear(GenAPINodeItem* item);
     void setValFloatLinear(GenAPINodeItem* item);
     void setValIntLog(GenAPINodeItem* item);
     void setValFloatLog(GenAPINodeItem* item);
 
+    /// Between values and positions of the slider, by the node's representation; without a node 0.
     [[nodiscard]] int calcSliderVal(long value) const;
     [[nodiscard]] int calcSliderVal(double value) const;
     [[nodiscard]] long convSliderValToInt(int position) const;
     [[nodiscard]] double convSliderValToFloat(int position) const;
+    /// The value brought into the range and onto a step; without a node as it is.
     [[nodiscard]] long getValidNodeValue(long value) const;
     [[nodiscard]] double getValidNodeValue(double value) const;
 
     /// Writes the slider's value where the slider has the focus, the line edit's text otherwise; then shows what the
     /// node holds.
     void getValue();
+    /// The same, if the slider moved since it was last asked.
+    void getSliderValue();
 
     [[nodiscard]] bool hasTracking() const;
     void setTracking(bool tracking);
@@ -54,20 +63,23 @@ public slots:
     void slider_Moved(int position);
     void timeElapsed();
 
-public:
-    /// Writes the slider's value if it moved since it was last written.
-    void getSliderValue();
-
 protected:
     void timerEvent(QTimerEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
+    void fill(const SliderPositions& positions, bool isFixed);
+    void writeText();
+    [[nodiscard]] bool isFloat() const;
+    [[nodiscard]] bool isLogarithmic() const;
+    void focusMoved(QWidget* from, QWidget* to);
+
     QLineEdit m_lineEdit;
     QSlider m_slider{Qt::Horizontal};
     QPointer<GenAPINodeItem> m_item;
     SliderMapping m_mapping;
     int m_timerId = 0;
-    int m_lastSliderValue = -1;
+    int m_lastSliderValue = -1; ///< written last while dragging
     bool m_sliderPressed = false;
 };
