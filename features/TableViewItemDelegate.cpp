@@ -1,6 +1,181 @@
 #include "features/TableViewItemDelegate.h"
 
+#include "features/DescBox.h"
 #include "features/FeatureView.h"
+#include "features/GenAPINodeItem.h"
+#include "features/LineEditWithSlider.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPersistentModelIndex>
+#include <QPushButton>
+#include <QSpinBox>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr int valueColumn = 2;
+
+// --- Making an editor -----------------------------------------------------------------------------------------------
+
+QWidget* makeLineEdit(QWidget* parent)
+{
+    auto* lineEdit = new QLineEdit(parent);
+    lineEdit->setFrame(false);
+    return lineEdit;
+}
+
+QWidget* makeComboBox(QWidget* parent)
+{
+    auto* comboBox = new QComboBox(parent);
+    comboBox->setFrame(false);
+    return comboBox;
+}
+
+QWidget* makeSlider(QWidget* parent)
+{
+    return new LineEditWithSlider(parent);
+}
+
+QWidget* makeButton(QWidget* parent)
+{
+    return new QPushButton(TableViewItemDelegate::tr("Execute"), parent);
+}
+
+QWidget* makeSpinBox(QWidget* parent)
+{
+    auto* spinBox = new QSpinBox(parent);
+    spinBox->setFrame(false);
+    spinBox->setRange(0, 100);
+    return spinBox;
+}
+
+// --- Loading it -----------------------------------------------------------------------------------------------------
+
+// The signal that writes is disconnected meanwhile: filling an editor writes nothing. Connected once, however often and
+// however deep within one another the loads run.
+template <typename Editor, typename Signal, typename Slot, typename Fill>
+void fill(Editor& editor, Signal changed, GenAPINodeItem* item, Slot write, Fill fillEditor)
+{
+    if (item != nullptr)
+        QObject::disconnect(&editor, changed, item, write);
+    fillEditor();
+    if (item != nullptr)
+        QObject::connect(&editor, changed, item, write, Qt::UniqueConnection);
+}
+
+void loadLineEdit(QWidget& editor, GenAPINodeItem*, const QVariant& value)
+{
+    if (auto* lineEdit = qobject_cast<QLineEdit*>(&editor))
+        lineEdit->setText(value.toString());
+}
+
+void loadComboBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
+{
+    auto* comboBox = qobject_cast<QComboBox*>(&editor);
+    if (comboBox == nullptr)
+        return;
+    fill(*comboBox, qOverload<int>(&QComboBox::currentIndexChanged), item, &GenAPINodeItem::combo_CurrentIndexChanged,
+         [&] {
+             comboBox->setInsertPolicy(QComboBox::NoInsert);
+             comboBox->setEditable(false);
+             comboBox->clear();
+             if (item != nullptr)
+                 comboBox->insertItems(0, item->getItemsValue());
+             comboBox->setCurrentText(value.toString());
+         });
+}
+
+void loadSlider(QWidget& editor, GenAPINodeItem* item, const QVariant&)
+{
+    if (auto* slider = qobject_cast<LineEditWithSlider*>(&editor))
+        slider->setValue(item);
+}
+
+void loadButton(QWidget& editor, GenAPINodeItem* item, const QVariant&)
+{
+    if (auto* button = qobject_cast<QPushButton*>(&editor))
+        fill(*button, &QPushButton::clicked, item, &GenAPINodeItem::button_Clicked, [] {});
+}
+
+/// A spin box has 32 bits: a wider range is cut to them, never wrapped.
+int toSpinBox(long value)
+{
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(std::clamp<long>(value, Limits::min(), Limits::max()));
+}
+
+void loadSpinBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
+{
+    auto* spinBox = qobject_cast<QSpinBox*>(&editor);
+    if (spinBox == nullptr)
+        return;
+    fill(*spinBox, qOverload<int>(&QSpinBox::valueChanged), item, &GenAPINodeItem::spinBox_ValueChanged, [&] {
+        if (item != nullptr) {
+            spinBox->setMinimum(toSpinBox(item->getMinInt()));
+            spinBox->setMaximum(toSpinBox(item->getMaxInt()));
+            spinBox->setSingleStep(toSpinBox(item->getIncInt()));
+        }
+        spinBox->setValue(value.toInt());
+    });
+}
+
+// --- Committing it --------------------------------------------------------------------------------------------------
+
+void commitText(QWidget& editor, QAbstractItemModel& model, const QModelIndex& index)
+{
+    // The write may load this editor again, or close it.
+    const QPointer<QLineEdit> lineEdit = qobject_cast<QLineEdit*>(&editor);
+    if (lineEdit.isNull())
+        return;
+    const QPersistentModelIndex cell(index);
+    model.setData(index, lineEdit->text(), Qt::EditRole);
+    if (lineEdit)
+        lineEdit->setText(cell.data(Qt::EditRole).toString());
+}
+
+void commitSlider(QWidget& editor, QAbstractItemModel&, const QModelIndex&)
+{
+    if (auto* slider = qobject_cast<LineEditWithSlider*>(&editor))
+        slider->getValue();
+}
+
+/// These editors wrote already, when they were used.
+void commitNothing(QWidget&, QAbstractItemModel&, const QModelIndex&) {}
+
+struct EditorRow {
+    EditorWidgetType kind;
+    QWidget* (*make)(QWidget* parent);
+    void (*load)(QWidget& editor, GenAPINodeItem* item, const QVariant& value);
+    void (*commit)(QWidget& editor, QAbstractItemModel& model, const QModelIndex& index);
+};
+
+constexpr EditorRow editorRows[] = {
+    {EditorLineEdit, makeLineEdit, loadLineEdit, commitText},
+    {EditorComboBox, makeComboBox, loadComboBox, commitNothing},
+    {EditorSlider, makeSlider, loadSlider, commitSlider},
+    {EditorButton, makeButton, loadButton, commitNothing},
+    {EditorSpinBox, makeSpinBox, loadSpinBox, commitNothing},
+};
+
+const EditorRow* rowOf(const QModelIndex& index)
+{
+    const int kind = index.data(EditorKindRole).toInt();
+    const auto* row = std::find_if(std::begin(editorRows), std::end(editorRows),
+                                   [kind](const EditorRow& r) { return r.kind == kind; });
+    return row == std::end(editorRows) ? nullptr : row;
+}
+
+/// An editor that is there without a kind counts as a line edit.
+const EditorRow& rowOfOpen(const QModelIndex& index)
+{
+    const EditorRow* row = rowOf(index);
+    return row != nullptr ? *row : editorRows[0];
+}
+
+} // namespace
 
 TableViewItemDelegate::TableViewItemDelegate(QObject* parent)
     : QStyledItemDelegate(parent)
@@ -12,24 +187,45 @@ void TableViewItemDelegate::setView(FeatureView* view)
     m_view = view;
 }
 
-GenAPINodeItem* TableViewItemDelegate::itemAt(const QModelIndex&) const
-{
-    return nullptr;
-}
-
 void TableViewItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
-    QStyledItemDelegate::paint(painter, option, index);
+    if (m_view.isNull() || !m_view->tableView()->isRowHidden(index.row()))
+        QStyledItemDelegate::paint(painter, option, index);
 }
 
-QWidget* TableViewItemDelegate::createEditor(QWidget*, const QStyleOptionViewItem&, const QModelIndex&) const
+QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                                             const QModelIndex& index) const
 {
-    return nullptr;
+    if (m_view.isNull())
+        return nullptr;
+    // First: the description box reads the access mode, which is asked next.
+    GenAPINodeItem* item = m_view->itemAt(index);
+    m_view->descBox()->setText(item);
+
+    if (item == nullptr || !item->isWritable() || m_writeInProgress || index.column() != valueColumn)
+        return nullptr;
+    const EditorRow* row = rowOf(index);
+    return row != nullptr ? row->make(parent) : nullptr;
 }
 
-void TableViewItemDelegate::setEditorData(QWidget*, const QModelIndex&) const {}
+void TableViewItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
+{
+    if (editor == nullptr)
+        return;
+    const QPointer<GenAPINodeItem> item = m_view ? m_view->itemAt(index) : nullptr;
+    rowOfOpen(index).load(*editor, item, index.data(Qt::EditRole));
+    if (item)
+        item->setEditor(editor);
+}
 
-void TableViewItemDelegate::setModelData(QWidget*, QAbstractItemModel*, const QModelIndex&) const {}
+void TableViewItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const
+{
+    if (editor == nullptr)
+        return;
+    rowOfOpen(index).commit(*editor, *model, index);
+    if (m_view && m_view->autoReRead())
+        m_view->updateAllFeatures(false);
+}
 
 void TableViewItemDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                                                  const QModelIndex&) const

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int EditorNameRole = Qt::UserRole + 3;
+constexpr int editorNameRole = Qt::UserRole + 3;
 
 QWidget* spinBox(QWidget* parent)
 {
@@ -49,7 +49,7 @@ struct EditorRow {
     QWidget* (*create)(QWidget* parent);
 };
 
-constexpr std::array<EditorRow, 5> kEditors = {{
+constexpr std::array<EditorRow, 5> editorRows = {{
     {"SpinBox", spinBox},
     {"ComboBox", comboBox},
     {"Button", button},
@@ -69,8 +69,8 @@ QWidget* TreeViewItemDelegate::createEditor(QWidget* parent, const QStyleOptionV
 {
     if (index.column() != 0)
         return nullptr;
-    const QString name = index.data(EditorNameRole).toString();
-    for (const EditorRow& row : kEditors) {
+    const QString name = index.data(editorNameRole).toString();
+    for (const EditorRow& row : editorRows) {
         if (name == QLatin1String(row.name))
             return row.create(parent);
     }
