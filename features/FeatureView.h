@@ -17,6 +17,7 @@
 
 class DescBox;
 class GenAPINodeItem;
+class QRegExp;
 class QToolBar;
 enum EditorWidgetType : int;
 
@@ -174,9 +175,10 @@ private:
     Orvo::CAM_API_STATUS registerSubtree(Orvo::CAM_NODE_HANDLE node, int level);
     void fillRow(QStandardItemModel& model, int row);
 
-    void checkActions();   // FeatureViewToolBar.cpp
-    void spanCategories(); // FeatureViewFilter.cpp
-    void makeRowColours(); // FeatureViewColours.cpp
+    void checkActions();                                   // FeatureViewToolBar.cpp
+    void spanCategories();                                 // FeatureViewFilter.cpp
+    void closeEditorUnlessAccepted(const QRegExp& filter); // FeatureViewFilter.cpp
+    void makeRowColours();                                 // FeatureViewColours.cpp
 
     // FeatureViewFolding.cpp
     /// The name cell of a row of the table; rows are asked one by one, so this is quicker than the model's data.

@@ -45,6 +45,7 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
     const LevelPattern& pattern = patternOf(m_level);
     const QRegExp filter(QString::fromLatin1(sortAtoZ ? pattern.inAtoZOrder : pattern.inCategoryOrder),
                          m_niFeatureVisible ? Qt::CaseInsensitive : Qt::CaseSensitive);
+    closeEditorUnlessAccepted(filter);
     m_filterModel.setFilterKeyColumn(NameColumn);
     m_filterModel.setFilterRole(LevelRole);
     // Before a new source, which is then filtered and sorted once.
@@ -61,6 +62,14 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
             m_tableView.resizeColumnToContents(column);
     }
     updateClmNodeTypeVisible();
+}
+
+/// The table never hears that a row went with its editor, and would open no other one.
+void FeatureView::closeEditorUnlessAccepted(const QRegExp& filter)
+{
+    const QModelIndex current = m_tableView.currentIndex();
+    if (current.isValid() && filter.indexIn(current.siblingAtColumn(NameColumn).data(LevelRole).toString()) < 0)
+        m_tableView.setCurrentIndex(QModelIndex());
 }
 
 void FeatureView::spanCategories()
