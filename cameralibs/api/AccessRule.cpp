@@ -38,7 +38,7 @@ NodeAccessMode locked(NodeAccessMode mode)
 bool flag(const NodeMap& nodes, NodeId id, const char* property, bool otherwise)
 {
     const NodeId target = nodes.node(id).link(property);
-    return target == kNoNode ? otherwise : nodes.rawNumber(target) != 0;
+    return target == kNoNode ? otherwise : nodes.rawInteger(target) != 0;
 }
 
 /// The node that holds the value now, kNoNode where the node holds it itself.
@@ -48,7 +48,7 @@ NodeId valueNode(const NodeMap& nodes, NodeId id)
     const NodeId index = node.link("pIndex");
     if (index == kNoNode || node.type == NODE_TYPE_REGISTER || node.link("pAddress") != kNoNode)
         return node.link("pValue");
-    const std::int64_t chosen = nodes.rawNumber(index);
+    const std::int64_t chosen = nodes.rawInteger(index);
     const auto indexed = std::find_if(node.references.begin(), node.references.end(), [&](const Reference& reference) {
         return reference.property == "pValueIndexed" && reference.index == chosen;
     });
@@ -64,13 +64,9 @@ NodeAccessMode ownMode(const NodeMap& nodes, NodeId id)
     return combined(node.ownAccess, node.imposedAccess);
 }
 
-} // namespace
-
-NodeAccessMode accessMode(const NodeMap& nodes, NodeId id)
+NodeAccessMode modeOf(const NodeMap& nodes, NodeId id)
 {
     const DescribedNode& node = nodes.node(id);
-    if (!node.fault.empty())
-        throw Failure(CAM_API_STS_GENICAM_ERR, node.fault);
     if (node.type == NODE_TYPE_CATEGORY)
         return NODE_ACCESS_MODE_RO;
     if (!flag(nodes, id, "pIsImplemented", true))
@@ -83,7 +79,15 @@ NodeAccessMode accessMode(const NodeMap& nodes, NodeId id)
     if (flag(nodes, id, "pIsLocked", false))
         mode = locked(mode);
     const NodeId behind = valueNode(nodes, id);
-    return behind == kNoNode ? mode : combined(mode, accessMode(nodes, behind));
+    return behind == kNoNode ? mode : combined(mode, modeOf(nodes, behind));
+}
+
+} // namespace
+
+NodeAccessMode accessMode(const NodeMap& nodes, NodeId id)
+{
+    nodes.check(id, Question::access);
+    return modeOf(nodes, id);
 }
 
 void requireReadable(const NodeMap& nodes, NodeId id)

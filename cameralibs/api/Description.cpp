@@ -12,6 +12,13 @@ NodeId DescribedNode::link(const char* property) const
     return found == references.end() ? kNoNode : found->target;
 }
 
+void DescribedNode::setFault(const std::string& reason)
+{
+    for (Answerable& question : questions)
+        if (question.fault.empty())
+            question.fault = "[" + name + "] " + reason;
+}
+
 NodeId Description::find(const std::string& name) const
 {
     const auto found = m_byName.find(name);
@@ -21,8 +28,12 @@ NodeId Description::find(const std::string& name) const
 NodeId Description::add(DescribedNode node)
 {
     const auto id = static_cast<NodeId>(m_nodes.size());
-    if (node.element != Element::enumEntry)
-        m_byName[node.name] = id;
+    if (node.element != Element::enumEntry) {
+        const auto [entry, isNew] = m_byName.try_emplace(node.name, id);
+        // Of several nodes with one name the last counts; nothing leads to the others any more.
+        if (!isNew)
+            m_nodes[std::exchange(entry->second, id)] = {};
+    }
     m_nodes.push_back(std::move(node));
     return id;
 }

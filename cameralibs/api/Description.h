@@ -1,10 +1,13 @@
 #pragma once
 
 #include "camera/OrvoCamApi.h"
+#include "cameralibs/api/Formula.h"
 
+#include <array>
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,12 +42,24 @@ enum class Element {
     unknown,
 };
 
+/// What can be asked of a node. A range does not enter a value: Width's maximum may depend on OffsetX and OffsetX's on
+/// Width.
+enum class Question : std::size_t { value, range, access };
+constexpr std::size_t kQuestions = 3;
+
 /// One element that names another node, such as <pValue>Width</pValue>.
 struct Reference {
     std::string property; ///< the element's name
     std::string name;     ///< the name it gives
     NodeId target = kNoNode;
     std::int64_t index = 0; ///< of a <pValueIndexed>: the index it is for
+};
+
+/// Whether a question can be answered at all, and what has to be looked at before Aravis is asked: it takes some errors
+/// for a value of 0, and others end the process.
+struct Answerable {
+    std::string fault;          ///< why not; empty where it can
+    std::vector<NodeId> checks; ///< nodes behind the answer with a formula that may fail or a length that may be absurd
 };
 
 /// A node as its description tells it, without the device.
@@ -66,14 +81,26 @@ struct DescribedNode {
     bool carriedByImages = false; ///< of a port: its registers come with images or events, not from the device
     std::int64_t onValue = 1;
     std::int64_t offValue = 0;
+    std::optional<std::int64_t> entryValue;     ///< of an entry whose value is a number
+    std::map<std::string, std::string> numbers; ///< <Length>, <LSB>, <MSB> and <Bit> as they stand
+    std::vector<Formula> formulas;
 
     std::vector<NodeId> features; ///< of a category, in the order of the description
     std::vector<NodeId> entries;  ///< of an enumeration, in the order of the description
     std::vector<Reference> references;
-    std::string fault; ///< why the node cannot be evaluated; empty where it can
+    std::array<Answerable, kQuestions> questions;
 
     /// The node that the first element of this name refers to, kNoNode without one.
     [[nodiscard]] NodeId link(const char* property) const;
+
+    [[nodiscard]] Answerable& to(Question question) { return questions[static_cast<std::size_t>(question)]; }
+    [[nodiscard]] const Answerable& to(Question question) const
+    {
+        return questions[static_cast<std::size_t>(question)];
+    }
+
+    /// Makes every question unanswerable, for the first reason that is given.
+    void setFault(const std::string& reason);
 };
 
 /// The nodes of one camera. Does not change once it is read, so that any thread may look at it.

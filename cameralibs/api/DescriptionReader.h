@@ -7,16 +7,16 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace orvo {
 
 /// Turns the text of a GenICam description into nodes. One use each.
 class DescriptionReader {
 public:
+    /// Throws Failure(CAM_API_STS_XML_LOAD_ERR).
     explicit DescriptionReader(const std::string& xml);
 
-    /// Throws Failure as readDescription() does.
+    /// Throws Failure(CAM_API_STS_GENICAM_ERR).
     [[nodiscard]] std::shared_ptr<Description> read();
 
 private:
@@ -24,7 +24,7 @@ private:
 
     void readChildren(xmlNode* parent);
     void readStructure(xmlNode* element);
-    void readNode(xmlNode* element, const std::vector<Reference>& inherited);
+    void readNode(xmlNode* element, DescribedNode node);
     void readEntries(xmlNode* element, NodeId enumeration);
     void forgetEarlier(const std::string& name, xmlNode* element);
     void resolveNames();

@@ -4,6 +4,7 @@
 #include "cameralibs/api/ArvCall.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace orvo {
 
@@ -14,12 +15,17 @@ namespace {
 ArvGcEnumeration* enumerationNode(const NodeMap& nodes, NodeId id)
 {
     throwUnless(nodes.node(id).type == NODE_TYPE_ENUMERATION, CAM_API_STS_INVALID_PARAMETER);
-    return ARV_GC_ENUMERATION(nodes.evaluable(id));
+    return ARV_GC_ENUMERATION(nodes.feature(id));
 }
 
-std::int64_t entryNumber(const NodeMap& nodes, NodeId entry)
+/// Nothing for an entry that cannot tell: it is not the one that is looked for.
+std::optional<std::int64_t> entryNumber(const NodeMap& nodes, NodeId entry)
 {
-    ArvGcEnumEntry* node = ARV_GC_ENUM_ENTRY(nodes.evaluable(entry));
+    const DescribedNode& described = nodes.node(entry);
+    if (described.entryValue || !described.to(Question::value).fault.empty())
+        return described.entryValue;
+    nodes.check(entry, Question::value);
+    ArvGcEnumEntry* node = ARV_GC_ENUM_ENTRY(nodes.feature(entry));
     return arvCall([&](GError** error) { return arv_gc_enum_entry_get_value(node, error); });
 }
 
@@ -47,7 +53,8 @@ NodeId entryOf(const NodeMap& nodes, NodeId id, std::int64_t number)
 void choose(NodeMap& nodes, ArvGcEnumeration* node, NodeId entry)
 {
     throwUnless(entry != kNoNode && canBeChosen(nodes, entry), CAM_API_STS_INVALID_PARAMETER);
-    const std::int64_t number = entryNumber(nodes, entry);
+    nodes.check(entry, Question::value);
+    const std::int64_t number = entryNumber(nodes, entry).value();
     arvCall([&](GError** error) { return arv_gc_enumeration_set_int_value(node, number, error); });
 }
 
@@ -57,7 +64,8 @@ std::int64_t readEnumerationNumber(const NodeMap& nodes, NodeId id)
 {
     (void)enumerationNode(nodes, id);
     requireReadable(nodes, id);
-    return nodes.rawNumber(id);
+    nodes.check(id, Question::value);
+    return nodes.rawInteger(id);
 }
 
 std::string readEnumerationName(const NodeMap& nodes, NodeId id)
@@ -74,6 +82,7 @@ void writeEnumerationNumber(NodeMap& nodes, NodeId id, std::int64_t value)
 {
     ArvGcEnumeration* node = enumerationNode(nodes, id);
     requireWritable(nodes, id);
+    nodes.check(id, Question::value);
     choose(nodes, node, entryOf(nodes, id, value));
 }
 
@@ -81,6 +90,7 @@ void writeEnumerationName(NodeMap& nodes, NodeId id, const std::string& symbolic
 {
     ArvGcEnumeration* node = enumerationNode(nodes, id);
     requireWritable(nodes, id);
+    nodes.check(id, Question::value);
     const auto& entries = nodes.node(id).entries;
     const auto entry = std::find_if(entries.begin(), entries.end(),
                                     [&](NodeId candidate) { return nodes.node(candidate).symbolic == symbolic; });

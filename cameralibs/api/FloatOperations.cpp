@@ -19,7 +19,7 @@ constexpr double kNoIncrement = 0.0;
 ArvGcFloat* floatNode(const NodeMap& nodes, NodeId id)
 {
     throwUnless(nodes.node(id).type == NODE_TYPE_FLOAT, CAM_API_STS_INVALID_PARAMETER);
-    return ARV_GC_FLOAT(nodes.evaluable(id));
+    return ARV_GC_FLOAT(nodes.feature(id));
 }
 
 double minimum(ArvGcFloat* node)
@@ -61,6 +61,7 @@ double readFloat(const NodeMap& nodes, NodeId id)
 {
     ArvGcFloat* node = floatNode(nodes, id);
     requireReadable(nodes, id);
+    nodes.check(id, Question::value);
     return arvCall([&](GError** error) { return arv_gc_float_get_value(node, error); });
 }
 
@@ -95,8 +96,12 @@ void writeFloat(NodeMap& nodes, NodeId id, double value, bool verify)
     ArvGcFloat* node = floatNode(nodes, id);
     requireWritable(nodes, id);
     throwUnless(!std::isnan(value), CAM_API_STS_INVALID_PARAMETER);
-    if (verify)
+    if (verify) {
+        nodes.check(id, Question::range);
         verifyValue(node, value);
+    }
+    nodes.check(id, Question::value);
+    nodes.checkConversion(id, value);
     arvCall([&](GError** error) { arv_gc_float_set_value(node, value, error); });
 }
 

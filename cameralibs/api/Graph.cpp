@@ -1,7 +1,6 @@
 #include "Graph.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace orvo {
 
@@ -17,26 +16,35 @@ struct Step {
     std::size_t next = 0;
 };
 
+void leave(const Step& step, GraphReport& report)
+{
+    std::uint32_t& depth = report.depth[step.vertex];
+    std::uint64_t& reached = report.reached[step.vertex];
+    for (const std::size_t target : step.edges) {
+        depth = std::max(depth, report.depth[target] + 1);
+        reached = std::min(reached + report.reached[target], kMaxReached);
+    }
+    report.order.push_back(step.vertex);
+}
+
 } // namespace
 
 GraphReport examineGraph(std::size_t vertices, const std::function<std::vector<std::size_t>(std::size_t)>& edges)
 {
-    GraphReport report{std::nullopt, std::vector<std::uint32_t>(vertices, 1), std::vector<std::uint64_t>(vertices, 1)};
+    GraphReport report;
+    report.depth.assign(vertices, 1);
+    report.reached.assign(vertices, 1);
     std::vector<Mark> marks(vertices, Mark::unseen);
+    std::vector<Step> path;
     for (std::size_t start = 0; start < vertices; ++start) {
         if (marks[start] != Mark::unseen)
             continue;
-        std::vector<Step> path;
         marks[start] = Mark::open;
         path.push_back({start, edges(start)});
         while (!path.empty()) {
             Step& step = path.back();
             if (step.next == step.edges.size()) {
-                for (const std::size_t target : step.edges) {
-                    report.depth[step.vertex] = std::max(report.depth[step.vertex], report.depth[target] + 1);
-                    report.reached[step.vertex] =
-                        std::min(report.reached[step.vertex] + report.reached[target], kMaxReached);
-                }
+                leave(step, report);
                 marks[step.vertex] = Mark::done;
                 path.pop_back();
                 continue;

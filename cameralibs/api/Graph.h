@@ -11,8 +11,9 @@ namespace orvo {
 /// What a walk along the edges of a directed graph finds. Without a cycle only.
 struct GraphReport {
     std::optional<std::size_t> onCycle; ///< a vertex on a cycle, where there is one
+    std::vector<std::size_t> order;     ///< every vertex, after all that it leads to
     std::vector<std::uint32_t> depth;   ///< vertices on the longest way from here, itself included
-    std::vector<std::uint64_t> reached; ///< vertices met on all ways from here, itself included; stops counting at 2^32
+    std::vector<std::uint64_t> reached; ///< vertices met on all ways from here, itself included; stops at 2^32
 };
 
 /// `edges` gives the vertices that a vertex leads to. Uses no stack that grows with the graph.

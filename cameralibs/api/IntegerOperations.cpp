@@ -18,7 +18,7 @@ constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
 ArvGcInteger* integerNode(const NodeMap& nodes, NodeId id)
 {
     throwUnless(nodes.node(id).type == NODE_TYPE_INTEGER, CAM_API_STS_INVALID_PARAMETER);
-    return ARV_GC_INTEGER(nodes.evaluable(id));
+    return ARV_GC_INTEGER(nodes.feature(id));
 }
 
 std::int64_t minimum(ArvGcInteger* node)
@@ -61,6 +61,7 @@ std::int64_t readInteger(const NodeMap& nodes, NodeId id)
 {
     ArvGcInteger* node = integerNode(nodes, id);
     requireReadable(nodes, id);
+    nodes.check(id, Question::value);
     return arvCall([&](GError** error) { return arv_gc_integer_get_value(node, error); });
 }
 
@@ -86,8 +87,12 @@ void writeInteger(NodeMap& nodes, NodeId id, std::int64_t value, bool verify)
 {
     ArvGcInteger* node = integerNode(nodes, id);
     requireWritable(nodes, id);
-    if (verify)
+    if (verify) {
+        nodes.check(id, Question::range);
         verifyValue(node, value);
+    }
+    nodes.check(id, Question::value);
+    nodes.checkConversion(id, static_cast<double>(value));
     arvCall([&](GError** error) { arv_gc_integer_set_value(node, value, error); });
 }
 

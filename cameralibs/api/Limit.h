@@ -10,6 +10,7 @@ namespace orvo {
 template <class Limit> auto limitOf(const NodeMap& nodes, NodeId id, Limit&& limit)
 {
     try {
+        nodes.check(id, Question::range);
         return limit();
     } catch (const Failure& failure) {
         if (failure.status() != Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <map>
-#include <string_view>
 #include <tuple>
 
 namespace orvo {
@@ -45,7 +44,7 @@ public:
         std::vector<DeviceInfo> found;
         m_listed.clear();
         for (unsigned i = 0; i < arv_get_n_devices(); ++i) {
-            const std::string_view protocol = orEmpty(arv_get_device_protocol(i));
+            const std::string protocol = orEmpty(arv_get_device_protocol(i));
             const CAM_LINK link = protocol == kUsb ? CAM_LINK_USB3_VISION : CAM_LINK_GIGE_VISION;
             DeviceInfo info{link,
                             orEmpty(arv_get_device_id(i)),

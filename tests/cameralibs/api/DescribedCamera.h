@@ -1,0 +1,54 @@
+#pragma once
+
+#include "CameraAccess.h"
+
+#include "tests/cameralibs/devices/DescriptionText.h"
+
+#include <string>
+
+/// A library with one camera, made from a description: opened as far as that goes.
+class DescribedCamera {
+public:
+    /// The whole description.
+    explicit DescribedCamera(const std::string& xml);
+    ~DescribedCamera();
+    DescribedCamera(const DescribedCamera&) = delete;
+    DescribedCamera& operator=(const DescribedCamera&) = delete;
+
+    /// What Cam_Open gave, and the text it left behind.
+    [[nodiscard]] Orvo::CAM_API_STATUS status() const { return m_status; }
+    [[nodiscard]] const std::string& error() const { return m_error; }
+
+    [[nodiscard]] Orvo::CAM_HANDLE handle() const { return m_camera; }
+    [[nodiscard]] Orvo::CAM_NODE_HANDLE node(const char* name) const { return nodeOf(m_camera, name); }
+
+    // Of a node, by its name: the result, or 0 with the status in `lastStatus`.
+    [[nodiscard]] Orvo::NodeAccessMode access(const char* name);
+    [[nodiscard]] std::int64_t integer(const char* name);
+    [[nodiscard]] double number(const char* name);
+    [[nodiscard]] std::string text(TextOperation operation, const char* name) const;
+
+    Orvo::CAM_API_STATUS lastStatus = 0;
+
+private:
+    DescriptionFile m_file;
+    Orvo::CAM_HANDLE m_camera = 0;
+    Orvo::CAM_API_STATUS m_status = 0;
+    std::string m_error;
+};
+
+/// A description of these nodes, with a port named Device and an empty Root.
+[[nodiscard]] std::string describe(const std::string& nodes);
+
+/// The same with these nodes in the Root; names separated by blanks.
+[[nodiscard]] std::string describe(const std::string& features, const std::string& nodes);
+
+/// An IntReg of 4 bytes.
+[[nodiscard]] std::string intReg(const std::string& name, unsigned address, const std::string& access = "RW",
+                                 const std::string& more = "");
+
+/// An Integer with a constant of its own.
+[[nodiscard]] std::string constant(const std::string& name, std::int64_t value);
+
+/// The last text of Misc_GetLastGenICamError on this thread.
+[[nodiscard]] std::string lastGenICamError();
