@@ -4,9 +4,9 @@
 /// and pointers in the documented order, exceptions to statuses, the text of the last GenICam error.
 
 #include "cameralibs/api/Camera.h"
-#include "cameralibs/api/Failure.h"
 #include "cameralibs/api/Stream.h"
 #include "cameralibs/api/System.h"
+#include "cameralibs/genicam/Failure.h"
 
 #include <initializer_list>
 #include <memory>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "cameralibs/api/Failure.h"
-#include "cameralibs/api/NodeMap.h"
 #include "cameralibs/api/Removal.h"
 #include "cameralibs/devices/Device.h"
+#include "cameralibs/genicam/Failure.h"
+#include "cameralibs/genicam/NodeMap.h"
 
 #include <memory>
 #include <mutex>

@@ -1,6 +1,6 @@
-#include "cameralibs/api/AccessRule.h"
 #include "cameralibs/api/Barrier.h"
 #include "cameralibs/api/TextResult.h"
+#include "cameralibs/genicam/AccessRule.h"
 
 using namespace orvo;
 

@@ -1,9 +1,9 @@
 #include "cameralibs/api/Barrier.h"
-#include "cameralibs/api/EnumerationOperations.h"
-#include "cameralibs/api/FloatOperations.h"
-#include "cameralibs/api/IntegerOperations.h"
-#include "cameralibs/api/TextOperations.h"
 #include "cameralibs/api/TextResult.h"
+#include "cameralibs/genicam/EnumerationOperations.h"
+#include "cameralibs/genicam/FloatOperations.h"
+#include "cameralibs/genicam/IntegerOperations.h"
+#include "cameralibs/genicam/TextOperations.h"
 
 using namespace orvo;
 

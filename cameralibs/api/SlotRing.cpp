@@ -1,6 +1,6 @@
 #include "SlotRing.h"
 
-#include "cameralibs/api/Failure.h"
+#include "cameralibs/genicam/Failure.h"
 
 #include <algorithm>
 

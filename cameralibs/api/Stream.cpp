@@ -2,8 +2,8 @@
 
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/HandleTable.h"
-#include "cameralibs/api/IntegerOperations.h"
-#include "cameralibs/api/TextOperations.h"
+#include "cameralibs/genicam/IntegerOperations.h"
+#include "cameralibs/genicam/TextOperations.h"
 
 #include <limits>
 #include <utility>

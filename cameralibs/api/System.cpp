@@ -1,9 +1,9 @@
 #include "System.h"
 
-#include "cameralibs/api/Failure.h"
-#include "cameralibs/api/TextOperations.h"
 #include "cameralibs/devices/aravis/AravisProvider.h"
 #include "cameralibs/devices/simulated/SimulatedProvider.h"
+#include "cameralibs/genicam/Failure.h"
+#include "cameralibs/genicam/TextOperations.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "TextResult.h"
 
-#include "cameralibs/api/Failure.h"
+#include "cameralibs/genicam/Failure.h"
 
 #include <glib.h>
 

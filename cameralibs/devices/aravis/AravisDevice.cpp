@@ -1,8 +1,8 @@
 #include "AravisDevice.h"
 
-#include "cameralibs/devices/ErrorStatus.h"
 #include "cameralibs/devices/aravis/AravisSource.h"
 #include "cameralibs/devices/aravis/GigeStream.h"
+#include "cameralibs/genicam/ErrorStatus.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 #include "AravisProvider.h"
 
-#include "cameralibs/devices/ErrorStatus.h"
 #include "cameralibs/devices/aravis/AravisDevice.h"
 #include "cameralibs/devices/aravis/Reaper.h"
+#include "cameralibs/genicam/ErrorStatus.h"
 
 #include <arv.h>
 

@@ -1,10 +1,11 @@
 #include "FileNodes.h"
 
+#include "cameralibs/genicam/Failure.h"
+
 #include <arv.h>
 
 #include <algorithm>
 #include <string_view>
-#include <vector>
 
 namespace orvo::simulated {
 
@@ -15,9 +16,6 @@ constexpr std::int64_t kDefaultHeight = 960;
 constexpr std::int64_t kMaxPixels = 1 << 27;
 constexpr double kDefaultRate = 30;
 constexpr double kMaxRate = 200;
-
-// Deeper than any description that was found valid.
-constexpr int kMaxDepth = 300;
 
 /// Takes the error of a call and frees it. Features that cannot be read or set are left as they are.
 class Attempt {
@@ -91,21 +89,13 @@ const PixelFormat* formatFor(std::uint32_t value)
 
 FileNodes::FileNodes(RegisterSpace& memory, const std::string& xml)
     : m_device(makeRegisterDevice(memory, xml))
-    , m_nodes(arv_gc_new(m_device.get(), xml.data(), xml.size()))
+    , m_nodes(readDescription(xml), m_device.get())
 {
-}
-
-FileNodes::~FileNodes()
-{
-    if (m_nodes != nullptr)
-        g_object_unref(m_nodes);
 }
 
 void FileNodes::powerUp(const std::string& model, const std::string& serial)
 {
     const std::lock_guard lock(m_mutex);
-    if (m_nodes == nullptr)
-        return;
     for (const char* const name : {"SensorWidth", "WidthMax", "Width"})
         setInteger(name, kDefaultWidth);
     for (const char* const name : {"SensorHeight", "HeightMax", "Height"})
@@ -113,7 +103,7 @@ void FileNodes::powerUp(const std::string& model, const std::string& serial)
     setText("DeviceModelName", model);
     setText("DeviceSerialNumber", serial);
     setText("DeviceVendorName", "Simulated");
-    settle("Root", 0);
+    settle(m_nodes.description().find("Root"));
     m_fillsPayloadSize = integer("PayloadSize").value_or(1) == 0;
     fillPayloadSize();
 }
@@ -148,8 +138,7 @@ std::optional<FrameSettings> FileNodes::readSettings() const
     settings.image.height = settings.image.sensorHeight = static_cast<std::uint32_t>(height);
     settings.image.color = true;
     double rate = 0;
-    if (ArvGcNode* const node = m_nodes != nullptr ? arv_gc_get_node(m_nodes, "AcquisitionFrameRate") : nullptr;
-        ARV_IS_GC_FLOAT(node)) {
+    if (ArvGcFeatureNode* const node = feature("AcquisitionFrameRate"); ARV_IS_GC_FLOAT(node)) {
         Attempt attempt;
         rate = arv_gc_float_get_value(ARV_GC_FLOAT(node), attempt.error());
     }
@@ -169,7 +158,7 @@ void FileNodes::fillPayloadSize()
 
 std::optional<std::int64_t> FileNodes::integer(const char* name) const
 {
-    ArvGcNode* const node = m_nodes != nullptr ? arv_gc_get_node(m_nodes, name) : nullptr;
+    ArvGcFeatureNode* const node = feature(name);
     if (!ARV_IS_GC_INTEGER(node))
         return std::nullopt;
     Attempt attempt;
@@ -179,7 +168,7 @@ std::optional<std::int64_t> FileNodes::integer(const char* name) const
 
 void FileNodes::setInteger(const char* name, std::int64_t value)
 {
-    ArvGcNode* const node = arv_gc_get_node(m_nodes, name);
+    ArvGcFeatureNode* const node = feature(name);
     if (!ARV_IS_GC_INTEGER(node))
         return;
     Attempt attempt;
@@ -188,40 +177,55 @@ void FileNodes::setInteger(const char* name, std::int64_t value)
 
 void FileNodes::setText(const char* name, const std::string& value)
 {
-    ArvGcNode* const node = arv_gc_get_node(m_nodes, name);
+    ArvGcFeatureNode* const node = feature(name);
     if (!ARV_IS_GC_STRING(node))
         return;
     Attempt attempt;
     arv_gc_string_set_value(ARV_GC_STRING(node), value.c_str(), attempt.error());
 }
 
-void FileNodes::settle(const char* category, int depth)
+void FileNodes::settle(NodeId category)
 {
-    ArvGcNode* const node = arv_gc_get_node(m_nodes, category);
-    if (!ARV_IS_GC_CATEGORY(node))
-        return;
-    std::vector<std::string> names;
-    for (const GSList* feature = arv_gc_category_get_features(ARV_GC_CATEGORY(node)); feature != nullptr;
-         feature = feature->next)
-        names.emplace_back(static_cast<const char*>(feature->data));
-    for (const std::string& name : names)
-        settleFeature(name.c_str(), depth + 1);
+    for (const NodeId id : m_nodes.node(category).features)
+        settleFeature(id);
 }
 
-void FileNodes::settleFeature(const char* name, int depth)
+void FileNodes::settleFeature(NodeId id)
 {
-    ArvGcNode* const node = arv_gc_get_node(m_nodes, name);
-    if (depth > kMaxDepth || node == nullptr)
+    if (m_nodes.node(id).type == Orvo::NODE_TYPE_CATEGORY) {
+        settle(id);
         return;
+    }
+    ArvGcFeatureNode* const node = feature(id);
     // An enumeration is an integer, too.
-    if (ARV_IS_GC_CATEGORY(node))
-        settle(name, depth);
-    else if (ARV_IS_GC_ENUMERATION(node))
+    if (ARV_IS_GC_ENUMERATION(node))
         settleEnumeration(ARV_GC_ENUMERATION(node));
     else if (ARV_IS_GC_INTEGER(node))
         settleInteger(ARV_GC_INTEGER(node));
     else if (ARV_IS_GC_FLOAT(node))
         settleFloat(ARV_GC_FLOAT(node));
+}
+
+ArvGcFeatureNode* FileNodes::feature(const char* name) const
+{
+    const NodeId id = m_nodes.description().find(name);
+    return id == kNoNode ? nullptr : feature(id);
+}
+
+// Null for one that cannot be evaluated without harm.
+ArvGcFeatureNode* FileNodes::feature(NodeId id) const
+{
+    try {
+        m_nodes.check(id, Question::value);
+        m_nodes.check(id, Question::range);
+        for (const NodeId entry : m_nodes.node(id).entries) {
+            m_nodes.check(entry, Question::value);
+            m_nodes.check(entry, Question::access);
+        }
+        return m_nodes.feature(id);
+    } catch (const Failure&) {
+        return nullptr;
+    }
 }
 
 } // namespace orvo::simulated

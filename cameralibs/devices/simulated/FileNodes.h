@@ -2,14 +2,13 @@
 
 #include "cameralibs/devices/simulated/FrameSettings.h"
 #include "cameralibs/devices/simulated/RegisterDevice.h"
+#include "cameralibs/genicam/NodeMap.h"
 
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-
-typedef struct _ArvGc ArvGc;
 
 namespace orvo::simulated {
 
@@ -19,9 +18,6 @@ class FileNodes {
 public:
     /// The description is known to be valid. Construct one at a time per process.
     FileNodes(RegisterSpace& memory, const std::string& xml);
-    ~FileNodes();
-    FileNodes(const FileNodes&) = delete;
-    FileNodes& operator=(const FileNodes&) = delete;
 
     /// Puts every feature that is out of its range into it, and the image at a useful size.
     void powerUp(const std::string& model, const std::string& serial);
@@ -36,14 +32,16 @@ private:
     [[nodiscard]] std::optional<std::int64_t> integer(const char* name) const;
     void setInteger(const char* name, std::int64_t value);
     void setText(const char* name, const std::string& value);
-    void settle(const char* category, int depth);
-    void settleFeature(const char* name, int depth);
+    void settle(NodeId category);
+    void settleFeature(NodeId id);
+    [[nodiscard]] ArvGcFeatureNode* feature(const char* name) const;
+    [[nodiscard]] ArvGcFeatureNode* feature(NodeId id) const;
     [[nodiscard]] std::optional<FrameSettings> readSettings() const;
     void fillPayloadSize();
 
     mutable std::mutex m_mutex;
     ArvDevicePtr m_device;
-    ArvGc* m_nodes = nullptr;
+    NodeMap m_nodes;
     bool m_fillsPayloadSize = false;
 };
 

@@ -1,0 +1,134 @@
+#include "NodeMap.h"
+
+#include "cameralibs/genicam/ArvCall.h"
+
+#include <utility>
+
+namespace orvo {
+
+using namespace Orvo;
+
+namespace {
+
+/// Aravis allocates what a register's length node says; more than this is not believed.
+constexpr std::int64_t kMaxLength = 65536;
+
+} // namespace
+
+NodeMap::NodeMap(std::shared_ptr<const Description> description, ArvDevice* device)
+    : m_description(std::move(description))
+    , m_gc(arv_gc_new(device, m_description->xml().data(), m_description->xml().size()))
+    , m_features(m_description->size(), nullptr)
+{
+    if (m_gc == nullptr)
+        throw Failure(CAM_API_STS_GENICAM_ERR, "The description cannot be evaluated");
+    for (NodeId id = 0; id < m_description->size(); ++id)
+        bind(id);
+}
+
+NodeMap::~NodeMap()
+{
+    g_object_unref(m_gc);
+}
+
+void NodeMap::check(NodeId id, Question question) const
+{
+    const Answerable& answerable = node(id).to(question);
+    if (!answerable.fault.empty())
+        throw Failure(CAM_API_STS_GENICAM_ERR, answerable.fault);
+    // In an order in which each may rely on those before it.
+    for (const NodeId behind : answerable.checks)
+        if (const std::string error = errorNow(behind); !error.empty())
+            throw Failure(CAM_API_STS_GENICAM_ERR, (behind == id ? "" : "[" + node(id).name + "] ") + error);
+}
+
+ArvGcFeatureNode* NodeMap::feature(NodeId id) const
+{
+    if (m_features[id] == nullptr)
+        throw Failure(CAM_API_STS_GENICAM_ERR, "[" + node(id).name + "] The node cannot be evaluated");
+    return m_features[id];
+}
+
+std::int64_t NodeMap::rawInteger(NodeId id) const
+{
+    ArvGcFeatureNode* const aravis = feature(id);
+    const NodeId behind = node(id).link("pValue");
+    switch (node(id).type) {
+    case NODE_TYPE_INTEGER:
+        return arvCall([&](GError** error) { return arv_gc_integer_get_value(ARV_GC_INTEGER(aravis), error); });
+    case NODE_TYPE_ENUMERATION:
+        return arvCall(
+            [&](GError** error) { return arv_gc_enumeration_get_int_value(ARV_GC_ENUMERATION(aravis), error); });
+    case NODE_TYPE_BOOLEAN:
+        // Aravis compares with 32 bits of the two values.
+        if (behind != kNoNode)
+            return rawInteger(behind) == node(id).onValue ? 1 : 0;
+        return arvCall([&](GError** error) { return arv_gc_boolean_get_value(ARV_GC_BOOLEAN(aravis), error); });
+    default:
+        return rawNumber(id) != 0.0 ? 1 : 0;
+    }
+}
+
+double NodeMap::rawNumber(NodeId id) const
+{
+    if (node(id).type != NODE_TYPE_FLOAT)
+        return static_cast<double>(rawInteger(id));
+    return arvCall([&](GError** error) { return arv_gc_float_get_value(ARV_GC_FLOAT(feature(id)), error); });
+}
+
+void NodeMap::checkConversion(NodeId id, double value) const
+{
+    for (NodeId at = id; at != kNoNode; at = node(at).link("pValue"))
+        for (const Formula& formula : node(at).formulas) {
+            if (formula.input != "FROM" || !formula.mayFail())
+                continue;
+            const FormulaResult result = evaluateNow(formula, value);
+            if (!result.error.empty())
+                throw Failure(CAM_API_STS_GENICAM_ERR,
+                              "[" + node(at).name + "] \"" + formula.text + "\": " + result.error);
+            value = result.number;
+        }
+}
+
+void NodeMap::bind(NodeId id)
+{
+    const DescribedNode& described = node(id);
+    // Entries come with their enumeration; of nodes with one name only the last is in use.
+    if (described.element == Element::enumEntry || m_description->find(described.name) != id)
+        return;
+    ArvGcNode* const found = arv_gc_get_node(m_gc, described.name.c_str());
+    if (!ARV_IS_GC_FEATURE_NODE(found))
+        return;
+    m_features[id] = ARV_GC_FEATURE_NODE(found);
+    if (!ARV_IS_GC_ENUMERATION(found))
+        return;
+    // Aravis lists entries from the last to the first.
+    auto entry = described.entries.rbegin();
+    for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(found));
+         item != nullptr && entry != described.entries.rend(); item = item->next, ++entry)
+        m_features[*entry] = ARV_GC_FEATURE_NODE(item->data);
+}
+
+std::string NodeMap::errorNow(NodeId id) const
+{
+    const std::string name = "[" + node(id).name + "] ";
+    if (const NodeId length = node(id).link("pLength"); length != kNoNode) {
+        const std::int64_t bytes = rawInteger(length);
+        if (bytes < 1 || bytes > kMaxLength)
+            return name + "No register has " + std::to_string(bytes) + " bytes";
+    }
+    for (const Formula& formula : node(id).formulas) {
+        if (!formula.input.empty() || !formula.mayFail())
+            continue;
+        if (const FormulaResult result = evaluateNow(formula, 0.0); !result.error.empty())
+            return name + "\"" + formula.text + "\": " + result.error;
+    }
+    return {};
+}
+
+FormulaResult NodeMap::evaluateNow(const Formula& formula, double input) const
+{
+    return evaluate(formula, input, [this](const std::string& name) { return rawNumber(m_description->find(name)); });
+}
+
+} // namespace orvo
