@@ -6,12 +6,12 @@
 #include "camera/OrvoCamUtl.h"
 #include "display/ConversionBuffer.h"
 #include "display/DispThread.h"
+#include "display/ImageLoan.h"
 #include "display/ImageView.h"
 #include "features/FeatureView.h"
 #include "ui_MainWindow.h"
 
 #include <QMutexLocker>
-#include <QScopeGuard>
 
 namespace {
 
@@ -286,10 +286,7 @@ void MainWindow::disp_image(QImage image)
 {
     // The display thread converts the next image only when this one has been given back. An image that was still
     // queued when its stream was stopped belongs to an earlier buffer, which it keeps alive by itself.
-    const auto handOver = qScopeGuard([this, &image] {
-        if (convBuffer)
-            convBuffer->giveBack(image);
-    });
+    const ImageLoan handOver(convBuffer, image);
     if (!acquiring.load(std::memory_order_acquire))
         return;
     captureImage = displayedImages.copyOf(image);

@@ -6,11 +6,6 @@ namespace {
 
 constexpr std::uint32_t kBytesPerPixel = 4;
 
-void endLoanOfMemory(void* keepAlive)
-{
-    delete static_cast<std::shared_ptr<ConversionBuffer>*>(keepAlive);
-}
-
 } // namespace
 
 std::shared_ptr<ConversionBuffer> ConversionBuffer::create(std::uint32_t width, std::uint32_t height)
@@ -22,7 +17,8 @@ std::shared_ptr<ConversionBuffer> ConversionBuffer::create(std::uint32_t width, 
     std::unique_ptr<uchar[]> pixels(new (std::nothrow) uchar[bytes]());
     if (!pixels)
         return nullptr;
-    return std::make_shared<ConversionBuffer>(width, height, std::move(pixels));
+    return {new ConversionBuffer(width, height, std::move(pixels)),
+            [](ConversionBuffer* buffer) { buffer->release(); }};
 }
 
 ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<uchar[]> pixels) noexcept
@@ -32,21 +28,20 @@ ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height, st
 {
 }
 
+void ConversionBuffer::release() noexcept
+{
+    if (m_users.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        delete this;
+}
+
 QImage ConversionBuffer::lend()
 {
-    auto keepAlive = std::make_unique<std::shared_ptr<ConversionBuffer>>(shared_from_this());
     QImage image(m_pixels.get(), static_cast<int>(m_width), static_cast<int>(m_height), QImage::Format_ARGB32,
-                 endLoanOfMemory, keepAlive.get());
-    // A size beyond what QImage takes gives a null image, which owns nothing and can never be given back.
+                 releaseImage, this);
+    // A size beyond what QImage takes gives a null image, which holds nothing and could never be given back.
     if (!image.isNull()) {
-        static_cast<void>(keepAlive.release()); // now the image's
+        m_users.fetch_add(1, std::memory_order_acq_rel);
         m_lent.store(true, std::memory_order_release);
     }
     return image;
-}
-
-void ConversionBuffer::giveBack(const QImage& image) noexcept
-{
-    if (image.constBits() == m_pixels.get())
-        m_lent.store(false, std::memory_order_release);
 }

@@ -1,6 +1,7 @@
 // The buffer that the display thread lends to the GUI: its sizes, the loan, and how long the memory lives.
 
 #include "display/ConversionBuffer.h"
+#include "display/ImageLoan.h"
 
 #include <QtTest>
 
@@ -13,11 +14,11 @@ private slots:
     void sizesWithoutABuffer_data();
     void sizesWithoutABuffer();
     void lendsItsPixelsWithoutACopy();
-    void loanEndsWithTheImageGivenBack();
-    void copyOfTheImageEndsTheLoanToo();
+    void loanEndsWhenTheGuiIsDone();
+    void sharedImageEndsTheLoanToo();
     void otherImagesLeaveTheLoanAlone();
     void imageOutlivesTheBuffer();
-    void memoryGoesWithTheLastUser();
+    void bufferIsClearAtFirst();
 };
 
 void ConversionBufferTest::sizesWithoutABuffer_data()
@@ -51,24 +52,29 @@ void ConversionBufferTest::lendsItsPixelsWithoutACopy()
     QCOMPARE(image.constBits(), buffer->pixels());
 }
 
-void ConversionBufferTest::loanEndsWithTheImageGivenBack()
+void ConversionBufferTest::loanEndsWhenTheGuiIsDone()
 {
     const auto buffer = ConversionBuffer::create(4, 4);
     QVERIFY(!buffer->isLent());
     for (int round = 0; round < 2; ++round) {
-        QImage image = buffer->lend();
+        const QImage image = buffer->lend();
         QVERIFY(buffer->isLent());
-        buffer->giveBack(image);
+        {
+            const ImageLoan loan(buffer, image);
+            QVERIFY(buffer->isLent());
+        }
         QVERIFY(!buffer->isLent());
     }
 }
 
-void ConversionBufferTest::copyOfTheImageEndsTheLoanToo()
+void ConversionBufferTest::sharedImageEndsTheLoanToo()
 {
     const auto buffer = ConversionBuffer::create(4, 4);
     const QImage image = buffer->lend();
-    const QImage& sameImage = QImage(image); // what a queued signal carries
-    buffer->giveBack(sameImage);
+    const auto carried = QVariant(image).value<QImage>(); // as a queued signal does
+    {
+        const ImageLoan loan(buffer, carried);
+    }
     QVERIFY(!buffer->isLent());
 }
 
@@ -78,34 +84,31 @@ void ConversionBufferTest::otherImagesLeaveTheLoanAlone()
     const QImage stale = earlier->lend();
     const auto buffer = ConversionBuffer::create(4, 4);
     const QImage image = buffer->lend();
-    buffer->giveBack(stale);
-    QVERIFY(buffer->isLent());
-    buffer->giveBack(image.copy());
-    QVERIFY(buffer->isLent());
-    buffer->giveBack(QImage());
-    QVERIFY(buffer->isLent());
+    for (const QImage& other : {stale, image.copy(), QImage()}) {
+        {
+            const ImageLoan loan(buffer, other);
+        }
+        QVERIFY(buffer->isLent());
+    }
+    const ImageLoan withoutBuffer(nullptr, image);
+    QVERIFY(earlier->isLent());
 }
 
 void ConversionBufferTest::imageOutlivesTheBuffer()
 {
     auto buffer = ConversionBuffer::create(2, 2);
     std::fill_n(buffer->pixels(), 2 * 2 * 4, uchar(0x7F));
-    const QImage image = buffer->lend();
+    const QImage first = buffer->lend();
+    QImage second = buffer->lend();
     buffer.reset();
-    QCOMPARE(image.pixel(1, 1), 0x7F7F7F7FU);
+    QCOMPARE(second.pixel(1, 1), 0x7F7F7F7FU);
+    second = QImage();
+    QCOMPARE(first.pixel(1, 1), 0x7F7F7F7FU);
 }
 
-void ConversionBufferTest::memoryGoesWithTheLastUser()
+void ConversionBufferTest::bufferIsClearAtFirst()
 {
-    auto buffer = ConversionBuffer::create(2, 2);
-    const std::weak_ptr<ConversionBuffer> watched = buffer;
-    QImage image = buffer->lend();
-    QImage second = image;
-    buffer.reset();
-    image = QImage();
-    QVERIFY(!watched.expired());
-    second = QImage();
-    QVERIFY(watched.expired());
+    QCOMPARE(ConversionBuffer::create(2, 2)->lend().pixel(1, 1), 0U);
 }
 
 } // namespace

@@ -160,6 +160,7 @@ private slots:
     void atMostOneConversionIn26Milliseconds();
     void lentImageBlocksTheNext();
     void ratesGoOnWhileAnImageIsLent();
+    void shownImagesAreWhole();
     void staleImageAfterRestartIsHarmless_data();
     void staleImageAfterRestartIsHarmless();
     void staleImageAfterExitIsHarmless();
@@ -224,9 +225,10 @@ void DispThreadTest::imageIsEmittedAsAViewOfTheBuffer()
         std::fill_n(static_cast<std::uint32_t*>(dst), width * height, 0xFF204060U);
         converted = dst;
     });
-    Running running;
     QImage emitted;
-    connect(running.thread(), &DispThread::dispImage, this, [&](const QImage& image) {
+    Running running;
+    const QObject receiver; // goes before what it writes: images may be queued still
+    connect(running.thread(), &DispThread::dispImage, &receiver, [&](const QImage& image) {
         emitted = image.copy();
         QCOMPARE(static_cast<const void*>(image.constBits()), converted.load());
     });
@@ -390,6 +392,32 @@ void DispThreadTest::ratesGoOnWhileAnImageIsLent()
     QVERIFY(waitBlocked([&] { return running.rates().size() == 2; }));
     QCOMPARE(conversions(), 1);
     QCOMPARE(running.rates().at(1).display, 0.0);
+}
+
+void DispThreadTest::shownImagesAreWhole()
+{
+    constexpr int enough = 40;
+    scripted::setImageFormat(640, 480, kBayerRG8);
+    std::atomic<std::uint32_t> converted{0};
+    scripted::onConvImage([&](void* dst, const void*, std::uint32_t width, std::uint32_t height) {
+        std::fill_n(static_cast<std::uint32_t*>(dst), std::size_t{width} * height, 0xFF000000U | ++converted);
+    });
+    int whole = 0;
+    int torn = 0;
+    Running running;
+    connect(&running.driver().window(), &MainWindow::Update_Image, this, [&](const QImage& image) {
+        QImage expected(image.size(), image.format());
+        expected.fill(image.pixel(0, 0));
+        ++(image == expected ? whole : torn);
+    });
+    const Feeder feeder(3);
+    QElapsedTimer timer;
+    timer.start();
+    // A GUI thread that never sleeps is not woken by anything either: the hand-over alone orders the two threads.
+    while (whole + torn < enough && timer.elapsed() < kPatienceMs)
+        QCoreApplication::processEvents();
+    QCOMPARE(torn, 0);
+    QCOMPARE(whole, enough);
 }
 
 void DispThreadTest::staleImageAfterRestartIsHarmless_data()
