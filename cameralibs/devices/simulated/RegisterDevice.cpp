@@ -62,7 +62,9 @@ gboolean readMemory(ArvDevice* device, guint64 address, guint32 size, void* buff
     return answer(self(device)->space->read(address, buffer, size), error);
 }
 
-gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, void* buffer, GError** error)
+// `Buffer` is void in older versions of Aravis and const void in newer ones.
+template <typename Buffer>
+gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, Buffer* buffer, GError** error)
 {
     return answer(self(device)->space->write(address, buffer, size), error);
 }
@@ -74,7 +76,7 @@ gboolean readRegister(ArvDevice* device, guint64 address, guint32* value, GError
 
 gboolean writeRegister(ArvDevice* device, guint64 address, guint32 value, GError** error)
 {
-    return writeMemory(device, address, sizeof value, &value, error);
+    return writeMemory<void>(device, address, sizeof value, &value, error);
 }
 
 const char* description(ArvDevice* device, std::size_t* size)
