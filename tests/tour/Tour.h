@@ -1,0 +1,56 @@
+#pragma once
+
+#include "tests/support/WindowDriver.h"
+
+#include <QDir>
+#include <QModelIndex>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class QTableView;
+class QWidget;
+
+/// A walk through the program that saves a picture at every stop; each chapter has its own file.
+class Tour {
+public:
+    explicit Tour(QDir folder);
+
+    void liveChapter();
+    void camerasChapter();
+    void faultsChapter();
+    void featuresChapter();
+    void editorsChapter();
+
+private:
+    // Tour.cpp
+    void picture(const QString& name);
+    /// Ends the tour where the condition does not come about in time.
+    void waitFor(const char* what, const std::function<bool()>& condition);
+    void waitForImages(int count);
+    /// Calls `look` once the modal widget that `open` brings up is there; `look` ends it.
+    void withModal(const std::function<void()>& open, const std::function<void(QWidget&)>& look);
+    void openCamera(const QString& model, bool pictured = false);
+
+    // TourLive.cpp
+    void zoomAndPointer();
+    void menus();
+    void pauseAndSnapshot();
+    void softwareTrigger();
+    void about();
+
+    // TourFeatures.cpp
+    [[nodiscard]] QTableView& table() const;
+    void clickTool(const char* text);
+    /// The row of a feature, its categories unfolded and the row scrolled into view.
+    [[nodiscard]] QModelIndex feature(const QString& name, int column);
+    void click(const QModelIndex& index);
+
+    QDir m_folder;
+    int m_number = 0;
+    std::unique_ptr<WindowDriver> m_driver;
+    int m_images = 0;
+};
+
+[[noreturn]] void endTour(const QString& what);

@@ -1,0 +1,108 @@
+// The window around a live image: every command of tool bar and menus.
+
+#include "tests/tour/Tour.h"
+
+#include "display/GraphicsView.h"
+#include "display/ImageView.h"
+#include "tests/support/OpenedCamera.h"
+
+#include <QDialog>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
+#include <QToolButton>
+
+void Tour::liveChapter()
+{
+    picture("start");
+    openCamera("SIM-C1920", true);
+    picture("opened");
+
+    const QString noRates = m_driver->rates();
+    m_driver->start();
+    waitForImages(5);
+    picture("live");
+    waitFor("frame rates", [&] { return m_driver->rates() != noRates; });
+    picture("live-with-rates");
+
+    zoomAndPointer();
+    menus();
+    pauseAndSnapshot();
+    softwareTrigger();
+    about();
+}
+
+void Tour::zoomAndPointer()
+{
+    m_driver->trigger("actionZoomIn");
+    m_driver->trigger("actionZoomIn");
+    waitForImages(2);
+    picture("zoomed-in");
+
+    for (QToolButton* button : m_driver->window().findChildren<QToolButton*>()) {
+        if (button->text() == " Drag ")
+            button->click();
+    }
+    QWidget* const viewport = qobject_cast<ImageView*>(m_driver->window().centralWidget())->view()->viewport();
+    const QPoint centre = viewport->rect().center();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, centre);
+    QTest::mouseMove(viewport, centre - QPoint(120, 80));
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, centre - QPoint(120, 80));
+    waitForImages(2);
+    picture("drag-mode");
+
+    m_driver->trigger("actionNormalSize");
+    m_driver->trigger("actionZoomOut");
+    waitForImages(2);
+    picture("zoomed-out");
+}
+
+void Tour::menus()
+{
+    auto* const bar = m_driver->child<QMenuBar>("menuBar");
+    for (const char* name : {"menu_Camera", "menuImage", "menuHelp"}) {
+        auto* const menu = m_driver->child<QMenu>(name);
+        menu->popup(bar->mapToGlobal(bar->actionGeometry(menu->menuAction()).bottomLeft()));
+        picture(name);
+        menu->close();
+    }
+}
+
+void Tour::pauseAndSnapshot()
+{
+    m_driver->trigger("actionPause");
+    waitFor("the paused rate", [&] { return m_driver->rates().contains("Disp =   0.00"); });
+    picture("paused");
+    withModal([this] { m_driver->trigger("actionSnapshot"); },
+              [this](QWidget& dialog) {
+                  picture("snapshot");
+                  qobject_cast<QDialog*>(&dialog)->reject();
+              });
+    m_driver->trigger("actionPause");
+}
+
+void Tour::softwareTrigger()
+{
+    m_driver->stop();
+    picture("stopped");
+    if (opened::set("TriggerMode", "On") != 0 || opened::set("TriggerSource", "Software") != 0)
+        endTour("the camera takes no software trigger");
+    m_driver->start();
+    m_driver->trigger("actionSoftwareTrigger");
+    waitForImages(1);
+    picture("software-trigger");
+    m_driver->stop();
+    if (opened::set("TriggerMode", "Off") != 0)
+        endTour("the trigger stays on");
+    m_driver->start();
+    waitForImages(2);
+}
+
+void Tour::about()
+{
+    withModal([this] { m_driver->trigger("action_Menu_About"); },
+              [this](QWidget& box) {
+                  picture("about");
+                  qobject_cast<QDialog*>(&box)->accept();
+              });
+}
