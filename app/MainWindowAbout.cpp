@@ -2,6 +2,7 @@
 
 #include "app/MainWindow.h"
 
+#include "app/Version.h"
 #include "camera/OrvoCamApi.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,6 @@
 
 namespace {
 
-constexpr char kVersion[] = QT_TRANSLATE_NOOP("QMainWindow", "Version : 0.1.1 (2016/02/26)");
 constexpr char kRights[] = QT_TRANSLATE_NOOP("QMainWindow", "\n\nAll rights reserved.");
 constexpr int kContentWidth = 545;
 
@@ -41,7 +41,7 @@ template <std::size_t size> QString textOf(const char (&field)[size])
 
 QString versionTexts()
 {
-    QString text = translated(kVersion);
+    QString text = translated(kVersionText);
     Orvo::CAM_SYSTEM_INFO info{};
     // Without an answer the box shows the version and the rights line only.
     if (Orvo::Sys_GetInformation(&info) == Orvo::CAM_API_STS_SUCCESS) {

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QImageWriter>
 #include <QMessageBox>
 
 namespace {
@@ -18,6 +19,17 @@ QString withSuffixOf(const QString& format, QString fileName)
         return fileName;
     fileName.chop(suffix.size());
     return fileName + '.' + format.toLower();
+}
+
+/// QImage::save(), but for one thing: it does not tell when the disk is full for the file's last bytes, which go out
+/// when the writer flushes the file.
+bool save(const QImage& image, const QString& fileName)
+{
+    QImageWriter writer(fileName);
+    if (!writer.write(image))
+        return false;
+    const auto* const file = qobject_cast<QFileDevice*>(writer.device());
+    return file && file->error() == QFileDevice::NoError;
 }
 
 } // namespace
@@ -37,7 +49,7 @@ void MainWindow::on_actionSnapshot_triggered()
 
     const QString format = selectedFilter.split(' ').first();
     // Images go on arriving while the dialog is open: what is saved is the one displayed now.
-    if (!captureImage.save(withSuffixOf(format, chosen))) {
+    if (!save(captureImage, withSuffixOf(format, chosen))) {
         QMessageBox::warning(this, tr("Save failed"), tr("Cannot save a file."), QMessageBox::Ok);
         write_log(tr("Cannot save a file."));
     }

@@ -1,0 +1,40 @@
+# Sourced by packaging/check-packages and packaging/check-fresh-roots: small Debian systems in folders of their own.
+# shellcheck shell=bash
+
+debian_mirror=${DEBIAN_MIRROR:-http://deb.debian.org/debian}
+
+require_fresh_roots() {
+    if [ "$(id -u)" -ne 0 ]; then
+        echo "Only root may make a Debian system in a folder: run this with sudo." >&2
+        return 1
+    fi
+    if ! command -v debootstrap >/dev/null; then
+        echo "debootstrap is missing: apt-get install debootstrap" >&2
+        return 1
+    fi
+}
+
+# make_root SUITE FOLDER. The packages of the base system are fetched once and kept in build/debootstrap.
+make_root() {
+    local cache
+    cache=$PWD/build/debootstrap/$1
+    mkdir -p "$cache"
+    echo "Making a $1 system in $2"
+    debootstrap --variant=minbase --cache-dir="$cache" "$1" "$2" "$debian_mirror" >"$2.log" 2>&1 || {
+        tail -n 20 "$2.log" >&2
+        return 1
+    }
+}
+
+# in_root FOLDER COMMAND ...: name spaces of its own see to it that no process and no mount outlives the command.
+in_root() {
+    local root=$1
+    shift
+    # The inner shell is to expand what is in quotes, not this one.
+    # shellcheck disable=SC2016
+    unshare --mount --pid --ipc --fork --kill-child env --ignore-environment \
+        root="$root" HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive PATH=/usr/sbin:/usr/bin:/sbin:/bin \
+        ${CI:+CI="$CI"} sh -c '
+            mount -t proc proc "$root/proc" && mount -t tmpfs tmpfs "$root/dev/shm" && exec chroot "$root" "$@"
+        ' sh "$@"
+}
