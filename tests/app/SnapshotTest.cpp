@@ -1,78 +1,18 @@
-// Snapshots: the file dialog, the names that come of it, the files, and what happens where they cannot be written.
+// Snapshots: the file dialog, the names that come of it, and the files.
 
+#include "tests/app/SnapshotUser.h"
 #include "tests/support/ScriptedCamera.h"
-#include "tests/support/WindowDriver.h"
 
 #include <QtTest>
 
 #include <QBuffer>
-#include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QImageReader>
 #include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTemporaryDir>
 
 #include <algorithm>
-#include <cstring>
-
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
-
-constexpr int kPollMs = 5;
-constexpr uid_t kNobody = 65534;
-const QString kPng = "PNG (*.png)";
-const QString kBmp = "BMP (*.bmp)";
-const QString kJpeg = "JPEG (*.jpg *.jpeg)";
-
-using User = std::function<void(QWidget& modal)>;
-
-/// Takes the rights of root for as long as it lives, where the test has them.
-class OrdinaryUser {
-public:
-    OrdinaryUser()
-    {
-        if (m_root && seteuid(kNobody) != 0)
-            qFatal("cannot become an ordinary user");
-    }
-    ~OrdinaryUser()
-    {
-        if (m_root && seteuid(0) != 0)
-            qFatal("cannot become root again");
-    }
-    Q_DISABLE_COPY_MOVE(OrdinaryUser)
-
-private:
-    const bool m_root = geteuid() == 0;
-};
-
-/// A disk of 64 KiB, where the test may mount one.
-class SmallDisk {
-public:
-    explicit SmallDisk(QString folder)
-        : m_folder(std::move(folder))
-        , m_mounted(QDir().mkpath(m_folder) &&
-                    mount("tmpfs", m_folder.toLocal8Bit().constData(), "tmpfs", 0, "size=64k") == 0)
-    {
-    }
-    ~SmallDisk()
-    {
-        if (m_mounted)
-            umount(m_folder.toLocal8Bit().constData());
-    }
-    Q_DISABLE_COPY_MOVE(SmallDisk)
-
-    [[nodiscard]] bool mounted() const { return m_mounted; }
-
-private:
-    QString m_folder;
-    bool m_mounted;
-};
 
 class SnapshotTest : public QObject {
     Q_OBJECT
@@ -103,49 +43,9 @@ private slots:
     void imageOfAStoppedStreamIsSaved();
     void streamRunsOnMeanwhile();
 
-    void failureBox();
-    void unwritableFolder();
-    void unwritableFile();
-    void unknownSuffix();
-    void tooLongName();
-    void fullDisk_data();
-    void fullDisk();
-
 private:
-    [[nodiscard]] QString path(const QString& name) const { return m_folder->filePath(name); }
-    [[nodiscard]] QStringList files() const { return QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden); }
-
-    /// Delivers an image that is converted to `pixels`, and waits until the window shows it.
-    void show(const QImage& pixels);
-    /// Triggers the command; each modal window that comes up is handed to the next of `users`, who ends it.
-    void snapshot(const std::vector<User>& users, const char* action = "actionSnapshot");
-    /// The whole way with a name and a filter, without anything else coming up.
-    void save(const QString& name, const QString& filter);
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<WindowDriver> m_driver;
-    QImage m_shown;
-    QImage m_last;
-    std::uint64_t m_frame = 0;
+    std::unique_ptr<SnapshotUser> m_user;
 };
-
-QImage noise(int width, int height, quint32 seed)
-{
-    QImage image(width, height, QImage::Format_ARGB32);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            seed = seed * 1664525u + 1013904223u;
-            image.setPixel(x, y, 0xff000000u | (seed >> 8));
-        }
-    }
-    return image;
-}
-
-/// As the test's own images are kept, whatever the window and the files keep theirs as.
-QImage argb(const QImage& image)
-{
-    return image.convertToFormat(QImage::Format_ARGB32);
-}
 
 /// Smooth, as JPEG likes it.
 QImage gradient(int width, int height)
@@ -158,71 +58,6 @@ QImage gradient(int width, int height)
     return image;
 }
 
-// --- A user's hand on the dialogs -----------------------------------------------------------------------------------
-
-QFileDialog& fileDialog(QWidget& modal)
-{
-    auto* const dialog = qobject_cast<QFileDialog*>(&modal);
-    if (!dialog)
-        qFatal("this is no file dialog: %s", modal.metaObject()->className());
-    return *dialog;
-}
-
-void chooseFilter(QFileDialog& dialog, const QString& filter)
-{
-    auto* const combo = dialog.findChild<QComboBox*>("fileTypeCombo");
-    combo->setFocus();
-    while (combo->currentText() != filter) {
-        const int before = combo->currentIndex();
-        QTest::keyClick(combo, Qt::Key_Down);
-        if (combo->currentIndex() == before)
-            qFatal("there is no filter %s", qPrintable(filter));
-    }
-}
-
-void pressSave(QFileDialog& dialog)
-{
-    QTest::mouseClick(dialog.findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save), Qt::LeftButton);
-}
-
-QString proposed(QFileDialog& dialog)
-{
-    return dialog.directory().filePath(dialog.findChild<QLineEdit*>("fileNameEdit")->text());
-}
-
-User choosing(const QString& name, const QString& filter = kPng)
-{
-    return [=](QWidget& modal) {
-        QFileDialog& dialog = fileDialog(modal);
-        chooseFilter(dialog, filter);
-        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(name);
-        pressSave(dialog);
-    };
-}
-
-User cancelling()
-{
-    return [](QWidget& modal) {
-        auto* const buttons = fileDialog(modal).findChild<QDialogButtonBox*>("buttonBox");
-        QTest::mouseClick(buttons->button(QDialogButtonBox::Cancel), Qt::LeftButton);
-    };
-}
-
-void press(QWidget& modal, QMessageBox::StandardButton button)
-{
-    auto* const box = qobject_cast<QMessageBox*>(&modal);
-    if (!box || !box->button(button))
-        qFatal("this is not the message box that was waited for: %s", modal.metaObject()->className());
-    QTest::mouseClick(box->button(button), Qt::LeftButton);
-}
-
-void pressOk(QWidget& modal)
-{
-    press(modal, QMessageBox::Ok);
-}
-
-// --- The test's own ways --------------------------------------------------------------------------------------------
-
 void SnapshotTest::initTestCase()
 {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -231,89 +66,34 @@ void SnapshotTest::initTestCase()
 void SnapshotTest::init()
 {
     scripted::reset();
-    m_frame = 0;
-    m_shown = QImage();
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_driver = std::make_unique<WindowDriver>();
-    connect(&m_driver->window(), &MainWindow::Update_Image, this, [this](const QImage& image) { m_last = image; });
+    m_user = std::make_unique<SnapshotUser>();
 }
 
 void SnapshotTest::cleanup()
 {
-    m_driver.reset();
-    m_folder.reset();
-}
-
-void SnapshotTest::show(const QImage& pixels)
-{
-    scripted::onConvImage([pixels](void* dst, const void*, std::uint32_t, std::uint32_t) {
-        std::memcpy(dst, pixels.constBits(), static_cast<std::size_t>(pixels.sizeInBytes()));
-    });
-    if (!scripted::streaming()) {
-        scripted::setImageFormat(static_cast<std::uint32_t>(pixels.width()),
-                                 static_cast<std::uint32_t>(pixels.height()), 0x01080001);
-        m_driver->open();
-        m_driver->start();
-    }
-    m_last = QImage();
-    QVERIFY(scripted::deliverImage(++m_frame));
-    QTRY_COMPARE(argb(m_last), pixels);
-    m_shown = pixels;
-}
-
-void SnapshotTest::snapshot(const std::vector<User>& users, const char* action)
-{
-    std::size_t next = 0;
-    QPointer<QWidget> handled;
-    const QObject scope;
-    // Scheduled anew before it acts, because a dialog can bring up another one before it ends.
-    std::function<void()> poll = [&] {
-        QTimer::singleShot(kPollMs, &scope, poll);
-        QWidget* const modal = QApplication::activeModalWidget();
-        if (!modal || modal == handled)
-            return;
-        handled = modal;
-        if (next == users.size()) {
-            QTest::qFail(qPrintable(QString("a window too many: ") + modal->metaObject()->className()), __FILE__,
-                         __LINE__);
-            qobject_cast<QDialog*>(modal)->reject();
-            return;
-        }
-        users[next++](*modal);
-        // A user who gave up half-way leaves the dialog open.
-        if (handled && handled->isVisible() && QTest::currentTestFailed())
-            qobject_cast<QDialog*>(handled.data())->reject();
-    };
-    QTimer::singleShot(kPollMs, &scope, poll);
-    m_driver->trigger(action);
-    QCOMPARE(next, users.size());
-}
-
-void SnapshotTest::save(const QString& name, const QString& filter)
-{
-    snapshot({choosing(path(name), filter)});
+    m_user.reset();
 }
 
 // --- The dialog and the names ---------------------------------------------------------------------------------------
 
 void SnapshotTest::nothingWithoutImage()
 {
-    snapshot({});
-    snapshot({}, "action_Menu_Snapshot");
-    m_driver->open();
-    snapshot({});
-    m_driver->start();
-    snapshot({});
-    QCOMPARE(m_driver->log(), QStringList());
+    m_user->snapshot({});
+    m_user->snapshot({}, "action_Menu_Snapshot");
+    m_user->driver().open();
+    m_user->snapshot({});
+    m_user->driver().start();
+    m_user->snapshot({});
+    QCOMPARE(m_user->driver().log(), QStringList());
 }
 
 void SnapshotTest::dialog()
 {
-    show(noise(64, 48, 1));
-    snapshot({[this](QWidget& modal) {
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({[this](QWidget& modal) {
         QFileDialog& dialog = fileDialog(modal);
         QCOMPARE(dialog.windowTitle(), QString("Save image File"));
-        QCOMPARE(dialog.parentWidget(), static_cast<QWidget*>(&m_driver->window()));
+        QCOMPARE(dialog.parentWidget(), static_cast<QWidget*>(&m_user->driver().window()));
         QCOMPARE(dialog.acceptMode(), QFileDialog::AcceptSave);
         QCOMPARE(dialog.nameFilters(), (QStringList{kPng, kBmp, kJpeg}));
         QCOMPARE(dialog.selectedNameFilter(), kPng);
@@ -322,14 +102,14 @@ void SnapshotTest::dialog()
         QCOMPARE(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), QString());
         dialog.reject();
     }});
-    QCOMPARE(m_driver->log(), QStringList());
+    QCOMPARE(m_user->driver().log(), QStringList());
 }
 
 void SnapshotTest::menuDoesTheSame()
 {
-    show(noise(64, 48, 1));
-    snapshot({choosing(path("shot"))}, "action_Menu_Snapshot");
-    QCOMPARE(files(), QStringList("shot.png"));
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({choosing(m_user->path("shot"))}, "action_Menu_Snapshot");
+    QCOMPARE(m_user->files(), QStringList("shot.png"));
 }
 
 void SnapshotTest::names_data()
@@ -373,29 +153,29 @@ void SnapshotTest::names()
     QFETCH(QString, filter);
     QFETCH(QString, written);
 
-    show(noise(64, 48, 1));
-    save(typed, filter);
-    QCOMPARE(files(), QStringList(written));
-    QCOMPARE(m_driver->log(), QStringList());
-    QCOMPARE(QImageReader::imageFormat(path(written)), filter.section(' ', 0, 0).toLower().toLatin1());
+    m_user->show(noise(64, 48, 1));
+    m_user->save(typed, filter);
+    QCOMPARE(m_user->files(), QStringList(written));
+    QCOMPARE(m_user->driver().log(), QStringList());
+    QCOMPARE(QImageReader::imageFormat(m_user->path(written)), filter.section(' ', 0, 0).toLower().toLatin1());
 }
 
 void SnapshotTest::existingFileIsReplaced()
 {
-    QFile old(path("shot.png"));
+    QFile old(m_user->path("shot.png"));
     QVERIFY(old.open(QIODevice::WriteOnly));
     old.write(QByteArray(100000, 'x'));
     old.close();
 
-    show(noise(64, 48, 1));
+    m_user->show(noise(64, 48, 1));
     // The dialog asks, because the typed name exists; the message box is its own.
-    snapshot({choosing(path("shot.png")), [](QWidget& modal) { press(modal, QMessageBox::Yes); }});
-    QCOMPARE(argb(QImage(path("shot.png"))), m_shown);
+    m_user->snapshot({choosing(m_user->path("shot.png")), pressYes});
+    QCOMPARE(argb(QImage(m_user->path("shot.png"))), m_user->shown());
 
     // It does not ask for a name that the suffix only makes.
-    show(noise(64, 48, 2));
-    save("shot", kPng);
-    QCOMPARE(argb(QImage(path("shot.png"))), m_shown);
+    m_user->show(noise(64, 48, 2));
+    m_user->save("shot", kPng);
+    QCOMPARE(argb(QImage(m_user->path("shot.png"))), m_user->shown());
 }
 
 // --- What the files hold --------------------------------------------------------------------------------------------
@@ -417,24 +197,24 @@ void SnapshotTest::pixels()
     QFETCH(QString, filter);
     QFETCH(QString, file);
     QFETCH(QSize, size);
-    show(noise(size.width(), size.height(), 7));
-    save("image", filter);
-    const QImage read(path(file));
+    m_user->show(noise(size.width(), size.height(), 7));
+    m_user->save("image", filter);
+    const QImage read(m_user->path(file));
     QVERIFY(!read.isNull());
-    QCOMPARE(argb(read), m_shown);
+    QCOMPARE(argb(read), m_user->shown());
 }
 
 void SnapshotTest::jpegPixels()
 {
-    show(gradient(320, 240));
-    save("image", kJpeg);
-    const QImage read(path("image.jpeg"));
-    QCOMPARE(read.size(), m_shown.size());
+    m_user->show(gradient(320, 240));
+    m_user->save("image", kJpeg);
+    const QImage read(m_user->path("image.jpeg"));
+    QCOMPARE(read.size(), m_user->shown().size());
     int worst = 0;
     for (int y = 0; y < read.height(); ++y) {
         for (int x = 0; x < read.width(); ++x) {
             const QRgb is = read.pixel(x, y);
-            const QRgb was = m_shown.pixel(x, y);
+            const QRgb was = m_user->shown().pixel(x, y);
             worst = std::max({worst, std::abs(qRed(is) - qRed(was)), std::abs(qGreen(is) - qGreen(was)),
                               std::abs(qBlue(is) - qBlue(was))});
         }
@@ -445,25 +225,25 @@ void SnapshotTest::jpegPixels()
     QByteArray expected;
     QBuffer buffer(&expected);
     QVERIFY(buffer.open(QIODevice::WriteOnly));
-    QVERIFY(m_shown.save(&buffer, "jpeg", -1));
-    QFile file(path("image.jpeg"));
+    QVERIFY(m_user->shown().save(&buffer, "jpeg", -1));
+    QFile file(m_user->path("image.jpeg"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll() == expected);
 }
 
 void SnapshotTest::quietOnSuccess()
 {
-    show(noise(64, 48, 1));
-    m_driver->clearLog();
-    save("shot", kPng);
-    QCOMPARE(m_driver->log(), QStringList());
+    m_user->show(noise(64, 48, 1));
+    m_user->driver().clearLog();
+    m_user->save("shot", kPng);
+    QCOMPARE(m_user->driver().log(), QStringList());
 }
 
 // --- The remembered path --------------------------------------------------------------------------------------------
 
 void SnapshotTest::cancelKeepsThePath()
 {
-    show(noise(64, 48, 1));
+    m_user->show(noise(64, 48, 1));
     const auto expecting = [](const QString& file) {
         return [file](QWidget& modal) {
             QCOMPARE(proposed(fileDialog(modal)), file);
@@ -472,32 +252,32 @@ void SnapshotTest::cancelKeepsThePath()
     };
     // Where nothing was chosen yet, no name is proposed; the folder is the toolkit's choice.
     for (int i = 0; i < 2; ++i) {
-        snapshot({[](QWidget& modal) {
+        m_user->snapshot({[](QWidget& modal) {
             QCOMPARE(fileDialog(modal).findChild<QLineEdit*>("fileNameEdit")->text(), QString());
             cancelling()(modal);
         }});
     }
-    save("first", kPng);
+    m_user->save("first", kPng);
 
     // Neither leaving the dialog nor having typed another name before changes what is proposed.
-    snapshot({[&](QWidget& modal) {
+    m_user->snapshot({[&](QWidget& modal) {
         fileDialog(modal).findChild<QLineEdit*>("fileNameEdit")->setText("second");
         cancelling()(modal);
     }});
-    snapshot({expecting(path("first"))});
-    QCOMPARE(files(), QStringList("first.png"));
-    QCOMPARE(m_driver->log(), QStringList());
+    m_user->snapshot({expecting(m_user->path("first"))});
+    QCOMPARE(m_user->files(), QStringList("first.png"));
+    QCOMPARE(m_user->driver().log(), QStringList());
 }
 
 void SnapshotTest::nextDialogProposesTheChosenPath()
 {
-    show(noise(64, 48, 1));
+    m_user->show(noise(64, 48, 1));
     // The name as it was chosen, not as it was written.
     for (const char* name : {"shot", "other.bmp", "third.jpeg"}) {
-        save(name, kPng);
-        snapshot({[&](QWidget& modal) {
-            QCOMPARE(fileDialog(modal).directory(), QDir(m_folder->path()));
-            QCOMPARE(proposed(fileDialog(modal)), path(name));
+        m_user->save(name, kPng);
+        m_user->snapshot({[&](QWidget& modal) {
+            QCOMPARE(fileDialog(modal).directory(), QDir(m_user->folder()));
+            QCOMPARE(proposed(fileDialog(modal)), m_user->path(name));
             cancelling()(modal);
         }});
     }
@@ -505,22 +285,22 @@ void SnapshotTest::nextDialogProposesTheChosenPath()
 
 void SnapshotTest::pathIsKeptAfterAFailure()
 {
-    show(noise(64, 48, 1));
-    snapshot({choosing(path("shot.xpng")), pressOk});
-    snapshot({[&](QWidget& modal) {
-        QCOMPARE(proposed(fileDialog(modal)), path("shot.xpng"));
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({choosing(m_user->path("shot.xpng")), pressOk});
+    m_user->snapshot({[&](QWidget& modal) {
+        QCOMPARE(proposed(fileDialog(modal)), m_user->path("shot.xpng"));
         cancelling()(modal);
     }});
 }
 
 void SnapshotTest::pathIsForgottenWithTheWindow()
 {
-    show(noise(64, 48, 1));
-    save("shot", kPng);
+    m_user->show(noise(64, 48, 1));
+    m_user->save("shot", kPng);
     cleanup();
     init();
-    show(noise(64, 48, 1));
-    snapshot({[](QWidget& modal) {
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({[](QWidget& modal) {
         QCOMPARE(fileDialog(modal).findChild<QLineEdit*>("fileNameEdit")->text(), QString());
         cancelling()(modal);
     }});
@@ -528,9 +308,9 @@ void SnapshotTest::pathIsForgottenWithTheWindow()
 
 void SnapshotTest::filterIsNotRemembered()
 {
-    show(noise(64, 48, 1));
-    save("shot", kJpeg);
-    snapshot({[](QWidget& modal) {
+    m_user->show(noise(64, 48, 1));
+    m_user->save("shot", kJpeg);
+    m_user->snapshot({[](QWidget& modal) {
         QCOMPARE(fileDialog(modal).selectedNameFilter(), kPng);
         cancelling()(modal);
     }});
@@ -540,139 +320,35 @@ void SnapshotTest::filterIsNotRemembered()
 
 void SnapshotTest::imageAtTheEndOfTheDialogIsSaved()
 {
-    show(noise(64, 48, 1));
-    snapshot({[this](QWidget& modal) {
-        show(noise(64, 48, 2));
-        choosing(path("shot"))(modal);
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({[this](QWidget& modal) {
+        m_user->show(noise(64, 48, 2));
+        choosing(m_user->path("shot"))(modal);
     }});
-    QCOMPARE(argb(QImage(path("shot.png"))), noise(64, 48, 2));
+    QCOMPARE(argb(QImage(m_user->path("shot.png"))), noise(64, 48, 2));
 }
 
 void SnapshotTest::imageOfAStoppedStreamIsSaved()
 {
-    show(noise(64, 48, 1));
-    m_driver->stop();
-    save("shot", kPng);
-    QCOMPARE(argb(QImage(path("shot.png"))), noise(64, 48, 1));
+    m_user->show(noise(64, 48, 1));
+    m_user->driver().stop();
+    m_user->save("shot", kPng);
+    QCOMPARE(argb(QImage(m_user->path("shot.png"))), noise(64, 48, 1));
 }
 
 void SnapshotTest::streamRunsOnMeanwhile()
 {
-    show(noise(64, 48, 1));
+    m_user->show(noise(64, 48, 1));
     scripted::clearCalls();
-    snapshot({[this](QWidget& modal) {
+    m_user->snapshot({[this](QWidget& modal) {
         QVERIFY(scripted::streaming());
-        show(noise(64, 48, 2));
-        show(noise(64, 48, 3));
+        m_user->show(noise(64, 48, 2));
+        m_user->show(noise(64, 48, 3));
         cancelling()(modal);
     }});
     QVERIFY(scripted::streaming());
     QCOMPARE(scripted::count("Strm_Stop"), 0);
-    show(noise(64, 48, 4));
-}
-
-// --- Failures -------------------------------------------------------------------------------------------------------
-
-void SnapshotTest::failureBox()
-{
-    show(noise(64, 48, 1));
-    snapshot({choosing(path("shot.xpng")), [this](QWidget& modal) {
-                  auto* const box = qobject_cast<QMessageBox*>(&modal);
-                  QVERIFY(box);
-                  QCOMPARE(box->parentWidget(), static_cast<QWidget*>(&m_driver->window()));
-                  QCOMPARE(box->windowTitle(), QString("Save failed"));
-                  QCOMPARE(box->text(), QString("Cannot save a file."));
-                  QCOMPARE(box->icon(), QMessageBox::Warning);
-                  QCOMPARE(box->standardButtons(), QMessageBox::StandardButtons(QMessageBox::Ok));
-                  QCOMPARE(m_driver->log(), QStringList());
-                  pressOk(modal);
-              }});
-    QCOMPARE(m_driver->log(), QStringList("Cannot save a file."));
-}
-
-void SnapshotTest::unwritableFolder()
-{
-    show(noise(64, 48, 1));
-    const QString folder = path("locked");
-    QVERIFY(QDir().mkdir(folder));
-    QCOMPARE(chmod(m_folder->path().toLocal8Bit().constData(), 0755), 0);
-    QCOMPARE(chmod(folder.toLocal8Bit().constData(), 0555), 0);
-    {
-        const OrdinaryUser user;
-        snapshot({choosing(folder + "/shot"), pressOk});
-    }
-    QCOMPARE(m_driver->log(), QStringList("Cannot save a file."));
-    QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList());
-}
-
-void SnapshotTest::unwritableFile()
-{
-    show(noise(64, 48, 1));
-    QFile old(path("shot.png"));
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    old.write("precious");
-    old.close();
-    QCOMPARE(chmod(m_folder->path().toLocal8Bit().constData(), 0755), 0);
-    QVERIFY(old.setPermissions(QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
-    {
-        const OrdinaryUser user;
-        snapshot({choosing(path("shot")), pressOk});
-    }
-    QCOMPARE(m_driver->log(), QStringList("Cannot save a file."));
-    QVERIFY(old.open(QIODevice::ReadOnly));
-    QCOMPARE(old.readAll(), QByteArray("precious"));
-}
-
-void SnapshotTest::unknownSuffix()
-{
-    // Ends with the format's word, so it stays; no format is called so.
-    show(noise(64, 48, 1));
-    snapshot({choosing(path("shot.notpng")), pressOk});
-    QCOMPARE(files(), QStringList());
-    QCOMPARE(m_driver->log(), QStringList("Cannot save a file."));
-}
-
-void SnapshotTest::tooLongName()
-{
-    // 252 bytes and the suffix make one more than a name may have.
-    show(noise(64, 48, 1));
-    snapshot({choosing(path(QString(252, 'n'))), pressOk});
-    QCOMPARE(files(), QStringList());
-    QCOMPARE(m_driver->log(), QStringList("Cannot save a file."));
-
-    save(QString(251, 'n'), kPng);
-    QCOMPARE(files(), QStringList(QString(251, 'n') + ".png"));
-}
-
-void SnapshotTest::fullDisk_data()
-{
-    QTest::addColumn<QString>("filter");
-    QTest::addColumn<int>("used");
-    QTest::newRow("PNG") << kPng << 0;
-    QTest::newRow("BMP") << kBmp << 0;
-    QTest::newRow("JPEG") << kJpeg << 0;
-    // What is left holds all but the last bytes of the file.
-    QTest::newRow("BMP, at the end") << kBmp << 1;
-}
-
-void SnapshotTest::fullDisk()
-{
-    QFETCH(QString, filter);
-    QFETCH(int, used);
-    const SmallDisk disk(path("disk"));
-    if (!disk.mounted())
-        QSKIP("a small disk can only be mounted by root");
-
-    // 64 KiB hold none of these; with a page taken, not even the smallest of them.
-    show(used == 0 ? noise(400, 300, 1) : noise(144, 146, 1));
-    if (used != 0) {
-        QFile other(path("disk/other"));
-        QVERIFY(other.open(QIODevice::WriteOnly));
-        other.write("x");
-        other.close();
-    }
-    snapshot({choosing(path("disk/shot"), filter), pressOk});
-    QCOMPARE(m_driver->log(), QStringList("Cannot save a file."));
+    m_user->show(noise(64, 48, 4));
 }
 
 } // namespace

@@ -1,0 +1,191 @@
+// Snapshots that cannot be written.
+
+#include "tests/app/SnapshotUser.h"
+#include "tests/support/ScriptedCamera.h"
+
+#include <QtTest>
+
+#include <QMessageBox>
+
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr uid_t kNobody = 65534;
+
+/// Takes the rights of root for as long as it lives, where the test has them.
+class OrdinaryUser {
+public:
+    OrdinaryUser()
+    {
+        if (m_root && seteuid(kNobody) != 0)
+            qFatal("cannot become an ordinary user");
+    }
+    ~OrdinaryUser()
+    {
+        if (m_root && seteuid(0) != 0)
+            qFatal("cannot become root again");
+    }
+    Q_DISABLE_COPY_MOVE(OrdinaryUser)
+
+private:
+    const bool m_root = geteuid() == 0;
+};
+
+/// A disk of 64 KiB, where the test may mount one.
+class SmallDisk {
+public:
+    explicit SmallDisk(QString folder)
+        : m_folder(std::move(folder))
+        , m_mounted(QDir().mkpath(m_folder) &&
+                    mount("tmpfs", m_folder.toLocal8Bit().constData(), "tmpfs", 0, "size=64k") == 0)
+    {
+    }
+    ~SmallDisk()
+    {
+        if (m_mounted)
+            umount(m_folder.toLocal8Bit().constData());
+    }
+    Q_DISABLE_COPY_MOVE(SmallDisk)
+
+    [[nodiscard]] bool mounted() const { return m_mounted; }
+
+private:
+    QString m_folder;
+    bool m_mounted;
+};
+
+class SnapshotFailureTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
+    void init();
+    void cleanup() { m_user.reset(); }
+
+    void failureBox();
+    void unwritableFolder();
+    void unwritableFile();
+    void unknownSuffix();
+    void tooLongName();
+    void fullDisk_data();
+    void fullDisk();
+
+private:
+    std::unique_ptr<SnapshotUser> m_user;
+};
+
+void SnapshotFailureTest::init()
+{
+    scripted::reset();
+    m_user = std::make_unique<SnapshotUser>();
+}
+
+void SnapshotFailureTest::failureBox()
+{
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({choosing(m_user->path("shot.xpng")), [this](QWidget& modal) {
+                          auto* const box = qobject_cast<QMessageBox*>(&modal);
+                          QVERIFY(box);
+                          QCOMPARE(box->parentWidget(), static_cast<QWidget*>(&m_user->driver().window()));
+                          QCOMPARE(box->windowTitle(), QString("Save failed"));
+                          QCOMPARE(box->text(), QString("Cannot save a file."));
+                          QCOMPARE(box->icon(), QMessageBox::Warning);
+                          QCOMPARE(box->standardButtons(), QMessageBox::StandardButtons(QMessageBox::Ok));
+                          QCOMPARE(m_user->driver().log(), QStringList());
+                          pressOk(modal);
+                      }});
+    QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
+}
+
+void SnapshotFailureTest::unwritableFolder()
+{
+    m_user->show(noise(64, 48, 1));
+    const QString folder = m_user->path("locked");
+    QVERIFY(QDir().mkdir(folder));
+    QCOMPARE(chmod(m_user->folder().toLocal8Bit().constData(), 0755), 0);
+    QCOMPARE(chmod(folder.toLocal8Bit().constData(), 0555), 0);
+    {
+        const OrdinaryUser user;
+        m_user->snapshot({choosing(folder + "/shot"), pressOk});
+    }
+    QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
+    QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList());
+}
+
+void SnapshotFailureTest::unwritableFile()
+{
+    m_user->show(noise(64, 48, 1));
+    QFile old(m_user->path("shot.png"));
+    QVERIFY(old.open(QIODevice::WriteOnly));
+    old.write("precious");
+    old.close();
+    QCOMPARE(chmod(m_user->folder().toLocal8Bit().constData(), 0755), 0);
+    QVERIFY(old.setPermissions(QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    {
+        const OrdinaryUser user;
+        m_user->snapshot({choosing(m_user->path("shot")), pressOk});
+    }
+    QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), QByteArray("precious"));
+}
+
+void SnapshotFailureTest::unknownSuffix()
+{
+    // Ends with the format's word, so it stays; no format is called so.
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({choosing(m_user->path("shot.notpng")), pressOk});
+    QCOMPARE(m_user->files(), QStringList());
+    QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
+}
+
+void SnapshotFailureTest::tooLongName()
+{
+    // 252 bytes and the suffix make one more than a name may have.
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({choosing(m_user->path(QString(252, 'n'))), pressOk});
+    QCOMPARE(m_user->files(), QStringList());
+    QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
+
+    m_user->save(QString(251, 'n'), kPng);
+    QCOMPARE(m_user->files(), QStringList(QString(251, 'n') + ".png"));
+}
+
+void SnapshotFailureTest::fullDisk_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<int>("used");
+    QTest::newRow("PNG") << kPng << 0;
+    QTest::newRow("BMP") << kBmp << 0;
+    QTest::newRow("JPEG") << kJpeg << 0;
+    // What is left holds all but the last bytes of the file.
+    QTest::newRow("BMP, at the end") << kBmp << 1;
+}
+
+void SnapshotFailureTest::fullDisk()
+{
+    QFETCH(QString, filter);
+    QFETCH(int, used);
+    const SmallDisk disk(m_user->path("disk"));
+    if (!disk.mounted())
+        QSKIP("a small disk can only be mounted by root");
+
+    // 64 KiB hold none of these; with a page taken, not even the smallest of them.
+    m_user->show(used == 0 ? noise(400, 300, 1) : noise(144, 146, 1));
+    if (used != 0) {
+        QFile other(m_user->path("disk/other"));
+        QVERIFY(other.open(QIODevice::WriteOnly));
+        other.write("x");
+        other.close();
+    }
+    m_user->snapshot({choosing(m_user->path("disk/shot"), filter), pressOk});
+    QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
+}
+
+} // namespace
+
+QTEST_MAIN(SnapshotFailureTest)
+#include "SnapshotFailureTest.moc"

@@ -1,0 +1,169 @@
+#include "tests/app/SnapshotUser.h"
+
+#include "tests/support/ScriptedCamera.h"
+
+#include <QtTest>
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <cstring>
+
+namespace {
+
+constexpr int kPollMs = 5;
+
+void chooseFilter(QFileDialog& dialog, const QString& filter)
+{
+    auto* const combo = dialog.findChild<QComboBox*>("fileTypeCombo");
+    combo->setFocus();
+    while (combo->currentText() != filter) {
+        const int before = combo->currentIndex();
+        QTest::keyClick(combo, Qt::Key_Down);
+        if (combo->currentIndex() == before)
+            qFatal("there is no filter %s", qPrintable(filter));
+    }
+}
+
+void pressSave(QFileDialog& dialog)
+{
+    QTest::mouseClick(dialog.findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save), Qt::LeftButton);
+}
+
+void press(QWidget& modal, QMessageBox::StandardButton button)
+{
+    auto* const box = qobject_cast<QMessageBox*>(&modal);
+    if (!box || !box->button(button))
+        qFatal("this is not the message box that was waited for: %s", modal.metaObject()->className());
+    QTest::mouseClick(box->button(button), Qt::LeftButton);
+}
+
+} // namespace
+
+QImage noise(int width, int height, quint32 seed)
+{
+    QImage image(width, height, QImage::Format_ARGB32);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            seed = seed * 1664525u + 1013904223u;
+            image.setPixel(x, y, 0xff000000u | (seed >> 8));
+        }
+    }
+    return image;
+}
+
+QImage argb(const QImage& image)
+{
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+// --- Dialogs --------------------------------------------------------------------------------------------------------
+
+QFileDialog& fileDialog(QWidget& modal)
+{
+    auto* const dialog = qobject_cast<QFileDialog*>(&modal);
+    if (!dialog)
+        qFatal("this is no file dialog: %s", modal.metaObject()->className());
+    return *dialog;
+}
+
+QString proposed(QFileDialog& dialog)
+{
+    return dialog.directory().filePath(dialog.findChild<QLineEdit*>("fileNameEdit")->text());
+}
+
+ModalUser choosing(const QString& name, const QString& filter)
+{
+    return [=](QWidget& modal) {
+        QFileDialog& dialog = fileDialog(modal);
+        chooseFilter(dialog, filter);
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(name);
+        pressSave(dialog);
+    };
+}
+
+ModalUser cancelling()
+{
+    return [](QWidget& modal) {
+        auto* const buttons = fileDialog(modal).findChild<QDialogButtonBox*>("buttonBox");
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Cancel), Qt::LeftButton);
+    };
+}
+
+void pressYes(QWidget& modal)
+{
+    press(modal, QMessageBox::Yes);
+}
+
+void pressOk(QWidget& modal)
+{
+    press(modal, QMessageBox::Ok);
+}
+
+// --- SnapshotUser ---------------------------------------------------------------------------------------------------
+
+SnapshotUser::SnapshotUser()
+{
+    connect(&m_driver.window(), &MainWindow::Update_Image, this, [this](const QImage& image) { m_last = image; });
+}
+
+SnapshotUser::~SnapshotUser() = default;
+
+QStringList SnapshotUser::files() const
+{
+    return QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden);
+}
+
+void SnapshotUser::show(const QImage& pixels)
+{
+    scripted::onConvImage([pixels](void* dst, const void*, std::uint32_t, std::uint32_t) {
+        std::memcpy(dst, pixels.constBits(), static_cast<std::size_t>(pixels.sizeInBytes()));
+    });
+    if (!scripted::streaming()) {
+        scripted::setImageFormat(static_cast<std::uint32_t>(pixels.width()),
+                                 static_cast<std::uint32_t>(pixels.height()), 0x01080001);
+        m_driver.open();
+        m_driver.start();
+    }
+    m_last = QImage();
+    QVERIFY(scripted::deliverImage(++m_frame));
+    QTRY_COMPARE(argb(m_last), pixels);
+    m_shown = pixels;
+}
+
+void SnapshotUser::snapshot(const std::vector<ModalUser>& users, const char* action)
+{
+    std::size_t next = 0;
+    QPointer<QWidget> handled;
+    const QObject scope;
+    // Scheduled anew before it acts, because a dialog can bring up another one before it ends.
+    std::function<void()> poll = [&] {
+        QTimer::singleShot(kPollMs, &scope, poll);
+        QWidget* const modal = QApplication::activeModalWidget();
+        if (!modal || modal == handled)
+            return;
+        handled = modal;
+        if (next == users.size()) {
+            QTest::qFail(qPrintable(QString("a window too many: ") + modal->metaObject()->className()), __FILE__,
+                         __LINE__);
+            qobject_cast<QDialog*>(modal)->reject();
+            return;
+        }
+        users[next++](*modal);
+        // A user who gave up half-way leaves the dialog open.
+        if (handled && handled->isVisible() && QTest::currentTestFailed())
+            qobject_cast<QDialog*>(handled.data())->reject();
+    };
+    QTimer::singleShot(kPollMs, &scope, poll);
+    m_driver.trigger(action);
+    QCOMPARE(next, users.size());
+}
+
+void SnapshotUser::save(const QString& name, const QString& filter)
+{
+    snapshot({choosing(path(name), filter)});
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "tests/support/WindowDriver.h"
+
+#include <QImage>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QFileDialog;
+class QWidget;
+
+/// What a user does with a modal window that came up; it is to be closed then.
+using ModalUser = std::function<void(QWidget& modal)>;
+
+/// A window over the scripted camera, a folder for its snapshots, and a user who takes them.
+class SnapshotUser : public QObject {
+public:
+    SnapshotUser();
+    ~SnapshotUser() override;
+
+    [[nodiscard]] WindowDriver& driver() { return m_driver; }
+    [[nodiscard]] QString folder() const { return m_folder.path(); }
+    [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
+    [[nodiscard]] QStringList files() const;
+
+    /// The image that was delivered last.
+    [[nodiscard]] const QImage& shown() const { return m_shown; }
+
+    /// Delivers an image that is converted to `pixels`, and waits until the window shows it. Starts the stream.
+    void show(const QImage& pixels);
+
+    /// Triggers the command; each modal window that comes up is handed to the next of `users`.
+    void snapshot(const std::vector<ModalUser>& users, const char* action = "actionSnapshot");
+
+    /// The whole way with a name and a filter, without anything else coming up.
+    void save(const QString& name, const QString& filter);
+
+private:
+    QTemporaryDir m_folder;
+    QImage m_shown;
+    QImage m_last;
+    std::uint64_t m_frame = 0;
+    WindowDriver m_driver; // last: it may show images until it is gone
+};
+
+// The filters as the file dialog shows them.
+inline const QString kPng = "PNG (*.png)";
+inline const QString kBmp = "BMP (*.bmp)";
+inline const QString kJpeg = "JPEG (*.jpg *.jpeg)";
+
+[[nodiscard]] QImage noise(int width, int height, quint32 seed);
+/// As the tests' own images are kept, whatever the window and the files keep theirs as.
+[[nodiscard]] QImage argb(const QImage& image);
+
+[[nodiscard]] QFileDialog& fileDialog(QWidget& modal);
+/// The whole path that the file dialog proposes.
+[[nodiscard]] QString proposed(QFileDialog& dialog);
+
+[[nodiscard]] ModalUser choosing(const QString& name, const QString& filter = kPng);
+[[nodiscard]] ModalUser cancelling();
+void pressYes(QWidget& modal);
+void pressOk(QWidget& modal);
