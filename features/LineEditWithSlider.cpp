@@ -34,6 +34,10 @@ void readFloatRange(SliderMapping& mapping, const GenAPINodeItem& item)
 LineEditWithSlider::LineEditWithSlider(QWidget* parent)
     : QWidget(parent)
 {
+    // The cell beneath is painted, too, with its text.
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Base);
+
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     m_slider.setTracking(true);
@@ -172,12 +176,11 @@ void LineEditWithSlider::getValue()
 {
     if (m_item.isNull())
         return;
-    if (!m_slider.hasFocus())
+    if (!m_slider.hasFocus()) {
         writeText();
-    else if (isFloat())
-        m_item->setNodeValue(convSliderValToFloat(m_slider.value()));
-    else
-        m_item->setNodeValue(convSliderValToInt(m_slider.value()));
+    } else {
+        writePosition();
+    }
     if (m_item)
         m_lineEdit.setText(m_item->getNodeValue(true, false));
 }
@@ -185,10 +188,22 @@ void LineEditWithSlider::getValue()
 void LineEditWithSlider::writeText()
 {
     m_item->setNodeValue(m_lineEdit.text());
+    if (m_item.isNull())
+        return;
     // The numbers are those that were read last: the view reads everything anew after a commit, and loads again.
-    if (m_item)
-        m_slider.setValue(isFloat() ? calcSliderVal(m_item->getValFloat(false))
-                                    : calcSliderVal(m_item->getValInt(false)));
+    const int position =
+        isFloat() ? calcSliderVal(m_item->getValFloat(false)) : calcSliderVal(m_item->getValInt(false));
+    m_slider.setValue(position);
+}
+
+void LineEditWithSlider::writePosition()
+{
+    const int position = m_slider.value();
+    if (isFloat()) {
+        m_item->setNodeValue(convSliderValToFloat(position));
+    } else {
+        m_item->setNodeValue(convSliderValToInt(position));
+    }
 }
 
 void LineEditWithSlider::getSliderValue()
@@ -239,8 +254,11 @@ void LineEditWithSlider::slider_Moved(int position)
 {
     if (!m_sliderPressed || m_item.isNull())
         return;
-    m_lineEdit.setText(isFloat() ? m_item->getValueStr(convSliderValToFloat(position))
-                                 : m_item->getValueStr(convSliderValToInt(position)));
+    if (isFloat()) {
+        m_lineEdit.setText(m_item->getValueStr(convSliderValToFloat(position)));
+    } else {
+        m_lineEdit.setText(m_item->getValueStr(convSliderValToInt(position)));
+    }
 }
 
 void LineEditWithSlider::timeElapsed()
@@ -250,10 +268,11 @@ void LineEditWithSlider::timeElapsed()
 
 void LineEditWithSlider::timerEvent(QTimerEvent* event)
 {
-    if (event->timerId() == m_timerId)
+    if (event->timerId() == m_timerId) {
         getSliderValue();
-    else
+    } else {
         QWidget::timerEvent(event);
+    }
 }
 
 // --- Keyboard focus -------------------------------------------------------------------------------------------------
@@ -263,6 +282,9 @@ void LineEditWithSlider::focusInEvent(QFocusEvent* event)
     QWidget::focusInEvent(event);
     // Not a focus proxy: a view gives the focus of a closed editor back by taking it, so that the line edit would take
     // Escape for leaving it, and write.
+    // A line edit without an editable value leaves it here.
+    if (!m_lineEdit.isEnabled())
+        return;
     m_lineEdit.setFocus(event->reason());
     m_lineEdit.selectAll();
 }

@@ -71,6 +71,7 @@ protected:
 private:
     void fill(const SliderPositions& positions, bool isFixed);
     void writeText();
+    void writePosition();
     [[nodiscard]] bool isFloat() const;
     [[nodiscard]] bool isLogarithmic() const;
     void focusMoved(QWidget* from, QWidget* to);

@@ -80,14 +80,15 @@ QWidget* TreeViewItemDelegate::createEditor(QWidget* parent, const QStyleOptionV
 void TreeViewItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
 {
     const QVariant value = index.data(Qt::EditRole);
-    if (auto* spinBox = qobject_cast<QSpinBox*>(editor))
+    if (auto* spinBox = qobject_cast<QSpinBox*>(editor)) {
         spinBox->setValue(value.toInt());
-    else if (auto* slider = qobject_cast<QSlider*>(editor))
+    } else if (auto* slider = qobject_cast<QSlider*>(editor)) {
         slider->setValue(value.toInt());
-    else if (auto* comboBox = qobject_cast<QComboBox*>(editor))
+    } else if (auto* comboBox = qobject_cast<QComboBox*>(editor)) {
         comboBox->setCurrentText(value.toString());
-    else if (auto* textBox = qobject_cast<QLineEdit*>(editor))
+    } else if (auto* textBox = qobject_cast<QLineEdit*>(editor)) {
         textBox->setText(value.toString());
+    }
 }
 
 void TreeViewItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const

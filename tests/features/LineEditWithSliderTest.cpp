@@ -71,6 +71,8 @@ private slots:
     void floatIsDragged();
 
     void focusGoesToTheLineEdit();
+    void focusStaysWhereTheValueIsFixed();
+    void coversWhatIsBeneath();
     void leavingIsTold_data();
     void leavingIsTold();
     void movingInsideIsNotLeaving();
@@ -687,6 +689,24 @@ void LineEditWithSliderTest::focusGoesToTheLineEdit()
     QCOMPARE(lineEdit().selectedText(), QString("37"));
     EditorBench::type("4");
     QCOMPARE(lineEdit().text(), QString("4"));
+}
+
+void LineEditWithSliderTest::focusStaysWhereTheValueIsFixed()
+{
+    m_editor->setValue(itemOf(features::linear(features::integer("Fixed", 7, 7, 7))));
+    showEditor();
+    QVERIFY(m_editor->hasFocus());
+    QVERIFY(!lineEdit().hasSelectedText());
+}
+
+void LineEditWithSliderTest::coversWhatIsBeneath()
+{
+    showEditor();
+    QImage image(m_editor->size(), QImage::Format_RGB32);
+    image.fill(Qt::magenta);
+    m_editor->render(&image);
+    for (const QPoint corner : {image.rect().topRight(), image.rect().bottomRight()})
+        QCOMPARE(image.pixelColor(corner), m_editor->palette().color(QPalette::Base));
 }
 
 /// Counts the focus-out events of the editor that are not those of its parts.
