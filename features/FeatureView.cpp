@@ -34,6 +34,7 @@ FeatureView::FeatureView(QWidget* parent)
 
 FeatureView::~FeatureView()
 {
+    m_tableView.viewport()->removeEventFilter(this); // it is destroyed when the table no longer is one
     dropModel();
     m_toolBar->clear();
     m_items.clear();
