@@ -183,10 +183,11 @@ QStringList EditorBench::written()
             if (std::to_string(item->getNodeHandle()) == call.arguments.at(1))
                 name = item->getNodeName();
         }
-        if (call.operation == "Nd_CmdExecute")
+        if (call.operation == "Nd_CmdExecute") {
             texts << name + " executed";
-        else
+        } else {
             texts << name + " = " + QString::fromStdString(call.arguments.at(2)).remove('"');
+        }
     }
     return texts;
 }

@@ -303,12 +303,13 @@ void EditorsByHandTest::comboBoxLeftWritesNothing_data()
 
 void leaveOrPress(EditorBench& bench, const QString& how)
 {
-    if (how == "escape")
+    if (how == "escape") {
         EditorBench::press(Qt::Key_Escape);
-    else if (how == "enter")
+    } else if (how == "enter") {
         EditorBench::press(Qt::Key_Return);
-    else
+    } else {
         leave(bench, how);
+    }
 }
 
 void EditorsByHandTest::comboBoxLeftWritesNothing()
@@ -576,10 +577,11 @@ void EditorsByHandTest::sliderLeft()
     QFETCH(const QString, how);
     EditorBench bench(beside(percent()));
     auto* editor = bench.openAs<LineEditWithSlider>("Percent");
-    if (fromSlider)
+    if (fromSlider) {
         sliderOf(editor)->setFocus(Qt::MouseFocusReason);
-    else
+    } else {
         EditorBench::type("42");
+    }
     scripted::clearCalls();
     leave(bench, how);
     const QString value = fromSlider ? "37" : "42";
@@ -781,12 +783,13 @@ void EditorsByHandTest::valueChangesWhileItIsEdited()
     scripted::changeNode(name.toStdString(), [](NodeSpec& node) { node.intValue = node.intValue == 1 ? 2 : 99; });
     bench.view().updateAllFeatures();
     QCOMPARE(bench.editor(), editor);
-    if (auto* lineEdit = qobject_cast<QLineEdit*>(editor))
+    if (auto* lineEdit = qobject_cast<QLineEdit*>(editor)) {
         QCOMPARE(lineEdit->text(), shown);
-    else if (auto* comboBox = qobject_cast<QComboBox*>(editor))
+    } else if (auto* comboBox = qobject_cast<QComboBox*>(editor)) {
         QCOMPARE(comboBox->currentText(), shown);
-    else
+    } else {
         QCOMPARE(editor->findChild<QLineEdit*>()->text(), shown);
+    }
     QCOMPARE(bench.written(), QStringList());
 }
 

@@ -343,10 +343,11 @@ void TableViewItemDelegateTest::reloadedEditorWritesOnce()
     const auto editor = load<QWidget>(bench, name);
     for (int i = 0; i < 3; ++i)
         delegateOf(bench).setEditorData(editor.get(), bench.valueCell(name));
-    if (auto* button = qobject_cast<QPushButton*>(editor.get()))
+    if (auto* button = qobject_cast<QPushButton*>(editor.get())) {
         button->click();
-    else
+    } else {
         QTest::keyClick(editor.get(), kind == EditorSpinBox ? Qt::Key_Up : Qt::Key_Down);
+    }
     QCOMPARE(bench.written(), QStringList{written});
 }
 
