@@ -98,6 +98,16 @@ NodeSpec withAccess(NodeSpec spec, Orvo::NodeAccessMode access)
     return spec;
 }
 
+NodeSpec percent()
+{
+    return linear(integer("Percent", 37, 0, 100));
+}
+
+std::vector<NodeSpec> beside(const NodeSpec& spec)
+{
+    return {spec, withAccess(integer("Other", 1, 0, 10), Orvo::NODE_ACCESS_MODE_RO)};
+}
+
 } // namespace features
 
 // --- The table ------------------------------------------------------------------------------------------------------
@@ -147,6 +157,38 @@ QWidget* EditorBench::editor()
             return child;
     }
     return nullptr;
+}
+
+void EditorBench::waysToLeave()
+{
+    QTest::addColumn<QString>("how");
+    for (const char* how : {"click", "tab", "backtab", "other widget", "other window"})
+        QTest::newRow(how) << how;
+}
+
+void EditorBench::leave(const QString& how)
+{
+    if (how == "click") {
+        click("Other");
+    } else if (how == "tab") {
+        press(Qt::Key_Tab);
+    } else if (how == "backtab") {
+        press(Qt::Key_Backtab);
+    } else if (how == "enter") {
+        press(Qt::Key_Return);
+    } else if (how == "escape") {
+        press(Qt::Key_Escape);
+    } else if (how == "other widget") {
+        QLineEdit beside(&view());
+        beside.show();
+        beside.setFocus(Qt::MouseFocusReason);
+    } else {
+        QLineEdit window;
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+    }
+    QCoreApplication::processEvents();
 }
 
 void EditorBench::type(const QString& text)
@@ -199,6 +241,16 @@ int EditorBench::reads()
          {"Nd_GetIntValue", "Nd_GetFloatValue", "Nd_GetBoolValue", "Nd_GetStrValue", "Nd_GetEnumStrValue"})
         reads += scripted::count(operation);
     return reads;
+}
+
+QLineEdit* lineEditOf(LineEditWithSlider* editor)
+{
+    return editor->findChild<QLineEdit*>();
+}
+
+QSlider* sliderOf(LineEditWithSlider* editor)
+{
+    return editor->findChild<QSlider*>();
 }
 
 // --- The slider -----------------------------------------------------------------------------------------------------

@@ -31,6 +31,11 @@ namespace features {
 [[nodiscard]] scripted::NodeSpec withUnit(scripted::NodeSpec spec, std::string unit);
 [[nodiscard]] scripted::NodeSpec withAccess(scripted::NodeSpec spec, Orvo::NodeAccessMode access);
 
+/// 37 of 0 to 100, with a linear slider.
+[[nodiscard]] scripted::NodeSpec percent();
+/// The feature, and "Other", to which a user goes when he leaves an editor; no editor opens there.
+[[nodiscard]] std::vector<scripted::NodeSpec> beside(const scripted::NodeSpec& spec);
+
 } // namespace features
 
 /// A feature view on screen with every row unfolded, and a user's hand on its value cells.
@@ -57,6 +62,11 @@ public:
         return found;
     }
 
+    /// Data rows of all the ways to leave an editor but keys that close it, in a column "how".
+    static void waysToLeave();
+    /// One of them, "enter" or "escape". Needs the feature "Other".
+    void leave(const QString& how);
+
     /// To the widget that has the keyboard.
     static void type(const QString& text);
     static void press(Qt::Key key);
@@ -72,6 +82,10 @@ public:
 private:
     FeatureTable m_table;
 };
+
+/// The parts of a slider editor.
+[[nodiscard]] QLineEdit* lineEditOf(LineEditWithSlider* editor);
+[[nodiscard]] QSlider* sliderOf(LineEditWithSlider* editor);
 
 /// A hand on the handle of a slider.
 class SliderDrag {

@@ -1,0 +1,193 @@
+// The line edit and the spin box in the table, used as a user uses them: what the camera gets, and what is shown.
+
+#include "tests/features/EditorBench.h"
+
+#include <QtTest>
+
+#include <QLineEdit>
+#include <QSpinBox>
+
+using scripted::NodeSpec;
+
+namespace {
+
+class LineEditByHandTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+
+    void lineEditTypedAndEnter();
+    void lineEditEscapeWritesNothing();
+    void lineEditLeftUnchangedWritesItsText();
+    void lineEditLeft_data();
+    void lineEditLeft();
+    void lineEditNonsense_data();
+    void lineEditNonsense();
+    void lineEditOfAWriteOnlyFeature();
+    void lineEditOfALongText();
+
+    void spinBoxByKeyAndWheel();
+    void spinBoxTyped();
+    void spinBoxLeftWritesNothing_data();
+    void spinBoxLeftWritesNothing();
+};
+
+// --- Line edit -------------------------------------------------------------------------------------------------------
+
+void LineEditByHandTest::lineEditTypedAndEnter()
+{
+    EditorBench bench({features::withUnit(features::integer("Number", 37, 0, 100), "mm")});
+    auto* lineEdit = bench.openAs<QLineEdit>("Number");
+    QVERIFY(lineEdit->hasFocus());
+    QCOMPARE(lineEdit->text(), QString("37 mm"));
+    EditorBench::type("42"); // all is selected
+    QCOMPARE(lineEdit->text(), QString("42"));
+    QCOMPARE(bench.written(), QStringList());
+    EditorBench::press(Qt::Key_Return);
+    QCOMPARE(bench.written(), QStringList{"Number = 42"});
+    QCOMPARE(bench.shown("Number"), QString("42 mm"));
+    QVERIFY(bench.editor() == nullptr);
+    QVERIFY(bench.table().hasFocus());
+}
+
+void LineEditByHandTest::lineEditEscapeWritesNothing()
+{
+    EditorBench bench({features::integer("Number", 37, 0, 100)});
+    bench.openAs<QLineEdit>("Number");
+    EditorBench::type("42");
+    EditorBench::press(Qt::Key_Escape);
+    QCOMPARE(bench.written(), QStringList());
+    QCOMPARE(bench.shown("Number"), QString("37"));
+    QVERIFY(bench.editor() == nullptr);
+    QVERIFY(bench.table().hasFocus());
+}
+
+void LineEditByHandTest::lineEditLeftUnchangedWritesItsText()
+{
+    EditorBench bench(features::beside(features::withUnit(features::real("Time", 1.23456, 0, 100), "us")));
+    bench.openAs<QLineEdit>("Time");
+    bench.click("Other");
+    QCOMPARE(bench.written(), QStringList{"Time = 1.23"});
+}
+
+void LineEditByHandTest::lineEditLeft_data()
+{
+    EditorBench::waysToLeave();
+}
+
+void LineEditByHandTest::lineEditLeft()
+{
+    QFETCH(const QString, how);
+    EditorBench bench(features::beside(features::integer("Number", 37, 0, 100)));
+    bench.openAs<QLineEdit>("Number");
+    EditorBench::type("42");
+    bench.leave(how);
+    QCOMPARE(bench.written(), QStringList{"Number = 42"});
+    QCOMPARE(bench.shown("Number"), QString("42"));
+    QVERIFY(bench.editor() == nullptr);
+}
+
+void LineEditByHandTest::lineEditNonsense_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("no number") << "many";
+    QTest::newRow("beyond the range") << "101";
+    QTest::newRow("beyond 64 bits") << "9223372036854775808";
+    QTest::newRow("markup") << "<b>5</b>";
+    QTest::newRow("place holder") << "%1";
+}
+
+void LineEditByHandTest::lineEditNonsense()
+{
+    QFETCH(const QString, text);
+    EditorBench bench({features::integer("Number", 37, 0, 100)});
+    bench.openAs<QLineEdit>("Number");
+    EditorBench::type(text);
+    EditorBench::press(Qt::Key_Enter);
+    QCOMPARE(bench.shown("Number"), QString("37"));
+    QCOMPARE(scripted::node("Number").intValue, std::int64_t{37});
+    QVERIFY(bench.editor() == nullptr);
+}
+
+void LineEditByHandTest::lineEditOfAWriteOnlyFeature()
+{
+    EditorBench bench({features::withAccess(features::integer("Key", 0, 0, 100), Orvo::NODE_ACCESS_MODE_WO)});
+    QCOMPARE(bench.openAs<QLineEdit>("Key")->text(), QString("== Write-Only =="));
+    EditorBench::type("42");
+    EditorBench::press(Qt::Key_Return);
+    QCOMPARE(bench.written(), QStringList{"Key = 42"});
+    QCOMPARE(bench.shown("Key"), QString("== Write-Only ==")); // read anew
+}
+
+// A line edit cuts at 32767 characters, so what it shows is not what the camera holds; leaving it writes that all the
+// same, as with any other text.
+void LineEditByHandTest::lineEditOfALongText()
+{
+    const std::string longText(65535, 'x');
+    EditorBench bench({features::text("Text", longText)});
+    auto* lineEdit = bench.openAs<QLineEdit>("Text");
+    QCOMPARE(lineEdit->text().size(), 32767);
+    EditorBench::press(Qt::Key_Escape);
+    QCOMPARE(scripted::node("Text").strValue.size(), longText.size());
+    bench.openAs<QLineEdit>("Text");
+    EditorBench::type("short");
+    EditorBench::press(Qt::Key_Return);
+    QCOMPARE(scripted::node("Text").strValue, std::string("short"));
+}
+
+// --- Spin box --------------------------------------------------------------------------------------------------------
+
+QSpinBox* openSpinBox(EditorBench& bench, const QString& name)
+{
+    bench.item(name)->setData(EditorSpinBox, EditorKindRole);
+    return bench.openAs<QSpinBox>(name);
+}
+
+void LineEditByHandTest::spinBoxByKeyAndWheel()
+{
+    EditorBench bench({features::integer("Number", 36, 0, 100, 4)});
+    QSpinBox* spinBox = openSpinBox(bench, "Number");
+    QVERIFY(spinBox->hasFocus());
+    EditorBench::press(Qt::Key_Up);
+    QCOMPARE(bench.written(), QStringList{"Number = 40"});
+    QCOMPARE(bench.shown("Number"), QString("40"));
+    EditorBench::press(Qt::Key_Down);
+    EditorBench::turnWheel(spinBox, 1);
+    QCOMPARE(bench.written(), (QStringList{"Number = 40", "Number = 36", "Number = 40"}));
+    QCOMPARE(scripted::node("Number").intValue, std::int64_t{40});
+}
+
+void LineEditByHandTest::spinBoxTyped()
+{
+    EditorBench bench({features::integer("Number", 37, 0, 100)});
+    openSpinBox(bench, "Number");
+    EditorBench::type("8"); // all is selected
+    QCOMPARE(bench.written(), QStringList{"Number = 8"});
+    QCOMPARE(bench.shown("Number"), QString("8"));
+    EditorBench::press(Qt::Key_Return); // makes a spin box tell its value once more
+    QCOMPARE(bench.written(), (QStringList{"Number = 8", "Number = 8"}));
+    QVERIFY(bench.editor() == nullptr);
+}
+
+void LineEditByHandTest::spinBoxLeftWritesNothing_data()
+{
+    EditorBench::waysToLeave();
+    QTest::newRow("escape") << "escape";
+}
+
+void LineEditByHandTest::spinBoxLeftWritesNothing()
+{
+    QFETCH(const QString, how);
+    EditorBench bench(features::beside(features::integer("Number", 37, 0, 100)));
+    openSpinBox(bench, "Number");
+    bench.leave(how);
+    QVERIFY(bench.editor() == nullptr);
+    QCOMPARE(bench.written(), QStringList());
+    QCOMPARE(bench.shown("Number"), QString("37"));
+}
+
+} // namespace
+
+QTEST_MAIN(LineEditByHandTest)
+#include "LineEditByHandTest.moc"

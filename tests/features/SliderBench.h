@@ -1,0 +1,49 @@
+#pragma once
+
+#include "features/GenAPINodeItem.h"
+#include "features/LineEditWithSlider.h"
+#include "tests/support/ScriptedCamera.h"
+
+#include <QLineEdit>
+#include <QPointer>
+#include <QSlider>
+#include <QStandardItemModel>
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+/// A slider editor by itself in a window, over an item without a view: the base of a test of it.
+class SliderBench {
+public:
+    Q_DISABLE_COPY_MOVE(SliderBench)
+
+protected:
+    SliderBench() = default;
+    ~SliderBench() = default;
+
+    /// Around each test function.
+    void open();
+    void close();
+
+    /// Opens the camera with this one feature and gives its item, with its range read.
+    GenAPINodeItem* itemOf(const scripted::NodeSpec& spec);
+    /// Changes the camera's feature, and loads the editor again.
+    void changeRange(const std::function<void(scripted::NodeSpec&)>& change);
+    /// With the focus.
+    void showEditor();
+    /// The values that the camera got since the item was made or the calls were cleared.
+    [[nodiscard]] static QStringList written();
+
+    [[nodiscard]] QLineEdit& lineEdit() { return *m_editor->findChild<QLineEdit*>(); }
+    [[nodiscard]] QSlider& slider() { return *m_editor->findChild<QSlider*>(); }
+    [[nodiscard]] QString position() { return QString::number(slider().value()); }
+
+    Orvo::CAM_HANDLE m_camera = 0;
+    std::unique_ptr<QStandardItemModel> m_model;
+    QPointer<GenAPINodeItem> m_item;
+    std::unique_ptr<QWidget> m_window;
+    QPointer<QLineEdit> m_other; // beside the editor
+    QPointer<LineEditWithSlider> m_editor;
+};
