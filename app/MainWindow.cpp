@@ -165,7 +165,7 @@ void MainWindow::open_camera()
 
     featureView = new FeatureView;
     ui->dockWidgetRight->setWidget(featureView);
-    featureView->SetCam(camera);
+    static_cast<void>(featureView->SetCam(camera)); // without a node map the browser stays empty
     connect(featureView, &FeatureView::checkSoftwareTriggerMode, this, &MainWindow::check_software_trigger_mode);
 
     change_state(MAIN_STATE_OPENED);

@@ -2,6 +2,7 @@
 
 #include "app/MainState.h"
 #include "camera/CameraTypes.h"
+#include "display/ConversionBuffer.h"
 #include "display/KeptImages.h"
 
 #include <QImage>
@@ -13,7 +14,6 @@
 #include <cstdint>
 #include <memory>
 
-class ConversionBuffer;
 class DispThread;
 class FeatureView;
 class ImageView;
@@ -103,7 +103,7 @@ private:
     std::atomic<bool> firstFrameSeen{false}; // set by the callback, read by the display thread; never cleared
     CAM_STRM_HANDLE stream = 0;
     std::uint32_t pixelFormat = 0;
-    std::shared_ptr<ConversionBuffer> convBuffer; // the display thread fills and lends it
+    ConversionBuffer::Owner convBuffer; // the display thread fills and lends it
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::atomic<std::uint32_t> captureCount{0}; // added to by the callback, taken by the display thread

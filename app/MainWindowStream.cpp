@@ -110,7 +110,7 @@ bool MainWindow::open_stream()
     }
 
     std::uint32_t maxImageSize = 0;
-    CAM_API_STATUS status = Orvo::Strm_OpenSimple(camera, &stream, &maxImageSize, nullptr, kBufferCount, nullptr);
+    const CAM_API_STATUS status = Orvo::Strm_OpenSimple(camera, &stream, &maxImageSize, nullptr, kBufferCount, nullptr);
     if (status != Orvo::CAM_API_STS_SUCCESS) {
         set_error(status, "Strm_OpenSimple()");
         return false;
@@ -127,22 +127,17 @@ bool MainWindow::open_stream()
         return false;
     }
 
-    status = Orvo::Strm_SetCallbackImageAcquired(stream, this, &MainWindow::CallBackImageAcquired);
-    if (status != Orvo::CAM_API_STS_SUCCESS) {
-        set_error(status, "Strm_SetCallbackImageAcquired()");
-        return false;
-    }
-    status = Orvo::Strm_SetCallbackImageError(stream, this, &MainWindow::CallBackErrorImage);
-    if (status != Orvo::CAM_API_STS_SUCCESS) {
-        set_error(status, "Strm_SetCallbackImageError()");
-        return false;
-    }
-    status = Orvo::Strm_SetCallbackBufferBusy(stream, this, &MainWindow::CallbackBufferBusy);
-    if (status != Orvo::CAM_API_STS_SUCCESS) {
-        set_error(status, "Strm_SetCallbackBufferBusy()");
-        return false;
-    }
-    return true;
+    const auto registered = [this](CAM_API_STATUS result, const char* operation) {
+        if (result != Orvo::CAM_API_STS_SUCCESS)
+            set_error(result, operation);
+        return result == Orvo::CAM_API_STS_SUCCESS;
+    };
+    return registered(Orvo::Strm_SetCallbackImageAcquired(stream, this, &MainWindow::CallBackImageAcquired),
+                      "Strm_SetCallbackImageAcquired()") &&
+           registered(Orvo::Strm_SetCallbackImageError(stream, this, &MainWindow::CallBackErrorImage),
+                      "Strm_SetCallbackImageError()") &&
+           registered(Orvo::Strm_SetCallbackBufferBusy(stream, this, &MainWindow::CallbackBufferBusy),
+                      "Strm_SetCallbackBufferBusy()");
 }
 
 void MainWindow::start_acquisition()
@@ -286,7 +281,7 @@ void MainWindow::disp_image(QImage image)
 {
     // The display thread converts the next image only when this one has been given back. An image that was still
     // queued when its stream was stopped belongs to an earlier buffer, which it keeps alive by itself.
-    const ImageLoan handOver(convBuffer, image);
+    const ImageLoan handOver(convBuffer.get(), image);
     if (!acquiring.load(std::memory_order_acquire))
         return;
     captureImage = displayedImages.copyOf(image);

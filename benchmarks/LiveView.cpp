@@ -33,7 +33,7 @@
 
 namespace {
 
-// --- Lost images, seen at the callback -------------------------------------------------------------------------------
+// --- Lost images, seen at the callback ------------------------------------------------------------------------------
 
 struct Callback {
     void* context = nullptr;
@@ -103,8 +103,7 @@ double median(std::vector<double> values)
     return values.at(values.size() / 2);
 }
 
-// --- Start of the program
-// ---------------------------------------------------------------------------------------------
+// --- Start of the program ------------------------------------------------------------------------------------------
 
 void startToWindow()
 {
@@ -125,8 +124,7 @@ void startToWindow()
     report("start to window on screen, median of 5", median(seconds), "s", Limit::AtMost, 0.5);
 }
 
-// --- The colour camera at 60 images a second
-// ----------------------------------------------------------------------------
+// --- The colour camera at 60 images a second -----------------------------------------------------------------------
 
 void openColourCamera(WindowDriver& driver)
 {
@@ -176,8 +174,7 @@ void rates(WindowDriver& driver)
     driver.stop();
 }
 
-// --- Flat over time
-// -----------------------------------------------------------------------------------------------------
+// --- Flat over time ------------------------------------------------------------------------------------------------
 
 template <typename Cycle> void flat(const char* what, int cycles, const Cycle& cycle)
 {

@@ -44,12 +44,16 @@ DiscoveryDlg::~DiscoveryDlg() = default;
 void DiscoveryDlg::showEvent(QShowEvent*)
 {
     ui->PushButtonUpateCameraList->setEnabled(false);
+    // Shown once more before the timer fired: one enumeration is enough.
+    if (timer_id != 0)
+        killTimer(timer_id);
     timer_id = startTimer(kFirstEnumerationMs, Qt::CoarseTimer);
 }
 
 void DiscoveryDlg::timerEvent(QTimerEvent*)
 {
     killTimer(timer_id);
+    timer_id = 0;
     discovery_camera();
     ui->PushButtonUpateCameraList->setEnabled(true);
 }

@@ -1,5 +1,7 @@
 #include "display/ConversionBuffer.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <new>
 
 namespace {
@@ -8,20 +10,20 @@ constexpr std::uint32_t kBytesPerPixel = 4;
 
 } // namespace
 
-std::shared_ptr<ConversionBuffer> ConversionBuffer::create(std::uint32_t width, std::uint32_t height)
+ConversionBuffer::Owner ConversionBuffer::create(std::uint32_t width, std::uint32_t height)
 {
     const std::uint32_t bytes = width * height * kBytesPerPixel;
     if (bytes == 0 || bytes / kBytesPerPixel / width != height)
         return nullptr;
-    // Cleared, so that an image that cannot be converted is black and not what the memory held before.
-    std::unique_ptr<uchar[]> pixels(new (std::nothrow) uchar[bytes]());
+    const std::size_t count = bytes / kBytesPerPixel;
+    std::unique_ptr<QRgb[]> pixels(new (std::nothrow) QRgb[count]);
     if (!pixels)
         return nullptr;
-    return {new ConversionBuffer(width, height, std::move(pixels)),
-            [](ConversionBuffer* buffer) { buffer->release(); }};
+    std::fill_n(pixels.get(), count, qRgb(0, 0, 0));
+    return Owner(new (std::nothrow) ConversionBuffer(width, height, std::move(pixels)));
 }
 
-ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<uchar[]> pixels) noexcept
+ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<QRgb[]> pixels) noexcept
     : m_width(width)
     , m_height(height)
     , m_pixels(std::move(pixels))
@@ -36,8 +38,8 @@ void ConversionBuffer::release() noexcept
 
 QImage ConversionBuffer::lend()
 {
-    QImage image(m_pixels.get(), static_cast<int>(m_width), static_cast<int>(m_height), QImage::Format_ARGB32,
-                 releaseImage, this);
+    QImage image(pixels(), static_cast<int>(m_width), static_cast<int>(m_height), QImage::Format_ARGB32, releaseImage,
+                 this);
     // A size beyond what QImage takes gives a null image, which holds nothing and could never be given back.
     if (!image.isNull()) {
         m_users.fetch_add(1, std::memory_order_acq_rel);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QRgb>
 
 #include <atomic>
 #include <cstdint>
@@ -13,12 +14,18 @@
 /// thread's side.
 class ConversionBuffer {
 public:
+    struct OwnerLeaves {
+        void operator()(ConversionBuffer* buffer) const noexcept { buffer->release(); }
+    };
+    using Owner = std::unique_ptr<ConversionBuffer, OwnerLeaves>;
+
     /// Room for width x height pixels of 4 bytes. Null where memory is short, or where the product, taken in 32 bits
-    /// as the camera's sizes are, is 0 or does not fit.
-    [[nodiscard]] static std::shared_ptr<ConversionBuffer> create(std::uint32_t width, std::uint32_t height);
+    /// as the camera's sizes are, is 0 or does not fit. Black at first, so that an image that cannot be converted does
+    /// not show what the memory held before.
+    [[nodiscard]] static Owner create(std::uint32_t width, std::uint32_t height);
     Q_DISABLE_COPY_MOVE(ConversionBuffer)
 
-    [[nodiscard]] uchar* pixels() noexcept { return m_pixels.get(); }
+    [[nodiscard]] uchar* pixels() noexcept { return reinterpret_cast<uchar*>(m_pixels.get()); }
 
     /// True from lend() to the end of the ImageLoan: the GUI thread may be reading.
     [[nodiscard]] bool isLent() const noexcept { return m_lent.load(std::memory_order_acquire); }
@@ -30,7 +37,7 @@ public:
 private:
     friend class ImageLoan;
 
-    ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<uchar[]> pixels) noexcept;
+    ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<QRgb[]> pixels) noexcept;
     ~ConversionBuffer() = default;
 
     /// Ends the use by the owner or by one image; the last one frees the buffer.
@@ -39,7 +46,7 @@ private:
 
     const std::uint32_t m_width;
     const std::uint32_t m_height;
-    const std::unique_ptr<uchar[]> m_pixels;
+    const std::unique_ptr<QRgb[]> m_pixels;
     std::atomic<int> m_users{1}; // the owner, and every lent image that somebody still has
     std::atomic<bool> m_lent{false};
 };

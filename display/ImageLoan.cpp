@@ -2,10 +2,9 @@
 
 #include "display/ConversionBuffer.h"
 
-ImageLoan::ImageLoan(std::shared_ptr<ConversionBuffer> buffer, const QImage& image) noexcept
+ImageLoan::ImageLoan(ConversionBuffer* buffer, const QImage& image) noexcept
+    : m_buffer(buffer && buffer->isLent() && image.constBits() == buffer->pixels() ? buffer : nullptr)
 {
-    if (buffer && buffer->isLent() && image.constBits() == buffer->m_pixels.get())
-        m_buffer = std::move(buffer);
 }
 
 ImageLoan::~ImageLoan()

@@ -1,7 +1,7 @@
 # Sourced by packaging/check-packages and packaging/check-fresh-roots: small Debian systems in folders of their own.
 # shellcheck shell=bash
 
-debian_mirror=${DEBIAN_MIRROR:-http://deb.debian.org/debian}
+# Another mirror than debootstrap's own comes in DEBIAN_MIRROR.
 
 require_fresh_roots() {
     if [ "$(id -u)" -ne 0 ]; then
@@ -20,7 +20,7 @@ make_root() {
     cache=$PWD/build/debootstrap/$1
     mkdir -p "$cache"
     echo "Making a $1 system in $2"
-    debootstrap --variant=minbase --cache-dir="$cache" "$1" "$2" "$debian_mirror" >"$2.log" 2>&1 || {
+    debootstrap --variant=minbase --cache-dir="$cache" "$1" "$2" ${DEBIAN_MIRROR:+"$DEBIAN_MIRROR"} >"$2.log" 2>&1 || {
         tail -n 20 "$2.log" >&2
         return 1
     }

@@ -63,6 +63,7 @@ private slots:
 
     void listComesAfterTheDialog();
     void listComesOnce();
+    void listComesOnceWhereTheDialogIsShownAgain();
     void listComesAgainWithTheDialog();
     void threeCamerasInIndexOrder();
     void emptyUserNameGivesAnEmptyCell();
@@ -193,6 +194,17 @@ void DiscoveryDlgTest::listComesOnce()
 {
     constexpr int severalPeriodsMs = 350;
     Shown shown;
+    shown.dialog.show();
+    QTest::qWait(severalPeriodsMs);
+    QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 1);
+}
+
+void DiscoveryDlgTest::listComesOnceWhereTheDialogIsShownAgain()
+{
+    constexpr int severalPeriodsMs = 350;
+    Shown shown;
+    shown.dialog.show();
+    shown.dialog.hide();
     shown.dialog.show();
     QTest::qWait(severalPeriodsMs);
     QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 1);
