@@ -17,12 +17,13 @@ public:
     {
     }
 
-    /// The signal first: who sees that the camera is gone finds the signal set.
+    /// Who sees that the camera is gone finds the signal set, and the other way round.
     void note()
     {
         if (m_signal != nullptr)
-            m_signal->set();
-        m_noted.store(true, std::memory_order_release);
+            m_signal->setTogetherWith(m_noted);
+        else
+            m_noted.store(true, std::memory_order_release);
     }
 
     [[nodiscard]] bool noted() const noexcept { return m_noted.load(std::memory_order_acquire); }

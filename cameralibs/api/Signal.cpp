@@ -17,6 +17,14 @@ void Signal::clear()
     m_set = false;
 }
 
+void Signal::setTogetherWith(std::atomic<bool>& flag)
+{
+    const std::lock_guard lock(m_mutex);
+    m_set = true;
+    flag.store(true, std::memory_order_release);
+    m_changed.notify_all();
+}
+
 void Signal::close(Orvo::CAM_API_STATUS status)
 {
     const std::lock_guard lock(m_mutex);

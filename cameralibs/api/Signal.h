@@ -2,6 +2,7 @@
 
 #include "camera/OrvoCamApi.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 
@@ -12,6 +13,9 @@ class Signal {
 public:
     void set();
     void clear();
+
+    /// Sets the signal and the flag in one: nobody sees one without the other.
+    void setTogetherWith(std::atomic<bool>& flag);
 
     /// Every wait, those that are under way included, answers `status` from now on.
     void close(Orvo::CAM_API_STATUS status);

@@ -4,6 +4,8 @@
 #include "cameralibs/devices/aravis/GigeStream.h"
 #include "cameralibs/genicam/ErrorStatus.h"
 
+#include <atomic>
+#include <memory>
 #include <utility>
 
 namespace orvo {
@@ -12,16 +14,24 @@ using namespace Orvo;
 
 namespace {
 
-using Handler = std::function<void()>;
+/// GLib hands it from the thread that sets it to the one that calls it and back, by means of its own.
+struct Handler {
+    std::function<void()> call;
+    std::atomic<bool> handedOver{false}; ///< the same in terms that a thread sanitizer sees
+};
 
-void callHandler(ArvDevice*, void* handler)
+void callHandler(ArvDevice*, void* data)
 {
-    (*static_cast<Handler*>(handler))();
+    auto& handler = *static_cast<Handler*>(data);
+    if (handler.handedOver.load(std::memory_order_acquire))
+        handler.call();
+    handler.handedOver.store(true, std::memory_order_release);
 }
 
-void deleteHandler(void* handler, GClosure*)
+void deleteHandler(void* data, GClosure*)
 {
-    delete static_cast<Handler*>(handler);
+    const std::unique_ptr<Handler> handler(static_cast<Handler*>(data));
+    (void)handler->handedOver.load(std::memory_order_acquire);
 }
 
 } // namespace
@@ -69,7 +79,9 @@ Outcome AravisDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*
 void AravisDevice::onRemoval(std::function<void()> handler)
 {
     // The closure owns the handler: one that runs while it is being disconnected keeps it.
-    auto owned = std::make_unique<Handler>(std::move(handler));
+    auto owned = std::make_unique<Handler>();
+    owned->call = std::move(handler);
+    owned->handedOver.store(true, std::memory_order_release);
     m_removalConnection = g_signal_connect_data(m_connection->device(), "control-lost", G_CALLBACK(callHandler),
                                                 owned.release(), deleteHandler, static_cast<GConnectFlags>(0));
 }

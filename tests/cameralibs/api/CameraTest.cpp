@@ -1,4 +1,5 @@
 #include "CameraFixture.h"
+#include "DescribedCamera.h"
 
 #include <cstring>
 
@@ -194,4 +195,34 @@ TEST_F(CameraTest, TerminateClosesEverything)
     EXPECT_EQ(Sys_CloseSignal(m_signal), CAM_API_STS_INVALID_EVENT_HANDLE);
     ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
     EXPECT_EQ(open(0, &m_camera), CAM_API_STS_SUCCESS) << "the device was let go";
+}
+
+TEST_F(CameraTest, UserDefinedNameIsKnownOnceTheCameraWasOpen)
+{
+    ASSERT_EQ(Nd_SetStrValue(m_camera, node("DeviceUserID"), "left"), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(open(0, &m_camera, m_signal), CAM_API_STS_SUCCESS);
+    const std::string kept = textOf(Nd_GetStrValue, m_camera, node("DeviceUserID"));
+    CAM_INFO info;
+    ASSERT_EQ(Cam_GetInformation(m_camera, 0, &info), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(info.userDefinedName, kept);
+    ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(info.userDefinedName, kept);
+}
+
+TEST(CameraInformation, IsAsciiAndCutToItsFields)
+{
+    const std::string model = "K\u00E4mera " + std::string(100, 'm');
+    const DescribedCamera camera(descriptionOf(model, "", ""));
+    ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
+    CAM_INFO info;
+    std::memset(&info, 0xFF, sizeof info);
+    ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(info.modelName, "K??mera " + std::string(55, 'm'));
+    EXPECT_STREQ(info.vendorName, "Simulated");
+    EXPECT_STREQ(info.serialNumber, "XML-1");
+    EXPECT_STREQ(info.userDefinedName, "");
+    EXPECT_THAT(info.userDefinedName, ::testing::Each(0));
+    EXPECT_EQ(info.link, CAM_LINK_SIMULATED);
 }

@@ -154,7 +154,8 @@ TEST(NodeText, EntriesKeepTheirOrderAndHaveSymbolicNames)
     const DescribedCamera camera(describe(R"(
         <Integer Name="No"><Value>0</Value></Integer>
         <Enumeration Name="PixelFormat">
-          <EnumEntry Name="EnumEntry_PixelFormat_Mono8"><Value>3</Value></EnumEntry>
+          <EnumEntry Name="EnumEntry_PixelFormat_Mono8"><ToolTip>tip</ToolTip><Visibility>Guru</Visibility>
+            <Value>3</Value></EnumEntry>
           <EnumEntry Name="EnumEntry_Other_Mono10"><Value>2</Value></EnumEntry>
           <EnumEntry Name="Plain"><pIsImplemented>No</pIsImplemented><Value>1</Value></EnumEntry>
           <EnumEntry Name="EnumEntry_PixelFormat_Named"><Value>0</Value><Symbolic>Symbol</Symbolic></EnumEntry>
@@ -181,6 +182,12 @@ TEST(NodeText, EntriesKeepTheirOrderAndHaveSymbolicNames)
     ASSERT_EQ(Nd_GetEnumEntryByIndex(camera.handle(), format, 2, &again), CAM_API_STS_SUCCESS);
     EXPECT_EQ(entry, again);
     EXPECT_EQ(textOf(Nd_GetName, camera.handle(), entry), "Plain");
+    ASSERT_EQ(Nd_GetEnumEntryByIndex(camera.handle(), format, 0, &entry), CAM_API_STS_SUCCESS);
+    TC_NODE_VISIBILITY visibility = NODE_VISIBILITY_BEGINNER;
+    EXPECT_EQ(Nd_GetVisibility(camera.handle(), entry, &visibility), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(visibility, NODE_VISIBILITY_GURU);
+    EXPECT_EQ(textOf(Nd_GetToolTip, camera.handle(), entry), "tip");
+    EXPECT_EQ(textOf(Nd_GetUnit, camera.handle(), entry), "");
 }
 
 TEST(NodeText, StringsHoldAnyLengthUpToTheirRegister)

@@ -82,3 +82,19 @@ TEST_F(CameraTest, SignalOfAnOpenCameraMayBeClosed)
     std::int64_t value = 0;
     EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING);
 }
+
+TEST_F(CameraTest, SignalIsSetBeforeAnyOperationTellsOfTheRemoval)
+{
+    const CAM_NODE_HANDLE width = node("Width");
+    std::vector<std::future<CAM_API_STATUS>> readers;
+    for (int i = 0; i < 4; ++i)
+        readers.push_back(std::async(std::launch::async, [&] {
+            std::int64_t value = 0;
+            while (Nd_GetIntValue(m_camera, width, &value) != CAM_API_STS_CAMERA_NOT_RESPONDING) {
+            }
+            return Sys_WaitForSignal(m_signal, 0);
+        }));
+    unplug();
+    for (auto& reader : readers)
+        EXPECT_EQ(reader.get(), CAM_API_STS_SUCCESS);
+}
