@@ -201,8 +201,9 @@ private:
     void tellValuesWritten();
 
     [[nodiscard]] int opeLogLevel() const;
-    /// Hands an entry to the view, the line that looks the node up in front; nothing where the level is below `mode`.
-    void sendOpeLog(const QString& log, OperationLogMode mode);
+    /// Hands an entry to the view, the line that looks the node up in front; an empty one is none. It holds only what
+    /// appendOpeLog let through, so that the level is looked at in one place.
+    void sendOpeLog(const QString& log);
 
     Orvo::CAM_API_STATUS m_lastStatus = Orvo::CAM_API_STS_SUCCESS; ///< of the last camera call
     FeatureView* m_featureView = nullptr;

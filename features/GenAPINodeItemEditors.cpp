@@ -43,7 +43,10 @@ void GenAPINodeItem::spinBox_ValueChanged(int value)
         m_node.valueText = QString::number(value);
         showValueText();
     }
-    sendOpeLog(OperationLog::text(Fragment::IntegerWrite, QString::number(value)), OpeLogWrite);
+    QString log;
+    appendOpeLog(log, OperationLog::text(Fragment::IntegerWrite, QString::number(value)), OpeLogWrite,
+                 CAM_API_STS_SUCCESS);
+    sendOpeLog(log);
 }
 
 void GenAPINodeItem::button_Clicked()
@@ -53,7 +56,9 @@ void GenAPINodeItem::button_Clicked()
         m_featureView->setValuesWritten();
         m_featureView->updateAllFeatures(true);
     }
-    sendOpeLog(OperationLog::text(Fragment::CommandExecution), OpeLogWrite);
+    QString log;
+    appendOpeLog(log, OperationLog::text(Fragment::CommandExecution), OpeLogWrite, CAM_API_STS_SUCCESS);
+    sendOpeLog(log);
 }
 
 void GenAPINodeItem::slider_EditingFinished() {}

@@ -12,9 +12,9 @@ void GenAPINodeItem::appendOpeLog(QString& log, const QString& text, OperationLo
     OperationLog::append(log, text, opeLogLevel(), mode, status);
 }
 
-void GenAPINodeItem::sendOpeLog(const QString& log, OperationLogMode mode)
+void GenAPINodeItem::sendOpeLog(const QString& log)
 {
-    if (opeLogLevel() < mode || log.isEmpty())
+    if (log.isEmpty())
         return;
     QString entry = OperationLog::text(OperationLog::Fragment::NodeLookup, m_node.name) + log;
     emit m_featureView->OpeLogAppended(entry);

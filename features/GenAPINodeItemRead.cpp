@@ -34,7 +34,7 @@ QString GenAPINodeItem::getNodeValue(bool withUnit, bool force)
         QString log;
         status = readValue(log);
         m_node.valueTextValid = status == CAM_API_STS_SUCCESS;
-        sendOpeLog(log, OpeLogRead);
+        sendOpeLog(log);
     }
     m_lastStatus = status;
     const QString display = showValueText();
@@ -168,7 +168,7 @@ long GenAPINodeItem::getEnumIntValue()
     m_lastStatus = Nd_GetEnumIntValue(m_camHandle, m_node.handle, &value);
     QString log;
     appendOpeLog(log, OperationLog::text(Fragment::EnumIntegerRead), OpeLogRead, m_lastStatus);
-    sendOpeLog(log, OpeLogRead);
+    sendOpeLog(log);
     return value;
 }
 
@@ -217,7 +217,7 @@ void GenAPINodeItem::updateVals(bool all)
     else if (m_node.type == NODE_TYPE_INTEGER)
         readIntegerRange(all, log);
     // Alone of all entries this one has no line that looks the node up.
-    if (opeLogLevel() >= OpeLogRange && !log.isEmpty())
+    if (!log.isEmpty())
         emit m_featureView->OpeLogAppended(log);
 }
 

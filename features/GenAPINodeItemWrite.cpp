@@ -49,7 +49,7 @@ int GenAPINodeItem::setNodeValue(const QString& text)
     const CAM_API_STATUS status = writeText(text, fragment);
     QString log;
     appendOpeLog(log, fragment, OpeLogWrite, status);
-    sendOpeLog(log, OpeLogWrite);
+    sendOpeLog(log);
     if (m_featureView != nullptr && decidesOverSoftwareTrigger(m_node.name))
         emit m_featureView->checkSoftwareTriggerMode();
     showValueText();
@@ -150,7 +150,7 @@ int GenAPINodeItem::setNodeValue(long value)
     QString log;
     const Fragment fragment = enumeration ? Fragment::EnumIntegerWrite : Fragment::IntegerWrite;
     appendOpeLog(log, OperationLog::text(fragment, QString::number(value)), OpeLogWrite, status);
-    sendOpeLog(log, OpeLogWrite);
+    sendOpeLog(log);
     if (status == CAM_API_STS_SUCCESS)
         getNodeValue(false, true);
     return static_cast<int>(status);
@@ -170,7 +170,7 @@ int GenAPINodeItem::setNodeValue(double value)
         tellValuesWritten();
         QString log;
         appendOpeLog(log, OperationLog::text(Fragment::FloatWrite, QString::number(value)), OpeLogWrite, status);
-        sendOpeLog(log, OpeLogWrite);
+        sendOpeLog(log);
     }
     return static_cast<int>(status);
 }

@@ -81,6 +81,7 @@ private slots:
     void spinBoxDoesNotCount();
     void triggerCheckIsWithinTheWrite();
     void comboReadsEverythingAnew();
+    void comboReadsOnlyWhatWasNotReadSince();
     void comboThatFailedReadsNothing();
     void buttonReadsEverythingAnew();
     void buttonThatFailedReadsNothing();
@@ -262,6 +263,19 @@ void NodeItemViewTest::comboReadsEverythingAnew()
     rows.item->combo_CurrentIndexChanged(1);
     QCOMPARE(rows.readings(), 1);
     QVERIFY(!rows.valuesWritten());
+    rows.item->combo_CurrentIndexChanged(1);
+    QCOMPARE(rows.readings(), 1);
+}
+
+void NodeItemViewTest::comboReadsOnlyWhatWasNotReadSince()
+{
+    Rows rows(enumNode({NODE_ACCESS_MODE_RO, NODE_ACCESS_MODE_RO}, "TriggerMode"));
+    connect(&rows.table.view(), &FeatureView::checkSoftwareTriggerMode, this,
+            [&] { rows.table.view().updateAllFeatures(true); });
+    QComboBox editor;
+    editor.addItems({"First", "Second"});
+    rows.item->setEditor(&editor);
+    editor.setCurrentIndex(1);
     rows.item->combo_CurrentIndexChanged(1);
     QCOMPARE(rows.readings(), 1);
 }
