@@ -100,10 +100,11 @@ void GenAPINodeItem::clear()
 
 void GenAPINodeItem::setData(const QVariant& value, int role)
 {
-    if (role == Qt::EditRole)
+    if (role == Qt::EditRole) {
         setNodeValue(value.toString());
-    else
-        QStandardItem::setData(value, role);
+        return;
+    }
+    QStandardItem::setData(value, role);
 }
 
 bool GenAPINodeItem::isCategory() const

@@ -37,13 +37,13 @@ QString GenAPINodeItem::getNodeValue(bool withUnit, bool force)
         sendOpeLog(log);
     }
     m_lastStatus = status;
-    const QString display = showValueText();
+    QString display = showValueText();
     return withUnit ? display : m_node.valueText;
 }
 
 QString GenAPINodeItem::showValueText()
 {
-    const QString display = m_node.unit.isEmpty() ? m_node.valueText : m_node.valueText + ' ' + m_node.unit;
+    QString display = m_node.unit.isEmpty() ? m_node.valueText : m_node.valueText + ' ' + m_node.unit;
     QStandardItem::setData(display, Qt::EditRole);
     return display;
 }
@@ -214,7 +214,7 @@ void GenAPINodeItem::updateVals(bool all)
     QString log;
     if (m_node.type == NODE_TYPE_FLOAT)
         readFloatRange(all, log);
-    else if (m_node.type == NODE_TYPE_INTEGER)
+    if (m_node.type == NODE_TYPE_INTEGER)
         readIntegerRange(all, log);
     // Alone of all entries this one has no line that looks the node up.
     if (!log.isEmpty())

@@ -31,18 +31,18 @@ constexpr TypeRow typeRows[] = {
 
 /// Features that are dragged far more often than typed, whatever the camera says of them.
 struct NameOverride {
-    NodeType type;
     const char* name;
+    NodeType type;
     NodeRepresentation representation;
 };
 
 constexpr NameOverride nameOverrides[] = {
-    {NODE_TYPE_INTEGER, "Width", NODE_REPRESENTATION_LINEAR},
-    {NODE_TYPE_INTEGER, "Height", NODE_REPRESENTATION_LINEAR},
-    {NODE_TYPE_INTEGER, "OffsetX", NODE_REPRESENTATION_LINEAR},
-    {NODE_TYPE_INTEGER, "OffsetY", NODE_REPRESENTATION_LINEAR},
-    {NODE_TYPE_FLOAT, "ExposureTime", NODE_REPRESENTATION_LOGARITHMIC},
-    {NODE_TYPE_FLOAT, "Gain", NODE_REPRESENTATION_LINEAR},
+    {"Width", NODE_TYPE_INTEGER, NODE_REPRESENTATION_LINEAR},
+    {"Height", NODE_TYPE_INTEGER, NODE_REPRESENTATION_LINEAR},
+    {"OffsetX", NODE_TYPE_INTEGER, NODE_REPRESENTATION_LINEAR},
+    {"OffsetY", NODE_TYPE_INTEGER, NODE_REPRESENTATION_LINEAR},
+    {"ExposureTime", NODE_TYPE_FLOAT, NODE_REPRESENTATION_LOGARITHMIC},
+    {"Gain", NODE_TYPE_FLOAT, NODE_REPRESENTATION_LINEAR},
 };
 
 const TypeRow* rowOf(NodeType type)
