@@ -59,10 +59,11 @@ AccessResult CameraRegisters::write(std::uint64_t address, const void* buffer, s
     if (!accepts(*entry, buffer, size))
         return AccessResult::InvalidValue;
     m_memory.write(address, buffer, size);
-    if (entry == &kUnplug)
+    if (entry == &kUnplug) {
         unplug();
-    else
+    } else {
         m_firmware.apply(*entry);
+    }
     return AccessResult::Done;
 }
 

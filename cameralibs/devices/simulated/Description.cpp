@@ -5,7 +5,9 @@
 #include "cameralibs/devices/simulated/PixelFormat.h"
 #include "cameralibs/devices/simulated/RegisterTable.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <locale>
 #include <sstream>
 #include <string_view>
 
@@ -78,22 +80,26 @@ void writePixelFormatEntries(std::ostream& out, const CameraModel& model)
 
 void writeLimit(std::ostream& out, const RegisterEntry& entry, double limit)
 {
-    if (entry.kind == RegisterKind::Real)
+    if (entry.kind == RegisterKind::Real) {
         out << limit;
-    else
+    } else {
         out << static_cast<std::int64_t>(limit);
+    }
 }
 
 void writePlaceholder(std::ostream& out, std::string_view text, const CameraModel& model)
 {
-    if (text == "PixelFormatEntries")
-        return writePixelFormatEntries(out, model);
+    if (text == "PixelFormatEntries") {
+        writePixelFormatEntries(out, model);
+        return;
+    }
     const std::size_t point = text.find('.');
     const RegisterEntry& entry = registerNamed(text.substr(0, point));
-    if (point == std::string_view::npos)
+    if (point == std::string_view::npos) {
         out << entry.address;
-    else
+    } else {
         writeLimit(out, entry, text.substr(point) == ".min" ? entry.minimum : entry.maximum);
+    }
 }
 
 void writeFragment(std::ostream& out, std::string_view fragment, const CameraModel& model)

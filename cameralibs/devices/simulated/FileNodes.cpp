@@ -198,12 +198,13 @@ void FileNodes::settleFeature(NodeId id)
     }
     ArvGcFeatureNode* const node = feature(id);
     // An enumeration is an integer, too.
-    if (ARV_IS_GC_ENUMERATION(node))
+    if (ARV_IS_GC_ENUMERATION(node)) {
         settleEnumeration(ARV_GC_ENUMERATION(node));
-    else if (ARV_IS_GC_INTEGER(node))
+    } else if (ARV_IS_GC_INTEGER(node)) {
         settleInteger(ARV_GC_INTEGER(node));
-    else if (ARV_IS_GC_FLOAT(node))
+    } else if (ARV_IS_GC_FLOAT(node)) {
         settleFloat(ARV_GC_FLOAT(node));
+    }
 }
 
 ArvGcFeatureNode* FileNodes::feature(const char* name) const

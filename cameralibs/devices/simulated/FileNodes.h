@@ -4,6 +4,8 @@
 #include "cameralibs/devices/simulated/RegisterDevice.h"
 #include "cameralibs/genicam/NodeMap.h"
 
+#include <arv.h>
+
 #include <cstdint>
 #include <memory>
 #include <mutex>

@@ -20,13 +20,13 @@ FrameGenerator::FrameGenerator(Acquisition& acquisition, const DeviceClock& cloc
     : m_acquisition(acquisition)
     , m_clock(clock)
     , m_sink(sink)
-    , m_free(buffers)
+    , m_buffer(buffers.front())
 {
 }
 
 FrameGenerator::~FrameGenerator()
 {
-    stop();
+    FrameGenerator::stop();
 }
 
 Outcome FrameGenerator::start()
@@ -73,21 +73,17 @@ void FrameGenerator::sendImage(const FrameSettings& settings)
         return;
     }
     const std::size_t size = ImageMaker::sizeOf(settings.image);
-    if (m_free.empty() || m_free.back()->capacity < size) {
+    if (m_buffer->capacity < size) {
         m_sink.fail(Orvo::CAM_API_STS_BUFFER_FULL);
         return;
     }
-    FrameBuffer* const buffer = m_free.back();
-    m_free.pop_back();
-
     // The scene has a time of its own: it does not stop with the camera, nor jump when the clock is reset.
     const std::chrono::duration<double> sceneTime = Acquisition::Clock::now().time_since_epoch();
-    buffer->timestampNs = static_cast<std::uint64_t>(m_clock.nanoseconds());
-    m_maker.make(settings.image, m_frameNumber, sceneTime.count(), buffer->data);
-    buffer->size = size;
-    buffer->frameNumber = m_frameNumber;
-    if (FrameBuffer* const returned = m_sink.deliver(buffer); returned != nullptr)
-        m_free.push_back(returned);
+    m_buffer->timestampNs = static_cast<std::uint64_t>(m_clock.nanoseconds());
+    m_maker.make(settings.image, m_frameNumber, sceneTime.count(), m_buffer->data);
+    m_buffer->size = size;
+    m_buffer->frameNumber = m_frameNumber;
+    m_buffer = m_sink.deliver(m_buffer);
 }
 
 } // namespace orvo::simulated

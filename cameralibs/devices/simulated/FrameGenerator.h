@@ -29,7 +29,7 @@ private:
     Acquisition& m_acquisition;
     const DeviceClock& m_clock;
     FrameSink& m_sink;
-    std::vector<FrameBuffer*> m_free;
+    FrameBuffer* m_buffer; ///< the one to fill next: no other is needed
     ImageMaker m_maker;
     std::uint64_t m_frameNumber = 0;
     std::thread m_thread;

@@ -55,10 +55,11 @@ void ImageMaker::make(const ImageSettings& settings, std::uint64_t frameNumber, 
 {
     if (settings != m_settings)
         prepare(settings);
-    if (m_settings.pattern == TestPattern::Off)
+    if (m_settings.pattern == TestPattern::Off) {
         makeScene(frameNumber, seconds, out);
-    else
+    } else {
         makePattern(frameNumber, out);
+    }
 }
 
 void ImageMaker::prepare(const ImageSettings& settings)
@@ -82,16 +83,17 @@ void ImageMaker::prepare(const ImageSettings& settings)
 
 void ImageMaker::buildTone()
 {
-    const double factors[] = {m_settings.red, m_settings.green, m_settings.blue};
-    for (std::size_t channel = 0; channel < m_tone.size(); ++channel) {
+    const std::array factors{m_settings.red, m_settings.green, m_settings.blue};
+    for (std::size_t channel = 0; channel < factors.size(); ++channel) {
+        const double factor = factors[channel];
         auto& tone = m_tone[channel];
         tone.resize(kFullLight + 1);
         for (std::size_t light = 0; light < tone.size(); ++light) {
-            const double linear = static_cast<double>(light) / kFullLight * factors[channel] + m_settings.blackLevel;
+            const double linear = static_cast<double>(light) / kFullLight * factor + m_settings.blackLevel;
             double value = std::pow(std::clamp(linear, 0.0, 1.0), m_settings.gamma);
             if (m_settings.useTable)
                 value = lookUp(m_settings.table, value);
-            tone[light] = static_cast<std::uint16_t>(value * std::numeric_limits<std::uint16_t>::max() + 0.5);
+            tone[light] = static_cast<std::uint16_t>(std::lround(value * std::numeric_limits<std::uint16_t>::max()));
         }
     }
 }
@@ -191,8 +193,8 @@ void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
 void ImageMaker::joinColumns(int count, int columns, int joined)
 {
     const auto mean = [&](std::uint16_t light) { return static_cast<std::uint16_t>(light / joined); };
-    for (int i = 0; i < count; ++i) {
-        const auto first = m_row.begin() + i * columns;
+    const Sample* first = m_row.data();
+    for (int i = 0; i < count; ++i, first += columns) {
         const Sample total = std::accumulate(first, first + columns, Sample{}, sum);
         m_row[static_cast<std::size_t>(i)] = {mean(total.red), mean(total.green), mean(total.blue)};
     }

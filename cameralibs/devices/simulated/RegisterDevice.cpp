@@ -2,8 +2,6 @@
 
 #include "cameralibs/devices/simulated/RegisterSpace.h"
 
-#include <arv.h>
-
 #include <cstddef>
 #include <iterator>
 

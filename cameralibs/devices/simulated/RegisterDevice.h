@@ -1,9 +1,9 @@
 #pragma once
 
+#include <arv.h>
+
 #include <memory>
 #include <string_view>
-
-typedef struct _ArvDevice ArvDevice;
 
 namespace orvo::simulated {
 

@@ -8,16 +8,16 @@
 #include <cstddef>
 #include <limits>
 
-namespace orvo::simulated {
-
-namespace rows {
+namespace orvo::simulated::rows {
 
 constexpr auto RO = RegisterAccess::ReadOnly;
 constexpr auto RW = RegisterAccess::ReadWrite;
 constexpr auto WO = RegisterAccess::WriteOnly;
 
-constexpr std::numeric_limits<std::int64_t> kInt64;
-constexpr std::numeric_limits<double> kDouble;
+constexpr std::int64_t kLeastInteger = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kGreatestInteger = std::numeric_limits<std::int64_t>::max();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 constexpr RegisterEntry integer(std::string_view name, RegisterKind kind, std::uint32_t length, RegisterAccess access,
                                 std::int64_t initial)
@@ -112,6 +112,4 @@ template <std::size_t N> constexpr std::array<RegisterEntry, N> laidOut(std::arr
     return table;
 }
 
-} // namespace rows
-
-} // namespace orvo::simulated
+} // namespace orvo::simulated::rows

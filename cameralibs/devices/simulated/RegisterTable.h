@@ -181,8 +181,8 @@ constexpr auto kTable = laidOut(std::array{
     integer("IntegerWord", RegisterKind::Unsigned, 2, RW, 0xBEEF).between(0, 65535),
     i64("IntegerInt64", RW, 1LL << 53),
     i64("IntegerInt64Slider", RW, -1),
-    i64("IntegerInt64Minimum", RO, kInt64.min()),
-    i64("IntegerInt64Maximum", RO, kInt64.max()),
+    i64("IntegerInt64Minimum", RO, kLeastInteger),
+    i64("IntegerInt64Maximum", RO, kGreatestInteger),
     u32("IntegerSingleValue", RW, 5).between(5, 5),
     i32("IntegerDynamicMinimum", RW, -10).between(-1000, 0),
     i32("IntegerDynamicMaximum", RW, 10).between(0, 1000),
@@ -207,8 +207,8 @@ constexpr auto kTable = laidOut(std::array{
     single("FloatSingle", RW, 0.1).between(-1e30, 1e30),
     real("FloatLargest", RW, 1.7976931348623157e308),
     real("FloatSmallest", RW, 1e-305).between(0, 1e-300),
-    real("FloatNotANumber", RO, kDouble.quiet_NaN()),
-    real("FloatInfinite", RO, kDouble.infinity()),
+    real("FloatNotANumber", RO, kNotANumber),
+    real("FloatInfinite", RO, kInfinite),
     real("FloatDynamicMaximum", RW, 50).between(0, 1000),
     real("FloatDynamic", RW, 20).between(0, 1000),
     real("FloatConvertedBase", RW, 10).between(0, 100),
@@ -232,7 +232,7 @@ constexpr auto kTable = laidOut(std::array{
     text("StringPlain", RW, 32, "Plain text"),
     text("StringEmpty", RW, 32),
     text("StringUnicode", RW, 128, "Grüße, καλημέρα, привет, 你好, こんにちは, مرحبا 🎥"),
-    text("StringMarkup", RW, 128, "<b>Bold</b> &amp; <img src=\"x\"> %1 %2 \\n"),
+    text("StringMarkup", RW, 128, R"(<b>Bold</b> &amp; <img src="x"> %1 %2 \n)"),
     text("StringReadOnly", RO, 32, "Cannot be written"),
     text("StringWriteOnly", WO, 32),
     text("StringLong", RW, 65536).notStored(),
@@ -287,7 +287,7 @@ constexpr auto kTable = laidOut(std::array{
 
 inline constexpr auto kRegisters = rows::kTable;
 
-/// For constants of the compiler: a name that is not in the table does not compile.
+/// In a constant expression a name that is not in the table does not compile.
 constexpr const RegisterEntry& registerNamed(std::string_view name)
 {
     for (const RegisterEntry& row : kRegisters) {

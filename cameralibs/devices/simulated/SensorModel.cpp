@@ -169,7 +169,7 @@ void SensorModel::updatePixels()
     const bool bayer = format.name.substr(0, 5) == "Bayer";
     m_memory.set(registerNamed("PixelSize"), format.bitsPerPixel);
     m_memory.set(registerNamed("PixelColorFilter"), bayer ? 1 : 0);
-    m_memory.set(registerNamed("PixelDynamicRangeMax"), (1LL << format.depth) - 1);
+    m_memory.set(registerNamed("PixelDynamicRangeMax"), (std::int64_t{1} << format.depth) - 1);
     const std::int64_t pixels = m_memory.integer(registerNamed("Width")) * m_memory.integer(registerNamed("Height"));
     const std::size_t size = bytesOf(format, static_cast<std::size_t>(pixels));
     m_memory.set(registerNamed("PayloadSize"), static_cast<std::int64_t>(size));

@@ -52,10 +52,11 @@ public:
                                          [&](const Camera& candidate) { return candidate.info.id == id; });
         if (camera == m_cameras.end() || !camera->attachment->isPlugged())
             return {Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING, ""};
-        if (camera->file != nullptr)
+        if (camera->file != nullptr) {
             device = std::make_unique<FileCamera>(*camera->file, infoOf(*camera));
-        else
+        } else {
             device = std::make_unique<SimulatedDevice>(*camera->model, infoOf(*camera), camera->attachment);
+        }
         return {};
     }
 

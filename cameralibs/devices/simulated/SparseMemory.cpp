@@ -27,10 +27,11 @@ AccessResult SparseMemory::read(std::uint64_t address, void* buffer, std::uint32
     auto* const out = static_cast<std::uint8_t*>(buffer);
     forEachPage(address, size, kPageSize, [&](std::uint64_t number, std::size_t offset, std::size_t at, std::size_t n) {
         const auto page = m_pages.find(number);
-        if (page == m_pages.end())
+        if (page == m_pages.end()) {
             std::memset(out + at, 0, n);
-        else
+        } else {
             std::memcpy(out + at, &page->second[offset], n);
+        }
     });
     return AccessResult::Done;
 }

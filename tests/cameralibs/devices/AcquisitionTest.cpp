@@ -1,13 +1,13 @@
 // When images come: rates, triggers, modes.
 
 #include "camera/OrvoCamUtl.h"
+#include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/ImageStream.h"
-#include "tests/cameralibs/devices/SimulatedCamera.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <thread>
@@ -17,7 +17,7 @@ using namespace Orvo;
 
 namespace {
 
-class AcquisitionTest : public ::testing::Test {
+class AcquisitionTest : public MonoTest {
 protected:
     // Images per second, by their time stamps.
     [[nodiscard]] static double rateOf(const std::vector<Picture>& pictures)
@@ -26,23 +26,31 @@ protected:
         return static_cast<double>(pictures.back().number - pictures.front().number) * 1e9 / span;
     }
 
+    // Whether images come at a rate, by and by: the machine may be busy with something else for a while.
+    static void expectRate(ImageStream& stream, double rate)
+    {
+        double measured = 0;
+        for (int attempt = 0; attempt < 20 && std::abs(measured / rate - 1) > 0.1; ++attempt) {
+            (void)stream.take(2); // one may have been under way
+            measured = rateOf(stream.take(static_cast<std::size_t>(rate / 2)));
+        }
+        EXPECT_NEAR(measured / rate, 1, 0.1);
+    }
+
     // Long enough for an image that should not come, were it to come after all.
     static void letImagesCome() { std::this_thread::sleep_for(std::chrono::milliseconds(150)); }
-
-    Library m_library{"1"};
-    SimulatedCamera m_camera{kMono};
 };
 
 TEST_F(AcquisitionTest, ImagesComeAtTheRateThatIsSet)
 {
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60);
+    m_camera.setInteger("Width", 320);
+    m_camera.setInteger("Height", 240);
     ImageStream stream(m_camera);
     for (const double rate : {60.0, 20.0, 100.0}) {
         m_camera.setReal("AcquisitionFrameRate", rate);
         EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), rate);
-        (void)stream.take(2);
-        const auto pictures = stream.take(static_cast<std::size_t>(rate));
-        EXPECT_NEAR(rateOf(pictures) / rate, 1, 0.2);
+        expectRate(stream, rate);
     }
 }
 
@@ -67,8 +75,10 @@ TEST_F(AcquisitionTest, LongExposuresLimitTheRate)
     EXPECT_DOUBLE_EQ(m_camera.greatestReal("AcquisitionFrameRate"), 20);
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 20);
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), 20);
-    const auto pictures = ImageStream(m_camera).take(10);
-    EXPECT_NEAR(rateOf(pictures) / 20, 1, 0.25);
+    {
+        ImageStream stream(m_camera);
+        expectRate(stream, 20);
+    }
     m_camera.setReal("ExposureTime", 1000);
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60) << "What was set counts again";
 }

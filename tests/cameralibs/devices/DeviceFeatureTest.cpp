@@ -1,7 +1,7 @@
 // Features that do something besides changing the image.
 
+#include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/ImageStream.h"
-#include "tests/cameralibs/devices/SimulatedCamera.h"
 
 #include <gtest/gtest.h>
 
@@ -15,11 +15,7 @@ using namespace Orvo;
 
 namespace {
 
-class DeviceFeatureTest : public ::testing::Test {
-protected:
-    Library m_library{"1"};
-    SimulatedCamera m_camera{0};
-};
+class DeviceFeatureTest : public MonoTest {};
 
 TEST_F(DeviceFeatureTest, TheTemperatureMoves)
 {

@@ -1,7 +1,7 @@
 // The faults that a camera shows on demand.
 
+#include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/ImageStream.h"
-#include "tests/cameralibs/devices/SimulatedCamera.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,23 +19,21 @@ using ::testing::Not;
 
 namespace {
 
-class FaultTest : public ::testing::Test {
-protected:
-    Library m_library{"2"};
-    SimulatedCamera m_camera{kMono};
-};
+class FaultTest : public MonoTest {};
 
-TEST_F(FaultTest, AnUnpluggedCameraIsGoneEverywhere)
+TEST(UnplugTest, AnUnpluggedCameraIsGoneEverywhere)
 {
-    const CAM_NODE_HANDLE width = m_camera.node("Width");
-    ImageStream stream(m_camera);
+    const Library library("2");
+    const SimulatedCamera camera(kMono);
+    const CAM_NODE_HANDLE width = camera.node("Width");
+    ImageStream stream(camera);
     ASSERT_TRUE(stream.waitForImages(2));
-    EXPECT_EQ(Sys_WaitForSignal(m_camera.removal(), 0), CAM_API_STS_TIMEOUT);
-    m_camera.execute("SimulationUnplug");
-    EXPECT_EQ(Sys_WaitForSignal(m_camera.removal(), 0), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Sys_WaitForSignal(camera.removal(), 0), CAM_API_STS_TIMEOUT);
+    camera.execute("SimulationUnplug");
+    EXPECT_EQ(Sys_WaitForSignal(camera.removal(), 0), CAM_API_STS_SUCCESS);
     std::int64_t value = 0;
-    EXPECT_EQ(Nd_GetIntValue(m_camera.handle(), width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING);
-    EXPECT_EQ(Nd_SetIntValue(m_camera.handle(), width, 640, true), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    EXPECT_EQ(Nd_GetIntValue(camera.handle(), width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    EXPECT_EQ(Nd_SetIntValue(camera.handle(), width, 640, true), CAM_API_STS_CAMERA_NOT_RESPONDING);
     CAM_HANDLE again = 0;
     EXPECT_EQ(Cam_Open(kMono, &again, 0, 1, nullptr, 1), CAM_API_STS_CAMERA_NOT_RESPONDING);
     const std::size_t count = stream.imageCount();
@@ -45,7 +43,7 @@ TEST_F(FaultTest, AnUnpluggedCameraIsGoneEverywhere)
     EXPECT_STREQ(Library::info(0).serialNumber, "SIM-2");
 }
 
-TEST(ReplugTest, AnUnpluggedCameraComesBack)
+TEST(UnplugTest, AnUnpluggedCameraComesBack)
 {
     const Library library("1");
     {

@@ -1,6 +1,6 @@
 // Every feature of every built-in camera: described, readable and writable as its access mode says.
 
-#include "tests/cameralibs/devices/SimulatedCamera.h"
+#include "tests/cameralibs/devices/BuiltInTest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,6 @@
 
 using namespace Orvo;
 using ::testing::AllOf;
-using ::testing::Each;
 using ::testing::Ge;
 using ::testing::IsSupersetOf;
 using ::testing::Le;
@@ -32,7 +31,7 @@ struct Feature {
     [[nodiscard]] bool isReadable() const { return access == NODE_ACCESS_MODE_RO || access == NODE_ACCESS_MODE_RW; }
 };
 
-class FeatureWalkTest : public ::testing::TestWithParam<std::uint32_t> {
+class FeatureWalkTest : public BuiltInTest, public ::testing::WithParamInterface<std::uint32_t> {
 protected:
     FeatureWalkTest() { collect("Root", 1); }
 
@@ -46,8 +45,7 @@ protected:
         return found;
     }
 
-    Library m_library;
-    SimulatedCamera m_camera{GetParam()};
+    const SimulatedCamera& m_camera = switchedOn(GetParam());
     std::vector<Feature> m_features; ///< categories included, depth first
 
 private:

@@ -29,11 +29,12 @@ constexpr Segments kDigits[] = {
 };
 
 // The middle of each segment, in units from the corner of a digit of 8 x 14.
-constexpr std::array<std::array<int, 2>, 7> kMiddles{{{4, 1}, {1, 4}, {7, 4}, {4, 7}, {1, 10}, {7, 10}, {4, 13}}};
+constexpr std::array<std::array<std::size_t, 2>, 7> kMiddles{
+    {{4, 1}, {1, 4}, {7, 4}, {4, 7}, {1, 10}, {7, 10}, {4, 13}}};
 
-constexpr int kFirstDigit = 7; ///< units from the corner of the image
-constexpr int kDigitPitch = 11;
-constexpr int kDigits6 = 6;
+constexpr std::size_t kFirstDigit = 7; ///< units from the corner of the image
+constexpr std::size_t kDigitPitch = 11;
+constexpr std::size_t kDigitCount = 6;
 
 } // namespace
 
@@ -48,14 +49,12 @@ std::vector<std::uint32_t> convert(const Picture& picture)
 std::optional<std::uint64_t> readFrameNumber(const Picture& picture)
 {
     const std::vector<std::uint32_t> pixels = convert(picture);
-    const auto unit = static_cast<int>(std::max(1U, std::min(picture.width, picture.height) / 300));
-    const auto isBright = [&](int unitsX, int unitsY) {
-        const auto x = static_cast<std::size_t>(unitsX * unit);
-        const auto y = static_cast<std::size_t>(unitsY * unit);
-        return (pixels[y * picture.width + x] & 0xFF) > 0x80;
+    const std::size_t unit = std::max(1U, std::min(picture.width, picture.height) / 300);
+    const auto isBright = [&](std::size_t unitsX, std::size_t unitsY) {
+        return (pixels[unitsY * unit * picture.width + unitsX * unit] & 0xFF) > 0x80;
     };
     std::uint64_t number = 0;
-    for (int digit = 0; digit < kDigits6; ++digit) {
+    for (std::size_t digit = 0; digit < kDigitCount; ++digit) {
         Segments bright{};
         for (std::size_t i = 0; i < bright.size(); ++i)
             bright[i] = isBright(kFirstDigit + digit * kDigitPitch + kMiddles[i][0], kFirstDigit + kMiddles[i][1]);

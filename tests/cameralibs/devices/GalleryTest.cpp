@@ -1,6 +1,6 @@
 // The features that are there to try a feature browser with: the corners that they promise.
 
-#include "tests/cameralibs/devices/SimulatedCamera.h"
+#include "tests/cameralibs/devices/BuiltInTest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ using ::testing::StartsWith;
 
 namespace {
 
-class GalleryTest : public ::testing::Test {
+class GalleryTest : public MonoTest {
 protected:
     [[nodiscard]] NodeAccessMode entryAccess(const std::string& enumeration, std::uint32_t index) const
     {
@@ -31,9 +31,6 @@ protected:
         EXPECT_EQ(Nd_GetAccessMode(m_camera.handle(), entry, &mode), 0U);
         return mode;
     }
-
-    Library m_library{"1"};
-    SimulatedCamera m_camera{0};
 };
 
 TEST_F(GalleryTest, IntegersReachTheEndsOf64Bits)

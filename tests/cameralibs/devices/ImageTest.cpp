@@ -1,9 +1,9 @@
 // What the features of a camera do to its images.
 
 #include "camera/OrvoCamUtl.h"
+#include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/FrameNumberReader.h"
 #include "tests/cameralibs/devices/ImageStream.h"
-#include "tests/cameralibs/devices/SimulatedCamera.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ struct Place {
 };
 constexpr Place kGrey{80 + 55 * 5 + 27, 695, 5 * 255 / 11};
 
-class MonoImageTest : public ::testing::Test {
+class MonoImageTest : public MonoTest {
 protected:
     // The level of the wedge; the ball covers it in some images only.
     [[nodiscard]] double grey() const
@@ -60,9 +60,6 @@ protected:
     }
 
     static std::uint32_t scaled(std::uint32_t units) { return units * 1024 / 1200; }
-
-    Library m_library{"1"};
-    SimulatedCamera m_camera{kMono};
 };
 
 // The share of pixels of `a` that differ from those of `b` that `place` tells, outside of the box with the number.
@@ -232,7 +229,7 @@ TEST_F(MonoImageTest, SomethingMoves)
     EXPECT_GT(moved, 1000U);
 }
 
-class FormatTest : public ::testing::TestWithParam<std::uint32_t> {};
+class FormatTest : public BuiltInTest, public ::testing::WithParamInterface<std::uint32_t> {};
 
 TEST_P(FormatTest, EveryPixelFormatArrivesWhole)
 {
@@ -247,8 +244,7 @@ TEST_P(FormatTest, EveryPixelFormatArrivesWhole)
         {"BayerRG8", "BayerRG10", "BayerRG12", "BayerRG12p", "RGB8", "YUV422_8"},
         {"BayerRG8", "BayerRG12p"},
     };
-    const Library library;
-    const SimulatedCamera camera(GetParam());
+    const SimulatedCamera& camera = switchedOn(GetParam());
     EXPECT_EQ(camera.entries("PixelFormat"), expected[GetParam()]);
     for (const std::string& format : camera.entries("PixelFormat")) {
         SCOPED_TRACE(format);
@@ -267,23 +263,25 @@ TEST_P(FormatTest, EveryPixelFormatArrivesWhole)
 
 INSTANTIATE_TEST_SUITE_P(BuiltIn, FormatTest, ::testing::Values(kMono, kColor, kLarge));
 
-TEST(SensorTest, SizesOfTheBuiltInCameras)
+class SensorTest : public BuiltInTest {};
+
+TEST_F(SensorTest, SizesOfTheBuiltInCameras)
 {
-    const Library library;
     const std::pair<std::int64_t, std::int64_t> sizes[] = {{1280, 1024}, {1920, 1200}, {5472, 3648}};
     for (std::uint32_t index = 0; index < kBuiltIn; ++index) {
-        const SimulatedCamera camera(index);
+        const SimulatedCamera& camera = switchedOn(index);
         EXPECT_EQ(camera.integer("Width"), sizes[index].first);
         EXPECT_EQ(camera.integer("Height"), sizes[index].second);
         EXPECT_EQ(camera.integer("SensorWidth"), sizes[index].first);
     }
 }
 
+class ColorImageTest : public BuiltInTest {};
+
 // The colours of the chart come through every format alike, and the balance changes them.
-TEST(ColorImageTest, ChartHasItsColoursInEveryFormat)
+TEST_F(ColorImageTest, ChartHasItsColoursInEveryFormat)
 {
-    const Library library;
-    const SimulatedCamera camera(kColor);
+    const SimulatedCamera& camera = switchedOn(kColor);
     const std::uint32_t blue = 80 + 110 * 4 + 55; // the fifth of six patches, 110 wide each
     const auto patch = [&](std::uint32_t x) {
         // The ball is orange: where it covers the patch, another image is taken.

@@ -1,8 +1,8 @@
 // The test patterns, pixel by pixel.
 
+#include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/FrameNumberReader.h"
 #include "tests/cameralibs/devices/ImageStream.h"
-#include "tests/cameralibs/devices/SimulatedCamera.h"
 
 #include <gtest/gtest.h>
 
@@ -48,10 +48,11 @@ std::size_t wrongPixels(const Picture& picture, Level level)
     return wrong;
 }
 
-TEST(TestPatternTest, GreyPatterns)
+class TestPatternTest : public BuiltInTest {};
+
+TEST_F(TestPatternTest, GreyPatterns)
 {
-    const Library library("1");
-    const SimulatedCamera camera(kMono);
+    const SimulatedCamera& camera = switchedOn(kMono);
     ImageStream stream(camera);
     camera.setReal("ExposureTime", 100); // has no effect on a pattern
     for (const Pattern& pattern : kPatterns) {
@@ -63,10 +64,9 @@ TEST(TestPatternTest, GreyPatterns)
     }
 }
 
-TEST(TestPatternTest, EveryPatternInAnOddRegion)
+TEST_F(TestPatternTest, EveryPatternInAnOddRegion)
 {
-    const Library library("1");
-    const SimulatedCamera camera(kMono);
+    const SimulatedCamera& camera = switchedOn(kMono);
     camera.setInteger("Width", 100);
     camera.setInteger("Height", 38);
     ImageStream stream(camera);
@@ -79,12 +79,11 @@ TEST(TestPatternTest, EveryPatternInAnOddRegion)
     }
 }
 
-TEST(TestPatternTest, ColorBarsInEveryFormat)
+TEST_F(TestPatternTest, ColorBarsInEveryFormat)
 {
     constexpr std::uint32_t kBars[] = {0xFFFFFFFF, 0xFFFFFF00, 0xFF00FFFF, 0xFF00FF00,
                                        0xFFFF00FF, 0xFFFF0000, 0xFF0000FF, 0xFF000000};
-    const Library library;
-    const SimulatedCamera camera(kColor);
+    const SimulatedCamera& camera = switchedOn(kColor);
     camera.choose("TestPattern", "ColorBar");
     for (const std::string& format : camera.entries("PixelFormat")) {
         SCOPED_TRACE(format);
@@ -101,10 +100,9 @@ TEST(TestPatternTest, ColorBarsInEveryFormat)
     }
 }
 
-TEST(TestPatternTest, MonochromeBarsAreGrey)
+TEST_F(TestPatternTest, MonochromeBarsAreGrey)
 {
-    const Library library("1");
-    const SimulatedCamera camera(kMono);
+    const SimulatedCamera& camera = switchedOn(kMono);
     camera.choose("TestPattern", "ColorBar");
     const Picture picture = takePicture(camera);
     EXPECT_EQ(picture.at(80, 500), 255);

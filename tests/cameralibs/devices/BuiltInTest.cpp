@@ -1,0 +1,36 @@
+#include "BuiltInTest.h"
+
+#include <map>
+#include <memory>
+
+namespace {
+
+struct World {
+    Library library;
+    std::map<std::uint32_t, SimulatedCamera> cameras; ///< those that were asked for
+};
+
+std::unique_ptr<World>& world()
+{
+    static std::unique_ptr<World> theWorld;
+    return theWorld;
+}
+
+} // namespace
+
+void BuiltInTest::SetUpTestSuite()
+{
+    world() = std::make_unique<World>();
+}
+
+void BuiltInTest::TearDownTestSuite()
+{
+    world().reset();
+}
+
+const SimulatedCamera& BuiltInTest::switchedOn(std::uint32_t index)
+{
+    const SimulatedCamera& camera = world()->cameras.try_emplace(index, index).first->second;
+    camera.execute("DeviceReset");
+    return camera;
+}
