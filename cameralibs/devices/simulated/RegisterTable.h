@@ -163,7 +163,7 @@ constexpr auto kTable = laidOut(std::array{
     u32("SimulationLoseEvery", RW).between(0, 1000000).notStored(),
     u32("SimulationIncompleteEvery", RW).between(0, 1000000).notStored(),
     u32("SimulationAccessDelay", RW).between(0, 1000000).notStored(),
-    u32("SimulationErrorBurst", RW).between(0, 1000).notStored(),
+    u32("SimulationErrorBurst", RW).between(0, 1000000).notStored(),
     flag("SimulationRefuseAccess", RW).notStored(),
 
     // Gallery: integers

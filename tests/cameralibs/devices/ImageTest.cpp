@@ -5,9 +5,9 @@
 #include "tests/cameralibs/devices/FrameNumberReader.h"
 #include "tests/cameralibs/devices/ImageStream.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -17,10 +17,6 @@
 #include <vector>
 
 using namespace Orvo;
-using ::testing::AllOf;
-using ::testing::ElementsAre;
-using ::testing::Ge;
-using ::testing::Le;
 
 namespace {
 
@@ -224,7 +220,7 @@ TEST_F(MonoImageTest, SomethingMoves)
     const auto pictures = stream.take(30);
     ASSERT_EQ(pictures.size(), 30U);
     std::size_t moved = 0;
-    for (std::size_t i = pictures.front().width * 200U; i < pictures.front().bytes.size(); ++i)
+    for (std::size_t i = std::size_t{200} * pictures.front().width; i < pictures.front().bytes.size(); ++i)
         moved += pictures.front().bytes[i] != pictures.back().bytes[i] ? 1 : 0;
     EXPECT_GT(moved, 1000U);
 }

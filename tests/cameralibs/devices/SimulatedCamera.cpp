@@ -20,10 +20,11 @@ void expectDone(CAM_API_STATUS status, const std::string& what)
 Library::Library(const char* cameras)
 {
     // The library has no thread yet that could read the environment.
-    if (cameras != nullptr)
+    if (cameras != nullptr) {
         ::setenv(kVariable, cameras, 1); // NOLINT(concurrency-mt-unsafe)
-    else
+    } else {
         ::unsetenv(kVariable); // NOLINT(concurrency-mt-unsafe)
+    }
     expectDone(Sys_Initialize(CAM_LAYER_SIMULATED), "Sys_Initialize");
     (void)enumerate();
 }
