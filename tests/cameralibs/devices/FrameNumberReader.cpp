@@ -35,21 +35,22 @@ constexpr std::array<std::array<std::size_t, 2>, 7> kMiddles{
 constexpr std::size_t kFirstDigit = 7; ///< units from the corner of the image
 constexpr std::size_t kDigitPitch = 11;
 constexpr std::size_t kDigitCount = 6;
+constexpr std::uint32_t kRows = 24; ///< units, down to below the digits
 
 } // namespace
 
-std::vector<std::uint32_t> convert(const Picture& picture)
+std::vector<std::uint32_t> convert(const Picture& picture, std::uint32_t rows)
 {
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(picture.width) * picture.height);
-    EXPECT_EQ(Orvo::ConvImage(0, picture.format, 1, pixels.data(), picture.bytes.data(), picture.width, picture.height),
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(picture.width) * rows);
+    EXPECT_EQ(Orvo::ConvImage(0, picture.format, 1, pixels.data(), picture.bytes.data(), picture.width, rows),
               Orvo::CAM_API_STS_SUCCESS);
     return pixels;
 }
 
 std::optional<std::uint64_t> readFrameNumber(const Picture& picture)
 {
-    const std::vector<std::uint32_t> pixels = convert(picture);
-    const std::size_t unit = std::max(1U, std::min(picture.width, picture.height) / 300);
+    const std::uint32_t unit = std::max(1U, std::min(picture.width, picture.height) / 300);
+    const std::vector<std::uint32_t> pixels = convert(picture, std::min(picture.height, kRows * unit));
     const auto isBright = [&](std::size_t unitsX, std::size_t unitsY) {
         return (pixels[unitsY * unit * picture.width + unitsX * unit] & 0xFF) > 0x80;
     };

@@ -286,7 +286,7 @@ TEST_F(ColorImageTest, ChartHasItsColoursInEveryFormat)
             const auto pictures = stream.take(1);
             if (pictures.empty())
                 break;
-            const std::vector<std::uint32_t> pixels = convert(pictures.front());
+            const std::vector<std::uint32_t> pixels = convert(pictures.front(), 260);
             const std::uint32_t pixel = pixels[235U * 1920 + x];
             if (pixel == pixels[215U * 1920 + x - 20] && pixel == pixels[255U * 1920 + x + 20])
                 return pixel;
