@@ -110,7 +110,7 @@ void DescriptionReader::readStructure(xmlNode* element)
 
 void DescriptionReader::readNode(xmlNode* element, DescribedNode node)
 {
-    const ElementRow& row = elementRow(elementName(element));
+    const ElementRow row = elementRow(elementName(element));
     node.element = row.element;
     node.type = row.type;
     if (row.element != Element::structEntry)
