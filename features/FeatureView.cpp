@@ -82,6 +82,7 @@ void FeatureView::showModel(QStandardItemModel* model)
         dropModel();
         m_sourceModel.reset(model);
     }
+    noteCategories();
     sortAndFilter(false, static_cast<Orvo::TC_NODE_VISIBILITY>(m_level));
 }
 
@@ -93,6 +94,7 @@ void FeatureView::dropModel()
     if (!m_items.isEmpty() && m_items.first()->model() == m_sourceModel.get())
         m_items.clear();
     m_sourceModel.reset();
+    m_categoryRows.clear();
 }
 
 QStandardItem* FeatureView::sourceItem(const QModelIndex& index, int column) const

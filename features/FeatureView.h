@@ -14,9 +14,11 @@
 
 #include <array>
 #include <memory>
+#include <vector>
 
 class DescBox;
 class GenAPINodeItem;
+class HeldChanges;
 class QRegExp;
 class QToolBar;
 enum EditorWidgetType : int;
@@ -175,15 +177,22 @@ private:
     Orvo::CAM_API_STATUS registerSubtree(Orvo::CAM_NODE_HANDLE node, int level);
     void fillRow(QStandardItemModel& model, int row);
 
-    void checkActions();                                   // FeatureViewToolBar.cpp
-    void spanCategories();                                 // FeatureViewFilter.cpp
-    void closeEditorUnlessAccepted(const QRegExp& filter); // FeatureViewFilter.cpp
-    void makeRowColours();                                 // FeatureViewColours.cpp
+    void checkActions(); // FeatureViewToolBar.cpp
+
+    // FeatureViewFilter.cpp
+    void spanCategories();
+    void closeEditorUnlessAccepted(const QRegExp& filter);
+    void readEveryItem();
+
+    // FeatureViewColours.cpp
+    void makeRowColours();
+    [[nodiscard]] const RowColours& coloursOf(const GenAPINodeItem& item) const;
+    static void setColours(QStandardItem& cell, const RowColours& colours);
 
     // FeatureViewFolding.cpp
-    /// The name cell of a row of the table; rows are asked one by one, so this is quicker than the model's data.
-    [[nodiscard]] const QStandardItem* nameItem(int row) const;
-    [[nodiscard]] static bool isCategoryName(const QStandardItem* name);
+    [[nodiscard]] int sourceRow(int tableRow) const;
+    [[nodiscard]] bool isCategory(int sourceRow) const;
+    void noteCategories();
 
     QTableView m_tableView;
     DescBox* m_descBox = nullptr;
@@ -191,7 +200,8 @@ private:
     int m_opeLogLevel = 1;
     TableViewItemDelegate m_delegate;
     bool m_valuesWritten = false;
-    QList<GenAPINodeItem*> m_items; // owned by the source model
+    QList<GenAPINodeItem*> m_items;   // owned by the source model
+    std::vector<bool> m_categoryRows; // of the source model
     FeatureFilterModel m_filterModel;
     QToolBar* m_toolBar = nullptr;
     std::array<std::unique_ptr<QAction>, ToolActionCount> m_actions;
@@ -204,6 +214,7 @@ private:
     int m_minWdtShowingClmNodeType = 300;
     bool m_reReading = false;
     bool m_reReadAgain = false;
+    HeldChanges* m_heldChanges = nullptr; // while everything is read
     std::array<RowColours, 6> m_rowColours;
     QIcon m_foldedIcon{QStringLiteral(":/images/FeatureView/images/Folded.png")};
     QIcon m_expandedIcon{QStringLiteral(":/images/FeatureView/images/Collapsed.png")};

@@ -2,9 +2,12 @@
 
 #include "features/FeatureView.h"
 #include "features/GenAPINodeItem.h"
+#include "features/HeldChanges.h"
 
 #include <QColor>
-#include <QSignalBlocker>
+
+#include <iterator>
+#include <tuple>
 
 namespace {
 
@@ -26,7 +29,7 @@ constexpr ColourPair kColours[] = {
 };
 
 /// Read-write for every value that is none of the others, 6 (not read yet) too.
-Colours coloursOf(const GenAPINodeItem& item)
+Colours pairOf(const GenAPINodeItem& item)
 {
     switch (item.getAccessMode()) {
     case Orvo::NODE_ACCESS_MODE_NI:
@@ -52,31 +55,34 @@ void FeatureView::makeRowColours()
         m_rowColours[i] = {QColor(kColours[i].background), QColor(kColours[i].foreground)};
 }
 
+const FeatureView::RowColours& FeatureView::coloursOf(const GenAPINodeItem& item) const
+{
+    return m_rowColours[pairOf(item)];
+}
+
+void FeatureView::setColours(QStandardItem& cell, const RowColours& colours)
+{
+    cell.setData(colours.background, Qt::BackgroundRole);
+    cell.setData(colours.foreground, Qt::ForegroundRole);
+}
+
 void FeatureView::setCellColor(QStandardItemModel* model, int row)
 {
     if (!model || row < 0 || row >= m_items.size())
         return;
-    const RowColours& colours = m_rowColours[coloursOf(*m_items.at(row))];
+    const RowColours& colours = coloursOf(*m_items.at(row));
 
-    // The row is told once where it changes, instead of every colour of every cell.
-    bool changed = false;
-    {
-        const QSignalBlocker quiet(model);
-        for (int column = 0; column < ColumnCount; ++column) {
-            QStandardItem* const item = model->item(row, column);
-            if (!item)
-                continue;
-            if (item->data(Qt::BackgroundRole) != colours.background) {
-                item->setData(colours.background, Qt::BackgroundRole);
-                changed = true;
-            }
-            if (item->data(Qt::ForegroundRole) != colours.foreground) {
-                item->setData(colours.foreground, Qt::ForegroundRole);
-                changed = true;
-            }
-        }
+    // The cells of a row change together, and no two pairs share a foreground: one look tells, for the thousands of
+    // rows where nothing changed.
+    const QStandardItem* const name = model->item(row, NameColumn);
+    if (name && name->data(Qt::ForegroundRole) == colours.foreground)
+        return;
+
+    HeldChanges ofThisRow(model);
+    for (int column = 0; column < ColumnCount; ++column) {
+        if (QStandardItem* const cell = model->item(row, column))
+            setColours(*cell, colours);
     }
-    if (changed)
-        emit model->dataChanged(model->index(row, NameColumn), model->index(row, ValueColumn),
-                                {Qt::BackgroundRole, Qt::ForegroundRole});
+    const bool heldAnyway = m_heldChanges && model == m_sourceModel.get();
+    (heldAnyway ? *m_heldChanges : ofThisRow).note(row, NameColumn);
 }

@@ -3,6 +3,7 @@
 #include "features/DescBox.h"
 #include "features/FeatureView.h"
 #include "features/GenAPINodeItem.h"
+#include "features/HeldChanges.h"
 #include "features/UpdatesPaused.h"
 
 using Orvo::TC_NODE_VISIBILITY;
@@ -78,7 +79,7 @@ void FeatureView::spanCategories()
     if (m_sortAtoZ)
         return;
     for (int row = 0; row < m_filterModel.rowCount(); ++row) {
-        if (isCategoryName(nameItem(row)))
+        if (isCategory(sourceRow(row)))
             m_tableView.setSpan(row, NameColumn, 1, ColumnCount);
     }
 }
@@ -119,6 +120,21 @@ void FeatureView::selectInvisible()
     sortAndFilter(m_sortAtoZ, Orvo::NODE_VISIBILITY_INVISIBLE);
 }
 
+void FeatureView::readEveryItem()
+{
+    HeldChanges held(m_sourceModel.get());
+    m_heldChanges = &held;
+    for (int row = 0; row < m_items.size(); ++row) { // reading may change the list
+        GenAPINodeItem* const item = m_items.at(row);
+        const QString before = item->text();
+        item->updateVals(false);
+        if (item->text() != before)
+            held.note(row, ValueColumn);
+        setCellColor(row);
+    }
+    m_heldChanges = nullptr;
+}
+
 void FeatureView::updateAllFeatures(bool force)
 {
     if (m_reReading) {
@@ -131,10 +147,7 @@ void FeatureView::updateAllFeatures(bool force)
     m_reReading = true;
     do {
         m_reReadAgain = false;
-        for (int row = 0; row < m_items.size(); ++row) { // reading may change the list
-            m_items.at(row)->updateVals(false);
-            setCellColor(row);
-        }
+        readEveryItem();
     } while (m_reReadAgain);
     m_valuesWritten = false;
     m_reReading = false;

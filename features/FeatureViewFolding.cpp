@@ -15,14 +15,26 @@ constexpr int kFoldIconWidth = 21; // a click left of it, seen from the table's 
 
 } // namespace
 
-const QStandardItem* FeatureView::nameItem(int row) const
+int FeatureView::sourceRow(int tableRow) const
 {
-    return m_sourceModel->item(m_filterModel.mapToSource(m_filterModel.index(row, NameColumn)).row(), NameColumn);
+    return m_filterModel.mapToSource(m_filterModel.index(tableRow, NameColumn)).row();
 }
 
-bool FeatureView::isCategoryName(const QStandardItem* name)
+bool FeatureView::isCategory(int sourceRow) const
 {
+    // Noted when the model came: thousands of rows are asked at once.
+    if (static_cast<std::size_t>(sourceRow) < m_categoryRows.size())
+        return m_categoryRows[static_cast<std::size_t>(sourceRow)];
+    const QStandardItem* const name = m_sourceModel->item(sourceRow, NameColumn);
     return name && name->data(LevelRole).toString() == QLatin1String("C");
+}
+
+void FeatureView::noteCategories()
+{
+    m_categoryRows.clear();
+    const int rows = m_sourceModel ? m_sourceModel->rowCount() : 0;
+    for (int row = 0; row < rows; ++row)
+        m_categoryRows.push_back(isCategory(row));
 }
 
 void FeatureView::SetRowCollapsedState()
@@ -35,9 +47,9 @@ void FeatureView::SetRowCollapsedState()
         bool expanded = false;
         bool afterCategory = false;
         for (std::size_t row = 0; row < hidden.size(); ++row) {
-            const QStandardItem* const name = nameItem(static_cast<int>(row));
-            if (isCategoryName(name)) {
-                expanded = name->data(ExpandedRole).toBool();
+            const int source = sourceRow(static_cast<int>(row));
+            if (isCategory(source)) {
+                expanded = m_sourceModel->item(source, NameColumn)->data(ExpandedRole).toBool();
                 afterCategory = true;
                 hidden[row] = true;
                 continue;
@@ -57,7 +69,7 @@ void FeatureView::SetRowCollapsedState()
 void FeatureView::changeCollapsedState(QModelIndex index)
 {
     QStandardItem* const name = sourceItem(index, NameColumn);
-    if (!isCategoryName(name))
+    if (!name || !isCategory(name->row()))
         return;
     const bool expanded = !name->data(ExpandedRole).toBool();
     name->setData(expanded, ExpandedRole);

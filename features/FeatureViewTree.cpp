@@ -99,8 +99,12 @@ void FeatureView::fillRow(QStandardItemModel& model, int row)
     type->setText(item->getStrTypeNode());
     type->setData(item->getToolTip(), Qt::ToolTipRole);
 
+    const RowColours& colours = coloursOf(*item);
+    setColours(*name, colours);
+    setColours(*type, colours);
+    setColours(*item, colours);
+
     model.setItem(row, NameColumn, name);
     model.setItem(row, TypeColumn, type);
     model.setItem(row, ValueColumn, item);
-    setCellColor(&model, row);
 }

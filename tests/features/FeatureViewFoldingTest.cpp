@@ -13,6 +13,8 @@
 #include <QTextDocument>
 #include <QToolTip>
 
+#include <random>
+
 using scripted::category;
 using scripted::NodeSpec;
 
@@ -50,6 +52,10 @@ private slots:
     void foldStatesOutliveFilterAndOrder();
     void foldStatesEndWithTheModel();
     void theCaseOfTheLevelLetterCounts();
+    void rowsThatCameLaterFold();
+    void everyTreeFoldsLikeTheWalkFromRowToRow_data();
+    void everyTreeFoldsLikeTheWalkFromRowToRow();
+    void theTableDoesNotUpdateItselfWhileRowsAreHidden();
 
     void aFeatureRowDoesNotFold();
     void anyCellOfACategoryFolds();
@@ -160,12 +166,84 @@ void FeatureViewFoldingTest::theCaseOfTheLevelLetterCounts()
 {
     FeatureTable features(nested());
     features.view().setNIfeatureVisible(true); // else a lower-case letter would not pass
-    features.view().sourceModel()->item(1, 0)->setData("c", FeatureView::LevelRole);
-    features.view().selectBeginner();
-    QVERIFY(features.names().contains("Plain"));
-    QVERIFY(!features.shownNames().contains("Plain"));
+    auto* const model = new QStandardItemModel(0, 3);
+    features.view().addFeature(model, 0, "c", "Cat", "Category", "", EditorNone);
+    features.view().addFeature(model, 1, "B", "A", "Integer", "", EditorNone);
+    features.view().showModel(model);
+    QCOMPARE(features.names(), QStringList({"Cat", "A"}));
+    QVERIFY(features.shownNames().isEmpty());
+    features.view().changeCollapsedState(features.cell("Cat"));
+    QCOMPARE(features.cell("Cat").data(FeatureView::ExpandedRole), QVariant(false));
+    QCOMPARE(features.table().columnSpan(0, 0), 1);
+}
+
+void FeatureViewFoldingTest::rowsThatCameLaterFold()
+{
+    FeatureTable features(nested());
+    auto* const model = new QStandardItemModel(0, 3);
+    features.view().showModel(model);
+    features.view().setFeatureDataDebug(model);
+    features.view().SetRowCollapsedState();
+    QCOMPARE(features.shownNames(), QStringList({"Scalable", "Analog"}));
+}
+
+void FeatureViewFoldingTest::everyTreeFoldsLikeTheWalkFromRowToRow_data()
+{
+    QTest::addColumn<unsigned>("seed");
+    for (unsigned seed = 1; seed <= 20; ++seed)
+        QTest::addRow("%u", seed) << seed;
+}
+
+void FeatureViewFoldingTest::everyTreeFoldsLikeTheWalkFromRowToRow()
+{
+    QFETCH(unsigned, seed);
+    std::minstd_rand random(seed);
+    auto* const model = new QStandardItemModel(0, 3);
+    FeatureView view;
+    for (int row = 0; row < 60; ++row) {
+        const bool isCategory = random() % 3 == 0;
+        view.addFeature(model, row, isCategory ? "C" : "B", QString::number(row), isCategory ? "Category" : "Integer",
+                        "", EditorNone);
+        if (isCategory)
+            model->item(row, 0)->setData(random() % 2 == 0, FeatureView::ExpandedRole);
+    }
+    view.showModel(model);
+
+    QVector<bool> shown(model->rowCount());
+    bool pending = false;
+    bool expanded = false;
+    int lastCategory = -1;
+    for (int row = 0; row < model->rowCount(); ++row) {
+        if (model->index(row, 0).data(FeatureView::LevelRole) == "C") {
+            shown[row] = false;
+            expanded = model->index(row, 0).data(FeatureView::ExpandedRole).toBool();
+            pending = true;
+            lastCategory = row;
+        } else {
+            if (pending)
+                shown[lastCategory] = true;
+            shown[row] = expanded;
+            pending = false;
+        }
+    }
+    for (int row = 0; row < model->rowCount(); ++row)
+        QCOMPARE(!view.tableView()->isRowHidden(row), shown.at(row));
+}
+
+void FeatureViewFoldingTest::theTableDoesNotUpdateItselfWhileRowsAreHidden()
+{
+    FeatureTable features(nested());
+    features.show();
+    int hiddenOrShown = 0;
+    int updating = 0;
+    connect(features.table().verticalHeader(), &QHeaderView::sectionResized, this, [&] {
+        ++hiddenOrShown;
+        updating += features.table().updatesEnabled() ? 1 : 0;
+    });
     features.view().changeCollapsedState(features.cell("Plain"));
-    QCOMPARE(features.cell("Plain").data(FeatureView::ExpandedRole), QVariant(false));
+    QCOMPARE(hiddenOrShown, 2); // the two rows that appear, and no other
+    QCOMPARE(updating, 0);
+    QVERIFY(features.table().updatesEnabled());
 }
 
 void FeatureViewFoldingTest::aFeatureRowDoesNotFold()

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QPointer>
+#include <QStandardItemModel>
+
+#include <vector>
+
+/// Keeps a model quiet while many of its cells change. At the end the model tells of the rows that were noted, run by
+/// run instead of cell by cell.
+class HeldChanges {
+public:
+    explicit HeldChanges(QStandardItemModel* model);
+    ~HeldChanges();
+    Q_DISABLE_COPY_MOVE(HeldChanges)
+
+    /// The cells of the row from `firstColumn` to its end have changed.
+    void note(int row, int firstColumn);
+
+private:
+    struct Run {
+        int firstRow;
+        int lastRow;
+        int firstColumn;
+    };
+
+    QPointer<QStandardItemModel> m_model;
+    bool m_wasQuiet;
+    std::vector<Run> m_runs;
+};

@@ -1,0 +1,118 @@
+// What a model tells of cells that changed while it was kept quiet.
+
+#include "features/HeldChanges.h"
+
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+class HeldChangesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        model = std::make_unique<QStandardItemModel>(10, 3);
+        told.clear();
+        connect(model.get(), &QStandardItemModel::dataChanged, this,
+                [this](const QModelIndex& a, const QModelIndex& b) {
+                    told << QString("%1,%2-%3,%4").arg(a.row()).arg(a.column()).arg(b.row()).arg(b.column());
+                });
+    }
+
+    void tellsNothingWithoutNotes();
+    void tellsAtTheEnd();
+    void joinsRowsThatFollowOneAnother();
+    void theWidestNoteOfARunCounts();
+    void staysQuietWhereItWasQuiet();
+    void aModelThatEndsMeanwhile();
+    void aModelThatEndsWhileItTells();
+    void noModel();
+
+private:
+    std::unique_ptr<QStandardItemModel> model;
+    QStringList told;
+};
+
+void HeldChangesTest::tellsNothingWithoutNotes()
+{
+    {
+        const HeldChanges held(model.get());
+        model->setData(model->index(0, 0), "text");
+    }
+    QVERIFY(told.isEmpty());
+    model->setData(model->index(0, 0), "other");
+    QCOMPARE(told.size(), 1);
+}
+
+void HeldChangesTest::tellsAtTheEnd()
+{
+    {
+        HeldChanges held(model.get());
+        model->setData(model->index(4, 2), "text");
+        held.note(4, 2);
+        QVERIFY(told.isEmpty());
+    }
+    QCOMPARE(told, QStringList({"4,2-4,2"}));
+}
+
+void HeldChangesTest::joinsRowsThatFollowOneAnother()
+{
+    {
+        HeldChanges held(model.get());
+        for (const int row : {1, 2, 2, 3, 5, 6, 9, 8})
+            held.note(row, 2);
+    }
+    QCOMPARE(told, QStringList({"1,2-3,2", "5,2-6,2", "9,2-9,2", "8,2-8,2"}));
+}
+
+void HeldChangesTest::theWidestNoteOfARunCounts()
+{
+    {
+        HeldChanges held(model.get());
+        held.note(0, 2);
+        held.note(1, 0);
+        held.note(1, 2);
+        held.note(2, 2);
+    }
+    QCOMPARE(told, QStringList({"0,0-2,2"}));
+}
+
+void HeldChangesTest::staysQuietWhereItWasQuiet()
+{
+    model->blockSignals(true);
+    {
+        HeldChanges held(model.get());
+        held.note(0, 0);
+    }
+    QVERIFY(told.isEmpty());
+    QVERIFY(model->signalsBlocked());
+}
+
+void HeldChangesTest::aModelThatEndsMeanwhile()
+{
+    HeldChanges held(model.get());
+    held.note(0, 0);
+    model.reset();
+}
+
+void HeldChangesTest::aModelThatEndsWhileItTells()
+{
+    connect(model.get(), &QStandardItemModel::dataChanged, this, [this] { model.reset(); });
+    HeldChanges held(model.get());
+    held.note(0, 0);
+    held.note(5, 0);
+}
+
+void HeldChangesTest::noModel()
+{
+    HeldChanges held(nullptr);
+    held.note(0, 0);
+}
+
+} // namespace
+
+QTEST_GUILESS_MAIN(HeldChangesTest)
+#include "HeldChangesTest.moc"
