@@ -1,0 +1,263 @@
+// Does the feature table stay quick with thousands of rows?
+//
+// Each step of the feature view beside the same step made by the plain calls of the toolkit (PlainTable), in turn
+// within one run, at three sizes. Prints the medians in milliseconds, their ratio and its limit, and how the time of
+// the feature view grows: the exponent e of rows^e between two sizes. Reading from the camera and painting are left
+// out. Ends with status 1 where a limit is missed. Times differ between machines and hours; ratios are what counts.
+//
+//     QT_QPA_PLATFORM=offscreen build/release/bin/feature_table [rounds]
+
+#include "benchmarks/feature_table/InstantCamera.h"
+#include "benchmarks/feature_table/PlainTable.h"
+#include "features/FeatureView.h"
+#include "features/GenAPINodeItem.h"
+
+#include <QApplication>
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr std::array<int, 3> kSizes = {200, 2000, 20000};
+constexpr double kNoLimit = 1e9;
+
+// What is measured, with the most that the feature view may take of the plain table's time at each size, and the
+// largest exponents from size to size.
+enum Step {
+    Open,
+    ReadUnchanged,
+    ReadChanged,
+    Toggle,
+    UnfoldAll,
+    FoldAll,
+    LevelDown,
+    LevelUp,
+    ToAtoZ,
+    ToCategories,
+    StepCount,
+};
+struct StepLimits {
+    const char* name;
+    std::array<double, 3> ratio;
+    std::array<double, 2> exponent;
+};
+constexpr StepLimits kLimits[] = {
+    {"open", {kNoLimit, 0.6, 0.3}, {1.1, 1.6}},
+    {"read, nothing changed", {kNoLimit, 0.4, 0.4}, {1.1, 1.4}},
+    {"read, all changed", {kNoLimit, 0.5, 0.5}, {1.1, 1.4}},
+    {"toggle a category", {kNoLimit, 0.25, 0.25}, {1.1, 1.2}},
+    {"unfold all", {kNoLimit, 0.2, 0.03}, {1.1, 1.2}},
+    {"fold all", {kNoLimit, kNoLimit, kNoLimit}, {1.1, 1.3}}, // the toolkit keeps hidden rows in a growing hash table
+    {"Guru to Beginner", {kNoLimit, kNoLimit, 0.15}, {1.1, 1.6}},
+    {"Beginner to Guru", {kNoLimit, kNoLimit, 0.15}, {1.1, 1.6}},
+    {"to A-Z", {kNoLimit, kNoLimit, kNoLimit}, {1.1, 1.6}},
+    {"to categories", {kNoLimit, kNoLimit, kNoLimit}, {1.1, 1.6}},
+};
+static_assert(std::size(kLimits) == StepCount);
+
+/// Keeps widgets from painting: a screenful of rows costs the same whatever the number of rows.
+class PaintEater : public QObject {
+protected:
+    bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::Paint; }
+};
+
+/// Processor time, as other programs shall not count. What the event loop does afterwards is not of the step: it
+/// paints.
+double milliseconds(const std::function<void()>& step)
+{
+    const std::clock_t start = std::clock();
+    step();
+    const std::clock_t end = std::clock();
+    QCoreApplication::processEvents();
+    return 1000.0 * static_cast<double>(end - start) / CLOCKS_PER_SEC;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// The times of each step, a table of one size opened again and again.
+struct Times {
+    std::array<std::vector<double>, StepCount> steps;
+    std::vector<double> makingItems; // what opening and reading take without a table
+    std::vector<double> readingItems;
+
+    /// The median, the camera's part left out.
+    [[nodiscard]] double of(std::size_t step) const
+    {
+        double camera = 0;
+        if (step == Open)
+            camera = median(makingItems);
+        else if (step == ReadUnchanged || step == ReadChanged)
+            camera = median(readingItems);
+        return median(steps[step]) - camera;
+    }
+};
+
+QList<GenAPINodeItem*> makeItems(int rows)
+{
+    QList<GenAPINodeItem*> items;
+    for (int row = 0; row < rows; ++row)
+        items.append(new GenAPINodeItem(1, static_cast<unsigned long>(row) + 2, row, nullptr, nullptr));
+    return items;
+}
+
+void measureCamera(int rows, Times& times)
+{
+    QList<GenAPINodeItem*> items;
+    times.makingItems.push_back(milliseconds([&] { items = makeItems(rows); }));
+    const auto read = [&] {
+        for (GenAPINodeItem* const item : items)
+            item->updateVals(false);
+    };
+    read();
+    times.readingItems.push_back(milliseconds(read));
+    qDeleteAll(items);
+}
+
+void show(QWidget& window)
+{
+    window.resize(420, 800);
+    window.show();
+    QCoreApplication::processEvents();
+}
+
+void setAllExpanded(QStandardItemModel& model, bool expanded)
+{
+    const QSignalBlocker quiet(&model);
+    for (int row = 0; row < model.rowCount(); row += instant::rowsPerCategory)
+        model.item(row, 0)->setData(expanded, FeatureView::ExpandedRole);
+}
+
+void measureFeatureView(int rows, Times& times)
+{
+    const auto measure = [&](Step step, const std::function<void()>& work) {
+        times.steps[step].push_back(milliseconds(work));
+    };
+    instant::setRows(rows);
+    measureCamera(rows, times);
+    FeatureView view;
+    show(view);
+    view.selectGuru();
+    measure(Open, [&] { view.SetCam(1); });
+
+    view.updateAllFeatures();
+    measure(ReadUnchanged, [&] { view.updateAllFeatures(); });
+    instant::changeEverything();
+    measure(ReadChanged, [&] { view.updateAllFeatures(); });
+
+    const QModelIndex category = view.tableView()->model()->index(0, 0);
+    measure(Toggle, [&] { view.changeCollapsedState(category); });
+    measure(Toggle, [&] { view.changeCollapsedState(category); });
+    setAllExpanded(*view.sourceModel(), true);
+    measure(UnfoldAll, [&] { view.SetRowCollapsedState(); });
+    setAllExpanded(*view.sourceModel(), false);
+    measure(FoldAll, [&] { view.SetRowCollapsedState(); });
+
+    measure(LevelDown, [&] { view.selectBeginner(); });
+    measure(LevelUp, [&] { view.selectGuru(); });
+    measure(ToAtoZ, [&] { view.selectSortAtoZ(); });
+    measure(ToCategories, [&] { view.selectSortCategory(); });
+}
+
+void measurePlainTable(int rows, Times& times)
+{
+    constexpr char kBeginner[] = "[BC]";
+    constexpr char kGuru[] = "[BEGC]";
+    constexpr char kGuruAtoZ[] = "[BEG]";
+    const auto measure = [&](Step step, const std::function<void()>& work) {
+        times.steps[step].push_back(milliseconds(work));
+    };
+    instant::setRows(rows);
+    measureCamera(rows, times);
+    PlainTable table;
+    show(table.view());
+    measure(Open, [&] { table.open(makeItems(rows), kGuru); });
+
+    table.updateAll();
+    measure(ReadUnchanged, [&] { table.updateAll(); });
+    instant::changeEverything();
+    measure(ReadChanged, [&] { table.updateAll(); });
+
+    const QModelIndex category = table.view().model()->index(0, 0);
+    measure(Toggle, [&] { table.changeCollapsedState(category); });
+    measure(Toggle, [&] { table.changeCollapsedState(category); });
+    setAllExpanded(table.model(), true);
+    measure(UnfoldAll, [&] { table.setRowCollapsedState(); });
+    setAllExpanded(table.model(), false);
+    measure(FoldAll, [&] { table.setRowCollapsedState(); });
+
+    measure(LevelDown, [&] { table.sortAndFilter(false, kBeginner); });
+    measure(LevelUp, [&] { table.sortAndFilter(false, kGuru); });
+    measure(ToAtoZ, [&] { table.sortAndFilter(true, kGuruAtoZ); });
+    measure(ToCategories, [&] { table.sortAndFilter(false, kGuru); });
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QApplication application(argc, argv);
+    PaintEater eater;
+    qApp->installEventFilter(&eater);
+    const int rounds = argc > 1 ? std::atoi(argv[1]) : 9;
+    if (rounds < 1) {
+        std::fprintf(stderr, "usage: feature_table [rounds]\n");
+        return 2;
+    }
+
+    std::array<Times, kSizes.size()> ours;
+    std::array<Times, kSizes.size()> plain;
+    for (std::size_t size = 0; size < kSizes.size(); ++size) {
+        Times warmUp;
+        measureFeatureView(kSizes[0], warmUp);
+        measurePlainTable(kSizes[0], warmUp);
+        // The plain table takes seconds a step at the largest size.
+        const int plainRounds = size + 1 == kSizes.size() ? std::min(rounds, 3) : rounds;
+        for (int round = 0; round < rounds; ++round) {
+            measureFeatureView(kSizes[size], ours[size]);
+            if (round < plainRounds)
+                measurePlainTable(kSizes[size], plain[size]);
+        }
+    }
+
+    bool passed = true;
+    const auto verdict = [&](double value, double limit) {
+        const bool met = value <= limit;
+        passed = passed && met;
+        return met ? "" : " MISSED";
+    };
+    std::printf("%-22s %6s %10s %10s %7s %7s   %s\n", "step", "rows", "ours ms", "plain ms", "ratio", "limit",
+                "growth of ours (limit)");
+    for (std::size_t step = 0; step < StepCount; ++step) {
+        const StepLimits& limits = kLimits[step];
+        for (std::size_t size = 0; size < kSizes.size(); ++size) {
+            const double mine = ours[size].of(step);
+            const double theirs = plain[size].of(step);
+            std::printf("%-22s %6d %10.3f %10.3f %7.3f", size == 0 ? limits.name : "", kSizes[size], mine, theirs,
+                        mine / theirs);
+            if (limits.ratio[size] < kNoLimit)
+                std::printf(" %7.2f%s", limits.ratio[size], verdict(mine / theirs, limits.ratio[size]));
+            else
+                std::printf(" %7s", "-");
+            if (size > 0) {
+                const double exponent = std::log10(mine / ours[size - 1].of(step));
+                const double limit = limits.exponent[size - 1];
+                std::printf("   %.2f (%.1f)%s", exponent, limit, verdict(exponent, limit));
+            }
+            std::printf("\n");
+        }
+    }
+    return passed ? 0 : 1;
+}
