@@ -3,13 +3,11 @@
 #include "tests/support/WindowDriver.h"
 
 #include <QDir>
-#include <QModelIndex>
 #include <QString>
 
 #include <functional>
 #include <memory>
 
-class QTableView;
 class QWidget;
 
 /// A walk through the program that saves a picture at every stop; each chapter has its own file.
@@ -39,13 +37,6 @@ private:
     void pauseAndSnapshot();
     void softwareTrigger();
     void about();
-
-    // TourFeatures.cpp
-    [[nodiscard]] QTableView& table() const;
-    void clickTool(const char* text);
-    /// The row of a feature, its categories unfolded and the row scrolled into view.
-    [[nodiscard]] QModelIndex feature(const QString& name, int column);
-    void click(const QModelIndex& index);
 
     QDir m_folder;
     int m_number = 0;

@@ -1,0 +1,166 @@
+#include "tests/support/FeatureHand.h"
+
+#include "features/FeatureView.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QToolBar>
+
+namespace {
+
+constexpr int kNameColumn = 0;
+constexpr int kValueColumn = 2;
+// The table waits this long at most whether a click becomes a double click.
+constexpr int kSecondClickMs = 2000;
+
+QString nameOf(const QModelIndex& index)
+{
+    return index.sibling(index.row(), kNameColumn).data().toString().trimmed();
+}
+
+bool isCategory(const QModelIndex& index)
+{
+    return index.sibling(index.row(), kNameColumn).data(FeatureView::LevelRole).toString() == "C";
+}
+
+template <typename Editor> Editor* as(QWidget* editor, const QString& name)
+{
+    auto* found = qobject_cast<Editor*>(editor);
+    if (!found && editor)
+        found = editor->findChild<Editor*>();
+    if (!found)
+        qFatal("%s opens another editor: %s", qPrintable(name), editor ? editor->metaObject()->className() : "none");
+    return found;
+}
+
+} // namespace
+
+FeatureView& FeatureHand::view() const
+{
+    auto* const found = m_window.findChild<FeatureView*>();
+    if (!found)
+        qFatal("no feature browser");
+    return *found;
+}
+
+QTableView& FeatureHand::table() const
+{
+    return *view().tableView();
+}
+
+void FeatureHand::clickTool(const QString& text)
+{
+    const auto* const bar = view().findChild<QToolBar*>();
+    for (QAction* const action : bar->actions()) {
+        if (action->text() == text) {
+            QTest::mouseClick(bar->widgetForAction(action), Qt::LeftButton);
+            return;
+        }
+    }
+    qFatal("no tool %s", qPrintable(text));
+}
+
+QStringList FeatureHand::names() const
+{
+    QStringList names;
+    const QAbstractItemModel* const model = table().model();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex index = model->index(row, kNameColumn);
+        if (!isCategory(index))
+            names << nameOf(index);
+    }
+    return names;
+}
+
+QModelIndex FeatureHand::find(const QString& name, int column)
+{
+    const QAbstractItemModel* const model = table().model();
+    QModelIndex category;
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex index = model->index(row, kNameColumn);
+        if (isCategory(index))
+            category = index;
+        if (nameOf(index) != name)
+            continue;
+        if (table().isRowHidden(row) && category.isValid()) {
+            view().changeCollapsedState(category); // by hand it would take a double click, and its time
+        }
+        table().scrollTo(index, QAbstractItemView::PositionAtCenter);
+        return index.sibling(row, column);
+    }
+    qFatal("no feature %s", qPrintable(name));
+    return {};
+}
+
+QString FeatureHand::shown(const QString& name)
+{
+    return find(name, kValueColumn).data().toString();
+}
+
+void FeatureHand::click(const QModelIndex& index)
+{
+    // The pointer too: where it stands tells the browser a click on a fold mark from one on a name.
+    const QPoint where = table().visualRect(index).center();
+    QTest::mouseMove(table().viewport(), where);
+    QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, where);
+}
+
+void FeatureHand::clickName(const QString& name)
+{
+    click(find(name, kNameColumn));
+}
+
+QWidget* FeatureHand::clickValue(const QString& name)
+{
+    const QModelIndex cell = find(name, kValueColumn);
+    const bool waits = table().currentIndex() == cell; // whether a second click follows
+    if (waits && editor())
+        return editor(); // starting and stopping the stream open it again
+    click(cell);
+    if (waits)
+        static_cast<void>(QTest::qWaitFor([this] { return editor() != nullptr; }, kSecondClickMs));
+    return editor();
+}
+
+QWidget* FeatureHand::editor() const
+{
+    for (auto* const child : table().viewport()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!child->isHidden())
+            return child;
+    }
+    return nullptr;
+}
+
+void FeatureHand::type(const QString& name, const QString& text)
+{
+    auto* const line = as<QLineEdit>(clickValue(name), name);
+    line->selectAll();
+    QTest::keyClicks(line, text);
+    QTest::keyClick(line, Qt::Key_Return);
+    QCoreApplication::processEvents();
+}
+
+void FeatureHand::choose(const QString& name, const QString& entry)
+{
+    auto* const combo = as<QComboBox>(clickValue(name), name);
+    const int wanted = combo->findText(entry);
+    if (wanted < 0)
+        qFatal("%s offers no %s", qPrintable(name), qPrintable(entry));
+    combo->showPopup();
+    QAbstractItemView* const list = combo->view();
+    const QModelIndex item = list->model()->index(wanted, 0);
+    list->scrollTo(item);
+    QTest::qWait(QApplication::doubleClickInterval()); // a popup takes a click at once for the one that opened it
+    QTest::mouseMove(list->viewport(), list->visualRect(item).center());
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(item).center());
+    QCoreApplication::processEvents();
+}
+
+void FeatureHand::execute(const QString& name)
+{
+    QTest::mouseClick(as<QPushButton>(clickValue(name), name), Qt::LeftButton);
+    QCoreApplication::processEvents();
+}
