@@ -21,9 +21,10 @@ struct Root {
     bool terminating = false;
 };
 
+/// Never destroyed: a program may end while cameras are open, with threads that still use them.
 Root& root()
 {
-    static Root theRoot;
+    static auto& theRoot = *std::make_unique<Root>().release();
     return theRoot;
 }
 

@@ -14,9 +14,8 @@ NodeId DescribedNode::link(const char* property) const
 
 void DescribedNode::setFault(const std::string& reason)
 {
-    for (Answerable& question : questions)
-        if (question.fault.empty())
-            question.fault = "[" + name + "] " + reason;
+    if (fault.empty())
+        fault = "[" + name + "] " + reason;
 }
 
 NodeId Description::find(const std::string& name) const

@@ -55,11 +55,12 @@ struct Reference {
     std::int64_t index = 0; ///< of a <pValueIndexed>: the index it is for
 };
 
-/// Whether a question can be answered at all, and what has to be looked at before Aravis is asked: it takes some errors
-/// for a value of 0, and others end the process.
+/// Whether a question can be answered at all, and whether something has to be looked at before Aravis is asked: it
+/// takes some errors for a value of 0, and others end the process.
 struct Answerable {
-    std::string fault;          ///< why not; empty where it can
-    std::vector<NodeId> checks; ///< nodes behind the answer with a formula that may fail or a length that may be absurd
+    NodeId faulty = kNoNode;   ///< the node whose fault prevents it
+    bool needsChecks = false;  ///< a node behind the answer may fail while it is evaluated
+    bool checksItself = false; ///< this one may
 };
 
 /// A node as its description tells it, without the device.
@@ -88,6 +89,7 @@ struct DescribedNode {
     std::vector<NodeId> features; ///< of a category, in the order of the description
     std::vector<NodeId> entries;  ///< of an enumeration, in the order of the description
     std::vector<Reference> references;
+    std::string fault; ///< what makes the node unusable; empty where nothing does
     std::array<Answerable, kQuestions> questions;
 
     /// The node that the first element of this name refers to, kNoNode without one.
@@ -99,7 +101,7 @@ struct DescribedNode {
         return questions[static_cast<std::size_t>(question)];
     }
 
-    /// Makes every question unanswerable, for the first reason that is given.
+    /// Keeps the first reason that is given.
     void setFault(const std::string& reason);
 };
 

@@ -22,7 +22,7 @@ ArvGcEnumeration* enumerationNode(const NodeMap& nodes, NodeId id)
 std::optional<std::int64_t> entryNumber(const NodeMap& nodes, NodeId entry)
 {
     const DescribedNode& described = nodes.node(entry);
-    if (described.entryValue || !described.to(Question::value).fault.empty())
+    if (described.entryValue || described.to(Question::value).faulty != kNoNode)
         return described.entryValue;
     nodes.check(entry, Question::value);
     ArvGcEnumEntry* node = ARV_GC_ENUM_ENTRY(nodes.feature(entry));

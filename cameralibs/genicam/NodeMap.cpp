@@ -34,12 +34,12 @@ NodeMap::~NodeMap()
 void NodeMap::check(NodeId id, Question question) const
 {
     const Answerable& answerable = node(id).to(question);
-    if (!answerable.fault.empty())
-        throw Failure(CAM_API_STS_GENICAM_ERR, answerable.fault);
-    // In an order in which each may rely on those before it.
-    for (const NodeId behind : answerable.checks)
-        if (const std::string error = errorNow(behind); !error.empty())
-            throw Failure(CAM_API_STS_GENICAM_ERR, (behind == id ? "" : "[" + node(id).name + "] ") + error);
+    if (answerable.faulty != kNoNode)
+        refuse(id, answerable.faulty, node(answerable.faulty).fault);
+    if (!answerable.needsChecks)
+        return;
+    std::set<std::size_t> done;
+    checkNow(id, {id, question}, done);
 }
 
 ArvGcFeatureNode* NodeMap::feature(NodeId id) const
@@ -107,6 +107,24 @@ void NodeMap::bind(NodeId id)
     for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(found));
          item != nullptr && entry != described.entries.rend(); item = item->next, ++entry)
         m_features[*entry] = ARV_GC_FEATURE_NODE(item->data);
+}
+
+// What lies behind comes first, so that each may rely on what it needs.
+void NodeMap::checkNow(NodeId asked, const Evaluation& evaluation, std::set<std::size_t>& done) const
+{
+    const Answerable& answerable = node(evaluation.node).to(evaluation.question);
+    if (!answerable.needsChecks || !done.insert(evaluation.vertex()).second)
+        return;
+    for (const Evaluation& behind : dependencies(*m_description, evaluation))
+        checkNow(asked, behind, done);
+    if (answerable.checksItself)
+        if (const std::string error = errorNow(evaluation.node); !error.empty())
+            refuse(asked, evaluation.node, error);
+}
+
+void NodeMap::refuse(NodeId asked, NodeId failing, const std::string& error) const
+{
+    throw Failure(CAM_API_STS_GENICAM_ERR, (failing == asked ? "" : "[" + node(asked).name + "] ") + error);
 }
 
 std::string NodeMap::errorNow(NodeId id) const

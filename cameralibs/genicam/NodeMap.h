@@ -1,8 +1,11 @@
 #pragma once
 
+#include "cameralibs/genicam/Dependencies.h"
 #include "cameralibs/genicam/Description.h"
 
 #include <memory>
+#include <set>
+#include <string>
 #include <vector>
 
 typedef struct _ArvDevice ArvDevice;
@@ -39,6 +42,9 @@ public:
 
 private:
     void bind(NodeId id);
+    void checkNow(NodeId asked, const Evaluation& evaluation, std::set<std::size_t>& done) const;
+    [[noreturn]] void refuse(NodeId asked, NodeId failing, const std::string& error) const;
+
     /// Empty without one.
     [[nodiscard]] std::string errorNow(NodeId id) const;
     [[nodiscard]] FormulaResult evaluateNow(const Formula& formula, double input) const;

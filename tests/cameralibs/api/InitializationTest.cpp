@@ -1,6 +1,7 @@
 #include "CameraFixture.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -87,4 +88,24 @@ TEST_F(InitializationTest, SystemInformationHasTextsAndZeros)
     EXPECT_THAT(info.reserved448, ::testing::Each(0));
     EXPECT_EQ(Sys_GetInformation(nullptr), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+}
+
+TEST(InitializationDeathTest, ProgramMayEndWithoutTerminate)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            std::uint32_t count = 0;
+            CAM_HANDLE camera = 0;
+            CAM_STRM_HANDLE stream = 0;
+            ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
+            const bool started =
+                Sys_Initialize(CAM_LAYER_SIMULATED) == CAM_API_STS_SUCCESS &&
+                Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS &&
+                Cam_Open(0, &camera, 0, 1, nullptr, 1) == CAM_API_STS_SUCCESS &&
+                Strm_OpenSimple(camera, &stream, nullptr, nullptr, 4, nullptr) == CAM_API_STS_SUCCESS &&
+                Strm_Start(stream, 8) == CAM_API_STS_SUCCESS;
+            std::exit(started ? 0 : 1); // NOLINT(concurrency-mt-unsafe)
+        },
+        ::testing::ExitedWithCode(0), "");
 }
