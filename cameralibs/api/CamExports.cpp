@@ -25,11 +25,12 @@ extern "C" {
 
 CAM_API_STATUS Cam_GetInformation(CAM_HANDLE camera, std::uint32_t cameraIndex, CAM_INFO* info)
 {
-    if (camera != 0)
+    if (camera != 0) {
         return onCamera(camera, [&](System& system, const Camera& opened) {
             requirePointers({info});
             *info = cameraInfo(system.infoOf(opened), system.indexOf(opened));
         });
+    }
     return onSystem([&](System& system) {
         const DeviceInfo device = system.listedCamera(cameraIndex);
         requirePointers({info});

@@ -80,10 +80,11 @@ void Camera::requireDevice() const
 
 void Camera::noteFailure(const Failure& failure)
 {
-    if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
+    if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING) {
         m_removal->note();
-    else if (removed())
+    } else if (removed()) {
         throw Failure(CAM_API_STS_CAMERA_NOT_RESPONDING);
+    }
 }
 
 } // namespace orvo

@@ -20,10 +20,11 @@ public:
     /// Who sees that the camera is gone finds the signal set, and the other way round.
     void note()
     {
-        if (m_signal != nullptr)
+        if (m_signal != nullptr) {
             m_signal->setTogetherWith(m_noted);
-        else
+        } else {
             m_noted.store(true, std::memory_order_release);
+        }
     }
 
     [[nodiscard]] bool noted() const noexcept { return m_noted.load(std::memory_order_acquire); }

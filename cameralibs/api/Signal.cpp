@@ -37,10 +37,11 @@ Orvo::CAM_API_STATUS Signal::wait(std::uint32_t milliseconds)
 {
     std::unique_lock lock(m_mutex);
     const auto ready = [this] { return m_set || m_closed; };
-    if (milliseconds == kForever)
+    if (milliseconds == kForever) {
         m_changed.wait(lock, ready);
-    else if (milliseconds != 0)
+    } else if (milliseconds != 0) {
         m_changed.wait_for(lock, std::chrono::milliseconds(milliseconds), ready);
+    }
     if (m_closed)
         return m_closedStatus;
     return m_set ? Orvo::CAM_API_STS_SUCCESS : Orvo::CAM_API_STS_TIMEOUT;

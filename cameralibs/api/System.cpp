@@ -94,9 +94,10 @@ std::uint32_t System::enumerate()
 {
     const std::lock_guard providers(providerMutex());
     std::vector<Listed> found;
-    for (const auto& provider : m_providers)
+    for (const auto& provider : m_providers) {
         for (DeviceInfo& info : provider->enumerate())
             found.push_back({provider.get(), std::move(info)});
+    }
     const std::lock_guard lock(m_listMutex);
     m_list = std::move(found);
     return static_cast<std::uint32_t>(m_list.size());

@@ -52,7 +52,7 @@ public:
 
 private:
     struct Listed {
-        DeviceProvider* provider;
+        DeviceProvider* provider = nullptr;
         DeviceInfo info;
     };
 

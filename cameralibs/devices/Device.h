@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-typedef struct _ArvDevice ArvDevice;
+typedef struct _ArvDevice ArvDevice; // NOLINT(bugprone-reserved-identifier): the name that Aravis gave it
 
 namespace orvo {
 
@@ -94,7 +94,7 @@ public:
 
     /// `lost` tells whether anybody found out that the device is gone. From then on nothing that this device or its
     /// sources are asked for waits for it, closing least of all.
-    virtual void setLostQuery(std::function<bool()> lost) { (void)lost; }
+    virtual void setLostQuery(std::function<bool()> /*lost*/) {}
 };
 
 /// A kind of camera. Calls into all providers are serialised by the caller.

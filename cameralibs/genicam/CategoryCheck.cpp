@@ -24,15 +24,18 @@ void checkCategories(const Description& description)
         const auto& features = description.node(static_cast<NodeId>(id)).features;
         return std::vector<std::size_t>(features.begin(), features.end());
     });
-    if (report.onCycle)
+    if (report.onCycle) {
         throw Failure(CAM_API_STS_GENICAM_ERR, "[" + description.node(static_cast<NodeId>(*report.onCycle)).name +
                                                    "] The category contains itself");
-    if (report.depth[root] - 1 > kMaxDepth)
+    }
+    if (report.depth[root] - 1 > kMaxDepth) {
         throw Failure(CAM_API_STS_GENICAM_ERR,
                       "[Root] The categories are nested more than " + std::to_string(kMaxDepth) + " deep");
-    if (report.reached[root] - 1 > kMaxRows)
+    }
+    if (report.reached[root] - 1 > kMaxRows) {
         throw Failure(CAM_API_STS_GENICAM_ERR,
                       "[Root] The categories list more than " + std::to_string(kMaxRows) + " features");
+    }
 }
 
 } // namespace orvo

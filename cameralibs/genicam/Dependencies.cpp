@@ -45,9 +45,10 @@ std::vector<Evaluation> dependencies(const Description& description, const Evalu
     for (const Reference& reference : description.node(evaluation.node).references) {
         if (reference.target == kNoNode)
             continue;
-        for (const DependencyRow& row : kDependencies)
+        for (const DependencyRow& row : kDependencies) {
             if (row.question == evaluation.question && reference.property == row.property)
                 result.push_back({reference.target, row.asked});
+        }
     }
     return result;
 }

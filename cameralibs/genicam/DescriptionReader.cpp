@@ -23,9 +23,10 @@ constexpr std::size_t kMaxName = 255;
 std::string nameOf(xmlNode* element)
 {
     std::string name = attribute(element, "Name");
-    if (name.size() > kMaxName)
+    if (name.size() > kMaxName) {
         throw Failure(CAM_API_STS_GENICAM_ERR, "[" + name.substr(0, kMaxName) + "...] The name is longer than " +
                                                    std::to_string(kMaxName) + " bytes");
+    }
     setAttribute(element, "Name", name);
     return name;
 }
@@ -36,9 +37,10 @@ std::string symbolicName(const std::string& enumeration, const DescribedNode& en
     std::string symbolic = entry.symbolic;
     if (symbolic.empty())
         symbolic = entry.name.compare(0, prefix.size(), prefix) == 0 ? entry.name.substr(prefix.size()) : entry.name;
-    if (symbolic.size() > kMaxName)
+    if (symbolic.size() > kMaxName) {
         throw Failure(CAM_API_STS_GENICAM_ERR,
                       "[" + entry.name + "] The symbolic name is longer than " + std::to_string(kMaxName) + " bytes");
+    }
     return symbolic;
 }
 
@@ -70,9 +72,10 @@ DescriptionReader::DescriptionReader(const std::string& xml)
 std::shared_ptr<Description> DescriptionReader::read()
 {
     xmlNode* root = xmlDocGetRootElement(m_document.get());
-    if (elementName(root) != "RegisterDescription")
-        throw Failure(CAM_API_STS_GENICAM_ERR, "The description's outermost element is \"" + elementName(root) +
-                                                   "\", not \"RegisterDescription\"");
+    if (elementName(root) != "RegisterDescription") {
+        throw Failure(CAM_API_STS_GENICAM_ERR,
+                      "The description's outermost element is <" + elementName(root) + ">, not <RegisterDescription>");
+    }
     // No description needs one, and its entities could name files or grow without bound.
     if (m_document->intSubset != nullptr)
         throw Failure(CAM_API_STS_GENICAM_ERR, "The description declares a document type");
@@ -88,12 +91,13 @@ void DescriptionReader::readChildren(xmlNode* parent)
         if (!isElement(child))
             continue;
         const std::string name = elementName(child);
-        if (name == "Group")
+        if (name == "Group") {
             readChildren(child);
-        else if (name == "StructReg")
+        } else if (name == "StructReg") {
             readStructure(child);
-        else if (!attribute(child, "Name").empty())
+        } else if (!attribute(child, "Name").empty()) {
             readNode(child, {});
+        }
     }
 }
 
@@ -103,9 +107,10 @@ void DescriptionReader::readStructure(xmlNode* element)
     DescribedNode shared;
     shared.ownAccess = elementRow("StructEntry").access;
     readProperties(element, shared);
-    for (xmlNode* child = element->children; child != nullptr; child = child->next)
+    for (xmlNode* child = element->children; child != nullptr; child = child->next) {
         if (isElement(child) && elementName(child) == "StructEntry" && !attribute(child, "Name").empty())
             readNode(child, shared);
+    }
 }
 
 void DescriptionReader::readNode(xmlNode* element, DescribedNode node)

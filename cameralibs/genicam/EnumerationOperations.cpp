@@ -38,9 +38,10 @@ bool canBeChosen(const NodeMap& nodes, NodeId entry)
 NodeId entryOf(const NodeMap& nodes, NodeId id, std::int64_t number)
 {
     std::vector<NodeId> candidates;
-    for (const NodeId entry : nodes.node(id).entries)
+    for (const NodeId entry : nodes.node(id).entries) {
         if (entryNumber(nodes, entry) == number)
             candidates.push_back(entry);
+    }
     if (candidates.empty())
         return kNoNode;
     if (candidates.size() == 1)
@@ -72,9 +73,10 @@ std::string readEnumerationName(const NodeMap& nodes, NodeId id)
 {
     const std::int64_t number = readEnumerationNumber(nodes, id);
     const NodeId entry = entryOf(nodes, id, number);
-    if (entry == kNoNode)
+    if (entry == kNoNode) {
         throw Failure(CAM_API_STS_GENICAM_ERR,
                       "[" + nodes.node(id).name + "] No entry has the value " + std::to_string(number));
+    }
     return nodes.node(entry).symbolic;
 }
 

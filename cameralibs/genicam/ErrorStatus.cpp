@@ -55,12 +55,13 @@ Outcome take(GError* error, CAM_API_STATUS other)
         return {};
     Outcome outcome{other, error->message != nullptr ? error->message : ""};
     const auto code = static_cast<std::size_t>(error->code);
-    if (error->domain == ARV_DEVICE_ERROR)
+    if (error->domain == ARV_DEVICE_ERROR) {
         outcome.status = code < std::size(kDeviceErrors) ? kDeviceErrors[code] : CAM_API_STS_UNSUCCESSFUL;
-    else if (error->domain == ARV_GC_ERROR)
+    } else if (error->domain == ARV_GC_ERROR) {
         outcome.status = genicamStatus(error->code);
-    else if (error->domain == ARV_CHUNK_PARSER_ERROR)
+    } else if (error->domain == ARV_CHUNK_PARSER_ERROR) {
         outcome.status = CAM_API_STS_NOT_AVAILABLE;
+    }
     g_error_free(error);
     return outcome;
 }

@@ -2,7 +2,7 @@
 
 #include "cameralibs/devices/Device.h"
 
-typedef struct _GError GError;
+#include <glib.h>
 
 namespace orvo {
 

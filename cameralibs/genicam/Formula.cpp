@@ -31,10 +31,11 @@ std::int64_t toInteger(double number)
 
 void setVariable(ArvEvaluator* evaluator, Formula::Kind kind, const std::string& name, double number)
 {
-    if (kind == Formula::Kind::integer)
+    if (kind == Formula::Kind::integer) {
         arv_evaluator_set_int64_variable(evaluator, name.c_str(), toInteger(number));
-    else
+    } else {
         arv_evaluator_set_double_variable(evaluator, name.c_str(), number);
+    }
 }
 
 } // namespace
@@ -60,10 +61,11 @@ FormulaResult evaluate(const Formula& formula, double input, const std::function
         setVariable(evaluator.get(), formula.kind, formula.input, input);
     GError* error = nullptr;
     FormulaResult result;
-    if (formula.kind == Formula::Kind::integer)
+    if (formula.kind == Formula::Kind::integer) {
         result.number = static_cast<double>(arv_evaluator_evaluate_as_int64(evaluator.get(), &error));
-    else
+    } else {
         result.number = arv_evaluator_evaluate_as_double(evaluator.get(), &error);
+    }
     if (error != nullptr) {
         result.error = error->message;
         result.divisionByZero = error->code == kDivisionByZero;

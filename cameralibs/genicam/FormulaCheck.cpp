@@ -20,9 +20,10 @@ bool asksForLimits(const std::string& variable)
 
 void checkFormula(DescribedNode& node, const Formula& formula)
 {
-    for (const auto& [variable, name] : formula.variables)
+    for (const auto& [variable, name] : formula.variables) {
         if (asksForLimits(variable))
             node.setFault("The variable \"" + variable + "\" is none that can be evaluated");
+    }
     // Any numbers do to see whether a formula is one; only what they are may still be wrong.
     const FormulaResult result = evaluate(formula, 1.0, [](const std::string&) { return 1.0; });
     if (!result.error.empty() && !result.divisionByZero)

@@ -78,16 +78,18 @@ double NodeMap::rawNumber(NodeId id) const
 
 void NodeMap::checkConversion(NodeId id, double value) const
 {
-    for (NodeId at = id; at != kNoNode; at = node(at).link("pValue"))
+    for (NodeId at = id; at != kNoNode; at = node(at).link("pValue")) {
         for (const Formula& formula : node(at).formulas) {
             if (formula.input != "FROM" || !formula.mayFail())
                 continue;
             const FormulaResult result = evaluateNow(formula, value);
-            if (!result.error.empty())
+            if (!result.error.empty()) {
                 throw Failure(CAM_API_STS_GENICAM_ERR,
                               "[" + node(at).name + "] \"" + formula.text + "\": " + result.error);
+            }
             value = result.number;
         }
+    }
 }
 
 void NodeMap::bind(NodeId id)
@@ -117,9 +119,10 @@ void NodeMap::checkNow(NodeId asked, const Evaluation& evaluation, std::set<std:
         return;
     for (const Evaluation& behind : dependencies(*m_description, evaluation))
         checkNow(asked, behind, done);
-    if (answerable.checksItself)
+    if (answerable.checksItself) {
         if (const std::string error = errorNow(evaluation.node); !error.empty())
             refuse(asked, evaluation.node, error);
+    }
 }
 
 void NodeMap::refuse(NodeId asked, NodeId failing, const std::string& error) const

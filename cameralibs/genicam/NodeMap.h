@@ -3,14 +3,12 @@
 #include "cameralibs/genicam/Dependencies.h"
 #include "cameralibs/genicam/Description.h"
 
+#include <arv.h>
+
 #include <memory>
 #include <set>
 #include <string>
 #include <vector>
-
-typedef struct _ArvDevice ArvDevice;
-typedef struct _ArvGc ArvGc;
-typedef struct _ArvGcFeatureNode ArvGcFeatureNode;
 
 namespace orvo {
 

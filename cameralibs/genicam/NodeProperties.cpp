@@ -76,28 +76,29 @@ void readReference(xmlNode* element, const std::string& text, DescribedNode& nod
 
 void readTextOrToken(const std::string& name, const std::string& text, DescribedNode& node)
 {
-    if (name == "ToolTip")
+    if (name == "ToolTip") {
         node.toolTip = text;
-    else if (name == "Description")
+    } else if (name == "Description") {
         node.description = text;
-    else if (name == "Unit")
+    } else if (name == "Unit") {
         node.unit = text;
-    else if (name == "Symbolic")
+    } else if (name == "Symbolic") {
         node.symbolic = text;
-    else if (name == "Visibility")
+    } else if (name == "Visibility") {
         assignToken(kVisibilities, text, node.visibility);
-    else if (name == "Representation")
+    } else if (name == "Representation") {
         assignToken(kRepresentations, text, node.representation);
-    else if (name == "DisplayNotation")
+    } else if (name == "DisplayNotation") {
         assignToken(kNotations, text, node.notation);
-    else if (name == "AccessMode")
+    } else if (name == "AccessMode") {
         assignToken(kAccessModes, text, node.ownAccess);
-    else if (name == "ImposedAccessMode")
+    } else if (name == "ImposedAccessMode") {
         assignToken(kAccessModes, text, node.imposedAccess);
-    else if (name == "ChunkID" || name == "EventID")
+    } else if (name == "ChunkID" || name == "EventID") {
         node.carriedByImages = true;
-    else if (contains(kNumbers, name))
+    } else if (contains(kNumbers, name)) {
         node.numbers[name] = text;
+    }
 }
 
 void readNumber(const std::string& name, const std::string& text, DescribedNode& node)
@@ -105,23 +106,25 @@ void readNumber(const std::string& name, const std::string& text, DescribedNode&
     long long number = 0;
     if (!toInteger(trimmed(text), number))
         return;
-    if (name == "DisplayPrecision")
+    if (name == "DisplayPrecision") {
         node.precision = number;
-    else if (name == "OnValue")
+    } else if (name == "OnValue") {
         node.onValue = number;
-    else if (name == "OffValue")
+    } else if (name == "OffValue") {
         node.offValue = number;
-    else if (name == "Value" && node.element == Element::enumEntry)
+    } else if (name == "Value" && node.element == Element::enumEntry) {
         node.entryValue = number;
+    }
 }
 
 /// Aravis knows truth by numbers only.
 void readTruth(xmlNode* element, const std::string& text)
 {
-    if (trimmed(text) == "true")
+    if (trimmed(text) == "true") {
         setElementText(element, "1");
-    else if (trimmed(text) == "false")
+    } else if (trimmed(text) == "false") {
         setElementText(element, "0");
+    }
 }
 
 /// What the formulas of one element share, and what each has.
@@ -134,18 +137,19 @@ struct FormulaParts {
     void read(xmlNode* element, const std::string& text)
     {
         const std::string name = elementName(element);
-        if (name == "pVariable")
+        if (name == "pVariable") {
             common.variables.emplace_back(attribute(element, "Name"), text);
-        else if (name == "Constant")
+        } else if (name == "Constant") {
             common.constants.emplace_back(attribute(element, "Name"), text);
-        else if (name == "Expression")
+        } else if (name == "Expression") {
             common.expressions.emplace_back(attribute(element, "Name"), text);
-        else if (name == "Formula")
+        } else if (name == "Formula") {
             formula = text;
-        else if (name == "FormulaTo")
+        } else if (name == "FormulaTo") {
             to = text;
-        else if (name == "FormulaFrom")
+        } else if (name == "FormulaFrom") {
             from = text;
+        }
     }
 
     void addTo(DescribedNode& node, Element element)

@@ -78,10 +78,11 @@ void checkReferences(Description& description)
             // What a category lists and does not exist was left out.
             if (reference.property == "pFeature")
                 continue;
-            if (reference.target == kNoNode)
+            if (reference.target == kNoNode) {
                 node.setFault(reference.property + " names \"" + reference.name + "\", which does not exist");
-            else if (!isUsable(node, reference, description.node(reference.target)))
+            } else if (!isUsable(node, reference, description.node(reference.target))) {
                 node.setFault(reference.property + " names \"" + reference.name + "\", which has no value for that");
+            }
         }
     }
 }

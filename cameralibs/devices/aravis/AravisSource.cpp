@@ -60,7 +60,7 @@ AravisSource::AravisSource(std::shared_ptr<DeviceConnection> connection, GObject
 
 AravisSource::~AravisSource()
 {
-    stop();
+    AravisSource::stop();
     if (!m_connection->lost())
         return;
     abandon();

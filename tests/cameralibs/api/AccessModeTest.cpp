@@ -98,9 +98,10 @@ std::string nameOf(const ModeRow& row)
 std::string everything()
 {
     std::string nodes = kBehind + intReg("RegRO", 0, "RO") + intReg("RegWO", 4, "WO") + intReg("RegRW", 8, "RW");
-    for (const ModeRow& row : kModes)
+    for (const ModeRow& row : kModes) {
         nodes += "<" + std::string(row.element) + " Name=\"" + nameOf(row) + "\">" + row.content + "</" + row.element +
                  ">\n";
+    }
     return describe(nodes);
 }
 

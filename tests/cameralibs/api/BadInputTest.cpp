@@ -177,7 +177,7 @@ void callFromManyThreads(const std::function<void(Handles&)>& prepare, int round
 {
     const std::vector<Call> all = calls();
     std::vector<std::thread> threads;
-    for (unsigned i = 0; i < kThreads; ++i)
+    for (unsigned i = 0; i < kThreads; ++i) {
         threads.emplace_back([&, i] {
             Handles handles(i);
             prepare(handles);
@@ -187,6 +187,7 @@ void callFromManyThreads(const std::function<void(Handles&)>& prepare, int round
                 EXPECT_EQ(documentedStatuses().count(status), 1U) << "operation " << which << " gave " << status;
             }
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
 }
@@ -197,9 +198,10 @@ TEST(BadInput, BeforeInitializeAndAfterTerminate)
 {
     for (int phase = 0; phase < 2; ++phase) {
         Handles handles(7);
-        for (const Call& call : calls())
+        for (const Call& call : calls()) {
             for (int i = 0; i < 10; ++i)
                 EXPECT_EQ(call(handles), CAM_API_STS_NOT_INITIALIZED);
+        }
         ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
         ASSERT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
     }
@@ -252,7 +254,7 @@ TEST_F(BadInputTest, WhileTheLibraryStartsAndEnds)
         }
         done = true;
     });
-    while (!done)
+    while (!done) {
         callFromManyThreads(
             [&](Handles& handles) {
                 handles.add(m_camera);
@@ -260,13 +262,14 @@ TEST_F(BadInputTest, WhileTheLibraryStartsAndEnds)
                 handles.add(m_signal);
             },
             100);
+    }
     restarter.join();
 }
 
 TEST_F(BadInputTest, OneCameraFromEightThreads)
 {
     std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i)
+    for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&, i] {
             for (int round = 0; round < 40; ++round) {
                 std::int64_t value = 0;
@@ -282,6 +285,7 @@ TEST_F(BadInputTest, OneCameraFromEightThreads)
                 EXPECT_FALSE(featuresOf(m_camera, "Root").empty());
             }
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
 }
@@ -291,7 +295,7 @@ TEST_F(BadInputTest, OpenedAndClosedFromEightThreads)
     ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     std::vector<std::thread> threads;
     std::atomic<int> opened{0};
-    for (int i = 0; i < kThreads; ++i)
+    for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 10; ++round) {
                 CAM_HANDLE camera = 0;
@@ -306,6 +310,7 @@ TEST_F(BadInputTest, OpenedAndClosedFromEightThreads)
                 EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
             }
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_GT(opened, 0);

@@ -214,7 +214,7 @@ TEST_F(CallbackTest, UnpluggedFromInside)
 TEST_F(CallbackTest, ManyThreadsStartAndStop)
 {
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 25; ++round) {
                 const CAM_API_STATUS started = Strm_Start(m_stream, 8);
@@ -222,6 +222,7 @@ TEST_F(CallbackTest, ManyThreadsStartAndStop)
                 EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
             }
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
     m_recorder.clear();

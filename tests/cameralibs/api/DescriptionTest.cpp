@@ -41,9 +41,10 @@ std::string sized(const char* type, const char* length)
 std::string nested(int categories)
 {
     std::string nodes = constant("Leaf", 1);
-    for (int i = 1; i < categories; ++i)
+    for (int i = 1; i < categories; ++i) {
         nodes += named("Category", ("C" + std::to_string(i)).c_str(),
                        element("pFeature", i + 1 < categories ? "C" + std::to_string(i + 1) : "Leaf"));
+    }
     return describe(categories > 1 ? "C1" : "Leaf", nodes);
 }
 

@@ -67,7 +67,7 @@ TEST_F(FullRateTest, BytesUnderALockDoNotChange)
 TEST_F(FullRateTest, SlotsLockedFromSeveralThreadsStayApart)
 {
     std::vector<std::thread> threads;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 15; ++round) {
                 std::uint32_t slot = 0;
@@ -80,6 +80,7 @@ TEST_F(FullRateTest, SlotsLockedFromSeveralThreadsStayApart)
                 ASSERT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
             }
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_TRUE(m_recorder.waitForImages(m_recorder.images().size() + kSlots)) << "and nothing stays locked";

@@ -61,12 +61,13 @@ TEST_F(InitializationTest, OneOfManyThreadsInitializes)
     std::atomic<int> successes{0};
     std::atomic<int> refusals{0};
     std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 8; ++i) {
         threads.emplace_back([&] {
             const CAM_API_STATUS status = Sys_Initialize(CAM_LAYER_SIMULATED);
             successes += status == CAM_API_STS_SUCCESS ? 1 : 0;
             refusals += status == CAM_API_STS_ALREADY_INITIALIZED ? 1 : 0;
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(successes, 1);

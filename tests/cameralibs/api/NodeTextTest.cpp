@@ -133,9 +133,10 @@ TEST(NodeText, TypesAreThoseOfTheStandard)
         {"ConfRom", "", NODE_TYPE_UNKNOWN},
     };
     std::string nodes;
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         nodes +=
             std::string("<") + row.element + " Name=\"" + row.element + "\">" + row.content + "</" + row.element + ">";
+    }
     const DescribedCamera camera(describe(nodes));
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
     for (const auto& row : rows) {

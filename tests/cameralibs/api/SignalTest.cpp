@@ -87,13 +87,14 @@ TEST_F(CameraTest, SignalIsSetBeforeAnyOperationTellsOfTheRemoval)
 {
     const CAM_NODE_HANDLE width = node("Width");
     std::vector<std::future<CAM_API_STATUS>> readers;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         readers.push_back(std::async(std::launch::async, [&] {
             std::int64_t value = 0;
             while (Nd_GetIntValue(m_camera, width, &value) != CAM_API_STS_CAMERA_NOT_RESPONDING) {
             }
             return Sys_WaitForSignal(m_signal, 0);
         }));
+    }
     unplug();
     for (auto& reader : readers)
         EXPECT_EQ(reader.get(), CAM_API_STS_SUCCESS);
