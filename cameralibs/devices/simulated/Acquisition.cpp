@@ -64,8 +64,6 @@ void Acquisition::trigger()
 void Acquisition::sendErrors(std::uint32_t count)
 {
     const std::lock_guard lock(m_mutex);
-    if (!m_sourceOpen)
-        return;
     m_errors += count;
     m_changed.notify_all();
 }

@@ -22,7 +22,7 @@ public:
     void start();
     void stop();
     void trigger();
-    void sendErrors(std::uint32_t count);
+    void sendErrors(std::uint32_t count); ///< forgotten where no source is open
     void disconnect();
     [[nodiscard]] bool isActive() const;
 

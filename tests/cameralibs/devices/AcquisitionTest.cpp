@@ -143,6 +143,28 @@ TEST_F(AcquisitionTest, TriggersAreForTheirSourceOnly)
     EXPECT_EQ(stream.imageCount(), 0U) << "A trigger that came too early is no trigger";
 }
 
+TEST_F(AcquisitionTest, WithoutTriggerModeTriggersDoNothing)
+{
+    m_camera.setReal("AcquisitionFrameRate", 2);
+    ImageStream stream(m_camera);
+    ASSERT_TRUE(stream.waitForImages(1));
+    m_camera.execute("TriggerSoftware");
+    EXPECT_LT(rateOf(stream.take(3)), 3) << "No image came early";
+}
+
+TEST_F(AcquisitionTest, TriggersUnderWayEndWithTheirSource)
+{
+    m_camera.choose("TriggerMode", "On");
+    m_camera.setReal("TriggerDelay", 1000000);
+    ImageStream stream(m_camera);
+    m_camera.execute("TriggerSoftware");
+    m_camera.choose("TriggerSource", "Line0");
+    m_camera.setReal("TriggerDelay", 0);
+    m_camera.choose("TriggerSource", "Software");
+    letImagesCome();
+    EXPECT_EQ(stream.imageCount(), 0U);
+}
+
 TEST_F(AcquisitionTest, TriggerDelayAndExposureComeBeforeTheImage)
 {
     m_camera.choose("TriggerMode", "On");

@@ -214,6 +214,18 @@ TEST_F(MonoImageTest, BinningModeSumIsBrighter)
     EXPECT_NEAR(level(), 4 * average, 6);
 }
 
+TEST_F(MonoImageTest, TheFrameNumberIsReadable)
+{
+    m_camera.setInteger("Width", 128);
+    m_camera.setInteger("Height", 64);
+    m_camera.setReal("ExposureTime", 1000);
+    m_camera.setReal("AcquisitionFrameRate", 500);
+    const auto pictures = ImageStream(m_camera).take(250);
+    ASSERT_EQ(pictures.size(), 250U);
+    for (const Picture& picture : pictures)
+        ASSERT_EQ(readFrameNumber(picture), picture.number);
+}
+
 TEST_F(MonoImageTest, SomethingMoves)
 {
     ImageStream stream(m_camera);
