@@ -56,10 +56,8 @@ LineEditWithSlider::LineEditWithSlider(QWidget* parent)
 
 LineEditWithSlider::~LineEditWithSlider()
 {
-    // The parts give up the focus when they are destroyed, and nothing of that may arrive here any more.
+    // The parts give up the focus when they are destroyed, and that may not arrive here any more.
     disconnect(qApp, nullptr, this, nullptr);
-    m_lineEdit.disconnect(this);
-    m_slider.disconnect(this);
 }
 
 // --- Loading --------------------------------------------------------------------------------------------------------

@@ -54,8 +54,8 @@ QWidget* makeSpinBox(QWidget* parent)
 
 // --- Loading it -----------------------------------------------------------------------------------------------------
 
-// The signal that writes is disconnected meanwhile: filling an editor writes nothing. Connected once, however often and
-// however deep within one another the loads run.
+// The signal that writes is disconnected meanwhile: filling an editor writes nothing, and an editor that is loaded
+// again writes once. Nothing in between calls the camera, which could load the editor from within.
 template <typename Editor, typename Signal, typename Slot, typename Fill>
 void fill(Editor& editor, Signal changed, GenAPINodeItem* item, Slot write, Fill fillEditor)
 {
@@ -63,7 +63,7 @@ void fill(Editor& editor, Signal changed, GenAPINodeItem* item, Slot write, Fill
         QObject::disconnect(&editor, changed, item, write);
     fillEditor();
     if (item != nullptr)
-        QObject::connect(&editor, changed, item, write, Qt::UniqueConnection);
+        QObject::connect(&editor, changed, item, write);
 }
 
 void loadLineEdit(QWidget& editor, GenAPINodeItem*, const QVariant& value)
@@ -77,13 +77,13 @@ void loadComboBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
     auto* comboBox = qobject_cast<QComboBox*>(&editor);
     if (comboBox == nullptr)
         return;
+    const QStringList choices = item != nullptr ? item->getItemsValue() : QStringList();
     fill(*comboBox, qOverload<int>(&QComboBox::currentIndexChanged), item, &GenAPINodeItem::combo_CurrentIndexChanged,
          [&] {
              comboBox->setInsertPolicy(QComboBox::NoInsert);
              comboBox->setEditable(false);
              comboBox->clear();
-             if (item != nullptr)
-                 comboBox->insertItems(0, item->getItemsValue());
+             comboBox->insertItems(0, choices);
              comboBox->setCurrentText(value.toString());
          });
 }

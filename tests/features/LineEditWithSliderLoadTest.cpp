@@ -40,6 +40,7 @@ private slots:
     void extremes();
 
     void withoutItem();
+    void noItemAfterOneEditsNothing();
     void otherNodeTypes_data();
     void otherNodeTypes();
     void loaderLeavesTheSliderDisabled();
@@ -276,6 +277,17 @@ void LineEditWithSliderLoadTest::withoutItem()
     QVERIFY(!lineEdit().isEnabled());
     QCOMPARE(slider().value(), -5);
     QVERIFY(!slider().isEnabled());
+}
+
+void LineEditWithSliderLoadTest::noItemAfterOneEditsNothing()
+{
+    m_editor->setValue(itemOf(features::percent()));
+    m_editor->setValue(nullptr);
+    m_editor->getValue();
+    m_editor->lineEdit_EditingFinished();
+    QCOMPARE(written(), QStringList());
+    QCOMPARE(lineEdit().text(), QString());
+    QCOMPARE(m_editor->calcSliderVal(37L), 0);
 }
 
 void LineEditWithSliderLoadTest::otherNodeTypes_data()

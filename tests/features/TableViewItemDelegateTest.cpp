@@ -15,6 +15,7 @@
 #include <QStandardItemModel>
 
 #include <memory>
+#include <utility>
 
 using scripted::NodeSpec;
 
@@ -47,6 +48,7 @@ private slots:
     void reloadedEditorWritesOnce_data();
     void reloadedEditorWritesOnce();
     void reloadDuringTheWrite();
+    void reloadDuringTheReload();
 
     void lineEditIsCommittedOnce();
     void lineEditShowsWhatTheItemHolds();
@@ -367,6 +369,24 @@ void TableViewItemDelegateTest::reloadDuringTheWrite()
     QCOMPARE(comboBox->currentText(), QString("Three"));
     QTest::keyClick(comboBox.get(), Qt::Key_Up);
     QCOMPARE(bench.written(), (QStringList{"Choice = Three", "Choice = Two"}));
+}
+
+void TableViewItemDelegateTest::reloadDuringTheReload()
+{
+    EditorBench bench({features::enumeration("Choice", 1, {"One", "Two", "Three"})});
+    const auto comboBox = load<QComboBox>(bench, "Choice");
+    bool nested = false;
+    scripted::onCall("Nd_GetEnumEntryByIndex", [&] {
+        if (!std::exchange(nested, true))
+            delegateOf(bench).setEditorData(comboBox.get(), bench.valueCell("Choice"));
+    });
+    delegateOf(bench).setEditorData(comboBox.get(), bench.valueCell("Choice"));
+    QVERIFY(nested);
+    QCOMPARE(comboBox->count(), 3);
+    QCOMPARE(comboBox->currentText(), QString("Two"));
+    QCOMPARE(bench.written(), QStringList());
+    QTest::keyClick(comboBox.get(), Qt::Key_Down);
+    QCOMPARE(bench.written(), QStringList{"Choice = Three"});
 }
 
 // --- Committing -----------------------------------------------------------------------------------------------------
