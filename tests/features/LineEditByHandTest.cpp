@@ -7,8 +7,6 @@
 #include <QLineEdit>
 #include <QSpinBox>
 
-using scripted::NodeSpec;
-
 namespace {
 
 class LineEditByHandTest : public QObject {

@@ -6,8 +6,6 @@
 
 #include <QApplication>
 
-using scripted::NodeSpec;
-
 namespace {
 
 class SliderByHandTest : public QObject {
