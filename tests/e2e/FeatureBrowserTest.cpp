@@ -132,11 +132,11 @@ void FeatureBrowserTest::exposureTimeAndGain()
     driver->start();
     const double normal = nextBrightness();
     hand->type("ExposureTime", "1000");
+    // A busy machine shows images of before the change for a while.
+    QTRY_VERIFY_WITH_TIMEOUT(nextBrightness() < normal / 2, kPatienceMs);
     const double dark = nextBrightness();
-    QVERIFY2(dark < normal / 2, qPrintable(QString("%1 %2").arg(normal).arg(dark)));
     hand->type("Gain", "12");
-    const double brighter = nextBrightness();
-    QVERIFY2(brighter > dark * 1.5, qPrintable(QString("%1 %2").arg(dark).arg(brighter)));
+    QTRY_VERIFY_WITH_TIMEOUT(nextBrightness() > dark * 1.5, kPatienceMs);
 }
 
 void FeatureBrowserTest::softwareTriggerFromTheToolBar()
