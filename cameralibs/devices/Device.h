@@ -94,6 +94,7 @@ public:
 
     /// `lost` tells whether anybody found out that the device is gone. From then on nothing that this device or its
     /// sources are asked for waits for it, closing least of all.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): who overrides it keeps it
     virtual void setLostQuery(std::function<bool()> /*lost*/) {}
 };
 
