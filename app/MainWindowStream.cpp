@@ -18,19 +18,6 @@ namespace {
 constexpr std::uint32_t kBufferCount = 8;
 constexpr std::uint32_t kRequestCount = 8;
 
-/// The same pixels as RGB32, without a copy: their alpha is known to be 255, so the view may take them for opaque and
-/// draws them without converting them first.
-QImage opaqueView(const QImage& image)
-{
-    if (image.isNull())
-        return image;
-    auto kept = std::make_unique<QImage>(image);
-    const uchar* const pixels = kept->constBits();
-    return QImage(
-        pixels, image.width(), image.height(), image.bytesPerLine(), QImage::Format_RGB32,
-        [](void* owner) { delete static_cast<QImage*>(owner); }, kept.release());
-}
-
 /// "%1" in two decimals, right-aligned in six characters.
 QString rateText(double rate)
 {
@@ -291,5 +278,5 @@ void MainWindow::disp_image(QImage image)
 void MainWindow::update_capture_image()
 {
     const QMutexLocker locker(&captureMutex);
-    emit Update_Image(opaqueView(captureImage));
+    emit Update_Image(captureImage);
 }

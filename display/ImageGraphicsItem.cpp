@@ -2,6 +2,23 @@
 
 #include <QPainter>
 
+#include <memory>
+
+namespace {
+
+/// The same pixels as RGB32, without a copy. A camera image has no transparency: its fourth byte is there for the
+/// width of a pixel only. Taken for an alpha it would cost a look at every pixel and a deep copy for each image.
+QImage opaqueView(const QImage& image)
+{
+    auto kept = std::make_unique<QImage>(image);
+    const uchar* const pixels = kept->constBits();
+    const auto giveBack = [](void* owner) { delete static_cast<QImage*>(owner); };
+    return {pixels,   image.width(), image.height(), image.bytesPerLine(), QImage::Format_RGB32,
+            giveBack, kept.release()};
+}
+
+} // namespace
+
 void ImageGraphicsItem::set_image_size(int width, int height)
 {
     m_imageWidth = width;
@@ -11,7 +28,7 @@ void ImageGraphicsItem::set_image_size(int width, int height)
 void ImageGraphicsItem::update_image(const QImage& image)
 {
     m_hasImage = true;
-    m_pixmap = QPixmap::fromImage(image, Qt::AutoColor);
+    m_pixmap = QPixmap::fromImage(image.format() == QImage::Format_ARGB32 ? opaqueView(image) : image, Qt::AutoColor);
     update();
 }
 

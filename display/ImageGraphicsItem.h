@@ -9,6 +9,7 @@ class ImageGraphicsItem : public QGraphicsPixmapItem {
 public:
     /// In pixels. The scene is not told: the size comes before the first image.
     void set_image_size(int width, int height);
+    /// An image of 32 bits is shared, not copied; one of format ARGB32 is taken for opaque.
     void update_image(const QImage& image);
 
     /// Nothing is painted any more, from the next repaint on; none is requested.

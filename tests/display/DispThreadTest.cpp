@@ -161,6 +161,7 @@ private slots:
     void lentImageBlocksTheNext();
     void ratesGoOnWhileAnImageIsLent();
     void shownImagesAreWhole();
+    void windowHandsOnTheImageThatItKeeps();
     void staleImageAfterRestartIsHarmless_data();
     void staleImageAfterRestartIsHarmless();
     void staleImageAfterExitIsHarmless();
@@ -418,6 +419,28 @@ void DispThreadTest::shownImagesAreWhole()
         QCoreApplication::processEvents();
     QCOMPARE(torn, 0);
     QCOMPARE(whole, enough);
+}
+
+void DispThreadTest::windowHandsOnTheImageThatItKeeps()
+{
+    QVector<const void*> memories;
+    Running running;
+    connect(&running.driver().window(), &MainWindow::Update_Image, this, [&](const QImage& image) {
+        QCOMPARE(image.format(), QImage::Format_ARGB32); // as the display thread gave it
+        memories << image.constBits();
+    });
+    for (int frame = 1; frame <= 6; ++frame) {
+        QVERIFY(scripted::deliverImage(std::uint64_t(frame)));
+        QTRY_COMPARE(memories.size(), frame);
+    }
+    QVERIFY(memories[0] != memories[1]);
+    for (int i = 2; i < memories.size(); ++i)
+        QVERIFY2(memories[i] == memories[i - 2],
+                 "one is on screen while the other is written to, and no third is needed");
+    // The same image again, not a copy of it.
+    running.driver().trigger("actionZoomIn");
+    QCOMPARE(memories.size(), 7);
+    QCOMPARE(memories[6], memories[5]);
 }
 
 void DispThreadTest::staleImageAfterRestartIsHarmless_data()

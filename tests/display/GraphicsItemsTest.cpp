@@ -27,7 +27,7 @@ public:
     }
     bool begin(QPaintDevice*) override { return true; }
     bool end() override { return true; }
-    Type type() const override { return User; }
+    [[nodiscard]] Type type() const override { return User; }
     void updateState(const QPaintEngineState& newState) override
     {
         if (newState.state() & DirtyPen)
@@ -126,7 +126,10 @@ private slots:
     void imageItemStretchesASmallerImage();
     void imageItemShrinksALargerImage();
     void imageItemAsksForARepaintWithAnImageOnly();
+    void imageItemSharesAnOpaqueImage_data();
     void imageItemSharesAnOpaqueImage();
+    void imageItemTakesTheAlphaOfACameraImageForOpaque();
+    void imageItemKeepsTheTransparencyOfOtherImages();
     void imageItemKeepsItsOwnPixmap();
     void clearedImageItemPaintsNothing();
 
@@ -199,13 +202,45 @@ void GraphicsItemsTest::imageItemAsksForARepaintWithAnImageOnly()
     QCOMPARE(repaints.size(), 1);
 }
 
+void GraphicsItemsTest::imageItemSharesAnOpaqueImage_data()
+{
+    QTest::addColumn<QImage::Format>("format");
+    QTest::newRow("RGB32") << QImage::Format_RGB32;
+    QTest::newRow("ARGB32") << QImage::Format_ARGB32;
+}
+
 void GraphicsItemsTest::imageItemSharesAnOpaqueImage()
 {
+    QFETCH(QImage::Format, format);
     ImageGraphicsItem item;
-    const QImage image = quarters({20, 10});
+    item.set_image_size(20, 10);
+    const QImage image = quarters({20, 10}).convertToFormat(format);
     QVERIFY(image.isDetached());
     item.update_image(image);
     QVERIFY2(!image.isDetached(), "the pixmap uses the image's memory");
+    QCOMPARE(painted(item, {20, 10}), quarters({20, 10}));
+    item.update_image(quarters({20, 10}));
+    QVERIFY2(image.isDetached(), "what is no longer shown is given back");
+}
+
+void GraphicsItemsTest::imageItemTakesTheAlphaOfACameraImageForOpaque()
+{
+    QImage image(20, 10, QImage::Format_ARGB32);
+    image.fill(qRgba(0x20, 0x40, 0x60, 0));
+    ImageGraphicsItem item;
+    item.set_image_size(20, 10);
+    item.update_image(image);
+    QCOMPARE(painted(item, {20, 10}).pixelColor(19, 9), QColor(0x20, 0x40, 0x60));
+}
+
+void GraphicsItemsTest::imageItemKeepsTheTransparencyOfOtherImages()
+{
+    QImage image(20, 10, QImage::Format_RGBA8888);
+    image.fill(Qt::transparent);
+    ImageGraphicsItem item;
+    item.set_image_size(20, 10);
+    item.update_image(image);
+    QCOMPARE(painted(item, {20, 10}), paper({20, 10}));
 }
 
 void GraphicsItemsTest::imageItemKeepsItsOwnPixmap()
