@@ -7,11 +7,13 @@ QImage KeptImages::copyOf(const QImage& image)
     QImage& kept = m_images[m_next];
     m_next = (m_next + 1) % m_images.size();
 
-    const bool reusable = !kept.isNull() && kept.isDetached() && kept.size() == image.size() &&
-                          kept.format() == image.format() && kept.bytesPerLine() == image.bytesPerLine();
-    if (reusable)
+    // One that is still in use, bits() would copy first, only to be overwritten.
+    const bool reusable = kept.isDetached() && kept.size() == image.size() && kept.format() == image.format() &&
+                          kept.bytesPerLine() == image.bytesPerLine();
+    if (reusable) {
         std::memcpy(kept.bits(), image.constBits(), static_cast<std::size_t>(image.sizeInBytes()));
-    else
+    } else {
         kept = image.copy();
+    }
     return kept;
 }
