@@ -8,6 +8,10 @@
 
 namespace {
 
+// In lines: the table above keeps its height, whatever a camera tells.
+constexpr int kHighestHeading = 4;
+constexpr int kHighestText = 12;
+
 const QString kHeadingStart = QStringLiteral("Description: ");
 
 struct AccessText {
@@ -32,24 +36,17 @@ QString accessText(Orvo::NodeAccessMode mode)
     return {};
 }
 
-void setUp(QLabel& label)
-{
-    label.setTextFormat(Qt::PlainText); // what a camera says is never markup
-    label.setWordWrap(true);
-    label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-}
-
 } // namespace
 
 DescBox::DescBox(QWidget* parent)
     : QWidget(parent)
+    , m_heading(kHighestHeading)
+    , m_text(kHighestText)
 {
-    setUp(m_heading);
-    setUp(m_text);
     QFont bold = m_heading.font();
     bold.setWeight(QFont::Bold);
     m_heading.setFont(bold);
-    m_heading.setText(QStringLiteral("Description:"));
+    m_heading.showText(QStringLiteral("Description:"));
 
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 3, 2, 1);
@@ -69,9 +66,9 @@ void DescBox::setText(GenAPINodeItem* item)
         return;
     }
     const QString access = accessText(m_item->getAccessMode());
-    m_heading.setText(kHeadingStart + m_item->getNodeName() + " (" + m_item->getStrTypeNode() +
-                      (access.isEmpty() ? QStringLiteral(" node)") : " node, " + access + ')'));
-    m_text.setText(m_item->getDescription());
+    m_heading.showText(kHeadingStart + m_item->getNodeName() + " (" + m_item->getStrTypeNode() +
+                       (access.isEmpty() ? QStringLiteral(" node)") : " node, " + access + ')'));
+    m_text.showText(m_item->getDescription());
     setToolTip(m_item->getAdditionalInfo());
 }
 
@@ -79,16 +76,16 @@ void DescBox::setText(QString& heading, QString& text, QString& toolTip)
 {
     m_item = nullptr;
     heading.prepend(kHeadingStart);
-    m_heading.setText(heading);
-    m_text.setText(text);
+    m_heading.showText(heading);
+    m_text.showText(text);
     setToolTip(toolTip);
 }
 
 void DescBox::clear()
 {
     m_item = nullptr;
-    m_heading.setText(kHeadingStart);
-    m_text.clear();
+    m_heading.showText(kHeadingStart);
+    m_text.showText(QString());
     setToolTip(QString());
 }
 

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QLabel>
+#include "features/ScrollingLabel.h"
+
 #include <QPointer>
 #include <QWidget>
 
 class GenAPINodeItem;
 
 /// The panel under the feature table: name, type and restricted access of the node chosen last, its description, and
-/// as tool tip its range or current entry. Lives on the GUI thread.
+/// as tool tip its range or current entry. Long texts are scrolled. Lives on the GUI thread.
 class DescBox : public QWidget {
     Q_OBJECT
 
@@ -28,7 +29,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    QLabel m_heading;
-    QLabel m_text;
+    ScrollingLabel m_heading;
+    ScrollingLabel m_text;
     QPointer<GenAPINodeItem> m_item; // not owned
 };

@@ -51,6 +51,9 @@ private slots:
     void anItemThatDiesIsForgotten();
     void textsAreNeverMarkup();
     void aLongDescriptionIsBroken();
+    void anyDescriptionLeavesTheTableItsHeight_data();
+    void anyDescriptionLeavesTheTableItsHeight();
+    void aLongNameIsBroken();
 };
 
 void DescBoxTest::aFreshPanel()
@@ -255,6 +258,58 @@ void DescBoxTest::aLongDescriptionIsBroken()
     QTRY_VERIFY(shown.height() >= shown.heightForWidth(shown.width()));
     QVERIFY(shown.height() > 2 * shown.fontMetrics().height());
     QCOMPARE(features.view().width(), 500);
+}
+
+void DescBoxTest::anyDescriptionLeavesTheTableItsHeight_data()
+{
+    QTest::addColumn<QString>("description");
+    QTest::newRow("120 lines") << QString("a line\n").repeated(120);
+    QTest::newRow("1,000 lines") << QString("a line\n").repeated(1000);
+    QTest::newRow("32,000 line breaks") << QString(32000, '\n');
+    QTest::newRow("64 KiB of words") << QString("words ").repeated(65536 / 6);
+    QTest::newRow("one word of 64 KiB") << QString(65535, 'w');
+}
+
+void DescBoxTest::anyDescriptionLeavesTheTableItsHeight()
+{
+    QFETCH(QString, description);
+    NodeSpec twelveLines = feature("A");
+    twelveLines.description = QString("line\n").repeated(11).toStdString() + "line";
+    NodeSpec many = feature("B");
+    many.description = description.toStdString();
+    FeatureTable features({category("Root", {"A", "B"}), twelveLines, many});
+    features.show();
+    const QSize least = features.view().minimumSizeHint();
+    const QSize wished = features.view().sizeHint();
+
+    const QLabel& shown = label(*features.view().descBox(), 1);
+    features.view().descBox()->setText(features.item("A"));
+    QTRY_VERIFY(shown.height() >= 12 * shown.fontMetrics().lineSpacing());
+    const int tableHeight = features.table().height();
+    QVERIFY2(tableHeight > 700 / 2, qPrintable(QString::number(tableHeight)));
+
+    features.view().descBox()->setText(features.item("B"));
+    features.view().descBox()->layout()->activate();
+    features.view().layout()->activate();
+    QCOMPARE(shown.text(), description);
+    QCOMPARE(features.table().height(), tableHeight);
+    QCOMPARE(features.view().size(), QSize(500, 700));
+    QCOMPARE(features.view().minimumSizeHint(), least);
+    QCOMPARE(features.view().sizeHint().width(), wished.width());
+}
+
+void DescBoxTest::aLongNameIsBroken()
+{
+    const NodeSpec node = feature(std::string(255, 'W'));
+    FeatureTable features({category("Root", {node.name}), node});
+    features.show();
+    const QSize least = features.view().minimumSizeHint();
+    features.view().descBox()->setText(features.view().items().first());
+    const QLabel& shown = label(*features.view().descBox(), 0);
+    QTRY_VERIFY(shown.height() > 3 * shown.fontMetrics().height());
+    QVERIFY(shown.heightForWidth(100) < 5 * shown.fontMetrics().height());
+    QCOMPARE(features.view().minimumSizeHint(), least);
+    QCOMPARE(features.view().size(), QSize(500, 700));
 }
 
 } // namespace

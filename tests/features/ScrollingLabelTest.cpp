@@ -1,0 +1,265 @@
+// A label that scrolls what does not fit.
+
+#include "features/ScrollingLabel.h"
+
+#include <QtTest>
+
+#include <QPaintEvent>
+#include <QWheelEvent>
+
+namespace {
+
+constexpr int kMostLines = 5;
+constexpr int kWidth = 200;
+
+QString numberedLines(int first, int last)
+{
+    QStringList lines;
+    for (int i = first; i <= last; ++i)
+        lines << QStringLiteral("line %1").arg(i);
+    return lines.join('\n');
+}
+
+int heightOf(int lines, const QWidget& widget)
+{
+    return lines * widget.fontMetrics().lineSpacing() - widget.fontMetrics().leading();
+}
+
+QScrollBar& scrollBar(const ScrollingLabel& label)
+{
+    return *label.findChild<QScrollBar*>();
+}
+
+/// As high as it asks to be.
+void show(ScrollingLabel& label)
+{
+    label.resize(kWidth, label.heightForWidth(kWidth));
+    label.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&label));
+}
+
+/// What is seen left of a scroll bar.
+QImage picture(QLabel& label)
+{
+    return label.grab(QRect(0, 0, kWidth / 2, label.height())).toImage();
+}
+
+void turnWheel(QWidget& widget, int notches)
+{
+    const QPointF center = widget.rect().center();
+    QWheelEvent event(center, widget.mapToGlobal(center.toPoint()), {}, QPoint(0, 120 * notches), Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+/// What of a widget was painted.
+class PaintedArea : public QObject {
+public:
+    explicit PaintedArea(QWidget* widget)
+        : QObject(widget)
+    {
+        widget->installEventFilter(this);
+    }
+    QRegion area;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            area += static_cast<QPaintEvent*>(event)->region();
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+class ScrollingLabelTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void asHighAsItsLines_data();
+    void asHighAsItsLines();
+    void asksForNoMoreWithAnyText_data();
+    void asksForNoMoreWithAnyText();
+    void looksLikeAnyLabel_data();
+    void looksLikeAnyLabel();
+    void hasAScrollBarWhereTheTextDoesNotFit();
+    void theWheelShowsTheRest();
+    void scrollingPaints();
+    void theScrollBarShowsTheEnd();
+    void anotherTextIsShownFromItsBeginning();
+    void theSameTextStaysWhereItIs();
+    void aWideWordIsBroken();
+    void anotherFontIsLaidOutAnew();
+};
+
+void ScrollingLabelTest::asHighAsItsLines_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<int>("high");
+    QTest::newRow("1") << 1 << 1;
+    QTest::newRow("4") << 4 << 4;
+    QTest::newRow("5") << 5 << 5;
+    QTest::newRow("6") << 6 << 5;
+    QTest::newRow("1000") << 1000 << 5;
+}
+
+void ScrollingLabelTest::asHighAsItsLines()
+{
+    QFETCH(int, lines);
+    QFETCH(int, high);
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, lines));
+    QCOMPARE(label.text(), numberedLines(1, lines)); // all of it
+    QCOMPARE(label.heightForWidth(kWidth), heightOf(high, label));
+}
+
+void ScrollingLabelTest::asksForNoMoreWithAnyText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("lines") << numberedLines(1, 1000);
+    QTest::newRow("line breaks") << QString(32000, '\n');
+    QTest::newRow("words") << QString("word ").repeated(13000);
+    QTest::newRow("one word") << QString(65000, 'w');
+}
+
+void ScrollingLabelTest::asksForNoMoreWithAnyText()
+{
+    QFETCH(QString, text);
+    ScrollingLabel label(kMostLines);
+    const QSize least = label.minimumSizeHint();
+    const int usualWidth = label.sizeHint().width();
+    label.showText(text);
+    QCOMPARE(label.minimumSizeHint(), least);
+    QCOMPARE(label.sizeHint(), QSize(usualWidth, heightOf(kMostLines, label)));
+    QVERIFY(label.hasHeightForWidth());
+    QCOMPARE(label.heightForWidth(kWidth), heightOf(kMostLines, label));
+}
+
+void ScrollingLabelTest::looksLikeAnyLabel_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("one line") << "One line";
+    QTest::newRow("several") << numberedLines(1, kMostLines);
+    QTest::newRow("broken") << "words that are too many for a line of this width";
+    QTest::newRow("markup") << "<b>a</b> &amp; &b %1";
+    QTest::newRow("empty lines") << "\na\n\nb\n";
+}
+
+void ScrollingLabelTest::looksLikeAnyLabel()
+{
+    QFETCH(QString, text);
+    ScrollingLabel label(kMostLines);
+    label.showText(text);
+    show(label);
+    QVERIFY(scrollBar(label).isHidden());
+
+    QLabel other(text);
+    other.setTextFormat(Qt::PlainText);
+    other.setWordWrap(true);
+    other.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    other.resize(label.size());
+    other.show();
+    QCOMPARE(label.grab().toImage(), other.grab().toImage());
+}
+
+void ScrollingLabelTest::hasAScrollBarWhereTheTextDoesNotFit()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, kMostLines + 1));
+    show(label);
+    QVERIFY(scrollBar(label).isVisible());
+    QCOMPARE(scrollBar(label).geometry().right(), label.rect().right());
+    QCOMPARE(scrollBar(label).height(), label.height());
+    label.resize(kWidth, 2 * label.height());
+    QVERIFY(scrollBar(label).isHidden());
+    label.resize(kWidth, heightOf(1, label));
+    QVERIFY(scrollBar(label).isVisible());
+    label.showText("short");
+    QVERIFY(scrollBar(label).isHidden());
+}
+
+void ScrollingLabelTest::theWheelShowsTheRest()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, 100));
+    show(label);
+    const QImage beginning = picture(label);
+    turnWheel(label, -1);
+    QCOMPARE(scrollBar(label).value(), QApplication::wheelScrollLines() * label.fontMetrics().lineSpacing());
+    QVERIFY(picture(label) != beginning);
+    turnWheel(label, 1);
+    QCOMPARE(picture(label), beginning);
+}
+
+void ScrollingLabelTest::scrollingPaints()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, 100));
+    show(label);
+    QCoreApplication::processEvents();
+    const PaintedArea painted(&label);
+    scrollBar(label).setValue(3);
+    QTRY_VERIFY(painted.area.contains(QRect(0, 0, kWidth / 2, label.height())));
+}
+
+void ScrollingLabelTest::theScrollBarShowsTheEnd()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, 100));
+    show(label);
+    scrollBar(label).setValue(scrollBar(label).maximum());
+
+    ScrollingLabel end(kMostLines);
+    end.showText(numberedLines(96, 100));
+    show(end);
+    QCOMPARE(picture(label), picture(end));
+}
+
+void ScrollingLabelTest::anotherTextIsShownFromItsBeginning()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, 100));
+    show(label);
+    turnWheel(label, -3);
+    label.showText(numberedLines(2, 100));
+    QCOMPARE(scrollBar(label).value(), 0);
+}
+
+void ScrollingLabelTest::theSameTextStaysWhereItIs()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, 100));
+    show(label);
+    turnWheel(label, -3);
+    const int value = scrollBar(label).value();
+    QVERIFY(value > 0);
+    label.showText(numberedLines(1, 100));
+    QCOMPARE(scrollBar(label).value(), value);
+}
+
+void ScrollingLabelTest::aWideWordIsBroken()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(QString(65000, 'w'));
+    show(label);
+    // None of it is cut off: what is seen, times the screenfuls, is the whole word.
+    const int perLine = kWidth / label.fontMetrics().horizontalAdvance('w');
+    const int lines = (scrollBar(label).maximum() + label.height()) / label.fontMetrics().lineSpacing();
+    QVERIFY2(lines >= 65000 / perLine, qPrintable(QString::number(lines)));
+}
+
+void ScrollingLabelTest::anotherFontIsLaidOutAnew()
+{
+    ScrollingLabel label(kMostLines);
+    label.showText(numberedLines(1, kMostLines));
+    show(label);
+    QVERIFY(scrollBar(label).isHidden());
+    QFont large = label.font();
+    large.setPointSizeF(2 * large.pointSizeF());
+    label.setFont(large);
+    QVERIFY(scrollBar(label).isVisible());
+}
+
+} // namespace
+
+QTEST_MAIN(ScrollingLabelTest)
+#include "ScrollingLabelTest.moc"
