@@ -8,10 +8,7 @@
 
 #include <QCursor>
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QScrollBar>
-#include <QTextDocument>
-#include <QToolTip>
 
 #include <random>
 
@@ -78,8 +75,6 @@ private slots:
     void closingTheEditorKeepsTheCurrentRow();
     void closingWithoutACurrentRow();
     void scrollToCurrentDoesNothing();
-    void toolTipsAreShownAsTheyStand();
-    void aVeryLongToolTipFitsTheScreen();
 };
 
 void FeatureViewFoldingTest::atFirstOnlyCategoriesWithFeaturesAreShown()
@@ -444,45 +439,6 @@ void FeatureViewFoldingTest::scrollToCurrentDoesNothing()
     QVERIFY(before > 0);
     features.view().ScrollToCurrent();
     QCOMPARE(features.table().verticalScrollBar()->value(), before);
-}
-
-/// The tool tip that is shown where the pointer rests at a point of the table, as its text reads.
-QString toolTipAt(const QTableView& table, const QPoint& at)
-{
-    QHelpEvent event(QEvent::ToolTip, at, table.viewport()->mapToGlobal(at));
-    QCoreApplication::sendEvent(table.viewport(), &event);
-    QTextDocument document;
-    document.setHtml(QToolTip::text());
-    return document.toPlainText();
-}
-
-void FeatureViewFoldingTest::toolTipsAreShownAsTheyStand()
-{
-    NodeSpec node = feature("A");
-    node.toolTip = "<b>bold</b> & <img src='x'>\nsecond line";
-    FeatureTable features({category("Root", {"C"}), category("C", {"A"}), node});
-    features.show();
-    features.view().selectSortAtoZ();
-    const QTableView& table = features.table();
-    QCOMPARE(toolTipAt(table, table.visualRect(features.cell("A")).center()), QString::fromStdString(node.toolTip));
-    QCOMPARE(features.cell("A").data(Qt::ToolTipRole).toString(), QString::fromStdString(node.toolTip));
-    toolTipAt(table, table.viewport()->rect().bottomRight()); // where no row is
-    QTRY_VERIFY(QToolTip::text().isEmpty());
-}
-
-void FeatureViewFoldingTest::aVeryLongToolTipFitsTheScreen()
-{
-    NodeSpec node = feature("A");
-    for (int i = 0; i < 8000; ++i)
-        node.toolTip += "words on ";
-    FeatureTable features({category("Root", {"A"}), node});
-    features.show();
-    features.view().selectSortAtoZ();
-    const QString shown = toolTipAt(features.table(), features.table().visualRect(features.cell("A")).center());
-    QCOMPARE(shown.size(), 2001);
-    QVERIFY(QString::fromStdString(node.toolTip).startsWith(shown.left(2000)));
-    QVERIFY(shown.endsWith(QChar(0x2026)));
-    QCOMPARE(features.cell("A").data(Qt::ToolTipRole).toString().size(), static_cast<int>(node.toolTip.size()));
 }
 
 } // namespace

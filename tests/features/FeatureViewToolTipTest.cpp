@@ -1,0 +1,85 @@
+// The tool tips of the feature view's rows.
+
+#include "tests/features/FeatureTable.h"
+#include "tests/support/ScriptedCamera.h"
+
+#include <QtTest>
+
+#include <QHelpEvent>
+#include <QTextDocument>
+#include <QToolTip>
+
+using scripted::category;
+using scripted::NodeSpec;
+
+namespace {
+
+/// The tool tip that is shown where the pointer rests at a point of the table, as its text reads.
+QString toolTipAt(const QTableView& table, const QPoint& at)
+{
+    QHelpEvent event(QEvent::ToolTip, at, table.viewport()->mapToGlobal(at));
+    QCoreApplication::sendEvent(table.viewport(), &event);
+    QTextDocument document;
+    document.setHtml(QToolTip::text());
+    return document.toPlainText();
+}
+
+class FeatureViewToolTipTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+
+    void toolTipsAreShownAsTheyStand();
+    void ofAVeryLongOneTheBeginningIsShown_data();
+    void ofAVeryLongOneTheBeginningIsShown();
+};
+
+void FeatureViewToolTipTest::toolTipsAreShownAsTheyStand()
+{
+    NodeSpec node = feature("A");
+    node.toolTip = "<b>bold</b> & <img src='x'>\nsecond line";
+    FeatureTable features({category("Root", {"C"}), category("C", {"A"}), node});
+    features.show();
+    features.view().selectSortAtoZ();
+    const QTableView& table = features.table();
+    QCOMPARE(toolTipAt(table, table.visualRect(features.cell("A")).center()), QString::fromStdString(node.toolTip));
+    QCOMPARE(features.cell("A").data(Qt::ToolTipRole).toString(), QString::fromStdString(node.toolTip));
+    toolTipAt(table, table.viewport()->rect().bottomRight()); // where no row is
+    QTRY_VERIFY(QToolTip::text().isEmpty());
+}
+
+void FeatureViewToolTipTest::ofAVeryLongOneTheBeginningIsShown_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+    const QString ellipsis(QChar(0x2026));
+    const QString lines = QString("line\n").repeated(39);
+    QTest::newRow("words") << QString("words on ").repeated(8000)
+                           << QString("words on ").repeated(300).left(2000) + ellipsis;
+    QTest::newRow("2,000 characters") << QString(2000, 'a') << QString(2000, 'a');
+    QTest::newRow("2,001") << QString(2001, 'a') << QString(2000, 'a') + ellipsis;
+    QTest::newRow("40 lines") << lines + "end" << lines + "end";
+    QTest::newRow("41") << lines + "end\n" << lines + "end" + ellipsis;
+    QTest::newRow("1,000") << QString("line\n").repeated(1000) << lines + "line" + ellipsis;
+    const QString separated = QString("a").append(QChar::LineSeparator).append("b").append(QChar::ParagraphSeparator);
+    QTest::newRow("separators") << separated.repeated(40) << QString("a\nb\n").repeated(20).chopped(1) + ellipsis;
+}
+
+void FeatureViewToolTipTest::ofAVeryLongOneTheBeginningIsShown()
+{
+    QFETCH(QString, text);
+    NodeSpec node = feature("A");
+    node.toolTip = text.toStdString();
+    FeatureTable features({category("Root", {"A"}), node});
+    features.show();
+    features.view().selectSortAtoZ();
+    const QModelIndex cell = features.cell("A");
+    QTEST(toolTipAt(features.table(), features.table().visualRect(cell).center()), "expected");
+    QCOMPARE(cell.data(Qt::ToolTipRole).toString(), text); // all of it
+}
+
+} // namespace
+
+QTEST_MAIN(FeatureViewToolTipTest)
+#include "FeatureViewToolTipTest.moc"
