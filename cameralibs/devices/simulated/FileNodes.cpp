@@ -128,8 +128,7 @@ std::optional<FrameSettings> FileNodes::readSettings() const
         formatFor(static_cast<std::uint32_t>(integer("PixelFormat").value_or(pixelFormat("Mono8")->value)));
     if (format == nullptr || width < 1 || height < 1 || width > kMaxPixels || height > kMaxPixels / width)
         return std::nullopt;
-    // Rows of such formats begin at whole bytes here.
-    if (format->bitsPerPixel % 8 != 0 && width % kPixelGroup != 0)
+    if (width % format->group != 0)
         return std::nullopt;
 
     FrameSettings settings;

@@ -24,7 +24,8 @@ public:
     /// Puts every feature that is out of its range into it, and the image at a useful size.
     void powerUp(const std::string& model, const std::string& serial);
 
-    /// Nothing where the description has no size of an image, or a pixel format of which none is known here.
+    /// Nothing where the description has no size of an image, a pixel format of which none is known here, or rows that
+    /// the format does not fill with whole groups of pixels.
     [[nodiscard]] std::optional<FrameSettings> settings() const;
 
     /// Keeps PayloadSize right where it is a register that the camera is expected to fill.

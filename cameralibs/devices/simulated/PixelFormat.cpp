@@ -85,18 +85,18 @@ void packYuv422(const Sample* pixels, std::size_t count, std::uint32_t, std::uin
 }
 
 constexpr PixelFormat kFormats[] = {
-    {"Mono8", 0x01080001, 8, 8, packBytes<Mono>},
-    {"Mono10", 0x01100003, 16, 10, packWords<Mono, 10>},
-    {"Mono10p", 0x010A0046, 10, 10, packBits<Mono, 10>},
-    {"Mono12", 0x01100005, 16, 12, packWords<Mono, 12>},
-    {"Mono12p", 0x010C0047, 12, 12, packBits<Mono, 12>},
-    {"Mono16", 0x01100007, 16, 16, packWords<Mono, 16>},
-    {"BayerRG8", 0x01080009, 8, 8, packBytes<BayerRG>},
-    {"BayerRG10", 0x0110000D, 16, 10, packWords<BayerRG, 10>},
-    {"BayerRG12", 0x01100011, 16, 12, packWords<BayerRG, 12>},
-    {"BayerRG12p", 0x010C0059, 12, 12, packBits<BayerRG, 12>},
-    {"RGB8", 0x02180014, 24, 8, packRgb8},
-    {"YUV422_8", 0x02100032, 16, 8, packYuv422},
+    {"Mono8", 0x01080001, 8, 8, 1, packBytes<Mono>},
+    {"Mono10", 0x01100003, 16, 10, 1, packWords<Mono, 10>},
+    {"Mono10p", 0x010A0046, 10, 10, kPixelGroup, packBits<Mono, 10>},
+    {"Mono12", 0x01100005, 16, 12, 1, packWords<Mono, 12>},
+    {"Mono12p", 0x010C0047, 12, 12, kPixelGroup, packBits<Mono, 12>},
+    {"Mono16", 0x01100007, 16, 16, 1, packWords<Mono, 16>},
+    {"BayerRG8", 0x01080009, 8, 8, 1, packBytes<BayerRG>},
+    {"BayerRG10", 0x0110000D, 16, 10, 1, packWords<BayerRG, 10>},
+    {"BayerRG12", 0x01100011, 16, 12, 1, packWords<BayerRG, 12>},
+    {"BayerRG12p", 0x010C0059, 12, 12, kPixelGroup, packBits<BayerRG, 12>},
+    {"RGB8", 0x02180014, 24, 8, 1, packRgb8},
+    {"YUV422_8", 0x02100032, 16, 8, 2, packYuv422},
 };
 
 template <typename Key, typename Field> const PixelFormat* find(Key key, Field PixelFormat::*field)

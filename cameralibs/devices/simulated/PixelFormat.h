@@ -20,12 +20,14 @@ struct PixelFormat {
     std::uint32_t value; ///< of the PFNC
     std::uint32_t bitsPerPixel;
     std::uint32_t depth; ///< bits of one component
+    std::uint32_t group; ///< pixels that are packed together: rows have a multiple of them
 
-    /// Packs `count` pixels of row `y` that begin at an even x; `count` and x are multiples of kPixelGroup.
+    /// Packs `count` pixels of row `y` that begin at an even x; `count` and x are multiples of the group.
     void (*pack)(const Sample* pixels, std::size_t count, std::uint32_t y, std::uint8_t* out);
 };
 
-/// Widths and offsets are multiples of it, so that every row and every part of one begins at a whole byte.
+/// The largest group. The widths and offsets of the built-in cameras, and the parts of a row that are packed by
+/// themselves, are multiples of it.
 constexpr std::uint32_t kPixelGroup = 4;
 
 /// Null for a value that no built-in camera knows.

@@ -63,8 +63,8 @@ Sample greySteps(const Place& at)
 
 Sample greyRamp(const Place& at)
 {
-    const auto level =
-        static_cast<std::uint16_t>(static_cast<unsigned>(at.x) * kFullLight / static_cast<unsigned>(at.width - 1));
+    const auto last = static_cast<unsigned>(std::max(1, at.width - 1));
+    const auto level = static_cast<std::uint16_t>(static_cast<unsigned>(at.x) * kFullLight / last);
     return {level, level, level};
 }
 
@@ -95,7 +95,7 @@ Sample zonePlate(const Place& at)
     const int x = at.x - radius;
     const int y = at.y - radius;
     const std::int64_t squared = static_cast<std::int64_t>(x) * x + static_cast<std::int64_t>(y) * y;
-    const std::uint16_t level = kWave[static_cast<std::size_t>(squared * 256 / radius % 1024)];
+    const std::uint16_t level = kWave[static_cast<std::size_t>(squared * 256 / std::max(1, radius) % 1024)];
     return {level, level, level};
 }
 

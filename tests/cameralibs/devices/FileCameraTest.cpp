@@ -34,7 +34,7 @@ std::string commandNode(const std::string& name, unsigned address)
            "</Address><Length>4</Length><AccessMode>WO</AccessMode><pPort>Device</pPort></IntReg>";
 }
 
-const char kRange[] = "<Min>16</Min><Max>4096</Max>";
+const char kRange[] = "<Min>1</Min><Max>4096</Max>";
 
 // What every camera that sends images has.
 std::string imagingCamera(const std::string& formats)
@@ -97,6 +97,58 @@ TEST(FileCameraTest, ImagesShowTheScene)
     EXPECT_EQ(camera->integer("PayloadSize"), 644 * 481 * 3 / 2);
     const Picture second = takePicture(*camera);
     EXPECT_EQ(second.bytes.size(), 644U * 481U * 3 / 2);
+}
+
+TEST(FileCameraTest, ImagesMayBeOnePixelWideOrHigh)
+{
+    const FileCamera camera(imagingCamera(entry("Mono8", 0x01080001)));
+    const struct {
+        std::uint32_t width;
+        std::uint32_t height;
+    } sizes[] = {{1280, 1}, {1280, 2}, {1280, 3}, {1280, 4}, {1280, 5}, {1, 960}, {1, 1}};
+    for (const auto& size : sizes) {
+        camera->setInteger("Width", size.width);
+        camera->setInteger("Height", size.height);
+        EXPECT_EQ(takePicture(*camera).bytes.size(), size.width * size.height) << size.width << " x " << size.height;
+    }
+}
+
+TEST(FileCameraTest, RowsAreWholeGroupsOfPixels)
+{
+    const struct {
+        const char* format;
+        std::uint32_t value;
+        std::uint32_t bits;
+        std::uint32_t group;
+    } formats[] = {
+        {"Mono8", 0x01080001, 8, 1},     {"Mono16", 0x01100007, 16, 1},     {"RGB8", 0x02180014, 24, 1},
+        {"YUV422_8", 0x02100032, 16, 2}, {"Mono10p", 0x010A0046, 10, 4},    {"Mono12p", 0x010C0047, 12, 4},
+        {"BayerRG8", 0x01080009, 8, 1},  {"BayerRG12p", 0x010C0059, 12, 4},
+    };
+    constexpr std::uint32_t kHeight = 31;
+    std::string entries;
+    for (const auto& format : formats)
+        entries += entry(format.format, format.value);
+    const FileCamera camera(imagingCamera(entries));
+    camera->setInteger("Height", kHeight);
+    CAM_STRM_HANDLE stream = 0;
+    ASSERT_EQ(Strm_OpenSimple(camera->handle(), &stream, nullptr, nullptr, 8, nullptr), CAM_API_STS_SUCCESS);
+    for (const auto& format : formats) {
+        camera->choose("PixelFormat", format.format);
+        for (std::uint32_t width = 641; width <= 644; ++width) {
+            camera->setInteger("Width", width);
+            const bool whole = width % format.group == 0;
+            EXPECT_EQ(Strm_Start(stream, 8), whole ? CAM_API_STS_SUCCESS : CAM_API_STS_NOT_IMPLEMENTED)
+                << format.format << ", width " << width;
+            EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+        }
+    }
+    ASSERT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
+    for (const auto& format : formats) {
+        camera->choose("PixelFormat", format.format);
+        camera->setInteger("Width", 640 + format.group);
+        EXPECT_EQ(takePicture(*camera).bytes.size(), (640 + format.group) * kHeight * format.bits / 8) << format.format;
+    }
 }
 
 TEST(FileCameraTest, AnUnknownFormatHasTheRightSize)
