@@ -63,6 +63,12 @@ std::shared_ptr<Stream> Camera::beginClosing()
     return m_stream;
 }
 
+bool Camera::closing() const
+{
+    const std::lock_guard lock(m_streamMutex);
+    return m_closing;
+}
+
 void Camera::release()
 {
     const std::lock_guard lock(m_mutex);

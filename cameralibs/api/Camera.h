@@ -66,6 +66,7 @@ public:
 
     /// The stream to close first, if any; no other can be attached from now on.
     [[nodiscard]] std::shared_ptr<Stream> beginClosing();
+    [[nodiscard]] bool closing() const;
 
     /// Closes the device.
     void release();

@@ -86,14 +86,14 @@ void Stream::start()
 {
     {
         const std::lock_guard lock(m_stateMutex);
-        throwUnless(m_state != State::closed, CAM_API_STS_INVALID_STREAM_HANDLE);
+        throwUnless(m_state != State::closing && m_state != State::closed, CAM_API_STS_INVALID_STREAM_HANDLE);
         throwUnless(m_state == State::stopped, CAM_API_STS_ALREADY_ACTIVATED);
         m_state = State::changing;
     }
     try {
         startDevice();
     } catch (...) {
-        m_source->stop();
+        endOnThisSide();
         setState(State::stopped);
         throw;
     }
@@ -104,7 +104,7 @@ void Stream::stop()
 {
     {
         std::unique_lock lock(m_stateMutex);
-        m_stateChanged.wait(lock, [this] { return m_state != State::changing; });
+        waitUntilSettled(lock);
         if (m_state != State::running)
             return;
         m_state = State::changing;
@@ -113,7 +113,7 @@ void Stream::stop()
     try {
         stopDevice();
     } catch (...) {
-        m_source->stop();
+        endOnThisSide();
         setState(State::stopped);
         throw;
     }
@@ -122,17 +122,24 @@ void Stream::stop()
 
 void Stream::close()
 {
-    try {
-        stop();
-    } catch (const Failure&) {
-        // It is stopped on this side, and the camera is about to be left alone.
-    }
+    bool running = false;
     {
         std::unique_lock lock(m_stateMutex);
-        m_stateChanged.wait(lock, [this] { return m_state != State::changing; });
-        m_state = State::closed;
+        waitUntilSettled(lock);
+        if (m_state == State::closed)
+            return;
+        running = m_state == State::running;
+        m_state = State::closing;
+    }
+    try {
+        if (running)
+            stopDevice();
+    } catch (...) {
+        // It is stopped on this side at least, and the camera is about to be left alone.
+        endOnThisSide();
     }
     m_source.reset();
+    setState(State::closed);
 }
 
 void Stream::setImageCallback(Callback<CAM_IMAGE_ACQUIRED_CALLBACK> callback)
@@ -215,6 +222,18 @@ void Stream::stopDevice()
         lockTransportLayer(false);
 }
 
+// After a failure, whose status is the one to tell: nothing runs here, and the camera's settings are free again.
+void Stream::endOnThisSide() noexcept
+{
+    if (m_source != nullptr)
+        m_source->stop();
+    try {
+        lockTransportLayer(false);
+    } catch (...) {
+        // The first failure tells more.
+    }
+}
+
 void Stream::execute(const char* command)
 {
     m_camera->evaluate([&](NodeMap& nodes) {
@@ -237,6 +256,12 @@ void Stream::lockTransportLayer(bool locked)
         if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
             throw;
     }
+}
+
+/// Until nobody is in the middle of starting, stopping or closing.
+void Stream::waitUntilSettled(std::unique_lock<std::mutex>& lock)
+{
+    m_stateChanged.wait(lock, [this] { return m_state != State::changing && m_state != State::closing; });
 }
 
 void Stream::setState(State state)

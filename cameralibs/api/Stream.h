@@ -31,7 +31,8 @@ public:
     void start();
     void stop();
 
-    /// Stops, and gives the device's part back. Nothing can be started any more. Does not throw.
+    /// Stops, and gives the device's part back. Nothing can be started any more. Of several threads that close, one
+    /// does it and the others wait for it. Does not throw.
     void close();
 
     [[nodiscard]] SlotRing& slots() noexcept { return *m_ring; }
@@ -45,7 +46,7 @@ public:
     void setBusyCallback(Callback<Orvo::CAM_BUFFER_BUSY_CALLBACK> callback);
 
 private:
-    enum class State { stopped, changing, running, closed };
+    enum class State { stopped, changing, running, closing, closed };
 
     [[nodiscard]] FrameBuffer* deliver(FrameBuffer* filled) override;
     void fail(Orvo::CAM_API_STATUS status) override;
@@ -53,8 +54,10 @@ private:
     void prepareSource();
     void startDevice();
     void stopDevice();
+    void endOnThisSide() noexcept;
     void execute(const char* command);
     void lockTransportLayer(bool locked);
+    void waitUntilSettled(std::unique_lock<std::mutex>& lock);
     void setState(State state);
 
     const std::shared_ptr<Camera> m_camera;

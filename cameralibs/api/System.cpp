@@ -161,10 +161,20 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
 
 bool System::closeCamera(CAM_HANDLE handle)
 {
-    const auto camera = m_cameras.take(handle);
-    if (camera != nullptr)
-        close(*camera);
-    return camera != nullptr;
+    std::shared_ptr<Camera> camera;
+    {
+        const std::lock_guard lock(m_closingMutex);
+        camera = m_cameras.find(handle);
+        if (camera == nullptr)
+            return false;
+        m_closing.push_back(camera);
+        (void)m_cameras.take(handle);
+    }
+    close(*camera);
+    const std::lock_guard lock(m_closingMutex);
+    m_closing.erase(std::find(m_closing.begin(), m_closing.end(), camera));
+    m_closed.notify_all();
+    return true;
 }
 
 std::shared_ptr<Stream> System::openStream(const std::shared_ptr<Camera>& camera, std::uint32_t bufferCount)
@@ -174,6 +184,11 @@ std::shared_ptr<Stream> System::openStream(const std::shared_ptr<Camera>& camera
     try {
         stream->open(bufferCount);
         throwUnless(m_streams.add(stream->handle(), stream), CAM_API_STS_NOT_INITIALIZED);
+        // Whoever closes the camera meanwhile takes the handle away, but may have come before it was there.
+        if (camera->closing()) {
+            (void)m_streams.take(stream->handle());
+            throw Failure(CAM_API_STS_INVALID_CAMERA_HANDLE);
+        }
     } catch (...) {
         stream->close();
         camera->detachStream(*stream);
@@ -201,7 +216,9 @@ System::Listed System::listed(std::uint32_t index) const
 
 bool System::isOpen(const DeviceInfo& info) const
 {
-    const auto cameras = m_cameras.all();
+    const std::lock_guard lock(m_closingMutex);
+    auto cameras = m_cameras.all();
+    cameras.insert(cameras.end(), m_closing.begin(), m_closing.end());
     return std::any_of(cameras.begin(), cameras.end(), [&](const std::shared_ptr<Camera>& camera) {
         return camera->holdsDevice() && sameDevice(camera->info(), info);
     });
@@ -224,7 +241,7 @@ void System::rememberUserName(Camera& camera)
     }
 }
 
-void System::close(Camera& camera)
+void System::close(Camera& camera) noexcept
 {
     if (const auto stream = camera.beginClosing(); stream != nullptr) {
         (void)m_streams.take(stream->handle());
@@ -238,6 +255,10 @@ void System::shutDown()
 {
     for (const auto& camera : m_cameras.close())
         close(*camera);
+    {
+        std::unique_lock lock(m_closingMutex);
+        m_closed.wait(lock, [this] { return m_closing.empty(); });
+    }
     (void)m_streams.close();
     for (const auto& signal : m_signals.close())
         signal->close(CAM_API_STS_NOT_INITIALIZED);

@@ -6,6 +6,7 @@
 #include "cameralibs/api/Stream.h"
 #include "cameralibs/devices/Device.h"
 
+#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -44,7 +45,7 @@ public:
     /// `handle` may be null, which is told in its turn.
     void openCamera(std::uint32_t index, Orvo::CAM_SIGNAL_HANDLE removalSignal, Orvo::CAM_HANDLE* handle);
 
-    /// False for a handle that another thread closed meanwhile.
+    /// False for a handle that another thread closed meanwhile. Until it returns the camera counts as open.
     [[nodiscard]] bool closeCamera(Orvo::CAM_HANDLE handle);
 
     [[nodiscard]] std::shared_ptr<Stream> openStream(const std::shared_ptr<Camera>& camera, std::uint32_t bufferCount);
@@ -61,7 +62,7 @@ private:
     [[nodiscard]] Listed listed(std::uint32_t index) const;
     [[nodiscard]] bool isOpen(const DeviceInfo& info) const;
     void rememberUserName(Camera& camera);
-    void close(Camera& camera);
+    void close(Camera& camera) noexcept;
     void shutDown();
 
     std::vector<std::unique_ptr<DeviceProvider>> m_providers;
@@ -69,6 +70,10 @@ private:
     mutable std::mutex m_listMutex;
     std::vector<Listed> m_list;
     std::map<DeviceKey, std::string> m_userNames; ///< of the cameras that were open once
+
+    mutable std::mutex m_closingMutex;
+    std::condition_variable m_closed;
+    std::vector<std::shared_ptr<Camera>> m_closing; ///< without a handle any more, but with their devices yet
 
     HandleTable<Signal> m_signals;
     HandleTable<Camera> m_cameras;

@@ -1,0 +1,212 @@
+// What one thread closes while another uses it.
+
+#include "CameraFixture.h"
+#include "StreamRecorder.h"
+
+#include "tests/cameralibs/devices/DescriptionText.h"
+
+#include <atomic>
+#include <future>
+#include <thread>
+#include <utility>
+
+using namespace Orvo;
+using ::testing::AnyOf;
+
+namespace {
+
+constexpr int kRounds = 60;
+constexpr std::uint32_t kManyBuffers = 1024; ///< so that a stream takes a while to open
+
+/// A camera with small images that opens fast.
+std::string smallCamera()
+{
+    const std::string size = "<Value>64</Value><Min>64</Min><Max>64</Max>";
+    return descriptionOf("Small", "Width Height PayloadSize AcquisitionFrameRate",
+                         "<Integer Name=\"Width\">" + size + "</Integer><Integer Name=\"Height\">" + size +
+                             "</Integer><Integer Name=\"PayloadSize\"><Value>4096</Value></Integer>"
+                             "<Float Name=\"AcquisitionFrameRate\"><Value>200</Value></Float>");
+}
+
+class DescribedSystem {
+protected:
+    const DescriptionFile m_file{smallCamera()};
+};
+
+class ClosingTest : private DescribedSystem, public SystemTest {
+protected:
+    ClosingTest()
+        : SystemTest("0," + m_file.path())
+    {
+    }
+
+    void openCamera() { ASSERT_EQ(Cam_Open(0, &m_camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS); }
+    void openStream()
+    {
+        ASSERT_EQ(Strm_OpenSimple(m_camera, &m_stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+        m_recorder.attachTo(m_stream);
+    }
+
+    void initialize()
+    {
+        ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+        ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
+    }
+
+    /// Strm_Close on another thread. It has taken the stream's handle away and waits for a callback, which goes on
+    /// until the camera's handle is dead, too.
+    [[nodiscard]] std::future<CAM_API_STATUS> startAndCloseStream()
+    {
+        m_recorder.onImage = [this](const StreamRecorder::Image&) {
+            CAM_NODE_HANDLE root = 0;
+            while (Nd_GetNode(m_camera, "Root", &root) == CAM_API_STS_SUCCESS)
+                std::this_thread::yield();
+        };
+        EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+        std::uint32_t index = 0;
+        while (Strm_GetCurrentBufferIndex(m_stream, &index) == CAM_API_STS_NOT_READY)
+            std::this_thread::yield();
+        auto closing = std::async(std::launch::async, [this] { return Strm_Close(m_stream); });
+        while (Strm_GetCurrentBufferIndex(m_stream, &index) == CAM_API_STS_SUCCESS)
+            std::this_thread::yield();
+        return closing;
+    }
+
+    CAM_HANDLE m_camera = 0;
+    CAM_STRM_HANDLE m_stream = 0;
+    StreamRecorder m_recorder;
+};
+
+/// The results of both, which begin at the same time on two threads.
+template <class First, class Second> std::pair<CAM_API_STATUS, CAM_API_STATUS> together(First&& first, Second&& second)
+{
+    std::atomic<int> ready{0};
+    const auto meet = [&] {
+        ++ready;
+        while (ready < 2)
+            std::this_thread::yield();
+    };
+    auto other = std::async(std::launch::async, [&] {
+        meet();
+        return first();
+    });
+    meet();
+    const CAM_API_STATUS result = second();
+    return {other.get(), result};
+}
+
+} // namespace
+
+TEST_F(ClosingTest, AStreamIsClosedOnceByTwoThreads)
+{
+    for (int round = 0; round < kRounds; ++round) {
+        openCamera();
+        openStream();
+        auto closing = startAndCloseStream();
+        EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(closing.get(), CAM_API_STS_SUCCESS);
+    }
+}
+
+TEST_F(ClosingTest, AStreamIsClosedWhileTheLibraryEnds)
+{
+    for (int round = 0; round < kRounds; ++round) {
+        openCamera();
+        openStream();
+        auto closing = startAndCloseStream();
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(closing.get(), CAM_API_STS_SUCCESS);
+        initialize();
+    }
+}
+
+TEST_F(ClosingTest, TheLibraryEndsWithTheLastCameraThatIsClosed)
+{
+    openCamera();
+    openStream();
+    std::promise<void> entered;
+    std::atomic<bool> left{false};
+    m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
+        if (std::exchange(done, true))
+            return;
+        entered.set_value();
+        std::uint32_t count = 0;
+        while (Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS)
+            std::this_thread::yield();
+        // For a while yet, in which nothing may end.
+        for (int i = 0; i < 1000; ++i)
+            std::this_thread::yield();
+        left = true;
+    };
+    ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+    entered.get_future().wait();
+    auto closing = std::async(std::launch::async, [this] { return Cam_Close(m_camera); });
+    CAM_NODE_HANDLE root = 0;
+    while (Nd_GetNode(m_camera, "Root", &root) == CAM_API_STS_SUCCESS)
+        std::this_thread::yield();
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(left);
+    EXPECT_EQ(closing.get(), CAM_API_STS_SUCCESS);
+}
+
+TEST_F(ClosingTest, NoStreamOutlivesItsCamera)
+{
+    for (int round = 0; round < kRounds; ++round) {
+        openCamera();
+        CAM_STRM_HANDLE stream = 0;
+        std::atomic<bool> done{false};
+        auto opening = std::async(std::launch::async, [&] {
+            const CAM_API_STATUS status = Strm_OpenSimple(m_camera, &stream, nullptr, nullptr, kManyBuffers, nullptr);
+            done = true;
+            return status;
+        });
+        // As soon as the camera has a stream, the other thread is about to make the buffers.
+        while (!done && Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, 1, nullptr) != CAM_API_STS_ALREADY_OPENED)
+            std::this_thread::yield();
+        EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+        const CAM_API_STATUS status = opening.get();
+        EXPECT_THAT(status, AnyOf(CAM_API_STS_SUCCESS, CAM_API_STS_INVALID_CAMERA_HANDLE));
+        EXPECT_EQ(status == CAM_API_STS_SUCCESS, stream != 0);
+        EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_INVALID_STREAM_HANDLE) << "opened with " << status;
+    }
+}
+
+TEST_F(ClosingTest, ACameraIsClosedWhileItsStreamStarts)
+{
+    for (int round = 0; round < kRounds; ++round) {
+        openCamera();
+        openStream();
+        const auto [started, closed] =
+            together([&] { return Strm_Start(m_stream, 8); }, [&] { return Cam_Close(m_camera); });
+        EXPECT_THAT(started,
+                    AnyOf(CAM_API_STS_SUCCESS, CAM_API_STS_INVALID_CAMERA_HANDLE, CAM_API_STS_INVALID_STREAM_HANDLE));
+        EXPECT_EQ(closed, CAM_API_STS_SUCCESS);
+        const std::size_t images = m_recorder.images().size();
+        EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_INVALID_STREAM_HANDLE);
+        EXPECT_EQ(m_recorder.images().size(), images);
+    }
+}
+
+TEST_F(ClosingTest, ACameraCountsAsOpenUntilItIsClosed)
+{
+    openCamera();
+    openStream();
+    std::promise<void> entered;
+    CAM_API_STATUS again = CAM_API_STS_SUCCESS;
+    m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
+        if (std::exchange(done, true))
+            return;
+        entered.set_value();
+        // The handle dies first; what closes the camera then waits for this callback.
+        CAM_NODE_HANDLE root = 0;
+        while (Nd_GetNode(m_camera, "Root", &root) == CAM_API_STS_SUCCESS)
+            std::this_thread::yield();
+        CAM_HANDLE camera = 0;
+        again = Cam_Open(0, &camera, 0, 1, nullptr, 1);
+    };
+    ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+    entered.get_future().wait();
+    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(again, CAM_API_STS_ALREADY_OPENED);
+    openCamera();
+}
