@@ -100,6 +100,11 @@ std::uint32_t System::enumerate()
     }
     const std::lock_guard lock(m_listMutex);
     m_list = std::move(found);
+    // What a provider knows by now is newer than what was read when the camera was open.
+    for (const Listed& entry : m_list) {
+        if (!entry.info.userName.empty())
+            m_userNames.erase({entry.info.link, entry.info.id});
+    }
     return static_cast<std::uint32_t>(m_list.size());
 }
 
@@ -247,6 +252,11 @@ void System::close(Camera& camera) noexcept
         (void)m_streams.take(stream->handle());
         stream->close();
         camera.detachStream(*stream);
+    }
+    try {
+        rememberUserName(camera);
+    } catch (...) {
+        // What was remembered before has to do.
     }
     camera.release();
 }

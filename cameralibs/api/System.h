@@ -69,7 +69,7 @@ private:
 
     mutable std::mutex m_listMutex;
     std::vector<Listed> m_list;
-    std::map<DeviceKey, std::string> m_userNames; ///< of the cameras that were open once
+    std::map<DeviceKey, std::string> m_userNames; ///< as they were when their cameras were last open
 
     mutable std::mutex m_closingMutex;
     std::condition_variable m_closed;

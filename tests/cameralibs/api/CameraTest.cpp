@@ -211,6 +211,27 @@ TEST_F(CameraTest, UserDefinedNameIsKnownOnceTheCameraWasOpen)
     EXPECT_EQ(info.userDefinedName, kept);
 }
 
+TEST_F(CameraTest, UserDefinedNameIsTheOneThatWasWrittenLast)
+{
+    const auto listedName = [] {
+        CAM_INFO info = {};
+        EXPECT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
+        return std::string(info.userDefinedName);
+    };
+    ASSERT_EQ(Nd_SetStrValue(m_camera, node("DeviceUserID"), "left"), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(listedName(), "left") << "though the list was made before";
+    ASSERT_EQ(open(0, &m_camera, m_signal), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Nd_SetStrValue(m_camera, node("DeviceUserID"), "right"), CAM_API_STS_SUCCESS);
+    setInt("SimulationReplugAfter", 1);
+    unplug();
+    ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    do {
+        ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
+    } while (m_cameras == 0);
+    EXPECT_EQ(listedName(), "right") << "a camera that tells its name in the list knows it better";
+}
+
 TEST(CameraInformation, IsAsciiAndCutToItsFields)
 {
     const std::string model = "K\u00E4mera " + std::string(100, 'm');

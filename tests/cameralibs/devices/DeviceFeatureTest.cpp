@@ -166,10 +166,8 @@ TEST(PowerTest, TheNameIsInTheList)
         const SimulatedCamera camera(0);
         camera.setText("DeviceUserID", "Left");
     }
+    EXPECT_STREQ(Library::info(0).userDefinedName, "Left");
     (void)Library::enumerate();
-    {
-        const SimulatedCamera camera(0);
-    }
     EXPECT_STREQ(Library::info(0).userDefinedName, "Left");
 }
 
