@@ -52,7 +52,11 @@ NodeId valueNode(const NodeMap& nodes, NodeId id)
     const auto indexed = std::find_if(node.references.begin(), node.references.end(), [&](const Reference& reference) {
         return reference.property == "pValueIndexed" && reference.index == chosen;
     });
-    return indexed != node.references.end() ? indexed->target : node.link("pValueDefault");
+    if (indexed != node.references.end())
+        return indexed->target;
+    const auto& constants = node.constantIndices;
+    const bool isConstant = std::find(constants.begin(), constants.end(), chosen) != constants.end();
+    return isConstant ? kNoNode : node.link("pValueDefault");
 }
 
 NodeAccessMode ownMode(const NodeMap& nodes, NodeId id)

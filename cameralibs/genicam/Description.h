@@ -84,6 +84,7 @@ struct DescribedNode {
     std::int64_t offValue = 0;
     std::optional<std::int64_t> entryValue;     ///< of an entry whose value is a number
     std::map<std::string, std::string> numbers; ///< <Length>, <LSB>, <MSB> and <Bit> as they stand
+    std::vector<std::int64_t> constantIndices;  ///< of the <ValueIndexed> elements: constants of the node itself
     std::vector<Formula> formulas;
 
     std::vector<NodeId> features; ///< of a category, in the order of the description

@@ -204,6 +204,8 @@ void readChildren(xmlNode* element, DescribedNode& node, Element kind)
             readReference(child, text, node);
             continue;
         }
+        if (long long index = 0; name == "ValueIndexed" && toInteger(attribute(child, "Index"), index))
+            node.constantIndices.push_back(index);
         readTextOrToken(name, text, node);
         readNumber(name, text, node);
         if (name == "Value" && node.element == Element::boolean)
