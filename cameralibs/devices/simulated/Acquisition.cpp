@@ -108,10 +108,8 @@ Acquisition::Next Acquisition::waitForNext()
     std::unique_lock lock(m_mutex);
     while (m_sourceOpen) {
         if (m_errors > 0) {
-            Next next;
-            next.task = Task::Errors;
-            std::swap(next.errors, m_errors);
-            return next;
+            --m_errors;
+            return {Task::Error, {}};
         }
         if (!mayExpose()) {
             m_changed.wait(lock);
@@ -124,9 +122,7 @@ Acquisition::Next Acquisition::waitForNext()
             m_changed.wait_until(lock, m_due);
             continue;
         }
-        Next next;
-        next.task = Task::Image;
-        next.settings = m_settings;
+        Next next{Task::Image, m_settings};
         takeImage(now);
         return next;
     }

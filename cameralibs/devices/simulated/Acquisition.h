@@ -31,19 +31,18 @@ public:
 
     // For the source of images.
 
-    enum class Task { Image, Errors, End };
+    enum class Task { Image, Error, End };
 
     /// What the source does next.
     struct Next {
         Task task = Task::End;
-        FrameSettings settings;   ///< of an image
-        std::uint32_t errors = 0; ///< how many error callbacks
+        FrameSettings settings; ///< of an image
     };
 
     void openSource();
     void closeSource();
 
-    /// Waits until an image is due, errors are to be sent or the source was closed.
+    /// Waits until an image is due, an error is to be sent or the source was closed.
     [[nodiscard]] Next waitForNext();
 
 private:

@@ -52,9 +52,8 @@ void FrameGenerator::run()
         switch (next.task) {
         case Acquisition::Task::End:
             return;
-        case Acquisition::Task::Errors:
-            for (std::uint32_t i = 0; i < next.errors; ++i)
-                m_sink.fail(Orvo::CAM_API_STS_PACKET_STATUS_ERROR);
+        case Acquisition::Task::Error:
+            m_sink.fail(Orvo::CAM_API_STS_PACKET_STATUS_ERROR);
             break;
         case Acquisition::Task::Image:
             sendImage(next.settings);

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -20,6 +21,48 @@ using ::testing::Not;
 namespace {
 
 class FaultTest : public MonoTest {};
+
+constexpr int kLongBurst = 1'000'000;
+
+/// A long burst of errors of a camera that sends no images. At each one `onError` runs, with a node of the camera.
+class BurstStream {
+public:
+    using Reaction = void (*)(CAM_HANDLE camera, CAM_NODE_HANDLE node);
+
+    BurstStream(const SimulatedCamera& camera, const char* node, Reaction onError)
+        : m_camera(camera)
+        , m_node(camera.node(node))
+        , m_onError(onError)
+    {
+        camera.choose("TriggerMode", "On");
+        EXPECT_EQ(Strm_OpenSimple(camera.handle(), &m_stream, nullptr, nullptr, 8, nullptr), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Strm_SetCallbackImageError(m_stream, this, callback), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+        camera.setInteger("SimulationErrorBurst", kLongBurst);
+        while (m_errors == 0)
+            std::this_thread::yield();
+    }
+    ~BurstStream() { EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS); }
+    BurstStream(const BurstStream&) = delete;
+    BurstStream& operator=(const BurstStream&) = delete;
+
+    void stop() const { EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS); }
+    [[nodiscard]] int errors() const { return m_errors; }
+
+private:
+    static void callback(CAM_HANDLE, CAM_STRM_HANDLE, std::uint32_t, std::uint32_t, void* context)
+    {
+        auto& self = *static_cast<BurstStream*>(context);
+        ++self.m_errors;
+        self.m_onError(self.m_camera.handle(), self.m_node);
+    }
+
+    const SimulatedCamera& m_camera;
+    const CAM_NODE_HANDLE m_node;
+    const Reaction m_onError;
+    CAM_STRM_HANDLE m_stream = 0;
+    std::atomic<int> m_errors{0};
+};
 
 TEST(UnplugTest, AnUnpluggedCameraIsGoneEverywhere)
 {
@@ -115,6 +158,29 @@ TEST_F(FaultTest, ErrorsComeInABurst)
     m_camera.setInteger("SimulationErrorBurst", 1);
     ASSERT_TRUE(stream.waitForErrors(1));
     EXPECT_EQ(stream.errors().size(), 1U) << "Nobody was there to hear the seven";
+}
+
+TEST_F(FaultTest, StoppingEndsABurst)
+{
+    // The first one lasts until the stop is under way.
+    const BurstStream stream(m_camera, "AcquisitionStatus", [](CAM_HANDLE camera, CAM_NODE_HANDLE status) {
+        bool active = true;
+        while (active && Nd_GetBoolValue(camera, status, &active) == CAM_API_STS_SUCCESS)
+            std::this_thread::yield();
+    });
+    stream.stop();
+    EXPECT_LT(stream.errors(), kLongBurst);
+}
+
+TEST(UnplugTest, UnpluggingEndsABurst)
+{
+    const Library library("1");
+    const SimulatedCamera camera(0);
+    const BurstStream stream(camera, "SimulationUnplug",
+                             [](CAM_HANDLE lost, CAM_NODE_HANDLE unplug) { (void)Nd_CmdExecute(lost, unplug); });
+    ASSERT_EQ(Sys_WaitForSignal(camera.removal(), 60000), CAM_API_STS_SUCCESS);
+    stream.stop();
+    EXPECT_EQ(stream.errors(), 1);
 }
 
 TEST_F(FaultTest, AccessesAreDelayed)
