@@ -1,0 +1,374 @@
+// The display thread in the real main window: its pace, the hand-over of images to the GUI thread, and the rates.
+
+#include "tests/display/RunningStream.h"
+
+#include <QtTest>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <memory>
+#include <optional>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::uint32_t kBayerRG8 = 0x01080009;
+const std::string kPoll = "Sys_WaitForSignal"; // begins a round, after its 2 ms
+
+class DispThreadPaceTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+
+    void roundsComeNoCloserThan2Milliseconds();
+    void atMostOneTryIn26Milliseconds_data();
+    void atMostOneTryIn26Milliseconds();
+    void everyTryEndsInAPauseOf5Milliseconds_data();
+    void everyTryEndsInAPauseOf5Milliseconds();
+    void pausesBeforeTheFirstImageToo();
+
+    void lentImageBlocksTheNext();
+    void ratesGoOnWhileAnImageIsLent();
+    void shownImagesAreWhole();
+    void windowHandsOnTheImageThatItKeeps();
+    void staleImageAfterRestartIsHarmless_data();
+    void staleImageAfterRestartIsHarmless();
+    void staleImageAfterExitIsHarmless();
+    void imageHandledAfterStopFreesNothingOfTheNextStart();
+
+    void pausedTakesNoImagesButReportsRates();
+    void fastCameraShowsFewerImagesThanItDelivers();
+    void stoppedCameraShowsZeroAndKeepsTheImage();
+    void nothingIsReportedWhileNotAcquiring();
+};
+
+// --- Pace ------------------------------------------------------------------------------------------------------------
+
+void DispThreadPaceTest::roundsComeNoCloserThan2Milliseconds()
+{
+    const CallTimes times({kPoll});
+    RunningStream running;
+    QVERIFY(waitRounds(100));
+    const auto calls = times.entries();
+    for (std::size_t i = 1; i < calls.size(); ++i)
+        QVERIFY2(calls[i].at - calls[i - 1].at >= 2ms, qPrintable(QString::number(i)));
+}
+
+void DispThreadPaceTest::atMostOneTryIn26Milliseconds_data()
+{
+    QTest::addColumn<QString>("tried");
+    QTest::addColumn<QString>("failing");
+    QTest::newRow("image taken") << "ConvImage"
+                                 << "";
+    QTest::newRow("no buffer") << "Strm_GetCurrentBufferIndex"
+                               << "Strm_GetCurrentBufferIndex";
+    QTest::newRow("no lock") << "Strm_LockBuffer"
+                             << "Strm_LockBuffer";
+}
+
+void DispThreadPaceTest::atMostOneTryIn26Milliseconds()
+{
+    QFETCH(QString, tried);
+    QFETCH(QString, failing);
+    const std::string operation = tried.toStdString();
+    const CallTimes times({kPoll, operation});
+    RunningStream running;
+    if (!failing.isEmpty())
+        scripted::failAlways(failing.toStdString(), Orvo::CAM_API_STS_BUSY);
+    {
+        const Feeder feeder(3);
+        QTRY_VERIFY_WITH_TIMEOUT(times.count(operation) >= 30, kPatienceMs);
+    }
+    // The frame timer starts anew between the poll of a round and what is tried in it.
+    std::optional<CallTimes::Clock::time_point> roundBegan;
+    const auto calls = times.entries();
+    for (std::size_t i = 1; i < calls.size(); ++i) {
+        if (calls[i].operation != operation)
+            continue;
+        QCOMPARE(calls[i - 1].operation, kPoll);
+        if (roundBegan)
+            QVERIFY2(calls[i].at - *roundBegan >= 26ms, qPrintable(QString::number(i)));
+        roundBegan = calls[i - 1].at;
+    }
+}
+
+void DispThreadPaceTest::everyTryEndsInAPauseOf5Milliseconds_data()
+{
+    QTest::addColumn<QString>("last"); // operation of the round
+    QTest::addColumn<QString>("failing");
+    QTest::addColumn<uint>("imageStatus");
+    QTest::newRow("image taken") << "Strm_UnlockBuffer"
+                                 << "" << 0U;
+    QTest::newRow("image incomplete") << "Strm_UnlockBuffer"
+                                      << "" << Orvo::CAM_API_STS_MISSING_PACKETS;
+    QTest::newRow("no buffer") << "Strm_GetCurrentBufferIndex"
+                               << "Strm_GetCurrentBufferIndex" << 0U;
+    QTest::newRow("no lock") << "Strm_UnlockBuffer"
+                             << "Strm_LockBuffer" << 0U;
+}
+
+void DispThreadPaceTest::everyTryEndsInAPauseOf5Milliseconds()
+{
+    QFETCH(QString, last);
+    QFETCH(QString, failing);
+    QFETCH(uint, imageStatus);
+    const std::string operation = last.toStdString();
+    const CallTimes times({kPoll, operation});
+    RunningStream running;
+    if (!failing.isEmpty())
+        scripted::failAlways(failing.toStdString(), Orvo::CAM_API_STS_BUSY);
+    for (int tries = 1; tries <= 10; ++tries) {
+        QVERIFY(scripted::deliverImage(std::uint64_t(tries), 0, imageStatus));
+        QTRY_VERIFY_WITH_TIMEOUT(times.count(operation) >= tries, kPatienceMs);
+    }
+    QVERIFY(waitRounds(2));
+    const auto calls = times.entries();
+    for (std::size_t i = 1; i < calls.size(); ++i) {
+        // And the 2 ms that every round begins with.
+        if (calls[i - 1].operation == operation)
+            QVERIFY2(calls[i].at - calls[i - 1].at >= 7ms, qPrintable(QString::number(i)));
+    }
+}
+
+void DispThreadPaceTest::pausesBeforeTheFirstImageToo()
+{
+    const CallTimes times({kPoll});
+    RunningStream running;
+    QVERIFY(waitRounds(150));
+    // A round that begins 26 ms after the frame timer was started finds it run out, and pauses.
+    const auto calls = times.entries();
+    auto timerStartedBefore = calls[0].at;
+    for (std::size_t i = 1; i < calls.size(); ++i) {
+        const auto round = calls[i].at - calls[i - 1].at;
+        if (calls[i - 1].at - timerStartedBefore >= 26ms)
+            QVERIFY2(round >= 7ms, qPrintable(QString::number(i)));
+        if (round >= 7ms)
+            timerStartedBefore = calls[i].at - 7ms;
+    }
+    QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0);
+}
+
+// --- Hand-over ------------------------------------------------------------------------------------------------------
+
+void DispThreadPaceTest::lentImageBlocksTheNext()
+{
+    RunningStream running;
+    QVERIFY(scripted::deliverImage(1));
+    QVERIFY(waitBlocked([] { return conversions() == 1; }));
+    const int asked = scripted::count("Strm_GetCurrentBufferIndex");
+    QVERIFY(scripted::deliverImage(2));
+    QVERIFY(waitRoundsBlocked(kRoundsOfAFewPeriods));
+    QCOMPARE(conversions(), 1);
+    QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), asked);
+    QVERIFY(scripted::deliverImage(3));
+
+    // The newest one comes when the GUI has handled the first.
+    QTRY_COMPARE(conversions(), 2);
+    QCOMPARE(texts(scripted::calls({"Strm_LockBuffer"})).at(1), QString("Strm_LockBuffer(3001, 2, out)"));
+    QTRY_COMPARE(running.images(), 2);
+}
+
+void DispThreadPaceTest::ratesGoOnWhileAnImageIsLent()
+{
+    RunningStream running;
+    QVERIFY(scripted::deliverImage(1));
+    QVERIFY(waitBlocked([] { return conversions() == 1; }));
+    QVERIFY(waitBlocked([&] { return running.rates().size() == 2; }));
+    QCOMPARE(conversions(), 1);
+    QCOMPARE(running.rates().at(1).display, 0.0);
+}
+
+void DispThreadPaceTest::shownImagesAreWhole()
+{
+    constexpr int enough = 40;
+    scripted::setImageFormat(640, 480, kBayerRG8);
+    std::atomic<std::uint32_t> converted{0};
+    scripted::onConvImage([&](void* dst, const void*, std::uint32_t width, std::uint32_t height) {
+        std::fill_n(static_cast<std::uint32_t*>(dst), std::size_t{width} * height, 0xFF000000U | ++converted);
+    });
+    int whole = 0;
+    int torn = 0;
+    RunningStream running;
+    connect(&running.driver().window(), &MainWindow::Update_Image, this, [&](const QImage& image) {
+        QImage expected(image.size(), image.format());
+        expected.fill(image.pixel(0, 0));
+        ++(image == expected ? whole : torn);
+    });
+    const Feeder feeder(3);
+    QElapsedTimer timer;
+    timer.start();
+    // A GUI thread that never sleeps is not woken by anything either: the hand-over alone orders the two threads.
+    while (whole + torn < enough && timer.elapsed() < kPatienceMs)
+        QCoreApplication::processEvents();
+    QCOMPARE(torn, 0);
+    QCOMPARE(whole, enough);
+}
+
+void DispThreadPaceTest::windowHandsOnTheImageThatItKeeps()
+{
+    QVector<const void*> memories;
+    RunningStream running;
+    connect(&running.driver().window(), &MainWindow::Update_Image, this, [&](const QImage& image) {
+        QCOMPARE(image.format(), QImage::Format_ARGB32); // as the display thread gave it
+        memories << image.constBits();
+    });
+    for (int frame = 1; frame <= 6; ++frame) {
+        QVERIFY(scripted::deliverImage(std::uint64_t(frame)));
+        QTRY_COMPARE(memories.size(), frame);
+    }
+    QVERIFY(memories[0] != memories[1]);
+    // One is on screen while the other is written to, and no third is needed.
+    for (int i = 2; i < memories.size(); ++i)
+        QCOMPARE(memories[i], memories[i - 2]);
+    // The same image again, not a copy of it.
+    running.driver().trigger("actionZoomIn");
+    QCOMPARE(memories.size(), 7);
+    QCOMPARE(memories[6], memories[5]);
+}
+
+void DispThreadPaceTest::staleImageAfterRestartIsHarmless_data()
+{
+    QTest::addColumn<uint>("width");
+    QTest::addColumn<uint>("height");
+    QTest::newRow("same size") << 64U << 48U;
+    QTest::newRow("smaller") << 16U << 16U;
+    QTest::newRow("larger") << 640U << 480U;
+}
+
+void DispThreadPaceTest::staleImageAfterRestartIsHarmless()
+{
+    QFETCH(uint, width);
+    QFETCH(uint, height);
+    RunningStream running;
+    QVERIFY(scripted::deliverImage(1));
+    QVERIFY(waitBlocked([&] { return running.images() == 1; }));
+    running.driver().stop();
+    scripted::setImageFormat(width, height, kBayerRG8);
+    running.start();
+    QVERIFY(scripted::deliverImage(1)); // the thread is a new one and knows no number
+    QVERIFY(waitBlocked([&] { return running.images() == 2; }));
+
+    // Both wait in the queue now: handling the stale one must not end the loan of the other too early, nor the other's
+    // loan be forgotten.
+    QVERIFY(scripted::deliverImage(2));
+    QTRY_COMPARE(running.images(), 3);
+    QVERIFY(scripted::deliverImage(3));
+    QTRY_COMPARE(running.images(), 4);
+}
+
+void DispThreadPaceTest::staleImageAfterExitIsHarmless()
+{
+    auto running = std::make_unique<RunningStream>();
+    QVERIFY(scripted::deliverImage(1));
+    QVERIFY(waitBlocked([&] { return running->images() == 1; }));
+    running->driver().exit();
+    QCoreApplication::processEvents();
+    running.reset();
+    QCOMPARE(scripted::lockedBuffers(), 0);
+}
+
+void DispThreadPaceTest::imageHandledAfterStopFreesNothingOfTheNextStart()
+{
+    RunningStream running;
+    QVERIFY(scripted::deliverImage(1));
+    QVERIFY(waitBlocked([&] { return running.images() == 1; }));
+    running.driver().stop();
+    QCoreApplication::processEvents();
+    running.start();
+    QVERIFY(scripted::deliverImage(2));
+    QTRY_COMPARE(running.images(), 2);
+}
+
+// --- Rates ----------------------------------------------------------------------------------------------------------
+
+void DispThreadPaceTest::pausedTakesNoImagesButReportsRates()
+{
+    RunningStream running;
+    running.driver().trigger("actionPause");
+    QVERIFY(scripted::deliverImage(1));
+    QVERIFY(scripted::deliverImage(2));
+    QVERIFY(running.waitForReports(1));
+    QCOMPARE(conversions(), 0);
+    QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0);
+    QCOMPARE(running.rates().at(0).display, 0.0);
+    QVERIFY(running.rates().at(0).capture > 0.0);
+    running.driver().trigger("actionPause");
+    QTRY_COMPARE(conversions(), 1);
+}
+
+void DispThreadPaceTest::fastCameraShowsFewerImagesThanItDelivers()
+{
+    constexpr double highestDisplayRate = 1000.0 / 26 + 1; // one more may fall into a report
+    RunningStream running;
+    int deliveredBefore = 0;
+    int deliveredAfter = 0;
+    {
+        const Feeder feeder(10);
+        QVERIFY(running.waitForReports(1));
+        deliveredBefore = feeder.delivered();
+        QVERIFY(running.waitForReports(2));
+        deliveredAfter = feeder.delivered();
+    }
+    const RunningStream::Rates rates = running.rates().at(1);
+    QVERIFY2(rates.display <= highestDisplayRate, qPrintable(QString::number(rates.display)));
+    QVERIFY(rates.display > 0);
+    QVERIFY2(rates.capture > rates.display, qPrintable(QString::number(rates.capture)));
+    // A report covers 2 seconds or a little more; the two moments were taken a little after the reports.
+    QVERIFY(rates.capture * 2 <= (deliveredAfter - deliveredBefore) * 1.5);
+    QVERIFY(rates.capture * 2 >= (deliveredAfter - deliveredBefore) * 0.5);
+}
+
+void DispThreadPaceTest::stoppedCameraShowsZeroAndKeepsTheImage()
+{
+    constexpr int delivered = 10;
+    QImage shown;
+    RunningStream running;
+    connect(&running.driver().window(), &MainWindow::Update_Image, this, [&](const QImage& image) { shown = image; });
+    for (std::uint64_t number = 1; number <= delivered; ++number)
+        QVERIFY(scripted::deliverImage(number, 0x40));
+    QVERIFY(running.waitForReports(2));
+
+    // What was counted tells the time that the report covers, in whole milliseconds.
+    const RunningStream::Rates first = running.rates().at(0);
+    const double milliseconds = delivered * 1000.0 / first.capture;
+    QVERIFY(milliseconds > 2000.5);
+    QVERIFY(std::abs(milliseconds - std::round(milliseconds)) < 1e-6);
+    QVERIFY(first.imagesBefore > 0);
+    QCOMPARE(first.display, first.imagesBefore * 1000.0 / std::round(milliseconds));
+
+    // Both counters began anew.
+    const RunningStream::Rates second = running.rates().at(1);
+    QCOMPARE(second.capture, 0.0);
+    QCOMPARE(second.display, 0.0);
+    QTRY_COMPARE(running.driver().rates(), QString("[Disp =   0.00 fps] , [Cap =   0.00 fps]"));
+    QCOMPARE(running.images(), first.imagesBefore);
+    QCOMPARE(shown.pixel(0, 0), 0xFF404040U);
+}
+
+void DispThreadPaceTest::nothingIsReportedWhileNotAcquiring()
+{
+    // The thread runs already while the stream is opened; here that takes longer than a report does.
+    constexpr int longerThanAReportMs = 2300;
+    std::atomic<int> reports{0};
+    int reportsWhileOpening = -1;
+    WindowDriver driver;
+    driver.open();
+    scripted::onCall("Strm_OpenSimple", [&] {
+        auto* const thread = driver.window().findChild<DispThread*>();
+        connect(
+            thread, &DispThread::dispFps, thread, [&] { ++reports; }, Qt::DirectConnection);
+        QTest::qSleep(longerThanAReportMs);
+        reportsWhileOpening = reports;
+    });
+    driver.start();
+    QCOMPARE(reportsWhileOpening, 0);
+    QTRY_COMPARE(reports, 1); // at once: more than two seconds have passed
+}
+
+} // namespace
+
+QTEST_MAIN(DispThreadPaceTest)
+#include "DispThreadPaceTest.moc"

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "display/DispThread.h"
+#include "tests/support/ScriptedCamera.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QStringList>
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+constexpr int kPatienceMs = 30000;
+
+// Rounds of the display thread take 2 ms or more, so that the pace of 26 ms has passed after these.
+constexpr int kRoundsOfAFewPeriods = 60;
+
+/// Waits without letting the GUI thread handle its events.
+[[nodiscard]] bool waitBlocked(const std::function<bool()>& condition);
+
+/// Lets the display thread go on for that many rounds; it asks for the removal signal once in each.
+[[nodiscard]] bool waitRounds(int rounds);
+[[nodiscard]] bool waitRoundsBlocked(int rounds);
+
+[[nodiscard]] int conversions();
+[[nodiscard]] QStringList texts(const std::vector<scripted::Call>& calls);
+
+/// A started stream, and what its display thread emits, noted on that thread.
+class RunningStream {
+public:
+    struct Rates {
+        double capture;
+        double display;
+        int imagesBefore; // emitted since the report before
+    };
+
+    RunningStream();
+
+    void start();
+
+    [[nodiscard]] WindowDriver& driver() { return m_driver; }
+    [[nodiscard]] DispThread* thread() { return m_driver.window().findChild<DispThread*>(); }
+    [[nodiscard]] int images() const { return m_images; }
+    [[nodiscard]] std::vector<Rates> rates() const;
+    [[nodiscard]] bool waitForReports(std::size_t count) const;
+
+private:
+    mutable std::mutex m_mutex; // the members below outlive the thread that writes them
+    std::vector<Rates> m_rates;
+    int m_imagesReported = 0;
+    std::atomic<int> m_images{0};
+    WindowDriver m_driver;
+};
+
+/// A camera that delivers an image every few milliseconds until it goes out of scope.
+class Feeder {
+public:
+    explicit Feeder(int periodMs);
+    ~Feeder();
+    Q_DISABLE_COPY_MOVE(Feeder)
+
+    [[nodiscard]] int delivered() const { return m_frameNumber; }
+
+private:
+    std::atomic<bool> m_stop{false};
+    std::atomic<int> m_frameNumber{0};
+    std::thread m_thread;
+};
+
+/// When the operations were called, from its making on.
+///
+/// A thread that a busy machine holds up is late, never early: only the least time between two calls can be relied on.
+class CallTimes {
+public:
+    using Clock = std::chrono::steady_clock;
+    struct Entry {
+        std::string operation;
+        Clock::time_point at;
+    };
+
+    explicit CallTimes(const std::vector<std::string>& operations);
+
+    [[nodiscard]] std::vector<Entry> entries() const;
+    [[nodiscard]] int count(const std::string& operation) const;
+
+private:
+    struct Notes {
+        std::mutex mutex;
+        std::vector<Entry> entries;
+    };
+    std::shared_ptr<Notes> m_notes = std::make_shared<Notes>(); // the hooks outlive this object
+};
