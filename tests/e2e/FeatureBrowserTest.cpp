@@ -3,18 +3,64 @@
 #include "discovery/DiscoveryDlg.h"
 #include "display/GraphicsView.h"
 #include "display/ImageView.h"
+#include "features/DescBox.h"
+#include "features/FeatureView.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
 
 #include <QGraphicsItem>
+#include <QLabel>
 #include <QPushButton>
+#include <QSet>
 #include <QTreeWidget>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
 constexpr int kPatienceMs = 20000;
+
+// The colours of the test pattern, from left to right.
+constexpr QRgb kBars[] = {0xffffffff, 0xffffff00, 0xff00ffff, 0xff00ff00,
+                          0xffff00ff, 0xffff0000, 0xff0000ff, 0xff000000};
+constexpr int kBarCount = std::size(kBars);
+
+/// The greatest difference of a colour channel in the middle of the bars.
+int worstBar(const QImage& image)
+{
+    int worst = 0;
+    for (int bar = 0; bar < kBarCount; ++bar) {
+        const QRgb is = image.pixel((2 * bar + 1) * image.width() / (2 * kBarCount), image.height() / 2);
+        const QRgb wanted = kBars[bar];
+        worst = std::max({worst, std::abs(qRed(is) - qRed(wanted)), std::abs(qGreen(is) - qGreen(wanted)),
+                          std::abs(qBlue(is) - qBlue(wanted))});
+    }
+    return worst;
+}
+
+/// How many colours there are in the middle row.
+int coloursOf(const QImage& image)
+{
+    QSet<QRgb> colours;
+    for (int x = 0; x < image.width(); ++x)
+        colours.insert(image.pixel(x, image.height() / 2));
+    return colours.size();
+}
+
+bool isGrey(const QImage& image)
+{
+    for (int y = 0; y < image.height(); y += 7) {
+        for (int x = 0; x < image.width(); x += 7) {
+            const QRgb pixel = image.pixel(x, y);
+            if (qRed(pixel) != qGreen(pixel) || qGreen(pixel) != qBlue(pixel))
+                return false;
+        }
+    }
+    return true;
+}
 
 class FeatureBrowserTest : public QObject {
     Q_OBJECT
@@ -28,13 +74,19 @@ private slots:
     void exposureTimeAndGain();
     void softwareTriggerFromTheToolBar();
     void userSet();
-    void everyFeatureOfADescriptionFileCanBeClicked();
+    void lineScanImage();
+    void everyFeatureCanBeClicked_data();
+    void everyFeatureCanBeClicked();
 
 private:
     void open(const QString& model);
     [[nodiscard]] QSizeF shownSize();
+    /// Waits for an image that was taken after this call.
+    [[nodiscard]] bool nextImage();
     /// The mean grey of the next image.
     [[nodiscard]] double nextBrightness();
+    /// Clicks the name and the value of each feature in the table, and tells which editors opened.
+    [[nodiscard]] QStringList clickEveryFeature();
 
     std::unique_ptr<WindowDriver> driver;
     std::unique_ptr<FeatureHand> hand;
@@ -44,7 +96,8 @@ private:
 
 void FeatureBrowserTest::init()
 {
-    qputenv("ORVO_SIMULATED_CAMERAS", "3," DESCRIPTION_FILE);
+    qputenv("ORVO_SIMULATED_CAMERAS",
+            "3," DESCRIPTIONS "/bench-lamp.xml," DESCRIPTIONS "/line-scan.xml," DESCRIPTIONS "/every-element.xml");
     driver = std::make_unique<WindowDriver>();
     images = 0;
     connect(&driver->window(), &MainWindow::Update_Image, &driver->window(), [this](const QImage& image) {
@@ -80,11 +133,16 @@ QSizeF FeatureBrowserTest::shownSize()
     return view ? view->view()->scene()->items().first()->boundingRect().size() : QSizeF();
 }
 
-double FeatureBrowserTest::nextBrightness()
+bool FeatureBrowserTest::nextImage()
 {
     const int before = images;
     // The second one: the first may have been on its way already.
-    if (!QTest::qWaitFor([&] { return images >= before + 2; }, kPatienceMs))
+    return QTest::qWaitFor([&] { return images >= before + 2; }, kPatienceMs);
+}
+
+double FeatureBrowserTest::nextBrightness()
+{
+    if (!nextImage())
         return -1;
     double sum = 0;
     int count = 0;
@@ -98,16 +156,24 @@ double FeatureBrowserTest::nextBrightness()
 void FeatureBrowserTest::pixelFormat()
 {
     open("SIM-C1920");
-    hand->choose("PixelFormat", "RGB8");
-    QCOMPARE(hand->shown("PixelFormat"), QString("RGB8"));
-    driver->start();
-    QVERIFY(nextBrightness() > 5);
-    // Locked while the stream runs.
-    QVERIFY(!hand->clickValue("PixelFormat"));
-    driver->stop();
-    hand->choose("PixelFormat", "BayerRG12p");
-    driver->start();
-    QVERIFY(nextBrightness() > 5);
+    hand->choose("TestPattern", "ColorBar");
+    struct Row {
+        const char* format;
+        int bits;
+        bool sharp; ///< every pixel has all its colours: nothing is mixed where two bars meet
+    };
+    for (const Row& row : {Row{"RGB8", 24, true}, Row{"BayerRG12p", 12, false}, Row{"BayerRG8", 8, false}}) {
+        hand->choose("PixelFormat", row.format);
+        QCOMPARE(hand->shown("PixelFormat"), QString(row.format));
+        QCOMPARE(hand->shown("PayloadSize").section(' ', 0, 0), QString::number(1920 * 1200 * row.bits / 8));
+        driver->start();
+        QVERIFY(nextImage());
+        QVERIFY2(worstBar(last) <= 2, row.format);
+        QCOMPARE(coloursOf(last) == kBarCount, row.sharp);
+        // Locked while the stream runs.
+        QVERIFY(!hand->clickValue("PixelFormat"));
+        driver->stop();
+    }
     QCOMPARE(driver->log(), QStringList());
 }
 
@@ -129,14 +195,25 @@ void FeatureBrowserTest::width()
 void FeatureBrowserTest::exposureTimeAndGain()
 {
     open("SIM-C1920");
+    QCOMPARE(hand->shown("ExposureTime"), QString::fromUtf8("10000.0 µs"));
     driver->start();
     const double normal = nextBrightness();
-    hand->type("ExposureTime", "1000");
     // A busy machine shows images of before the change for a while.
-    QTRY_VERIFY_WITH_TIMEOUT(nextBrightness() < normal / 2, kPatienceMs);
-    const double dark = nextBrightness();
-    hand->type("Gain", "12");
-    QTRY_VERIFY_WITH_TIMEOUT(nextBrightness() > dark * 1.5, kPatienceMs);
+    const auto becomes = [this](double wanted) {
+        return QTest::qWaitFor([&] { return std::abs(nextBrightness() - wanted) < wanted / 20; }, kPatienceMs);
+    };
+    hand->type("ExposureTime", "1000"); // a tenth of what it was
+    QCOMPARE(hand->shown("ExposureTime"), QString::fromUtf8("1000.0 µs"));
+    QVERIFY(becomes(normal / 10));
+    hand->type("Gain", "12"); // decibels: four times
+    QCOMPARE(hand->shown("Gain"), QString("12.0 dB"));
+    QVERIFY(becomes(normal / 10 * 4));
+    hand->type("Gain", "0 dB");
+    QCOMPARE(hand->shown("Gain"), QString("0.0 dB"));
+    QVERIFY(becomes(normal / 10));
+    hand->type("ExposureTime", "4000 us");
+    QCOMPARE(hand->shown("ExposureTime"), QString::fromUtf8("4000.0 µs"));
+    QVERIFY(becomes(normal / 10 * 4));
 }
 
 void FeatureBrowserTest::softwareTriggerFromTheToolBar()
@@ -167,22 +244,129 @@ void FeatureBrowserTest::userSet()
 {
     open("SIM-C1920");
     const QString gain = hand->shown("Gain");
+    const auto brightness = [this] {
+        driver->start();
+        const double is = nextBrightness();
+        driver->stop();
+        return is;
+    };
+    const double normal = brightness();
+
     hand->type("Gain", "6");
-    QVERIFY(hand->shown("Gain") != gain);
+    QCOMPARE(hand->shown("Gain"), QString("6.0 dB"));
+    hand->choose("UserSetSelector", "UserSet1");
+    hand->execute("UserSetSave");
+    const double brighter = brightness();
+    QVERIFY(brighter > normal * 1.3);
+
     hand->choose("UserSetSelector", "Default");
     hand->execute("UserSetLoad");
     QCOMPARE(hand->shown("Gain"), gain);
+    const double loaded = brightness();
+    QVERIFY2(std::abs(loaded - normal) < normal / 20, qPrintable(QString::number(loaded)));
+
+    hand->choose("UserSetSelector", "UserSet1");
+    hand->execute("UserSetLoad");
+    QCOMPARE(hand->shown("Gain"), QString("6.0 dB"));
+    const double again = brightness();
+    QVERIFY2(std::abs(again - brighter) < brighter / 20, qPrintable(QString::number(again)));
 }
 
-void FeatureBrowserTest::everyFeatureOfADescriptionFileCanBeClicked()
+void FeatureBrowserTest::lineScanImage()
 {
-    open(DESCRIPTION_MODEL);
-    const QStringList names = hand->names();
-    QVERIFY(names.size() >= 5);
-    for (const QString& name : names) {
-        hand->clickName(name);
-        hand->clickValue(name);
+    open("LineScan");
+    hand->type("Height", "64");
+    QCOMPARE(hand->shown("Height"), QString("64 lines"));
+    for (const char* format : {"Mono8", "Mono12p"}) {
+        hand->choose("PixelFormat", format);
+        driver->start();
+        QVERIFY2(nextImage(), qPrintable(driver->log().join('\n')));
+        QCOMPARE(last.size(), QSize(2048, 64));
+        QCOMPARE(shownSize(), QSizeF(2048, 64));
+        QVERIFY(isGrey(last));
+        QVERIFY(coloursOf(last) > 1);
+        driver->stop();
     }
+    QCOMPARE(driver->log(), QStringList());
+}
+
+QStringList FeatureBrowserTest::clickEveryFeature()
+{
+    QStringList editors;
+    for (const QString& name : hand->names()) {
+        hand->clickName(name);
+        const QString heading = hand->view().descBox()->findChild<QLabel*>()->text();
+        if (!heading.startsWith("Description: " + name + " ("))
+            QTest::qFail(qPrintable(name + " is described as " + heading), __FILE__, __LINE__);
+        const QWidget* const editor = hand->clickValue(name);
+        editors << name + ": " + (editor ? editor->metaObject()->className() : "none");
+    }
+    return editors;
+}
+
+void FeatureBrowserTest::everyFeatureCanBeClicked_data()
+{
+    // Each with its editor; with a star, those of the Invisible level.
+    QTest::addColumn<QStringList>("features");
+    QTest::newRow("BenchLamp") << QStringList{
+        "Width: LineEditWithSlider",
+        "Height: LineEditWithSlider",
+        "PixelFormat: QComboBox",
+        "Brightness: LineEditWithSlider",
+        "Warmth: LineEditWithSlider",
+        "Switch: QComboBox",
+        "Program: QComboBox",
+        "NoProgram: QComboBox",
+        "Flash: QPushButton",
+        "Label: QLineEdit",
+        "Raw: none",
+        "*Broken: none",
+    };
+    QTest::newRow("LineScan") << QStringList{
+        "Width: LineEditWithSlider",  "Height: LineEditWithSlider", "PixelFormat: QComboBox",
+        "PayloadSize: QLineEdit",     "LineRate: QLineEdit",        "*Service: QLineEdit",
+        "Encoder: QComboBox",         "StepsPerLine: none",         "Position: none",
+        "ResetPosition: QPushButton",
+    };
+    QTest::newRow("EveryElement") << QStringList{
+        "Width: LineEditWithSlider",
+        "Height: LineEditWithSlider",
+        "PixelFormat: QComboBox",
+        "AnInteger: QLineEdit",
+        "AnIntReg: QLineEdit",
+        "AMaskedIntReg: QLineEdit",
+        "*AStructEntry: QLineEdit",
+        "AnIntConverter: QLineEdit",
+        "AnIntSwissKnife: none",
+        "AFloat: LineEditWithSlider",
+        "AFloatReg: QLineEdit",
+        "AConverter: QLineEdit",
+        "ASwissKnife: none",
+        "ABoolean: QComboBox",
+        "ACommand: QPushButton",
+        "AString: QLineEdit",
+        "AStringReg: QLineEdit",
+        "ARegister: none",
+        "AnEnumeration: QComboBox",
+        "*ANode: none",
+        "Device: none",
+        "*Deep: QLineEdit",
+    };
+}
+
+void FeatureBrowserTest::everyFeatureCanBeClicked()
+{
+    QFETCH(QStringList, features);
+    open(QTest::currentDataTag());
+
+    QStringList everyday = features;
+    everyday.erase(std::remove_if(everyday.begin(), everyday.end(), [](const QString& f) { return f.startsWith('*'); }),
+                   everyday.end());
+    QCOMPARE(clickEveryFeature(), everyday);
+
+    hand->view().selectInvisible(); // its button is not offered
+    QCOMPARE(clickEveryFeature(), features.replaceInStrings("*", ""));
+
     driver->close();
     QVERIFY(driver->enabled("actionOpen"));
     QCOMPARE(driver->log(), QStringList());

@@ -87,6 +87,7 @@ QModelIndex FeatureHand::find(const QString& name, int column)
             continue;
         if (table().isRowHidden(row) && category.isValid()) {
             view().changeCollapsedState(category); // by hand it would take a double click, and its time
+            QCoreApplication::processEvents();     // the scroll bar learns how far it goes now
         }
         table().scrollTo(index, QAbstractItemView::PositionAtCenter);
         return index.sibling(row, column);
