@@ -113,6 +113,7 @@ int main(int argc, char* argv[])
     tour.liveChapter();
     tour.featuresChapter();
     tour.editorsChapter();
+    tour.slowAndSilentCameraChapter();
     tour.camerasChapter();
     tour.faultsChapter();
     return EXIT_SUCCESS;

@@ -20,6 +20,7 @@ public:
     void faultsChapter();
     void featuresChapter();
     void editorsChapter();
+    void slowAndSilentCameraChapter();
 
 private:
     // Tour.cpp

@@ -2,7 +2,10 @@
 
 #include "tests/tour/Tour.h"
 
+#include "features/FeatureView.h"
 #include "tests/support/FeatureHand.h"
+
+#include <QComboBox>
 
 void Tour::featuresChapter()
 {
@@ -12,8 +15,18 @@ void Tour::featuresChapter()
         hand.clickTool(level);
         picture(QString("features-%1").arg(level + 1));
     }
-    hand.clickName("PixelFormat");
+    hand.view().selectInvisible(); // its button is not offered
+    hand.clickName("VisibilityInvisible");
+    picture("features-levelInvisible");
+    hand.clickTool("&levelGuru");
+    hand.clickName("Height");
+    hand.clickTool("&levelGuru"); // makes the columns as wide as what is unfolded
     picture("features-unfolded");
+    hand.choose("AccessSwitch", "NotImplemented");
+    hand.clickTool("&levelGuru");
+    hand.clickName("AccessLockedWhileStreaming");
+    picture("features-colours");
+    hand.choose("AccessSwitch", "ReadWrite");
     for (const char* name : {"ExposureTime", "AccessNotAvailable", "AccessReadOnly", "EnumerationChanging"}) {
         hand.clickName(name);
         picture(QString("description-%1").arg(name));
@@ -36,7 +49,7 @@ void Tour::editorsChapter()
         {"slider-logarithmic", "ExposureTime"},
         {"combo-box", "PixelFormat"},
         {"button", "TriggerSoftware"},
-        {"check", "ReverseX"},
+        {"boolean", "ReverseX"},
         {"empty-enumeration", "EnumerationEmpty"},
         {"hexadecimal", "IntegerHexNumber"},
         {"mac-address", "IntegerMACAddress"},
@@ -48,4 +61,25 @@ void Tour::editorsChapter()
         hand.clickValue(stop.feature);
         picture(QString("editor-%1").arg(stop.name));
     }
+
+    auto* const choices = qobject_cast<QComboBox*>(hand.clickValue("PixelFormat"));
+    choices->showPopup();
+    picture("editor-choices");
+    choices->hidePopup();
+}
+
+void Tour::slowAndSilentCameraChapter()
+{
+    FeatureHand hand(m_driver->window());
+    hand.choose("SimulationRefuseAccess", "true");
+    hand.type("Width", "640");
+    picture("camera-refuses");
+    hand.choose("SimulationRefuseAccess", "false");
+    picture("camera-answers-again");
+
+    hand.type("SimulationAccessDelay", "1000");
+    hand.type("Width", "640");
+    picture("camera-is-slow");
+    hand.type("SimulationAccessDelay", "0");
+    hand.type("Width", "1920");
 }
