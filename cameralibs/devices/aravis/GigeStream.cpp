@@ -6,8 +6,9 @@ namespace orvo {
 
 namespace {
 
-/// More than any kernel grants unasked; it cuts to what net.core.rmem_max allows. The default loses most packets.
-constexpr int kSocketBufferSize = 4'000'000;
+/// What packaging/system/60-orvocam-gige.conf lets a program have. A kernel that grants less cuts it; its default loses
+/// most packets.
+constexpr int kSocketBufferSize = 33'554'432;
 
 /// The GigE Vision register that tells what the control channel can do, and its bit for sending packets again.
 constexpr std::uint64_t kCapabilityRegister = 0x0934;
