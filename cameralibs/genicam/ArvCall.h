@@ -5,26 +5,27 @@
 
 #include <arv.h>
 
-#include <type_traits>
-
 namespace orvo {
 
-/// `call(GError**)` of Aravis, its error thrown as a Failure.
-template <class Call> auto arvCall(Call&& call)
+/// `call(GError**)` of Aravis, which reads; its error thrown as a Failure.
+template <class Call> auto arvRead(Call&& call)
 {
     GError* error = nullptr;
-    if constexpr (std::is_void_v<decltype(call(&error))>) {
-        call(&error);
-        throwIfFailed(takeError(error));
-    } else {
-        const auto result = call(&error);
-        throwIfFailed(takeError(error));
-        return result;
-    }
+    const auto result = call(&error);
+    throwIfFailed(takeError(error, Attempted::reading));
+    return result;
 }
 
-/// The same, with `otherwise` where the description does not define what is asked for.
-template <class Call, class Result> Result arvCallOr(Result otherwise, Call&& call)
+/// The same for one that writes.
+template <class Call> void arvWrite(Call&& call)
+{
+    GError* error = nullptr;
+    static_cast<void>(call(&error));
+    throwIfFailed(takeError(error, Attempted::writing));
+}
+
+/// `call(GError**)` of Aravis, which reads, with `otherwise` where the description does not define what is asked for.
+template <class Call, class Result> Result arvReadOr(Result otherwise, Call&& call)
 {
     GError* error = nullptr;
     const Result result = call(&error);
@@ -32,7 +33,7 @@ template <class Call, class Result> Result arvCallOr(Result otherwise, Call&& ca
         g_error_free(error);
         return otherwise;
     }
-    throwIfFailed(takeError(error));
+    throwIfFailed(takeError(error, Attempted::reading));
     return result;
 }
 

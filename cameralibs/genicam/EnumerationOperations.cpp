@@ -26,7 +26,7 @@ std::optional<std::int64_t> entryNumber(const NodeMap& nodes, NodeId entry)
         return described.entryValue;
     nodes.check(entry, Question::value);
     ArvGcEnumEntry* node = ARV_GC_ENUM_ENTRY(nodes.feature(entry));
-    return arvCall([&](GError** error) { return arv_gc_enum_entry_get_value(node, error); });
+    return arvRead([&](GError** error) { return arv_gc_enum_entry_get_value(node, error); });
 }
 
 bool canBeChosen(const NodeMap& nodes, NodeId entry)
@@ -56,7 +56,7 @@ void choose(NodeMap& nodes, ArvGcEnumeration* node, NodeId entry)
     throwUnless(entry != kNoNode && canBeChosen(nodes, entry), CAM_API_STS_INVALID_PARAMETER);
     nodes.check(entry, Question::value);
     const std::int64_t number = entryNumber(nodes, entry).value();
-    arvCall([&](GError** error) { return arv_gc_enumeration_set_int_value(node, number, error); });
+    arvWrite([&](GError** error) { return arv_gc_enumeration_set_int_value(node, number, error); });
 }
 
 } // namespace

@@ -34,7 +34,7 @@ constexpr CAM_API_STATUS kDeviceErrors[] = {
     CAM_API_STS_BUSY,                  // busy
 };
 
-CAM_API_STATUS genicamStatus(int code)
+CAM_API_STATUS genicamStatus(int code, Attempted attempted)
 {
     switch (code) {
     case ARV_GC_ERROR_EMPTY_ENUMERATION:
@@ -43,13 +43,18 @@ CAM_API_STATUS genicamStatus(int code)
     case ARV_GC_ERROR_OUT_OF_RANGE:
     case ARV_GC_ERROR_ENUM_ENTRY_NOT_FOUND:
     case ARV_GC_ERROR_INVALID_LENGTH:
+    case ARV_GC_ERROR_SET_FROM_STRING_UNDEFINED:
+    case ARV_GC_ERROR_GET_AS_STRING_UNDEFINED:
+    case ARV_GC_ERROR_INVALID_SYNTAX:
         return CAM_API_STS_INVALID_PARAMETER;
+    case ARV_GC_ERROR_READ_ONLY: // of write-only ones, too
+        return attempted == Attempted::writing ? CAM_API_STS_NOT_WRITABLE : CAM_API_STS_NOT_READABLE;
     default:
         return CAM_API_STS_GENICAM_ERR;
     }
 }
 
-Outcome take(GError* error, CAM_API_STATUS other)
+Outcome take(GError* error, Attempted attempted, CAM_API_STATUS other)
 {
     if (error == nullptr)
         return {};
@@ -58,7 +63,7 @@ Outcome take(GError* error, CAM_API_STATUS other)
     if (error->domain == ARV_DEVICE_ERROR) {
         outcome.status = code < std::size(kDeviceErrors) ? kDeviceErrors[code] : CAM_API_STS_UNSUCCESSFUL;
     } else if (error->domain == ARV_GC_ERROR) {
-        outcome.status = genicamStatus(error->code);
+        outcome.status = genicamStatus(error->code, attempted);
     } else if (error->domain == ARV_CHUNK_PARSER_ERROR) {
         outcome.status = CAM_API_STS_NOT_AVAILABLE;
     }
@@ -68,16 +73,16 @@ Outcome take(GError* error, CAM_API_STATUS other)
 
 } // namespace
 
-Outcome takeError(GError* error)
+Outcome takeError(GError* error, Attempted attempted)
 {
-    return take(error, CAM_API_STS_GENICAM_ERR);
+    return take(error, attempted, CAM_API_STS_GENICAM_ERR);
 }
 
 Outcome takeOpenError(GError* error)
 {
     // A claim that is refused comes as a protocol error.
     const bool refused = g_error_matches(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_PROTOCOL_ERROR) != FALSE;
-    Outcome outcome = take(error, CAM_API_STS_UNSUCCESSFUL);
+    Outcome outcome = take(error, Attempted::reading, CAM_API_STS_UNSUCCESSFUL);
     if (refused)
         outcome.status = CAM_API_STS_BUSY;
     return outcome;

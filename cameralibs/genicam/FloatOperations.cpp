@@ -24,17 +24,17 @@ ArvGcFloat* floatNode(const NodeMap& nodes, NodeId id)
 
 double minimum(ArvGcFloat* node)
 {
-    return arvCallOr(-kHighest, [&](GError** error) { return arv_gc_float_get_min(node, error); });
+    return arvReadOr(-kHighest, [&](GError** error) { return arv_gc_float_get_min(node, error); });
 }
 
 double maximum(ArvGcFloat* node)
 {
-    return arvCallOr(kHighest, [&](GError** error) { return arv_gc_float_get_max(node, error); });
+    return arvReadOr(kHighest, [&](GError** error) { return arv_gc_float_get_max(node, error); });
 }
 
 double increment(ArvGcFloat* node)
 {
-    const double step = arvCallOr(kNoIncrement, [&](GError** error) { return arv_gc_float_get_inc(node, error); });
+    const double step = arvReadOr(kNoIncrement, [&](GError** error) { return arv_gc_float_get_inc(node, error); });
     // Aravis says "none" by the smallest positive number.
     return step > std::numeric_limits<double>::min() ? step : kNoIncrement;
 }
@@ -62,7 +62,7 @@ double readFloat(const NodeMap& nodes, NodeId id)
     ArvGcFloat* node = floatNode(nodes, id);
     requireReadable(nodes, id);
     nodes.check(id, Question::value);
-    return arvCall([&](GError** error) { return arv_gc_float_get_value(node, error); });
+    return arvRead([&](GError** error) { return arv_gc_float_get_value(node, error); });
 }
 
 double floatMinimum(const NodeMap& nodes, NodeId id)
@@ -102,7 +102,7 @@ void writeFloat(NodeMap& nodes, NodeId id, double value, bool verify)
     }
     nodes.check(id, Question::value);
     nodes.checkConversion(id, value);
-    arvCall([&](GError** error) { arv_gc_float_set_value(node, value, error); });
+    arvWrite([&](GError** error) { arv_gc_float_set_value(node, value, error); });
 }
 
 } // namespace orvo

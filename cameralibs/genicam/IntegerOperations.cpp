@@ -23,17 +23,17 @@ ArvGcInteger* integerNode(const NodeMap& nodes, NodeId id)
 
 std::int64_t minimum(ArvGcInteger* node)
 {
-    return arvCallOr(kLowest, [&](GError** error) -> std::int64_t { return arv_gc_integer_get_min(node, error); });
+    return arvReadOr(kLowest, [&](GError** error) -> std::int64_t { return arv_gc_integer_get_min(node, error); });
 }
 
 std::int64_t maximum(ArvGcInteger* node)
 {
-    return arvCallOr(kHighest, [&](GError** error) -> std::int64_t { return arv_gc_integer_get_max(node, error); });
+    return arvReadOr(kHighest, [&](GError** error) -> std::int64_t { return arv_gc_integer_get_max(node, error); });
 }
 
 std::int64_t increment(ArvGcInteger* node)
 {
-    return arvCallOr(std::int64_t{1},
+    return arvReadOr(std::int64_t{1},
                      [&](GError** error) -> std::int64_t { return arv_gc_integer_get_inc(node, error); });
 }
 
@@ -62,7 +62,7 @@ std::int64_t readInteger(const NodeMap& nodes, NodeId id)
     ArvGcInteger* node = integerNode(nodes, id);
     requireReadable(nodes, id);
     nodes.check(id, Question::value);
-    return arvCall([&](GError** error) { return arv_gc_integer_get_value(node, error); });
+    return arvRead([&](GError** error) { return arv_gc_integer_get_value(node, error); });
 }
 
 std::int64_t integerMinimum(const NodeMap& nodes, NodeId id)
@@ -93,7 +93,7 @@ void writeInteger(NodeMap& nodes, NodeId id, std::int64_t value, bool verify)
     }
     nodes.check(id, Question::value);
     nodes.checkConversion(id, static_cast<double>(value));
-    arvCall([&](GError** error) { arv_gc_integer_set_value(node, value, error); });
+    arvWrite([&](GError** error) { arv_gc_integer_set_value(node, value, error); });
 }
 
 } // namespace orvo

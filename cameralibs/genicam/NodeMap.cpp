@@ -55,15 +55,15 @@ std::int64_t NodeMap::rawInteger(NodeId id) const
     const NodeId behind = node(id).link("pValue");
     switch (node(id).type) {
     case NODE_TYPE_INTEGER:
-        return arvCall([&](GError** error) { return arv_gc_integer_get_value(ARV_GC_INTEGER(aravis), error); });
+        return arvRead([&](GError** error) { return arv_gc_integer_get_value(ARV_GC_INTEGER(aravis), error); });
     case NODE_TYPE_ENUMERATION:
-        return arvCall(
+        return arvRead(
             [&](GError** error) { return arv_gc_enumeration_get_int_value(ARV_GC_ENUMERATION(aravis), error); });
     case NODE_TYPE_BOOLEAN:
         // Aravis compares with 32 bits of the two values.
         if (behind != kNoNode)
             return rawInteger(behind) == node(id).onValue ? 1 : 0;
-        return arvCall([&](GError** error) { return arv_gc_boolean_get_value(ARV_GC_BOOLEAN(aravis), error); });
+        return arvRead([&](GError** error) { return arv_gc_boolean_get_value(ARV_GC_BOOLEAN(aravis), error); });
     default:
         return rawNumber(id) != 0.0 ? 1 : 0;
     }
@@ -73,7 +73,7 @@ double NodeMap::rawNumber(NodeId id) const
 {
     if (node(id).type != NODE_TYPE_FLOAT)
         return static_cast<double>(rawInteger(id));
-    return arvCall([&](GError** error) { return arv_gc_float_get_value(ARV_GC_FLOAT(feature(id)), error); });
+    return arvRead([&](GError** error) { return arv_gc_float_get_value(ARV_GC_FLOAT(feature(id)), error); });
 }
 
 void NodeMap::checkConversion(NodeId id, double value) const

@@ -22,7 +22,7 @@ std::string readText(const NodeMap& nodes, NodeId id)
     ArvGcString* node = ARV_GC_STRING(nodeOfType(nodes, id, NODE_TYPE_STRING));
     requireReadable(nodes, id);
     nodes.check(id, Question::value);
-    const char* text = arvCall([&](GError** error) { return arv_gc_string_get_value(node, error); });
+    const char* text = arvRead([&](GError** error) { return arv_gc_string_get_value(node, error); });
     return text == nullptr ? "" : text;
 }
 
@@ -31,7 +31,7 @@ void writeText(NodeMap& nodes, NodeId id, const char* text)
     ArvGcString* node = ARV_GC_STRING(nodeOfType(nodes, id, NODE_TYPE_STRING));
     requireWritable(nodes, id);
     nodes.check(id, Question::value);
-    arvCall([&](GError** error) { arv_gc_string_set_value(node, text, error); });
+    arvWrite([&](GError** error) { arv_gc_string_set_value(node, text, error); });
 }
 
 bool readBoolean(const NodeMap& nodes, NodeId id)
@@ -49,13 +49,13 @@ void writeBoolean(NodeMap& nodes, NodeId id, bool value)
     nodes.check(id, Question::value);
     const NodeId behind = nodes.node(id).link("pValue");
     if (behind == kNoNode) {
-        arvCall([&](GError** error) { arv_gc_boolean_set_value(ARV_GC_BOOLEAN(node), value ? TRUE : FALSE, error); });
+        arvWrite([&](GError** error) { arv_gc_boolean_set_value(ARV_GC_BOOLEAN(node), value ? TRUE : FALSE, error); });
         return;
     }
     // Aravis writes 32 bits of the two values.
     const std::int64_t number = value ? nodes.node(id).onValue : nodes.node(id).offValue;
     nodes.checkConversion(behind, static_cast<double>(number));
-    arvCall([&](GError** error) { arv_gc_integer_set_value(ARV_GC_INTEGER(nodes.feature(behind)), number, error); });
+    arvWrite([&](GError** error) { arv_gc_integer_set_value(ARV_GC_INTEGER(nodes.feature(behind)), number, error); });
 }
 
 void executeCommand(NodeMap& nodes, NodeId id)
@@ -63,7 +63,7 @@ void executeCommand(NodeMap& nodes, NodeId id)
     ArvGcCommand* node = ARV_GC_COMMAND(nodeOfType(nodes, id, NODE_TYPE_COMMAND));
     requireWritable(nodes, id);
     nodes.check(id, Question::value);
-    arvCall([&](GError** error) { arv_gc_command_execute(node, error); });
+    arvWrite([&](GError** error) { arv_gc_command_execute(node, error); });
 }
 
 } // namespace orvo

@@ -44,6 +44,7 @@ constexpr Failure kFailures[] = {
     {ARV_DEVICE_ERROR_PROTOCOL_ERROR_WRITE_PROTECT, "The register cannot be written"},
     {ARV_DEVICE_ERROR_PROTOCOL_ERROR_ACCESS_DENIED, "The camera refuses register accesses"},
     {ARV_DEVICE_ERROR_PROTOCOL_ERROR_INVALID_PARAMETER, "The camera refuses this value"},
+    {ARV_DEVICE_ERROR_UNKNOWN, "The camera has a fault of its own"},
 };
 
 gboolean answer(AccessResult result, GError** error)
@@ -55,16 +56,28 @@ gboolean answer(AccessResult result, GError** error)
     return FALSE;
 }
 
+// The callers are C functions, which no exception may pass through.
+template <typename Access> gboolean answerOf(Access&& access, GError** error)
+{
+    AccessResult result = AccessResult::Failed;
+    try {
+        result = access();
+    } catch (...) {
+        // Such as want of memory for a page of registers.
+    }
+    return answer(result, error);
+}
+
 gboolean readMemory(ArvDevice* device, guint64 address, guint32 size, void* buffer, GError** error)
 {
-    return answer(self(device)->space->read(address, buffer, size), error);
+    return answerOf([&] { return self(device)->space->read(address, buffer, size); }, error);
 }
 
 // `Buffer` is void in older versions of Aravis and const void in newer ones.
 template <typename Buffer>
 gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, Buffer* buffer, GError** error)
 {
-    return answer(self(device)->space->write(address, buffer, size), error);
+    return answerOf([&] { return self(device)->space->write(address, buffer, size); }, error);
 }
 
 gboolean readRegister(ArvDevice* device, guint64 address, guint32* value, GError** error)

@@ -5,7 +5,7 @@
 namespace orvo::simulated {
 
 /// How a camera answers a register access.
-enum class AccessResult { Done, NotConnected, InvalidAddress, WriteProtected, Refused, InvalidValue };
+enum class AccessResult { Done, NotConnected, InvalidAddress, WriteProtected, Refused, InvalidValue, Failed };
 
 /// Whatever has registers: a built-in camera, or the bare memory of one made from a description file.
 class RegisterSpace {
