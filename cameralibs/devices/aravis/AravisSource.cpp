@@ -1,5 +1,7 @@
 #include "AravisSource.h"
 
+#include "cameralibs/devices/aravis/ImageStatus.h"
+
 #include <utility>
 
 namespace orvo {
@@ -10,40 +12,21 @@ namespace {
 
 constexpr std::uint64_t kPollMicroseconds = 50'000;
 
-CAM_API_STATUS imageStatus(ArvBufferStatus status, bool lost)
-{
-    switch (status) {
-    case ARV_BUFFER_STATUS_SUCCESS:
-        return CAM_API_STS_SUCCESS;
-    case ARV_BUFFER_STATUS_TIMEOUT:
-    case ARV_BUFFER_STATUS_MISSING_PACKETS:
-        return CAM_API_STS_MISSING_PACKETS;
-    case ARV_BUFFER_STATUS_WRONG_PACKET_ID:
-        return CAM_API_STS_UNEXPECTED_NUMBER;
-    case ARV_BUFFER_STATUS_SIZE_MISMATCH:
-        return CAM_API_STS_UNEXPECTED_BUFFER_SIZE;
-    case ARV_BUFFER_STATUS_ABORTED:
-    case ARV_BUFFER_STATUS_FILLING:
-        return lost ? CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE : CAM_API_STS_FLUSH_REQUESTED;
-    default:
-        return CAM_API_STS_DATA_DISCARDED;
-    }
-}
-
 FrameBuffer* frameOf(ArvBuffer* buffer)
 {
     return static_cast<FrameBuffer*>(const_cast<void*>(arv_buffer_get_user_data(buffer)));
 }
 
-/// Rows with bytes between them are not what the interface promises.
-bool isPadded(ArvBuffer* buffer)
+/// Bytes between the rows of an image.
+int rowPadding(ArvBuffer* buffer)
 {
-    if (arv_buffer_get_payload_type(buffer) != ARV_BUFFER_PAYLOAD_TYPE_IMAGE)
-        return false;
+    if (arv_buffer_get_status(buffer) != ARV_BUFFER_STATUS_SUCCESS ||
+        arv_buffer_get_payload_type(buffer) != ARV_BUFFER_PAYLOAD_TYPE_IMAGE)
+        return 0;
     int x = 0;
     int y = 0;
     arv_buffer_get_image_padding(buffer, &x, &y);
-    return x != 0;
+    return x;
 }
 
 } // namespace
@@ -109,9 +92,7 @@ void AravisSource::handle(ArvBuffer* buffer)
     // The reference that came out of the stream; m_buffers has another.
     const GObjectPointer<ArvBuffer> popped(buffer);
     FrameBuffer* frame = frameOf(buffer);
-    CAM_API_STATUS status = imageStatus(arv_buffer_get_status(buffer), m_connection->lost());
-    if (status == CAM_API_STS_SUCCESS && isPadded(buffer))
-        status = CAM_API_STS_UNEXPECTED_BUFFER_SIZE;
+    const CAM_API_STATUS status = imageStatus(arv_buffer_get_status(buffer), rowPadding(buffer), m_connection->lost());
     if (status != CAM_API_STS_SUCCESS) {
         m_sink.fail(status);
         push(frame);

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
+#include <list>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 namespace orvo {
 
@@ -19,8 +20,13 @@ public:
     void take(std::function<void()> work);
 
 private:
+    struct Worker {
+        std::thread thread;
+        std::atomic<bool> done{false};
+    };
+
     std::mutex m_mutex;
-    std::vector<std::thread> m_threads;
+    std::list<Worker> m_workers; ///< the finished ones too, until the next is made
 };
 
 } // namespace orvo
