@@ -2,6 +2,7 @@
 
 #include "ui_MainWindow.h"
 
+#include <QSizeGrip>
 #include <QtTest>
 
 namespace {
@@ -9,7 +10,7 @@ namespace {
 struct ActionRow {
     const char* name;
     const char* text;
-    const char* toolTip; // null = none of its own
+    const char* toolTip; // null = none of its own: it shows its text
     const char* icon;    // null = none
     bool checkable;
     bool enabled;
@@ -47,6 +48,17 @@ QStringList namesOf(const QList<QAction*>& actions)
     return names;
 }
 
+/// Widgets with a name of their own, in the order of their making.
+QStringList namesOfChildren(const QWidget& parent)
+{
+    QStringList names;
+    for (const QWidget* child : parent.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!child->objectName().isEmpty() && !child->objectName().startsWith("qt_"))
+            names << child->objectName();
+    }
+    return names;
+}
+
 class FormTest : public QObject {
     Q_OBJECT
 
@@ -64,12 +76,13 @@ private slots:
     void closeActionIsVisibleWithoutIconInMenus();
     void noActionHasAShortcut();
     void onlyOpenExitAndAboutAreEnabledAtStart();
-    void actionsWithoutToolTipShowTheirText();
     void menusAndToolBar();
     void window_();
     void toolBar();
     void widgetTree_data();
     void widgetTree();
+    void widgetsAreMadeInTheirOrder();
+    void placesWithoutContent();
     void messageLog();
     void topDockCannotBeMovedFloatedOrClosed();
     void rightDockStaysRight();
@@ -97,8 +110,8 @@ void FormTest::actions()
     QVERIFY(action);
     QCOMPARE(action->parent(), window.get());
     QCOMPARE(action->text(), QString(expected.text));
-    if (expected.toolTip)
-        QCOMPARE(action->toolTip(), QString(expected.toolTip));
+    QCOMPARE(action->toolTip(),
+             expected.toolTip ? QString(expected.toolTip) : QString(expected.text).remove('&')); // without mnemonic
     QCOMPARE(action->isCheckable(), expected.checkable);
     QCOMPARE(action->isChecked(), false);
     QCOMPARE(action->isEnabled(), expected.enabled);
@@ -107,6 +120,7 @@ void FormTest::actions()
         const QImage drawn(QString(":/images/Icon/") + expected.icon);
         QVERIFY(!drawn.isNull());
         QCOMPARE(action->icon().availableSizes(QIcon::Normal, QIcon::Off), QList<QSize>{drawn.size()});
+        QCOMPARE(action->icon().availableSizes(QIcon::Normal, QIcon::On), QList<QSize>());
         constexpr auto likeAPixmap = QImage::Format_ARGB32_Premultiplied;
         QCOMPARE(action->icon().pixmap(drawn.size()).toImage().convertToFormat(likeAPixmap),
                  drawn.convertToFormat(likeAPixmap));
@@ -147,14 +161,6 @@ void FormTest::onlyOpenExitAndAboutAreEnabledAtStart()
             enabled << row.name;
     }
     QCOMPARE(enabled, (QStringList{"actionOpen", "action_Menu_Open", "action_Menu_Exit", "action_Menu_About"}));
-}
-
-void FormTest::actionsWithoutToolTipShowTheirText()
-{
-    QCOMPARE(ui.actionSoftwareTrigger->toolTip(), QString("SoftwareTrigger"));
-    QCOMPARE(ui.actionZoomIn->toolTip(), QString("ZoomIn"));
-    QCOMPARE(ui.actionNormalSize->toolTip(), QString("NormalSize"));
-    QCOMPARE(ui.actionZoomOut->toolTip(), QString("ZoomOut"));
 }
 
 void FormTest::menusAndToolBar()
@@ -208,7 +214,7 @@ void FormTest::widgetTree_data()
     QTest::newRow("centralWidget") << "QWidget"
                                    << "MainWindow" << QRect();
     QTest::newRow("menuBar") << "QMenuBar"
-                             << "MainWindow" << QRect();
+                             << "MainWindow" << QRect(0, 0, 1200, 18); // until the window is shown
     QTest::newRow("menu_Camera") << "QMenu"
                                  << "menuBar" << QRect();
     QTest::newRow("menuImage") << "QMenu"
@@ -252,8 +258,28 @@ void FormTest::widgetTree()
     QCOMPARE(found.size(), 1);
     QCOMPARE(QString(found.first()->metaObject()->className()), className);
     QCOMPARE(found.first()->parentWidget()->objectName(), parent);
+    QVERIFY(found.first()->isEnabled());
     if (!geometry.isNull())
         QCOMPARE(found.first()->geometry(), geometry);
+}
+
+void FormTest::widgetsAreMadeInTheirOrder()
+{
+    QCOMPARE(namesOfChildren(*window), (QStringList{"centralWidget", "menuBar", "mainToolBar", "statusBar",
+                                                    "dockWidgetBottom", "dockWidgetRight", "dockWidget_Top"}));
+    QCOMPARE(namesOfChildren(*ui.menuBar), (QStringList{"menuImage", "menuHelp", "menu_Camera"}));
+    QCOMPARE(namesOfChildren(*ui.dockWidgetContents_Bottom), QStringList{"messageLogBox"});
+    QCOMPARE(namesOfChildren(*ui.messageLogBox), (QStringList{"messageLogEdit", "pushButtonClear"}));
+    QCOMPARE(namesOfChildren(*ui.dockWidgetContents_11), (QStringList{"label", "labelDispFps"}));
+}
+
+void FormTest::placesWithoutContent()
+{
+    QVERIFY(ui.centralWidget->children().isEmpty());
+    QVERIFY(ui.dockWidgetContents_Right->children().isEmpty()); // no layout either
+    QCOMPARE(ui.statusBar->currentMessage(), QString());
+    for (const QWidget* part : ui.statusBar->findChildren<QWidget*>())
+        QVERIFY2(qobject_cast<const QSizeGrip*>(part), part->metaObject()->className());
 }
 
 void FormTest::messageLog()
@@ -267,6 +293,7 @@ void FormTest::messageLog()
     QCOMPARE(ui.messageLogEdit->lineWrapColumnOrWidth(), 1);
     QVERIFY(!ui.messageLogEdit->acceptRichText());
     QVERIFY(!ui.dockWidgetContents_Bottom->layout());
+    QVERIFY(!ui.messageLogBox->layout());
     QVERIFY(!ui.dockWidgetContents_11->layout());
 }
 
