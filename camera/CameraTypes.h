@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvoCamApi.h"
+#include "camera/OrvoCamApi.h"
 
 // Signals and slots of the viewer spell these types without their namespace: their signatures are read as text by the
 // meta-object system, by name-based connections and by people.

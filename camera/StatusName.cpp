@@ -1,4 +1,4 @@
-#include "StatusName.h"
+#include "camera/StatusName.h"
 
 #include <algorithm>
 #include <iterator>

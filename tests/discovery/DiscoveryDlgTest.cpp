@@ -66,7 +66,6 @@ private slots:
     void listComesOnceWhereTheDialogIsShownAgain();
     void listComesAgainWithTheDialog();
     void threeCamerasInIndexOrder();
-    void emptyUserNameGivesAnEmptyCell();
     void textsAreShownAsTheyAre();
     void noCamera();
     void buttonsAreDisabledWhileEnumerating();
@@ -243,13 +242,6 @@ void DiscoveryDlgTest::threeCamerasInIndexOrder()
                                  "Cam_GetInformation(0, 1, out)", "Cam_GetInformation(0, 2, out)"}));
     QCOMPARE(shown.errors.count(), 0);
     QCOMPARE(shown.lines.count(), 0);
-}
-
-void DiscoveryDlgTest::emptyUserNameGivesAnEmptyCell()
-{
-    Shown shown;
-    shown.dialog.discovery_camera();
-    QCOMPARE(shown.list->topLevelItem(1)->text(3), QString(""));
 }
 
 void DiscoveryDlgTest::textsAreShownAsTheyAre()
