@@ -25,7 +25,20 @@ public:
     }
 
     void add(std::uint64_t handle) { m_handles.push_back(handle); }
+    /// One that nobody may close.
+    void addKept(std::uint64_t handle)
+    {
+        add(handle);
+        m_kept.insert(handle);
+    }
     [[nodiscard]] std::uint64_t any() { return m_handles[below(m_handles.size())]; }
+    [[nodiscard]] std::uint64_t anyNotKept()
+    {
+        for (;;) {
+            if (const std::uint64_t handle = any(); m_kept.count(handle) == 0)
+                return handle;
+        }
+    }
     [[nodiscard]] std::uint32_t number() { return static_cast<std::uint32_t>(any()); }
     [[nodiscard]] std::size_t below(std::size_t limit)
     {
@@ -36,6 +49,7 @@ public:
 private:
     std::mt19937 m_random;
     std::vector<std::uint64_t> m_handles = {0, 1, 2, 0xFFFFFFFF, 0x10000, 0x7FFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFF};
+    std::set<std::uint64_t> m_kept;
 };
 
 /// An out-value that must keep its canary unless the operation succeeds.
@@ -78,10 +92,12 @@ CAM_API_STATUS readText(Handles& handles, TextOperation operation)
 {
     char buffer[4];
     std::memset(buffer, '#', sizeof buffer);
-    std::uint32_t size = static_cast<std::uint32_t>(handles.below(sizeof buffer));
+    const auto capacity = static_cast<std::uint32_t>(handles.below(sizeof buffer));
+    std::uint32_t size = capacity;
     const CAM_API_STATUS status =
         operation(handles.any(), handles.any(), handles.coin() ? buffer : nullptr, handles.coin() ? &size : nullptr);
     EXPECT_TRUE(status == CAM_API_STS_SUCCESS || std::string(buffer, sizeof buffer) == "####") << status;
+    EXPECT_TRUE(status == CAM_API_STS_SUCCESS || status == CAM_API_STS_BUFFER_TOO_SMALL || size == capacity) << status;
     return status;
 }
 
@@ -93,7 +109,10 @@ std::vector<Call> calls()
     std::vector<Call> all = {
         [](Handles& h) { return read<CAM_SYSTEM_INFO>(h, Sys_GetInformation); },
         [](Handles& h) { return read<std::uint32_t>(h, Sys_GetNumOfCameras); },
+        [](Handles&) { return Sys_CreateSignal(nullptr); },
         [](Handles& h) { return Sys_CloseSignal(h.any()); },
+        [](Handles& h) { return Cam_Close(h.anyNotKept()); },
+        [](Handles& h) { return Strm_Close(h.anyNotKept()); },
         [](Handles& h) { return Sys_WaitForSignal(h.any(), 0); },
         [](Handles& h) {
             return read<CAM_INFO>(h, [&](CAM_INFO* out) { return Cam_GetInformation(h.any(), h.number(), out); });
@@ -149,6 +168,8 @@ std::vector<Call> calls()
         [](Handles& h) { return readNode<std::uint32_t>(h, Nd_GetNumOfEnumEntries); },
         [](Handles& h) { return readNode<bool>(h, Nd_GetFloatHasInc); },
         [](Handles& h) { return readNode<bool>(h, Nd_GetBoolValue); },
+        [](Handles& h) { return Nd_CmdExecute(h.any(), h.any()); },
+        [](Handles& h) { return Nd_SetBoolValue(h.any(), h.any(), h.coin()); },
         [](Handles& h) { return Nd_SetIntValue(h.any(), h.any(), -1); },
         [](Handles& h) { return Nd_SetFloatValue(h.any(), h.any(), -1e300); },
         [](Handles& h) { return Nd_SetStrValue(h.any(), h.any(), nullptr); },
@@ -225,8 +246,10 @@ TEST_F(BadInputTest, FromEightThreads)
     ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     callFromManyThreads(
         [&](Handles& handles) {
-            for (const std::uint64_t handle : {second, m_camera, std::uint64_t{stale}, std::uint64_t{m_signal}, stream})
+            for (const std::uint64_t handle : {m_camera, std::uint64_t{stale}, std::uint64_t{m_signal}})
                 handles.add(handle);
+            handles.addKept(second);
+            handles.addKept(stream);
             for (const char* name : {"Root", "Width", "ExposureTime", "PixelFormat", "ReverseX", "DeviceUserID",
                                      "AcquisitionStart", "DeviceTemperature"})
                 handles.add(nodeOf(second, name));
@@ -283,6 +306,24 @@ TEST_F(BadInputTest, OneCameraFromEightThreads)
                 EXPECT_EQ(Nd_GetStrValue(m_camera, node("DeviceUserID"), buffer, &size), CAM_API_STS_SUCCESS);
                 EXPECT_EQ(buffer, std::string(size - 1, 'x'));
                 EXPECT_FALSE(featuresOf(m_camera, "Root").empty());
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+TEST_F(BadInputTest, TwoCamerasAreOpenedAtTheSameTime)
+{
+    ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    std::vector<std::thread> threads;
+    for (std::uint32_t index = 0; index < 2; ++index) {
+        threads.emplace_back([index] {
+            for (int round = 0; round < 30; ++round) {
+                CAM_HANDLE camera = 0;
+                EXPECT_EQ(Cam_Open(index, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+                EXPECT_FALSE(featuresOf(camera, "Root").empty());
+                EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
             }
         });
     }

@@ -19,9 +19,9 @@ std::string outputOf(const std::string& command)
     return output;
 }
 
-std::vector<std::string> exportedSymbols()
+std::vector<std::string> exportedSymbols(const std::string& library)
 {
-    std::istringstream lines(outputOf("nm -D --defined-only '" CAMERA_API_LIBRARY "'"));
+    std::istringstream lines(outputOf("nm -D --defined-only '" + library + "'"));
     std::vector<std::string> symbols;
     std::string address;
     std::string type;
@@ -35,7 +35,7 @@ std::vector<std::string> exportedSymbols()
 
 TEST(ExportedSymbols, AreTheOperationsOfTheInterface)
 {
-    EXPECT_THAT(exportedSymbols(),
+    EXPECT_THAT(exportedSymbols(CAMERA_API_LIBRARY),
                 ::testing::UnorderedElementsAre(
                     "Sys_Initialize", "Sys_Terminate", "Sys_GetInformation", "Sys_GetNumOfCameras", "Sys_CreateSignal",
                     "Sys_CloseSignal", "Sys_WaitForSignal", "Cam_GetInformation", "Cam_Open", "Cam_Close",
@@ -50,6 +50,16 @@ TEST(ExportedSymbols, AreTheOperationsOfTheInterface)
                     "Nd_GetEnumIntValue", "Nd_GetNumOfEnumEntries", "Nd_GetEnumEntryByIndex", "Nd_GetEnumEntryStrValue",
                     "Nd_SetIntValue", "Nd_SetFloatValue", "Nd_SetBoolValue", "Nd_SetStrValue", "Nd_SetEnumStrValue",
                     "Nd_SetEnumIntValue", "Nd_CmdExecute"));
+}
+
+TEST(ExportedSymbols, OfTheUtilityLibraryAreItsOperations)
+{
+    EXPECT_THAT(exportedSymbols(CAMERA_UTILITY_LIBRARY),
+                ::testing::UnorderedElementsAre("PrepareLUT", "ConvImage", "GetCamWidth", "GetCamHeight",
+                                                "GetCamPixelFormat", "GetCamTriggerMode", "GetCamTriggerSource",
+                                                "ExecuteCamSoftwareTrigger", "GetCamIndexFromCamHandle"));
+    EXPECT_THAT(outputOf("readelf -d '" CAMERA_UTILITY_LIBRARY "'"),
+                ::testing::HasSubstr("Library soname: [libOrvoCamUtl_64.so.1]"));
 }
 
 TEST(ExportedSymbols, LibraryHasItsSonameAndStaysLoaded)

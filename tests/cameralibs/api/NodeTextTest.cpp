@@ -213,6 +213,45 @@ TEST(NodeText, StringsHoldAnyLengthUpToTheirRegister)
     EXPECT_EQ(camera.text(Nd_GetStrValue, "Own"), "new");
 }
 
+TEST(NodeText, SizeIsTouchedByTwoStatusesOnly)
+{
+    const DescribedCamera camera(
+        describe(constant("No", 0) + stringReg("S", 0, 8) + intReg("Reg", 8) + intReg("Secret", 12, "WO") +
+                 R"(<String Name="Gone"><pIsAvailable>No</pIsAvailable><Value>x</Value></String>
+           <Enumeration Name="Unknown"><EnumEntry Name="e"><Value>7</Value></EnumEntry><pValue>Reg</pValue></Enumeration>
+           <Enumeration Name="Hidden"><EnumEntry Name="e"><Value>7</Value></EnumEntry><pValue>Secret</pValue></Enumeration>)"));
+    ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
+    ASSERT_EQ(Nd_SetStrValue(camera.handle(), camera.node("S"), "abc"), CAM_API_STS_SUCCESS);
+    const struct {
+        CAM_API_STATUS status;
+        TextOperation operation;
+        CAM_HANDLE camera;
+        CAM_NODE_HANDLE node;
+        std::uint32_t capacity;
+        std::uint32_t size; ///< afterwards
+    } rows[] = {
+        {0, Nd_GetStrValue, camera.handle(), camera.node("S"), 16, 4},
+        {14, Nd_GetStrValue, camera.handle(), camera.node("S"), 3, 4},
+        {7, Nd_GetStrValue, camera.handle() + 1000, camera.node("S"), 16, 16},
+        {8, Nd_GetName, camera.handle(), 1, 16, 16},
+        {13, Nd_GetStrValue, camera.handle(), camera.node("Unknown"), 16, 16},
+        {258, Nd_GetEnumStrValue, camera.handle(), camera.node("Unknown"), 16, 16},
+        {2054, Nd_GetEnumStrValue, camera.handle(), camera.node("Hidden"), 16, 16},
+        {2056, Nd_GetStrValue, camera.handle(), camera.node("Gone"), 16, 16},
+    };
+    for (const auto& row : rows) {
+        char buffer[16] = "unchanged";
+        std::uint32_t size = row.capacity;
+        EXPECT_EQ(row.operation(row.camera, row.node, buffer, &size), row.status);
+        EXPECT_EQ(size, row.size) << "status " << row.status;
+        EXPECT_STREQ(buffer, row.status == 0 ? "abc" : "unchanged") << "status " << row.status;
+        if (row.status == CAM_API_STS_SUCCESS || row.status == CAM_API_STS_BUFFER_TOO_SMALL)
+            continue;
+        EXPECT_EQ(row.operation(row.camera, row.node, nullptr, &size), row.status);
+        EXPECT_EQ(size, row.size) << "status " << row.status;
+    }
+}
+
 TEST(NodeText, BytesThatAreNoUtf8AreReplaced)
 {
     const DescribedCamera camera(describe(stringReg("S", 0, 16)));

@@ -8,6 +8,14 @@ namespace {
 
 constexpr std::uint32_t kForever = 0xFFFFFFFF;
 
+class TwoCamerasSignalTest : public CameraTest {
+protected:
+    TwoCamerasSignalTest()
+        : CameraTest("2")
+    {
+    }
+};
+
 } // namespace
 
 TEST_F(SystemTest, ClearSignalIsNotSetWithinTheTime)
@@ -98,4 +106,19 @@ TEST_F(CameraTest, SignalIsSetBeforeAnyOperationTellsOfTheRemoval)
     unplug();
     for (auto& reader : readers)
         EXPECT_EQ(reader.get(), CAM_API_STS_SUCCESS);
+}
+
+TEST_F(TwoCamerasSignalTest, SignalOfTwoCamerasIsClearedWhenTheOtherOpens)
+{
+    const CAM_NODE_HANDLE width = node("Width");
+    unplug();
+    ASSERT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
+    CAM_HANDLE other = 0;
+    ASSERT_EQ(Cam_Open(1, &other, m_signal, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING) << "gone all the same";
+    EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
+    ::execute(other, "SimulationUnplug");
+    EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
 }

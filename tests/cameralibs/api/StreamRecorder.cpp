@@ -40,6 +40,12 @@ std::vector<CAM_API_STATUS> StreamRecorder::errors()
     return m_errors;
 }
 
+std::vector<std::uint32_t> StreamRecorder::errorSlots()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_errorSlots;
+}
+
 std::vector<std::uint32_t> StreamRecorder::busy()
 {
     const std::lock_guard lock(m_mutex);
@@ -57,6 +63,7 @@ void StreamRecorder::clear()
     const std::lock_guard lock(m_mutex);
     m_images.clear();
     m_errors.clear();
+    m_errorSlots.clear();
     m_busy.clear();
 }
 
@@ -71,11 +78,14 @@ void StreamRecorder::imageCallback(CAM_HANDLE camera, CAM_STRM_HANDLE stream, CA
     self.leave([&] { self.m_images.push_back(image); });
 }
 
-void StreamRecorder::errorCallback(CAM_HANDLE, CAM_STRM_HANDLE, std::uint32_t status, std::uint32_t, void* context)
+void StreamRecorder::errorCallback(CAM_HANDLE, CAM_STRM_HANDLE, std::uint32_t status, std::uint32_t slot, void* context)
 {
     auto& self = *static_cast<StreamRecorder*>(context);
     self.enter();
-    self.leave([&] { self.m_errors.push_back(status); });
+    self.leave([&] {
+        self.m_errors.push_back(status);
+        self.m_errorSlots.push_back(slot);
+    });
 }
 
 void StreamRecorder::busyCallback(CAM_HANDLE, CAM_STRM_HANDLE, std::uint32_t slot, void* context)

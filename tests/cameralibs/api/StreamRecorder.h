@@ -29,6 +29,7 @@ public:
 
     [[nodiscard]] std::vector<Image> images();
     [[nodiscard]] std::vector<Orvo::CAM_API_STATUS> errors();
+    [[nodiscard]] std::vector<std::uint32_t> errorSlots();
     [[nodiscard]] std::vector<std::uint32_t> busy();
 
     /// Callbacks that began before another one had ended.
@@ -48,6 +49,7 @@ private:
     std::condition_variable m_changed;
     std::vector<Image> m_images;
     std::vector<Orvo::CAM_API_STATUS> m_errors;
+    std::vector<std::uint32_t> m_errorSlots;
     std::vector<std::uint32_t> m_busy;
     int m_inside = 0;
     int m_overlaps = 0;

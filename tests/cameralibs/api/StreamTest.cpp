@@ -202,21 +202,27 @@ TEST_F(StreamTest, LockOutlastsARestart)
     CAM_IMAGE_INFO info = {};
     ASSERT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
     const std::vector<std::uint8_t> before = bytesOf(info);
-    // Larger images need larger buffers; the locked one stays as it is.
-    setInt("Width", 256);
-    setInt("Height", 256);
-    m_recorder.clear();
-    start();
-    ASSERT_TRUE(m_recorder.waitForImages(1));
-    EXPECT_EQ(m_recorder.images().front().info.dataSize, 256U * 256U);
-    ASSERT_TRUE(m_recorder.waitForBusy(1));
-    EXPECT_EQ(bytesOf(info), before);
+    // Larger images need larger buffers, twice; the locked one stays as it is.
+    for (const std::uint64_t size : {256, 512}) {
+        setInt("Width", static_cast<std::int64_t>(size));
+        setInt("Height", static_cast<std::int64_t>(size));
+        m_recorder.clear();
+        start();
+        ASSERT_TRUE(m_recorder.waitForBusy(1));
+        EXPECT_FALSE(m_recorder.images().empty() && size == 256) << "three slots are free";
+        for (const auto& image : m_recorder.images())
+            EXPECT_EQ(image.info.dataSize, size * size);
+        EXPECT_EQ(bytesOf(info), before);
+        if (size != 512)
+            stop();
+    }
     EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_SUCCESS);
     const std::size_t images = m_recorder.images().size();
     ASSERT_TRUE(m_recorder.waitForImages(images + 2 * kSlots));
+    EXPECT_EQ(m_recorder.images().back().info.dataSize, 512U * 512U);
 }
 
-TEST_F(StreamTest, RemovedCallbacksAreNotCalled)
+TEST_F(StreamTest, RemovedImageCallbackIsNotCalled)
 {
     ASSERT_EQ(Strm_SetCallbackImageAcquired(m_stream, nullptr, nullptr), CAM_API_STS_SUCCESS);
     start();
@@ -225,6 +231,67 @@ TEST_F(StreamTest, RemovedCallbacksAreNotCalled)
         std::this_thread::yield();
     stop();
     EXPECT_TRUE(m_recorder.images().empty());
+}
+
+TEST_F(StreamTest, RemovedErrorCallbackIsNotCalled)
+{
+    setInt("SimulationIncompleteEvery", 2);
+    ASSERT_EQ(Strm_SetCallbackImageError(m_stream, nullptr, nullptr), CAM_API_STS_SUCCESS);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(5));
+    stop();
+    EXPECT_TRUE(m_recorder.errors().empty());
+}
+
+TEST_F(StreamTest, RemovedBusyCallbackIsNotCalled)
+{
+    setInt("SimulationIncompleteEvery", 2);
+    ASSERT_EQ(Strm_SetCallbackBufferBusy(m_stream, nullptr, nullptr), CAM_API_STS_SUCCESS);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(kSlots));
+    CAM_IMAGE_INFO info = {};
+    for (std::uint32_t slot = 0; slot < kSlots; ++slot)
+        ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
+    // Between two errors there is an image, which no slot takes.
+    ASSERT_TRUE(m_recorder.waitForErrors(m_recorder.errors().size() + 5));
+    stop();
+    EXPECT_TRUE(m_recorder.busy().empty());
+}
+
+TEST_F(StreamTest, LostAndIncompleteImagesLeaveTheSlotToTheNext)
+{
+    setInt("SimulationLoseEvery", 3);
+    setInt("SimulationIncompleteEvery", 2);
+    start();
+    ASSERT_TRUE(m_recorder.waitForErrors(6));
+    stop();
+    // Of 1, 2, 3, 4, 5, 6: the first and the fifth come, the third and the sixth are lost, two are incomplete.
+    const auto images = m_recorder.images();
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        EXPECT_EQ(images[i].info.frameNumber, i / 2 * 6 + (i % 2 == 0 ? 1 : 5));
+        EXPECT_EQ(images[i].slot, i % kSlots);
+    }
+    const auto slots = m_recorder.errorSlots();
+    for (std::size_t i = 0; i < slots.size(); ++i)
+        EXPECT_EQ(slots[i], (i / 2 * 2 + 1) % kSlots) << "the slot of the image that would have been next";
+    EXPECT_THAT(m_recorder.errors(), ::testing::Each(CAM_API_STS_MISSING_PACKETS));
+}
+
+TEST_F(StreamTest, ImagesThatOutgrowTheirBuffersAreErrors)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(1));
+    setInt("TLParamsLocked", 0);
+    setInt("Width", 128);
+    ASSERT_TRUE(m_recorder.waitForErrors(1));
+    const std::size_t images = m_recorder.images().size();
+    ASSERT_TRUE(m_recorder.waitForErrors(10));
+    EXPECT_EQ(m_recorder.images().size(), images);
+    EXPECT_THAT(m_recorder.errors(), ::testing::Each(CAM_API_STS_BUFFER_FULL));
+    for (const auto& image : m_recorder.images())
+        EXPECT_EQ(image.info.dataSize, 64U * 64U);
+    setInt("Width", 64);
+    EXPECT_TRUE(m_recorder.waitForImages(images + 5));
 }
 
 TEST_F(StreamTest, UnpluggedWhileStreaming)
