@@ -1,5 +1,6 @@
 // The About box: its texts to the last blank, its layout, and what it does where the camera API does not answer.
 
+#include "tests/support/MarkingTranslator.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"
 
@@ -25,6 +26,8 @@ private slots:
     void textOnSuccess();
     void textsAreUtf8();
     void textEndsAtTheFirstNul();
+    void fieldsEndWhereTheyEnd();
+    void labelsAreTranslatable();
     void emptyDriverVersion();
     void allVersionsEmpty();
     void failureShowsVersionAndRightsOnly();
@@ -110,6 +113,35 @@ void AboutTest::textEndsAtTheFirstNul()
 {
     scripted::setSystemInformation(std::string("one\0two", 7), "x", "y", "z");
     QVERIFY(informativeText().contains("\n\n  OrvoU3vDriver : one\n  OrvoU3vApi2   : x\n"));
+}
+
+void AboutTest::fieldsEndWhereTheyEnd()
+{
+    const std::string longest(63, 'a');
+    const std::string unterminated(64, 'b');
+    scripted::setSystemInformation(longest, unterminated, longest, unterminated);
+    const QString text = informativeText();
+    const QString expected = kVersion + "\n\n  OrvoU3vDriver : " + QString(63, 'a') +
+                             "\n  OrvoU3vApi2   : " + QString(64, 'b') + "\n  OrvoU3vCamApi : " + QString(63, 'a') +
+                             "\n  OrvoCamApi    : " + QString(64, 'b') + '\n';
+    QCOMPARE(text.left(expected.size()), expected);
+    QVERIFY(!text.contains('X')); // what the record holds besides
+}
+
+void AboutTest::labelsAreTranslatable()
+{
+    scripted::setSystemInformation("1", "2", "3", "4");
+    const QString plain = informativeText();
+    const QString rights = plain.mid(plain.indexOf("\n\n", plain.indexOf("OrvoCamApi    : 4")));
+    const auto marked = MarkingTranslator::marked;
+    {
+        const MarkingTranslator translator("QMainWindow");
+        QCOMPARE(informativeText(), marked(kVersion) + marked("\n\n  OrvoU3vDriver : ") + '1' +
+                                        marked("\n  OrvoU3vApi2   : ") + '2' + marked("\n  OrvoU3vCamApi : ") + '3' +
+                                        marked("\n  OrvoCamApi    : ") + '4' + marked(rights));
+    }
+    const MarkingTranslator other("MainWindow");
+    QCOMPARE(informativeText(), plain);
 }
 
 void AboutTest::emptyDriverVersion()

@@ -1,6 +1,7 @@
 // Snapshots: the file dialog, the names that come of it, and the files.
 
 #include "tests/app/SnapshotUser.h"
+#include "tests/support/MarkingTranslator.h"
 #include "tests/support/ScriptedCamera.h"
 
 #include <QtTest>
@@ -24,9 +25,11 @@ private slots:
 
     void nothingWithoutImage();
     void dialog();
+    void dialogIsTranslatable();
     void menuDoesTheSame();
     void names_data();
     void names();
+    void folderWithADot();
     void existingFileIsReplaced();
     void pixels_data();
     void pixels();
@@ -98,11 +101,23 @@ void SnapshotTest::dialog()
         QCOMPARE(dialog.nameFilters(), (QStringList{kPng, kBmp, kJpeg}));
         QCOMPARE(dialog.selectedNameFilter(), kPng);
         QCOMPARE(dialog.defaultSuffix(), QString());
-        QVERIFY(!dialog.testOption(QFileDialog::DontConfirmOverwrite));
+        QCOMPARE(dialog.options(), QFileDialog::Options());
         QCOMPARE(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), QString());
         dialog.reject();
     }});
     QCOMPARE(m_user->driver().log(), QStringList());
+}
+
+void SnapshotTest::dialogIsTranslatable()
+{
+    const MarkingTranslator translator("MainWindow");
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({[](QWidget& modal) {
+        QFileDialog& dialog = fileDialog(modal);
+        QCOMPARE(dialog.windowTitle(), MarkingTranslator::marked("Save image File"));
+        QCOMPARE(dialog.nameFilters().join(";;"), MarkingTranslator::marked(QStringList{kPng, kBmp, kJpeg}.join(";;")));
+        dialog.reject();
+    }});
 }
 
 void SnapshotTest::menuDoesTheSame()
@@ -158,6 +173,16 @@ void SnapshotTest::names()
     QCOMPARE(m_user->files(), QStringList(written));
     QCOMPARE(m_user->driver().log(), QStringList());
     QCOMPARE(QImageReader::imageFormat(m_user->path(written)), filter.section(' ', 0, 0).toLower().toLatin1());
+}
+
+void SnapshotTest::folderWithADot()
+{
+    QVERIFY(QDir(m_user->folder()).mkdir("a.bmp"));
+    m_user->show(noise(64, 48, 1));
+    m_user->save("a.bmp/shot", kPng);
+    m_user->save("a.bmp/second", kBmp);
+    QCOMPARE(QDir(m_user->path("a.bmp")).entryList(QDir::Files), (QStringList{"second.bmp", "shot.png"}));
+    QCOMPARE(m_user->files(), QStringList());
 }
 
 void SnapshotTest::existingFileIsReplaced()

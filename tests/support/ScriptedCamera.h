@@ -84,6 +84,7 @@ void setTrigger(bool on, std::uint32_t source);
 
 /// The text of Misc_GetLastGenICamError.
 void setGenICamError(std::string text);
+/// A text of 64 bytes or more fills its field without a NUL; all other bytes of the record are 'X'.
 void setSystemInformation(const std::string& driver, const std::string& u3vApi2, const std::string& u3vCamApi,
                           const std::string& camApi);
 

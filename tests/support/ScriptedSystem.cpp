@@ -56,10 +56,18 @@ void setSystemInformation(const std::string& driver, const std::string& u3vApi2,
 {
     const std::lock_guard lock(world().mutex);
     Orvo::CAM_SYSTEM_INFO& info = world().systemInformation;
-    fillField(info.driverVersion, sizeof info.driverVersion, driver);
-    fillField(info.u3vApi2Version, sizeof info.u3vApi2Version, u3vApi2);
-    fillField(info.u3vCamApiVersion, sizeof info.u3vCamApiVersion, u3vCamApi);
-    fillField(info.camApiVersion, sizeof info.camApiVersion, camApi);
+    std::memset(&info, 'X', sizeof info);
+    const auto fill = [](auto& field, const std::string& text) {
+        if (text.size() < sizeof field) {
+            fillField(field, sizeof field, text);
+        } else {
+            std::memcpy(field, text.data(), sizeof field);
+        }
+    };
+    fill(info.driverVersion, driver);
+    fill(info.u3vApi2Version, u3vApi2);
+    fill(info.u3vCamApiVersion, u3vCamApi);
+    fill(info.camApiVersion, camApi);
 }
 
 void unplug()
