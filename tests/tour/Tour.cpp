@@ -32,8 +32,8 @@ void endTour(const QString& what)
     std::exit(EXIT_FAILURE);
 }
 
-Tour::Tour(QDir folder)
-    : m_folder(std::move(folder))
+Tour::Tour(const QDir& folder)
+    : m_folder(folder.absolutePath())
     , m_driver(std::make_unique<WindowDriver>())
 {
     QObject::connect(&m_driver->window(), &MainWindow::Update_Image, &m_driver->window(), [this] { ++m_images; });

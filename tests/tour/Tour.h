@@ -13,7 +13,7 @@ class QWidget;
 /// A walk through the program that saves a picture at every stop; each chapter has its own file.
 class Tour {
 public:
-    explicit Tour(QDir folder);
+    explicit Tour(const QDir& folder);
 
     void liveChapter();
     void camerasChapter();

@@ -4,6 +4,7 @@
 
 #include "display/GraphicsView.h"
 #include "display/ImageView.h"
+#include "tests/support/FeatureHand.h"
 #include "tests/support/OpenedCamera.h"
 
 #include <QDialog>
@@ -73,11 +74,21 @@ void Tour::pauseAndSnapshot()
     m_driver->trigger("actionPause");
     waitFor("the paused rate", [&] { return m_driver->rates().contains("Disp =   0.00"); });
     picture("paused");
+    // The file dialog shows the folders of nobody in particular.
+    const QString folder = QDir::temp().filePath("snapshots");
+    const QString folderBefore = QDir::currentPath();
+    const QByteArray homeBefore = qgetenv("HOME");
+    QDir().mkpath(folder);
+    QDir::setCurrent(folder);
+    qputenv("HOME", folder.toLocal8Bit());
     withModal([this] { m_driver->trigger("actionSnapshot"); },
               [this](QWidget& dialog) {
                   picture("snapshot");
                   qobject_cast<QDialog*>(&dialog)->reject();
               });
+    qputenv("HOME", homeBefore);
+    QDir::setCurrent(folderBefore);
+    QDir().rmdir(folder);
     m_driver->trigger("actionPause");
 }
 
@@ -90,6 +101,9 @@ void Tour::softwareTrigger()
     m_driver->start();
     m_driver->trigger("actionSoftwareTrigger");
     waitForImages(1);
+    FeatureHand hand(m_driver->window());
+    hand.clickName("TriggerMode");    // unfolds its category
+    hand.clickTool("&levelBeginner"); // makes the columns as wide as what is unfolded
     picture("software-trigger");
     m_driver->stop();
     if (opened::set("TriggerMode", "Off") != 0)
