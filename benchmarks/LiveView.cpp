@@ -69,6 +69,12 @@ namespace {
 
 bool allMet = true;
 
+[[noreturn]] void giveUp(const QString& why)
+{
+    std::fprintf(stderr, "live_view: %s\n", qPrintable(why));
+    std::exit(EXIT_FAILURE);
+}
+
 enum class Limit { AtLeast, AtMost, Within };
 
 /// One line of the result: the figure, its limit, and their ratio.
@@ -115,8 +121,10 @@ void startToWindow()
         QElapsedTimer timer;
         timer.start();
         viewer.start(VIEWER_PROGRAM, QStringList());
+        if (!viewer.waitForStarted())
+            giveUp(QString(VIEWER_PROGRAM) + " does not start: " + viewer.errorString());
         if (!QTest::qWaitFor([&] { return desktop.window("OrvoCamLinuxViewer").has_value(); }))
-            std::exit(EXIT_FAILURE);
+            giveUp(QString("no window of ") + VIEWER_PROGRAM);
         seconds.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e9);
         viewer.terminate();
         viewer.waitForFinished();
@@ -136,10 +144,8 @@ void openColourCamera(WindowDriver& driver)
         dialog.findChild<QPushButton*>("openButton")->click();
     });
     auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
-    if (!view || view->view()->scene()->items().first()->boundingRect().size() != QSizeF(1920, 1200)) {
-        std::fprintf(stderr, "live_view: no camera\n");
-        std::exit(EXIT_FAILURE);
-    }
+    if (!view || view->view()->scene()->items().first()->boundingRect().size() != QSizeF(1920, 1200))
+        giveUp("no camera");
 }
 
 void rates(WindowDriver& driver)
@@ -149,7 +155,7 @@ void rates(WindowDriver& driver)
     driver.start();
     const QString none = driver.rates();
     if (!QTest::qWaitFor([&] { return driver.rates() != none; }, 10000))
-        std::exit(EXIT_FAILURE);
+        giveUp("no frame rates");
 
     lostImages = 0;
     double display = 1e9;
@@ -199,16 +205,16 @@ int main(int argc, char* argv[])
     const QApplication application(argc, argv);
     startToWindow();
 
+    int images = 0; // outlives the window, which shows images until its end
     WindowDriver driver;
     openColourCamera(driver);
     rates(driver);
-    int images = 0;
     QObject::connect(&driver.window(), &MainWindow::Update_Image, &driver.window(), [&] { ++images; });
     flat("start/stop", 200, [&] {
         const int before = images;
         driver.start();
         if (!QTest::qWaitFor([&] { return images > before; }, 5000))
-            std::exit(EXIT_FAILURE);
+            giveUp("no image");
         driver.stop();
     });
     driver.close();
