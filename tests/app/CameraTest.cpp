@@ -1,41 +1,22 @@
-// Start of the program, opening and closing a camera, removal, exit, and the message log.
+// Opening and closing a camera.
 
 #include "discovery/DiscoveryDlg.h"
+#include "display/DispThread.h"
+#include "display/GraphicsView.h"
 #include "display/ImageView.h"
 #include "features/FeatureView.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
 
 #include <QDockWidget>
+#include <QGraphicsItem>
 #include <QPushButton>
-#include <QScreen>
-#include <QScrollBar>
-#include <QTextEdit>
 #include <QTreeWidget>
 
 namespace {
-
-const QString kNoRates = "[Disp =           fps] , [Cap =           fps]";
-
-QStringList calledSince(const std::vector<std::string>& prefixes)
-{
-    QStringList texts;
-    for (const scripted::Call& call : scripted::calls(prefixes))
-        texts << QString::fromStdString(call.text());
-    return texts;
-}
-
-QStringList names()
-{
-    QStringList texts;
-    for (const std::string& name : scripted::callNames()) {
-        if (name.rfind("Nd_", 0) != 0) // the feature browser's business
-            texts << QString::fromStdString(name);
-    }
-    return texts;
-}
 
 class CameraTest : public QObject {
     Q_OBJECT
@@ -43,14 +24,11 @@ class CameraTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void startInitialisesTheLibraries();
-    void startCentresTheWindow();
-    void startFixesTheDockSizes();
-    void startWithoutCameraApi();
-    void startWithoutConversionTables();
-
+    void openMakesItsCallsInOrder_data();
     void openMakesItsCallsInOrder();
+    void openReadsTheFeaturesLast();
     void openShowsViewAndFeatures();
+    void openShowsAViewOfTheImageSize();
     void openWhileOpenDoesNothing();
     void openIsOffWhileTheDialogIsShown();
     void cancellingTheDialogReturnsToIdle();
@@ -62,89 +40,40 @@ private slots:
     void openWithoutSignal();
     void openFailsOnUnreadableImageParameters_data();
     void openFailsOnUnreadableImageParameters();
+    void openOfAnEmptyImageShowsAPlaceholder_data();
     void openOfAnEmptyImageShowsAPlaceholder();
+    void waitCursorBeginsAfterTheDialog();
     void waitCursorEndsWithEveryOpening();
+    void dialogBelongsToTheWindow();
     void dialogReportsThroughTheLog();
 
     void closeMakesItsCallsInOrder();
+    void closeEndsTheDisplayThreadFirst();
+    void closeTakesTheFeaturesFromTheirDock();
     void closeGoesOnWhereCallsFail_data();
     void closeGoesOnWhereCallsFail();
     void closeResetsTheZoom();
     void closeAndOpenAgain();
-
-    void exitClosesAndTerminates();
-    void exitWithoutCamera();
-    void exitReportsAFailedTermination();
-    void exitActionClosesTheWindow();
-
-    void errorLineNamesTheStatus();
-    void errorLineOfAStatusWithTrailingBlank();
-    void logShowsMarkupAndPlaceholdersAsTheyAre();
-    void logScrollsToTheNewestLine();
-    void clearEmptiesTheLog();
 };
-
-// --- Start ----------------------------------------------------------------------------------------------------------
-
-void CameraTest::startInitialisesTheLibraries()
-{
-    const WindowDriver driver;
-    QCOMPARE(calledSince({""}), (QStringList{"Sys_Initialize(65535)", "PrepareLUT()"}));
-    QCOMPARE(driver.log(), QStringList());
-    QCOMPARE(driver.rates(), kNoRates);
-    QVERIFY(driver.enabled("actionOpen"));
-    QVERIFY(driver.enabled("action_Menu_Open"));
-    QVERIFY(!driver.enabled("actionClose"));
-}
-
-void CameraTest::startCentresTheWindow()
-{
-    // Before it is shown: what a window manager adds does not count.
-    const MainWindow mainWindow;
-    const QWidget& window = mainWindow;
-    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
-    QCOMPARE(window.x(), available.x() + available.width() / 2 - window.width() / 2);
-    QCOMPARE(window.y(), available.y() + available.height() / 2 - window.height() / 2);
-}
-
-void CameraTest::startFixesTheDockSizes()
-{
-    const WindowDriver driver;
-    QCOMPARE(driver.child<QDockWidget>("dockWidget_Top")->height(), 25);
-    QCOMPARE(driver.child<QDockWidget>("dockWidgetRight")->width(), 500);
-    QCOMPARE(driver.child<QDockWidget>("dockWidgetBottom")->height(), 170);
-}
-
-void CameraTest::startWithoutCameraApi()
-{
-    scripted::failCall("Sys_Initialize", Orvo::CAM_API_STS_DRIVER_LOAD_ERR);
-    const WindowDriver driver;
-    QCOMPARE(driver.log(), QStringList{"ERROR: Sys_Initialize error! [CAM_API_STS_DRIVER_LOAD_ERR]"});
-    QCOMPARE(scripted::count("PrepareLUT"), 0);
-    // The actions are as the form has them, the docks too.
-    QVERIFY(driver.enabled("actionOpen"));
-    QVERIFY(!driver.enabled("action_Menu_Normal_Size"));
-    QVERIFY(driver.child<QDockWidget>("dockWidgetRight")->maximumWidth() > 500);
-}
-
-void CameraTest::startWithoutConversionTables()
-{
-    scripted::failCall("PrepareLUT", Orvo::CAM_API_STS_NO_MEMORY);
-    const WindowDriver driver;
-    QCOMPARE(driver.log(), QStringList{"ERROR: PrepareLUT error! [CAM_API_STS_NO_MEMORY]"});
-    QVERIFY(driver.child<QDockWidget>("dockWidgetRight")->maximumWidth() > 500);
-}
 
 // --- Opening --------------------------------------------------------------------------------------------------------
 
+void CameraTest::openMakesItsCallsInOrder_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    QTest::newRow("tool bar") << QByteArray("actionOpen");
+    QTest::newRow("menu") << QByteArray("action_Menu_Open");
+}
+
 void CameraTest::openMakesItsCallsInOrder()
 {
+    QFETCH(const QByteArray, action);
     WindowDriver driver;
     scripted::clearCalls();
-    driver.open();
+    driver.open(action);
     const QStringList expected{"Sys_GetNumOfCameras", "Cam_GetInformation", "Sys_CreateSignal", "Cam_Open",
                                "GetCamWidth",         "GetCamHeight",       "GetCamPixelFormat"};
-    QCOMPARE(names(), expected);
+    QCOMPARE(recorded::windowOperations(), expected);
     const auto opened = scripted::calls({"Cam_Open"});
     QCOMPARE(opened.size(), std::size_t(1));
     // Index, handle, signal, option, reserved, access mode.
@@ -155,6 +84,14 @@ void CameraTest::openMakesItsCallsInOrder()
     QCOMPARE(opened[0].arguments[4], std::string("null"));
     QCOMPARE(opened[0].arguments[5], std::string("1"));
     QCOMPARE(driver.log(), QStringList());
+}
+
+void CameraTest::openReadsTheFeaturesLast()
+{
+    WindowDriver driver;
+    driver.open();
+    const QStringList made = recorded::operations();
+    QVERIFY(made.indexOf(QRegularExpression("^Nd_.*")) > made.indexOf("GetCamPixelFormat"));
 }
 
 void CameraTest::openShowsViewAndFeatures()
@@ -175,14 +112,24 @@ void CameraTest::openShowsViewAndFeatures()
     QVERIFY(!driver.enabled("actionSnapshot"));
 }
 
+void CameraTest::openShowsAViewOfTheImageSize()
+{
+    WindowDriver driver;
+    driver.open();
+    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
+    QVERIFY(view);
+    QVERIFY(view->isVisible());
+    QCOMPARE(view->view()->scene()->items().first()->boundingRect(), QRectF(0, 0, 64, 48));
+}
+
 void CameraTest::openWhileOpenDoesNothing()
 {
     WindowDriver driver;
     driver.open();
     scripted::clearCalls();
-    driver.trigger("actionOpen");
-    driver.trigger("action_Menu_Open");
-    QCOMPARE(calledSince({""}), QStringList());
+    driver.triggerDisabled("actionOpen");
+    driver.triggerDisabled("action_Menu_Open");
+    QCOMPARE(recorded::texts({""}), QStringList());
     QVERIFY(driver.enabled("actionClose"));
 }
 
@@ -301,9 +248,19 @@ void CameraTest::openFailsOnUnreadableImageParameters()
     QVERIFY(!driver.enabled("actionStart"));
 }
 
+void CameraTest::openOfAnEmptyImageShowsAPlaceholder_data()
+{
+    QTest::addColumn<quint32>("width");
+    QTest::addColumn<quint32>("height");
+    QTest::newRow("no width") << 0U << 48U;
+    QTest::newRow("no height") << 64U << 0U;
+}
+
 void CameraTest::openOfAnEmptyImageShowsAPlaceholder()
 {
-    scripted::setImageFormat(0, 48, 0x01080001);
+    QFETCH(const quint32, width);
+    QFETCH(const quint32, height);
+    scripted::setImageFormat(width, height, scripted::mono8);
     WindowDriver driver;
     driver.open();
     QVERIFY(!qobject_cast<ImageView*>(driver.window().centralWidget()));
@@ -311,13 +268,31 @@ void CameraTest::openOfAnEmptyImageShowsAPlaceholder()
     QVERIFY(driver.enabled("actionStart"));
 }
 
+bool isWaitCursor()
+{
+    const QCursor* const cursor = QGuiApplication::overrideCursor();
+    return cursor && cursor->shape() == Qt::WaitCursor;
+}
+
+void CameraTest::waitCursorBeginsAfterTheDialog()
+{
+    bool inTheDialog = true;
+    bool whileFeaturesAreRead = false;
+    WindowDriver driver;
+    scripted::onCall("Nd_GetNode", [&] { whileFeaturesAreRead = isWaitCursor(); });
+    driver.open([&](DiscoveryDlg& dialog) {
+        inTheDialog = QGuiApplication::overrideCursor() != nullptr;
+        dialog.findChild<QPushButton*>("openButton")->click();
+    });
+    QVERIFY(!inTheDialog);
+    QVERIFY(whileFeaturesAreRead);
+}
+
 void CameraTest::waitCursorEndsWithEveryOpening()
 {
-    WindowDriver driver;
     bool waited = false;
-    scripted::onCall("Cam_Open", [&] {
-        waited = QGuiApplication::overrideCursor() && QGuiApplication::overrideCursor()->shape() == Qt::WaitCursor;
-    });
+    WindowDriver driver;
+    scripted::onCall("Cam_Open", [&] { waited = isWaitCursor(); });
     scripted::failCall("Cam_Open", Orvo::CAM_API_STS_BUSY);
     driver.open();
     QVERIFY(waited);
@@ -327,6 +302,17 @@ void CameraTest::waitCursorEndsWithEveryOpening()
     QVERIFY(!QGuiApplication::overrideCursor());
     driver.open();
     QVERIFY(!QGuiApplication::overrideCursor());
+}
+
+void CameraTest::dialogBelongsToTheWindow()
+{
+    WindowDriver driver;
+    const QWidget* parent = nullptr;
+    driver.open([&](DiscoveryDlg& dialog) {
+        parent = dialog.parentWidget();
+        dialog.reject();
+    });
+    QCOMPARE(parent, &driver.window());
 }
 
 void CameraTest::dialogReportsThroughTheLog()
@@ -350,7 +336,9 @@ void CameraTest::closeMakesItsCallsInOrder()
     driver.start();
     scripted::clearCalls();
     driver.trigger("action_Menu_Close");
-    QCOMPARE(names(), (QStringList{"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal"}));
+    QCOMPARE(recorded::windowOperations(), (QStringList{"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal"}));
+    QCOMPARE(recorded::texts({"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal"}),
+             (QStringList{"Strm_Stop(3001)", "Strm_Close(3001)", "Cam_Close(2001)", "Sys_CloseSignal(1001)"}));
     QVERIFY(!driver.window().findChild<ImageView*>());
     QVERIFY(driver.window().centralWidget());
     QVERIFY(!driver.window().findChild<FeatureView*>());
@@ -361,6 +349,33 @@ void CameraTest::closeMakesItsCallsInOrder()
                             "action_Menu_Stop", "action_Menu_Snapshot", "action_Menu_Normal_Size"}) {
         QVERIFY2(!driver.enabled(off), off);
     }
+}
+
+void CameraTest::closeEndsTheDisplayThreadFirst()
+{
+    bool ended = false;
+    WindowDriver driver;
+    driver.open();
+    driver.start();
+    auto* const thread = driver.window().findChild<DispThread*>();
+    QVERIFY(thread);
+    scripted::onCall("Strm_Stop", [&ended, thread] { ended = thread->wait(30000); });
+    driver.close();
+    QVERIFY(ended);
+}
+
+void CameraTest::closeTakesTheFeaturesFromTheirDock()
+{
+    QPointer<FeatureView> features;
+    bool gone = false;
+    WindowDriver driver;
+    driver.open();
+    features = driver.window().findChild<FeatureView*>();
+    QVERIFY(features);
+    const auto* const dock = driver.child<QDockWidget>("dockWidgetRight");
+    scripted::onCall("Cam_Close", [&features, &gone, dock] { gone = !features && !dock->widget(); });
+    driver.close();
+    QVERIFY(gone);
 }
 
 void CameraTest::closeGoesOnWhereCallsFail_data()
@@ -381,7 +396,7 @@ void CameraTest::closeGoesOnWhereCallsFail()
     scripted::clearCalls();
     scripted::failCall(QTest::currentDataTag(), Orvo::CAM_API_STS_UNSUCCESSFUL);
     driver.close();
-    QCOMPARE(names(), (QStringList{"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal"}));
+    QCOMPARE(recorded::windowOperations(), (QStringList{"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal"}));
     QCOMPARE(driver.log(), log);
     QVERIFY(driver.enabled("actionOpen"));
 }
@@ -408,102 +423,6 @@ void CameraTest::closeAndOpenAgain()
     QCOMPARE(scripted::count("Sys_CreateSignal"), 1);
     QVERIFY(qobject_cast<ImageView*>(driver.window().centralWidget()));
     QVERIFY(driver.enabled("actionStart"));
-}
-
-// --- Exit -----------------------------------------------------------------------------------------------------------
-
-void CameraTest::exitClosesAndTerminates()
-{
-    WindowDriver driver;
-    driver.open();
-    driver.start();
-    scripted::clearCalls();
-    driver.exit();
-    QCOMPARE(names(), (QStringList{"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal", "Sys_Terminate"}));
-}
-
-void CameraTest::exitWithoutCamera()
-{
-    WindowDriver driver;
-    scripted::clearCalls();
-    driver.exit();
-    QCOMPARE(names(), QStringList{"Sys_Terminate"});
-}
-
-void CameraTest::exitReportsAFailedTermination()
-{
-    QStringList log;
-    {
-        MainWindow window;
-        const auto* const edit = window.findChild<QTextEdit*>("messageLogEdit");
-        connect(edit, &QTextEdit::textChanged, edit, [&] { log << edit->toPlainText(); });
-        scripted::failCall("Sys_Terminate", Orvo::CAM_API_STS_BUSY);
-    }
-    QVERIFY(!log.isEmpty());
-    QCOMPARE(log.last(), QString("ERROR: Sys_Terminate error! [CAM_API_STS_BUSY]"));
-}
-
-void CameraTest::exitActionClosesTheWindow()
-{
-    WindowDriver driver;
-    QVERIFY(driver.window().isVisible());
-    driver.trigger("action_Menu_Exit");
-    QVERIFY(!driver.window().isVisible());
-}
-
-// --- Message log ----------------------------------------------------------------------------------------------------
-
-void CameraTest::errorLineNamesTheStatus()
-{
-    WindowDriver driver;
-    const auto report = [&](CAM_API_STATUS status, const QString& title) {
-        QVERIFY(QMetaObject::invokeMethod(&driver.window(), "set_error", Q_ARG(CAM_API_STATUS, status),
-                                          Q_ARG(QString, title)));
-    };
-    report(0, "nothing");
-    report(0x17, "a gap");
-    report(0xFFFFFFFF, "%2 of a camera");
-    QCOMPARE(driver.log(), (QStringList{"ERROR: nothing [CAM_API_STS_SUCCESS]", "ERROR: a gap [UNKNOWN]",
-                                        "ERROR: %2 of a camera [CAM_API_STS_UNSUCCESSFUL]"}));
-}
-
-void CameraTest::errorLineOfAStatusWithTrailingBlank()
-{
-    WindowDriver driver;
-    scripted::failCall("Cam_Open", Orvo::CAM_API_STS_MISSING_PACKETS);
-    driver.open();
-    QCOMPARE(driver.log(), QStringList{"ERROR: Error Cam_Open() [CAM_API_STS_MISSING_PACKETS ]"});
-}
-
-void CameraTest::logShowsMarkupAndPlaceholdersAsTheyAre()
-{
-    WindowDriver driver;
-    const QString text = "<b>bold</b> &amp; %1 <img src='x'>";
-    QVERIFY(QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, text)));
-    QVERIFY(QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, text)));
-    QCOMPARE(driver.log(), (QStringList{text, text}));
-}
-
-void CameraTest::logScrollsToTheNewestLine()
-{
-    WindowDriver driver;
-    for (int i = 0; i < 100; ++i)
-        QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, QString::number(i)));
-    const auto* const edit = driver.child<QTextEdit>("messageLogEdit");
-    QCOMPARE(driver.log().size(), 100);
-    QVERIFY(edit->textCursor().atEnd());
-    QVERIFY(edit->verticalScrollBar()->maximum() > edit->viewport()->height());
-    QVERIFY(edit->viewport()->rect().contains(edit->cursorRect()));
-}
-
-void CameraTest::clearEmptiesTheLog()
-{
-    WindowDriver driver;
-    QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, QString("line")));
-    driver.child<QPushButton>("pushButtonClear")->click();
-    QCOMPARE(driver.log(), QStringList());
-    QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, QString("next")));
-    QCOMPARE(driver.log(), QStringList{"next"});
 }
 
 } // namespace

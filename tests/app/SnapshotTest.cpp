@@ -81,10 +81,10 @@ void SnapshotTest::cleanup()
 
 void SnapshotTest::nothingWithoutImage()
 {
-    m_user->snapshot({});
-    m_user->snapshot({}, "action_Menu_Snapshot");
+    m_user->snapshotDisabled();
+    m_user->snapshotDisabled("action_Menu_Snapshot");
     m_user->driver().open();
-    m_user->snapshot({});
+    m_user->snapshotDisabled();
     m_user->driver().start();
     m_user->snapshot({});
     QCOMPARE(m_user->driver().log(), QStringList());

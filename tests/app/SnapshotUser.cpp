@@ -135,7 +135,7 @@ void SnapshotUser::show(const QImage& pixels)
     m_shown = pixels;
 }
 
-void SnapshotUser::snapshot(const std::vector<ModalUser>& users, const char* action)
+void SnapshotUser::answer(const std::vector<ModalUser>& users, const std::function<void()>& command)
 {
     std::size_t next = 0;
     QPointer<QWidget> handled;
@@ -159,8 +159,18 @@ void SnapshotUser::snapshot(const std::vector<ModalUser>& users, const char* act
             qobject_cast<QDialog*>(handled.data())->reject();
     };
     QTimer::singleShot(kPollMs, &scope, poll);
-    m_driver.trigger(action);
+    command();
     QCOMPARE(next, users.size());
+}
+
+void SnapshotUser::snapshot(const std::vector<ModalUser>& users, const char* action)
+{
+    answer(users, [&] { m_driver.trigger(action); });
+}
+
+void SnapshotUser::snapshotDisabled(const char* action)
+{
+    answer({}, [&] { m_driver.triggerDisabled(action); });
 }
 
 void SnapshotUser::save(const QString& name, const QString& filter)

@@ -38,11 +38,15 @@ public:
 
     /// Triggers the command; each modal window that comes up is handed to the next of `users`.
     void snapshot(const std::vector<ModalUser>& users, const char* action = "actionSnapshot");
+    /// Calls the slot of the disabled command; no window may come up.
+    void snapshotDisabled(const char* action = "actionSnapshot");
 
     /// The whole way with a name and a filter, without anything else coming up.
     void save(const QString& name, const QString& filter);
 
 private:
+    void answer(const std::vector<ModalUser>& users, const std::function<void()>& command);
+
     QTemporaryDir m_folder;
     QImage m_shown;
     QImage m_last;

@@ -77,6 +77,10 @@ struct CameraSpec {
 };
 void setCameras(std::vector<CameraSpec> cameras);
 
+/// Pixel formats of the default camera, which has the first.
+constexpr std::uint32_t bayerRG8 = 0x01080009;
+constexpr std::uint32_t mono8 = 0x01080001;
+
 /// What the utility operations tell. The nodes Width, Height, PixelFormat, TriggerMode and TriggerSource follow where
 /// they are, and lead when they are written.
 void setImageFormat(std::uint32_t width, std::uint32_t height, std::uint32_t pixelFormat);
@@ -106,7 +110,8 @@ bool deliverError(std::uint32_t status, std::uint32_t bufferIndex = 0);
 bool deliverBusy(std::uint32_t bufferIndex);
 
 /// The callbacks that were registered last, kept past Strm_Close, so that a late callback can be played; each is called
-/// on a thread that is not the test's.
+/// on a thread that is not the test's. The late image has a frame number and nothing else.
+void lateImage(std::uint64_t frameNumber);
 void lateError(std::uint32_t status, std::uint32_t bufferIndex = 0);
 void lateBusy(std::uint32_t bufferIndex);
 

@@ -246,13 +246,17 @@ TEST_F(ScriptedCamera, lateCallbacksOutliveTheStream)
 {
     start();
     Received received;
+    Strm_SetCallbackImageAcquired(stream, &received, onImage);
     Strm_SetCallbackImageError(stream, &received, onError);
     Strm_SetCallbackBufferBusy(stream, &received, onBusy);
     EXPECT_TRUE(scripted::deliverError(16));
     Strm_Close(stream);
+    EXPECT_FALSE(scripted::deliverImage(1));
     EXPECT_FALSE(scripted::deliverError(17));
+    scripted::lateImage(2);
     scripted::lateError(18);
     scripted::lateBusy(3);
+    EXPECT_THAT(received.frames, ElementsAre(2U));
     EXPECT_THAT(received.errors, ElementsAre(16U, 18U));
     EXPECT_THAT(received.busy, ElementsAre(3U));
 }

@@ -50,6 +50,16 @@ void callError(std::unique_lock<std::mutex>& lock, Registered<Orvo::CAM_IMAGE_ER
     });
 }
 
+void callImage(std::unique_lock<std::mutex>& lock, Registered<Orvo::CAM_IMAGE_ACQUIRED_CALLBACK> registered,
+               Orvo::CAM_IMAGE_INFO info, std::uint32_t bufferIndex)
+{
+    if (registered.function == nullptr)
+        return;
+    runCallback(lock, [&, camera = world().camera.handle, stream = world().stream.handle] {
+        registered.function(camera, stream, &info, bufferIndex, registered.context);
+    });
+}
+
 void fillSlot(Slot& slot, std::uint64_t frameNumber, std::uint8_t fill, std::uint32_t status)
 {
     slot.data.assign(world().format.imageBytes(), fill);
@@ -100,13 +110,7 @@ bool deliverImage(std::uint64_t frameNumber, std::uint8_t fill, std::uint32_t st
     }
     fillSlot(slot, frameNumber, fill, status);
     stream.newest = index;
-    const auto registered = stream.callbacks.image;
-    if (registered.function != nullptr) {
-        Orvo::CAM_IMAGE_INFO info = slot.info;
-        runCallback(lock, [&, camera = stream.camera, handle = stream.handle] {
-            registered.function(camera, handle, &info, index, registered.context);
-        });
-    }
+    callImage(lock, stream.callbacks.image, slot.info, index);
     return true;
 }
 
@@ -128,6 +132,15 @@ bool deliverBusy(std::uint32_t bufferIndex)
         return false;
     callBusy(lock, world().stream.callbacks.busy, bufferIndex);
     return true;
+}
+
+void lateImage(std::uint64_t frameNumber)
+{
+    std::unique_lock lock(world().mutex);
+    waitForCallback(lock);
+    Orvo::CAM_IMAGE_INFO info{};
+    info.frameNumber = frameNumber;
+    callImage(lock, world().lateCallbacks.image, info, 0);
 }
 
 void lateError(std::uint32_t status, std::uint32_t bufferIndex)

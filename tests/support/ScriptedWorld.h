@@ -62,7 +62,7 @@ struct Stream {
 struct ImageFormat {
     std::uint32_t width = 64;
     std::uint32_t height = 48;
-    std::uint32_t pixelFormat = 0x01080009; // BayerRG8
+    std::uint32_t pixelFormat = bayerRG8;
     bool triggerOn = false;
     std::uint32_t triggerSource = 0;
 

@@ -43,10 +43,16 @@ QAction* WindowDriver::action(const char* name) const
 void WindowDriver::trigger(const char* name)
 {
     QAction* const wanted = action(name);
-    if (wanted->isEnabled()) {
-        wanted->trigger();
-        return;
-    }
+    if (!wanted->isEnabled())
+        qFatal("%s is disabled", name);
+    wanted->trigger();
+}
+
+void WindowDriver::triggerDisabled(const char* name)
+{
+    const QAction* const wanted = action(name);
+    if (wanted->isEnabled())
+        qFatal("%s is enabled", name);
     const QByteArray slot = QByteArray("on_") + name + "_triggered";
     const bool called = wanted->isCheckable()
                             ? QMetaObject::invokeMethod(m_window.get(), slot, Q_ARG(bool, !wanted->isChecked()))
@@ -55,18 +61,19 @@ void WindowDriver::trigger(const char* name)
         qFatal("no slot %s", slot.constData());
 }
 
-void WindowDriver::open()
+void WindowDriver::open(const char* action)
 {
-    open([](DiscoveryDlg& dialog) {
+    const auto takeFirst = [](DiscoveryDlg& dialog) {
         auto* const button = dialog.findChild<QPushButton*>("openButton");
         if (button->isEnabled())
             button->click();
         else
             dialog.reject();
-    });
+    };
+    open(takeFirst, action);
 }
 
-void WindowDriver::open(const std::function<void(DiscoveryDlg&)>& user)
+void WindowDriver::open(const std::function<void(DiscoveryDlg&)>& user, const char* action)
 {
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {
@@ -76,7 +83,7 @@ void WindowDriver::open(const std::function<void(DiscoveryDlg&)>& user)
         }
     });
     poll.start(kPollMs);
-    trigger("actionOpen");
+    trigger(action);
 }
 
 QStringList WindowDriver::log() const

@@ -27,12 +27,14 @@ public:
     [[nodiscard]] QAction* action(const char* name) const;
     [[nodiscard]] bool enabled(const char* name) const { return action(name)->isEnabled(); }
 
-    /// Triggers the action as its slot would be, even where it is disabled.
+    /// Triggers the action; a disabled one, which no user could trigger, ends the program with a message.
     void trigger(const char* name);
+    /// Calls the slot of an action that is disabled; an enabled one ends the program with a message.
+    void triggerDisabled(const char* name);
 
     /// Opens the first camera through the dialog, or does with the dialog what `user` does once the list is filled.
-    void open();
-    void open(const std::function<void(DiscoveryDlg&)>& user);
+    void open(const char* action = "actionOpen");
+    void open(const std::function<void(DiscoveryDlg&)>& user, const char* action = "actionOpen");
     void start() { trigger("actionStart"); }
     void stop() { trigger("actionStop"); }
     void close() { trigger("actionClose"); }
@@ -40,6 +42,8 @@ public:
     [[nodiscard]] QStringList log() const;
     void clearLog();
     [[nodiscard]] QString rates() const;
+    /// What rates() is before the first report.
+    [[nodiscard]] static QString noRates() { return "[Disp =           fps] , [Cap =           fps]"; }
 
     template <typename T> [[nodiscard]] T* child(const char* name) const { return m_window->findChild<T*>(name); }
 

@@ -1,0 +1,210 @@
+// What counts as captured, and which frame rates are shown.
+
+#include "display/DispThread.h"
+#include "tests/support/Recorded.h"
+#include "tests/support/ScriptedCamera.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QtTest>
+
+namespace {
+
+constexpr int kPatienceMs = 30000;
+
+/// A window with an open camera, the images that it shows, and the reports of its display threads.
+class Running {
+public:
+    Running()
+    {
+        m_driver.open();
+        QObject::connect(&m_driver.window(), &MainWindow::Update_Image, &m_driver.window(), [this] { ++m_shown; });
+    }
+
+    [[nodiscard]] WindowDriver& driver() { return m_driver; }
+
+    void start()
+    {
+        m_driver.start();
+        m_capturedPerShown.clear();
+        QObject::connect(m_driver.window().findChild<DispThread*>(), &DispThread::dispFps, &m_driver.window(),
+                         [this](double capFps, double dispFps) { m_capturedPerShown << capFps / dispFps; });
+    }
+
+    /// Delivers an image and waits until the window shows it.
+    void show(std::uint64_t frameNumber)
+    {
+        const int before = m_shown;
+        QVERIFY(scripted::deliverImage(frameNumber));
+        QTRY_COMPARE_WITH_TIMEOUT(m_shown, before + 1, kPatienceMs);
+        QVERIFY(m_capturedPerShown.isEmpty()); // nothing was counted for a report before
+    }
+
+    /// How many images the first report after the start has as captured for each that was shown.
+    [[nodiscard]] double capturedPerShown()
+    {
+        static_cast<void>(QTest::qWaitFor([this] { return !m_capturedPerShown.isEmpty(); }, kPatienceMs));
+        return m_capturedPerShown.value(0);
+    }
+
+private:
+    int m_shown = 0;
+    QVector<double> m_capturedPerShown;
+    WindowDriver m_driver; // last: it may show images until it is gone
+};
+
+class FrameRateTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+
+    void firstReportIsNotShown();
+    void firstReportOfEveryStartIsNotShown();
+    void areShownOnlyWhileAcquiring();
+
+    void lostImagesCountAsCaptured();
+    void frameNumbersWrap();
+    void imageOfALostCameraDoesNotCount();
+    void laterStreamCountsFromTheLastNumber();
+    void openingCountsFromZero();
+    void countEndsWithTheStream();
+    void countEndsWithTheCamera();
+};
+
+// --- Shown ----------------------------------------------------------------------------------------------------------
+
+void FrameRateTest::firstReportIsNotShown()
+{
+    WindowDriver driver;
+    driver.open();
+    driver.start();
+    const auto report = [&](double capFps, double dispFps) {
+        QVERIFY(QMetaObject::invokeMethod(&driver.window(), "disp_fps", Q_ARG(double, capFps), Q_ARG(double, dispFps)));
+    };
+    report(4000000000.0, 12.0);
+    QCOMPARE(driver.rates(), WindowDriver::noRates());
+    report(60.004, 36.996);
+    QCOMPARE(driver.rates(), QString("[Disp =  37.00 fps] , [Cap =  60.00 fps]"));
+    report(0, 0);
+    QCOMPARE(driver.rates(), QString("[Disp =   0.00 fps] , [Cap =   0.00 fps]"));
+    report(1234.5, 100);
+    QCOMPARE(driver.rates(), QString("[Disp = 100.00 fps] , [Cap = 1234.50 fps]"));
+}
+
+void FrameRateTest::firstReportOfEveryStartIsNotShown()
+{
+    WindowDriver driver;
+    driver.open();
+    for (int round = 0; round < 2; ++round) {
+        driver.start();
+        const QString before = driver.rates();
+        QMetaObject::invokeMethod(&driver.window(), "disp_fps", Q_ARG(double, 1.0), Q_ARG(double, 1.0));
+        QCOMPARE(driver.rates(), before);
+        QMetaObject::invokeMethod(&driver.window(), "disp_fps", Q_ARG(double, 2.0 + round), Q_ARG(double, 1.0));
+        QVERIFY(driver.rates() != before);
+        driver.stop();
+    }
+}
+
+void FrameRateTest::areShownOnlyWhileAcquiring()
+{
+    WindowDriver driver;
+    driver.open();
+    for (int report = 0; report < 3; ++report)
+        QMetaObject::invokeMethod(&driver.window(), "disp_fps", Q_ARG(double, 60.0), Q_ARG(double, 30.0));
+    QCOMPARE(driver.rates(), WindowDriver::noRates());
+}
+
+// --- Counted --------------------------------------------------------------------------------------------------------
+
+void FrameRateTest::lostImagesCountAsCaptured()
+{
+    Running running;
+    running.start();
+    running.show(10); // the first counts 1, whatever its number
+    running.show(11);
+    running.show(111); // 99 images lost between
+    QCOMPARE(running.capturedPerShown(), 102 / 3.0);
+}
+
+void FrameRateTest::frameNumbersWrap()
+{
+    Running running;
+    running.start();
+    running.show(0xFFFFFFFF);
+    running.show(0x100000001);
+    QCOMPARE(running.capturedPerShown(), 3 / 2.0);
+}
+
+void FrameRateTest::imageOfALostCameraDoesNotCount()
+{
+    Running running;
+    running.start();
+    scripted::failAlways("GetCamIndexFromCamHandle", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING);
+    QVERIFY(scripted::deliverImage(500));
+    QVERIFY(recorded::waitRounds());
+    QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0); // the first image is still to come
+    scripted::heal("GetCamIndexFromCamHandle");
+    running.show(510);
+    QCOMPARE(running.capturedPerShown(), 1.0);
+}
+
+void FrameRateTest::laterStreamCountsFromTheLastNumber()
+{
+    Running running;
+    running.start();
+    running.show(100);
+    running.driver().stop();
+    running.start();
+    running.show(1);
+    QCOMPARE(running.capturedPerShown(), 4294967296.0 - 99);
+    QCOMPARE(running.driver().rates(), WindowDriver::noRates()); // which nobody gets to see
+}
+
+void FrameRateTest::openingCountsFromZero()
+{
+    Running running;
+    running.start();
+    running.show(100);
+    running.driver().close();
+    running.driver().open();
+    running.start();
+    running.show(7);
+    QCOMPARE(running.capturedPerShown(), 7.0);
+}
+
+void FrameRateTest::countEndsWithTheStream()
+{
+    Running running;
+    running.start();
+    running.show(1);
+    running.show(50);
+    running.driver().stop();
+    running.start();
+    running.show(51);
+    QCOMPARE(running.capturedPerShown(), 1.0);
+}
+
+void FrameRateTest::countEndsWithTheCamera()
+{
+    Running running;
+    running.start();
+    running.show(1);
+    running.driver().stop();
+    // An image that comes when the stream is closed already.
+    scripted::onCall("Cam_Close", [] {
+        scripted::onCall("Cam_Close", nullptr);
+        scripted::lateImage(1000);
+    });
+    running.driver().close();
+    QCOMPARE(scripted::count("GetCamIndexFromCamHandle"), 2);
+    running.driver().open();
+    running.start();
+    running.show(1);
+    QCOMPARE(running.capturedPerShown(), 1.0);
+}
+
+} // namespace
+
+QTEST_MAIN(FrameRateTest)
+#include "FrameRateTest.moc"

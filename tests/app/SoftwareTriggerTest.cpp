@@ -1,0 +1,139 @@
+// When the software trigger is offered, and what it does.
+
+#include "features/FeatureView.h"
+#include "tests/support/Recorded.h"
+#include "tests/support/ScriptedCamera.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QtTest>
+
+namespace {
+
+class SoftwareTriggerTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+
+    void isOfferedInTriggerMode_data();
+    void isOfferedInTriggerMode();
+    void endsWithTheStream();
+    void isOffWithoutAStream();
+    void followsTheFeatureBrowser();
+    void executes_data();
+    void executes();
+    void fails();
+};
+
+void SoftwareTriggerTest::isOfferedInTriggerMode_data()
+{
+    QTest::addColumn<bool>("mode");
+    QTest::addColumn<quint32>("source");
+    QTest::addColumn<QString>("failing");
+    QTest::addColumn<bool>("offered");
+    QTest::newRow("software") << true << 64u << "" << true;
+    QTest::newRow("another source") << true << 1u << "" << false;
+    QTest::newRow("mode off") << false << 64u << "" << false;
+    QTest::newRow("mode unreadable") << true << 64u << "GetCamTriggerMode" << false;
+    QTest::newRow("source unreadable") << true << 64u << "GetCamTriggerSource" << false;
+}
+
+void SoftwareTriggerTest::isOfferedInTriggerMode()
+{
+    QFETCH(bool, mode);
+    QFETCH(quint32, source);
+    QFETCH(QString, failing);
+    QFETCH(bool, offered);
+    WindowDriver driver;
+    scripted::setTrigger(mode, source);
+    if (!failing.isEmpty())
+        scripted::failAlways(failing.toStdString(), Orvo::CAM_API_STS_TIMEOUT);
+    driver.open();
+    QVERIFY(!driver.enabled("actionSoftwareTrigger"));
+    QVERIFY(!driver.enabled("action_Menu_One_Shot"));
+    driver.start();
+    QCOMPARE(driver.enabled("actionSoftwareTrigger"), offered);
+    QCOMPARE(driver.enabled("action_Menu_One_Shot"), offered);
+    QCOMPARE(driver.log(), QStringList());
+}
+
+void SoftwareTriggerTest::endsWithTheStream()
+{
+    WindowDriver driver;
+    scripted::setTrigger(true, 64);
+    driver.open();
+    driver.start();
+    driver.stop();
+    QVERIFY(!driver.enabled("actionSoftwareTrigger"));
+    QVERIFY(!driver.enabled("action_Menu_One_Shot"));
+}
+
+void SoftwareTriggerTest::isOffWithoutAStream()
+{
+    WindowDriver driver;
+    scripted::setTrigger(true, 64);
+    const auto check = [&] {
+        driver.action("actionSoftwareTrigger")->setEnabled(true);
+        driver.action("action_Menu_One_Shot")->setEnabled(true);
+        QVERIFY(QMetaObject::invokeMethod(&driver.window(), "check_software_trigger_mode"));
+        QVERIFY(!driver.enabled("actionSoftwareTrigger"));
+        QVERIFY(!driver.enabled("action_Menu_One_Shot"));
+    };
+    check(); // no camera
+    driver.open();
+    check();
+    QCOMPARE(recorded::texts({"GetCamTrigger"}), QStringList()); // nothing needs to be read for that
+}
+
+void SoftwareTriggerTest::followsTheFeatureBrowser()
+{
+    WindowDriver driver;
+    driver.open();
+    driver.start();
+    auto* const features = driver.window().findChild<FeatureView*>();
+    QVERIFY(features);
+    scripted::setTrigger(true, 64);
+    emit features->checkSoftwareTriggerMode();
+    QVERIFY(driver.enabled("actionSoftwareTrigger"));
+    QVERIFY(driver.enabled("action_Menu_One_Shot"));
+    scripted::setTrigger(false, 64);
+    emit features->checkSoftwareTriggerMode();
+    QVERIFY(!driver.enabled("actionSoftwareTrigger"));
+    QVERIFY(!driver.enabled("action_Menu_One_Shot"));
+}
+
+void SoftwareTriggerTest::executes_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    QTest::newRow("tool bar") << QByteArray("actionSoftwareTrigger");
+    QTest::newRow("menu") << QByteArray("action_Menu_One_Shot");
+}
+
+void SoftwareTriggerTest::executes()
+{
+    QFETCH(QByteArray, action);
+    WindowDriver driver;
+    driver.triggerDisabled(action);
+    QCOMPARE(scripted::count("ExecuteCamSoftwareTrigger"), 0); // no camera
+    scripted::setTrigger(true, 64);
+    driver.open();
+    driver.start();
+    driver.trigger(action);
+    QCOMPARE(scripted::count("ExecuteCamSoftwareTrigger"), 1);
+}
+
+void SoftwareTriggerTest::fails()
+{
+    WindowDriver driver;
+    scripted::setTrigger(true, 64);
+    driver.open();
+    driver.start();
+    scripted::failCall("ExecuteCamSoftwareTrigger", Orvo::CAM_API_STS_NOT_WRITABLE);
+    driver.trigger("actionSoftwareTrigger");
+    QCOMPARE(driver.log(), QStringList{"ERROR: Error execute S/W trigger. [CAM_API_STS_NOT_WRITABLE]"});
+}
+
+} // namespace
+
+QTEST_MAIN(SoftwareTriggerTest)
+#include "SoftwareTriggerTest.moc"
