@@ -1,0 +1,102 @@
+// What the feature browser does when the stream starts and stops.
+
+#include "features/FeatureView.h"
+#include "features/GenAPINodeItem.h"
+#include "tests/support/FeatureHand.h"
+#include "tests/support/Recorded.h"
+#include "tests/support/ScriptedCamera.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QtTest>
+
+#include <QLineEdit>
+
+using scripted::NodeSpec;
+
+namespace {
+
+class StreamFeaturesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+
+    void everyFeatureIsReadAnew_data();
+    void everyFeatureIsReadAnew();
+    void startEndsTheOpenEditorFirst();
+};
+
+const GenAPINodeItem* itemOf(WindowDriver& driver, const QString& name)
+{
+    for (const GenAPINodeItem* const item : driver.window().findChild<FeatureView*>()->items()) {
+        if (item->getNodeName() == name)
+            return item;
+    }
+    qFatal("no item %s", qPrintable(name));
+    return nullptr;
+}
+
+void StreamFeaturesTest::everyFeatureIsReadAnew_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    QTest::addColumn<QByteArray>("operation");
+    QTest::addColumn<QByteArray>("before");
+    QTest::newRow("start") << QByteArray("actionStart") << QByteArray("Strm_Start") << QByteArray("GetCamTriggerMode");
+    QTest::newRow("stop") << QByteArray("actionStop") << QByteArray("Strm_Stop") << QByteArray("Strm_Close");
+}
+
+void StreamFeaturesTest::everyFeatureIsReadAnew()
+{
+    QFETCH(const QByteArray, action);
+    QFETCH(const QByteArray, operation);
+    QFETCH(const QByteArray, before);
+    WindowDriver driver;
+    driver.open();
+    if (action == "actionStop")
+        driver.start();
+    scripted::onCall(operation.toStdString(), [] {
+        scripted::changeNode("BlackLevel", [](NodeSpec& node) { node.intValue = 99; });
+        scripted::changeNode("Gain", [](NodeSpec& node) { node.access = Orvo::NODE_ACCESS_MODE_RO; });
+    });
+    scripted::clearCalls();
+    driver.trigger(action);
+    QCOMPARE(itemOf(driver, "BlackLevel")->text(), QString("99"));
+    QCOMPARE(itemOf(driver, "Gain")->getAccessMode(), Orvo::NODE_ACCESS_MODE_RO);
+
+    QStringList read = recorded::texts({"Nd_GetAccessMode"});
+    QCOMPARE(read.size(), driver.window().findChild<FeatureView*>()->items().size());
+    QCOMPARE(read.removeDuplicates(), 0);
+    const QStringList made = recorded::operations();
+    QVERIFY(made.contains(before));
+    QVERIFY(made.indexOf(QRegularExpression("^Nd_.*")) > made.indexOf(before));
+}
+
+void StreamFeaturesTest::startEndsTheOpenEditorFirst()
+{
+    WindowDriver driver;
+    driver.open();
+    // An editor that has not the keyboard cannot lose it, which is when it writes.
+    driver.window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&driver.window()));
+    const QPointer<QLineEdit> editor =
+        qobject_cast<QLineEdit*>(FeatureHand(driver.window()).clickValue("DeviceUserID"));
+    QVERIFY(editor);
+    QTest::keyClicks(editor, "bench 3");
+    scripted::clearCalls();
+    driver.start();
+    QCOMPARE(scripted::node("DeviceUserID").strValue, std::string("bench 3"));
+
+    // Written before any other feature is read.
+    const QString own = QString::number(itemOf(driver, "DeviceUserID")->getNodeHandle());
+    const QStringList made = recorded::texts({"Nd_"});
+    const int written = made.indexOf(QRegularExpression("^Nd_SetStrValue.*"));
+    const int othersRead = made.indexOf(QRegularExpression(QString("^Nd_GetAccessMode\\(\\d+, (?!%1,).*").arg(own)));
+    QVERIFY(written >= 0);
+    QVERIFY(othersRead > written);
+    QTRY_VERIFY(!editor);
+}
+
+} // namespace
+
+QTEST_MAIN(StreamFeaturesTest)
+#include "StreamFeaturesTest.moc"
