@@ -4,13 +4,12 @@
 
 #include "app/Version.h"
 #include "camera/OrvoCamApi.h"
+#include "camera/TextField.h"
 
 #include <QCoreApplication>
 #include <QGridLayout>
 #include <QMessageBox>
 #include <QSpacerItem>
-
-#include <cstring>
 
 namespace {
 
@@ -34,11 +33,6 @@ QString translated(const char* text)
     return QCoreApplication::translate("QMainWindow", text);
 }
 
-template <std::size_t size> QString textOf(const char (&field)[size])
-{
-    return QString::fromUtf8(field, static_cast<int>(strnlen(field, size)));
-}
-
 QString versionTexts()
 {
     QString text = translated(kVersionText);
@@ -46,7 +40,7 @@ QString versionTexts()
     // Without an answer the box shows the version and the rights line only.
     if (Orvo::Sys_GetInformation(&info) == Orvo::CAM_API_STS_SUCCESS) {
         for (const VersionRow& row : kVersionRows)
-            text += translated(row.label) + textOf(info.*row.text);
+            text += translated(row.label) + QString::fromUtf8(fieldBytes(info.*row.text));
     }
     return text + translated(kRights);
 }

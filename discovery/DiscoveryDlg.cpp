@@ -1,5 +1,6 @@
 #include "discovery/DiscoveryDlg.h"
 
+#include "camera/TextField.h"
 #include "ui_DiscoveryDlg.h"
 
 #include <array>
@@ -13,11 +14,6 @@ enum Column { kVendorName, kModelName, kSerialNo, kUserDefinedName, kCameraIndex
 // The column of the user-defined name takes what is left.
 constexpr std::array<std::pair<Column, int>, 3> kColumnWidths = {
     {{kVendorName, 140}, {kModelName, 140}, {kSerialNo, 80}}};
-
-template <std::size_t capacity> QString fieldText(const char (&field)[capacity])
-{
-    return QString::fromLatin1(field, static_cast<int>(qstrnlen(field, capacity)));
-}
 
 } // namespace
 
@@ -93,10 +89,10 @@ void DiscoveryDlg::discovery_camera()
 void DiscoveryDlg::addCamera(std::int32_t index, const Orvo::CAM_INFO& info)
 {
     auto* const row = new QTreeWidgetItem(ui->discoveryWidget);
-    row->setText(kVendorName, fieldText(info.vendorName));
-    row->setText(kModelName, fieldText(info.modelName));
-    row->setText(kSerialNo, fieldText(info.serialNumber));
-    row->setText(kUserDefinedName, fieldText(info.userDefinedName));
+    row->setText(kVendorName, QString::fromLatin1(fieldBytes(info.vendorName)));
+    row->setText(kModelName, QString::fromLatin1(fieldBytes(info.modelName)));
+    row->setText(kSerialNo, QString::fromLatin1(fieldBytes(info.serialNumber)));
+    row->setText(kUserDefinedName, QString::fromLatin1(fieldBytes(info.userDefinedName)));
     row->setText(kCameraIndex, QString("%1").arg(index));
     if (index == 0)
         ui->discoveryWidget->setCurrentItem(row);

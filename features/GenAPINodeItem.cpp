@@ -1,5 +1,6 @@
 #include "features/GenAPINodeItem.h"
 
+#include "camera/TextField.h"
 #include "features/FeatureView.h"
 #include "features/NodeText.h"
 #include "features/NumberConversion.h"
@@ -65,7 +66,7 @@ void GenAPINodeItem::readProperties()
     // Ends at the first call that fails: what is not read keeps its initial value.
     if (!ok(Nd_GetType(camera, node, &m_node.type)) || !ok(Nd_GetName(camera, node, name.data(), &nameSize)))
         return;
-    m_node.name = QString::fromUtf8(name.data(), static_cast<int>(qstrnlen(name.data(), name.size())));
+    m_node.name = QString::fromUtf8(fieldBytes(name));
     static_cast<void>(ok(Nd_GetAccessMode(camera, node, &m_node.accessMode)) &&
                       ok(Nd_GetVisibility(camera, node, &m_node.visibility)) &&
                       ok(readText(Nd_GetDescription, camera, node, m_node.description)) &&

@@ -1,5 +1,6 @@
 #include "features/GenAPINodeItem.h"
 
+#include "camera/TextField.h"
 #include "features/FeatureView.h"
 #include "features/NodeText.h"
 #include "features/NodeValueText.h"
@@ -199,7 +200,7 @@ QStringList GenAPINodeItem::getItemsValue()
         std::uint32_t size = name.size();
         if (!ok(Nd_GetEnumEntryStrValue(m_camHandle, entry, name.data(), &size)))
             return {};
-        choices += QString::fromUtf8(name.data(), static_cast<int>(qstrnlen(name.data(), name.size())));
+        choices += QString::fromUtf8(fieldBytes(name));
     }
     return choices;
 }

@@ -67,6 +67,7 @@ private slots:
     void listComesAgainWithTheDialog();
     void threeCamerasInIndexOrder();
     void textsAreShownAsTheyAre();
+    void everyByteOfAFieldIsACharacter();
     void noCamera();
     void buttonsAreDisabledWhileEnumerating();
 
@@ -251,6 +252,14 @@ void DiscoveryDlgTest::textsAreShownAsTheyAre()
     Shown shown;
     shown.dialog.discovery_camera();
     QCOMPARE(shown.row(0), (QStringList{QString::fromStdString(longest), "<b>bold</b>", "%1 %2", "&name", "0"}));
+}
+
+void DiscoveryDlgTest::everyByteOfAFieldIsACharacter()
+{
+    scripted::setCameras({{"", std::string("one\0two", 7), "", "G\xE9\xC3\xA9"}});
+    Shown shown;
+    shown.dialog.discovery_camera();
+    QCOMPARE(shown.row(0), (QStringList{"", "one", "", QString("G") + QChar(0xE9) + QChar(0xC3) + QChar(0xA9), "0"}));
 }
 
 void DiscoveryDlgTest::noCamera()
