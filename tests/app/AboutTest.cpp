@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr int kPollMs = 5;
 const QString kVersion = "Version : 0.1.1 (2016/02/26)";
 
 class AboutTest : public QObject {
@@ -55,20 +54,12 @@ void AboutTest::about(const std::function<void(QMessageBox&)>& look)
 {
     if (!driver)
         driver = std::make_unique<WindowDriver>();
-    bool looked = false;
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, this, [&] {
-        auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        poll.stop();
-        looked = true;
+    QVERIFY(driver->triggerModal("action_Menu_About", [&](QWidget& modal) {
+        auto* const box = qobject_cast<QMessageBox*>(&modal);
+        QVERIFY(box);
         look(*box);
         QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
-    });
-    poll.start(kPollMs);
-    driver->trigger("action_Menu_About");
-    QVERIFY(looked);
+    }));
 }
 
 QString AboutTest::informativeText()

@@ -13,13 +13,30 @@ namespace {
 constexpr int kPollMs = 5;
 
 /// The dialog on screen whose list is filled, or was tried to be.
-DiscoveryDlg* readyDialog()
+QWidget* readyDialog()
 {
     auto* const dialog = qobject_cast<DiscoveryDlg*>(QApplication::activeModalWidget());
     if (!dialog)
         return nullptr;
     const auto* const update = dialog->findChild<QPushButton*>("PushButtonUpateCameraList");
     return update && update->isEnabled() ? dialog : nullptr;
+}
+
+/// Hands what `find` finds to `user`, once, while `act` waits for a modal window to end. False where nothing was found.
+bool during(const std::function<void()>& act, QWidget* (*find)(), const std::function<void(QWidget&)>& user)
+{
+    bool found = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (QWidget* const window = find()) {
+            poll.stop();
+            found = true;
+            user(*window);
+        }
+    });
+    poll.start(kPollMs);
+    act();
+    return found;
 }
 
 } // namespace
@@ -65,25 +82,23 @@ void WindowDriver::open(const char* action)
 {
     const auto takeFirst = [](DiscoveryDlg& dialog) {
         auto* const button = dialog.findChild<QPushButton*>("openButton");
-        if (button->isEnabled())
+        if (button->isEnabled()) {
             button->click();
-        else
+        } else {
             dialog.reject();
+        }
     };
     open(takeFirst, action);
 }
 
 void WindowDriver::open(const std::function<void(DiscoveryDlg&)>& user, const char* action)
 {
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (DiscoveryDlg* const dialog = readyDialog()) {
-            poll.stop();
-            user(*dialog);
-        }
-    });
-    poll.start(kPollMs);
-    trigger(action);
+    during([&] { trigger(action); }, readyDialog, [&](QWidget& dialog) { user(static_cast<DiscoveryDlg&>(dialog)); });
+}
+
+bool WindowDriver::triggerModal(const char* name, const std::function<void(QWidget&)>& user)
+{
+    return during([&] { trigger(name); }, QApplication::activeModalWidget, user);
 }
 
 QStringList WindowDriver::log() const

@@ -32,6 +32,9 @@ public:
     /// Calls the slot of an action that is disabled; an enabled one ends the program with a message.
     void triggerDisabled(const char* name);
 
+    /// Triggers an action that brings up a modal window, and hands that to `user`, who ends it. False where none came.
+    [[nodiscard]] bool triggerModal(const char* name, const std::function<void(QWidget&)>& user);
+
     /// Opens the first camera through the dialog, or does with the dialog what `user` does once the list is filled.
     void open(const char* action = "actionOpen");
     void open(const std::function<void(DiscoveryDlg&)>& user, const char* action = "actionOpen");

@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
 
 #include <cstdio>
@@ -29,7 +28,7 @@ constexpr int kSettleMs = 150;
 void endTour(const QString& what)
 {
     std::fprintf(stderr, "tour: %s\n", qPrintable(what));
-    std::exit(EXIT_FAILURE);
+    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): nobody else ends the program
 }
 
 Tour::Tour(const QDir& folder)
@@ -64,21 +63,14 @@ void Tour::waitForImages(int count)
     waitFor("images", [&] { return m_images >= wanted; });
 }
 
-void Tour::withModal(const std::function<void()>& open, const std::function<void(QWidget&)>& look)
+void Tour::pictureOfModal(const char* action, const QString& name)
 {
-    bool looked = false;
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (QWidget* const modal = QApplication::activeModalWidget()) {
-            poll.stop();
-            looked = true;
-            look(*modal);
-        }
+    const bool came = m_driver->triggerModal(action, [&](QWidget& modal) {
+        picture(name);
+        modal.close();
     });
-    poll.start(20);
-    open();
-    if (!looked)
-        endTour("no dialog came up");
+    if (!came)
+        endTour(QString("%1 brings up no window").arg(action));
 }
 
 void Tour::openCamera(const QString& model, bool pictured)

@@ -8,8 +8,6 @@
 #include <functional>
 #include <memory>
 
-class QWidget;
-
 /// A walk through the program that saves a picture at every stop; each chapter has its own file.
 class Tour {
 public:
@@ -28,8 +26,8 @@ private:
     /// Ends the tour where the condition does not come about in time.
     void waitFor(const char* what, const std::function<bool()>& condition);
     void waitForImages(int count);
-    /// Calls `look` once the modal widget that `open` brings up is there; `look` ends it.
-    void withModal(const std::function<void()>& open, const std::function<void(QWidget&)>& look);
+    /// Triggers the action and closes the modal window that it brings up.
+    void pictureOfModal(const char* action, const QString& name);
     void openCamera(const QString& model, bool pictured = false);
 
     // TourLive.cpp

@@ -7,7 +7,6 @@
 #include "tests/support/FeatureHand.h"
 #include "tests/support/OpenedCamera.h"
 
-#include <QDialog>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTest>
@@ -81,11 +80,7 @@ void Tour::pauseAndSnapshot()
     QDir().mkpath(folder);
     QDir::setCurrent(folder);
     qputenv("HOME", folder.toLocal8Bit());
-    withModal([this] { m_driver->trigger("actionSnapshot"); },
-              [this](QWidget& dialog) {
-                  picture("snapshot");
-                  qobject_cast<QDialog*>(&dialog)->reject();
-              });
+    pictureOfModal("actionSnapshot", "snapshot");
     qputenv("HOME", homeBefore);
     QDir::setCurrent(folderBefore);
     QDir().rmdir(folder);
@@ -114,9 +109,5 @@ void Tour::softwareTrigger()
 
 void Tour::about()
 {
-    withModal([this] { m_driver->trigger("action_Menu_About"); },
-              [this](QWidget& box) {
-                  picture("about");
-                  qobject_cast<QDialog*>(&box)->accept();
-              });
+    pictureOfModal("action_Menu_About", "about");
 }
