@@ -13,6 +13,7 @@
 #include <QWidget>
 
 #include <array>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -35,6 +36,8 @@ public:
         ItemIndexRole = Qt::UserRole + 5, ///< every column: the row's index in the item list and the source model
         ExpandedRole = Qt::UserRole + 6,  ///< column 0 of a category: whether the rows below it are shown
     };
+
+    enum Column { NameColumn, TypeColumn, ValueColumn, ColumnCount };
 
     explicit FeatureView(QWidget* parent = nullptr);
     ~FeatureView() override;
@@ -160,8 +163,6 @@ private:
         InvisibleAction,
         ToolActionCount,
     };
-    enum { NameColumn, TypeColumn, ValueColumn, ColumnCount };
-
     struct RowColours {
         QVariant background;
         QVariant foreground;
@@ -187,7 +188,8 @@ private:
     // FeatureViewColours.cpp
     void makeRowColours();
     [[nodiscard]] const RowColours& coloursOf(const GenAPINodeItem& item) const;
-    static void setColours(QStandardItem& cell, const RowColours& colours);
+    /// Of the cells that are there.
+    static void setColours(std::initializer_list<QStandardItem*> cells, const RowColours& colours);
 
     // FeatureViewFolding.cpp
     [[nodiscard]] int sourceRow(int tableRow) const;

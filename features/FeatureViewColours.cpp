@@ -60,10 +60,14 @@ const FeatureView::RowColours& FeatureView::coloursOf(const GenAPINodeItem& item
     return m_rowColours[pairOf(item)];
 }
 
-void FeatureView::setColours(QStandardItem& cell, const RowColours& colours)
+void FeatureView::setColours(std::initializer_list<QStandardItem*> cells, const RowColours& colours)
 {
-    cell.setData(colours.background, Qt::BackgroundRole);
-    cell.setData(colours.foreground, Qt::ForegroundRole);
+    for (QStandardItem* const cell : cells) {
+        if (!cell)
+            continue;
+        cell->setData(colours.background, Qt::BackgroundRole);
+        cell->setData(colours.foreground, Qt::ForegroundRole);
+    }
 }
 
 void FeatureView::setCellColor(QStandardItemModel* model, int row)
@@ -74,15 +78,12 @@ void FeatureView::setCellColor(QStandardItemModel* model, int row)
 
     // The cells of a row change together, and no two pairs share a foreground: one look tells, for the thousands of
     // rows where nothing changed.
-    const QStandardItem* const name = model->item(row, NameColumn);
+    QStandardItem* const name = model->item(row, NameColumn);
     if (name && name->data(Qt::ForegroundRole) == colours.foreground)
         return;
 
     HeldChanges ofThisRow(model);
-    for (int column = 0; column < ColumnCount; ++column) {
-        if (QStandardItem* const cell = model->item(row, column))
-            setColours(*cell, colours);
-    }
+    setColours({name, model->item(row, TypeColumn), model->item(row, ValueColumn)}, colours);
     const bool heldAnyway = m_heldChanges && model == m_sourceModel.get();
     (heldAnyway ? *m_heldChanges : ofThisRow).note(row, NameColumn);
 }

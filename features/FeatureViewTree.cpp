@@ -99,11 +99,7 @@ void FeatureView::fillRow(QStandardItemModel& model, int row)
     type->setText(item->getStrTypeNode());
     type->setData(item->getToolTip(), Qt::ToolTipRole);
 
-    const RowColours& colours = coloursOf(*item);
-    setColours(*name, colours);
-    setColours(*type, colours);
-    setColours(*item, colours);
-
+    setColours({name, type, item}, coloursOf(*item));
     model.setItem(row, NameColumn, name);
     model.setItem(row, TypeColumn, type);
     model.setItem(row, ValueColumn, item);
