@@ -125,10 +125,10 @@ void FeatureView::readEveryItem()
     HeldChanges held(m_sourceModel.get());
     m_heldChanges = &held;
     for (int row = 0; row < m_items.size(); ++row) { // reading may change the list
-        GenAPINodeItem* const item = m_items.at(row);
+        const QPointer<GenAPINodeItem> item = m_items.at(row);
         const QString before = item->text();
         item->updateVals(false);
-        if (item->text() != before)
+        if (item && item->text() != before)
             held.note(row, ValueColumn);
         setCellColor(row);
     }

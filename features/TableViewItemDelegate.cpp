@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr int valueColumn = 2;
-
 // --- Making an editor -----------------------------------------------------------------------------------------------
 
 QWidget* makeLineEdit(QWidget* parent)
@@ -152,7 +150,7 @@ struct EditorRow {
     void (*commit)(QWidget& editor, QAbstractItemModel& model, const QModelIndex& index);
 };
 
-constexpr EditorRow editorRows[] = {
+constexpr EditorRow kEditorRows[] = {
     {EditorLineEdit, makeLineEdit, loadLineEdit, commitText},
     {EditorComboBox, makeComboBox, loadComboBox, commitNothing},
     {EditorSlider, makeSlider, loadSlider, commitSlider},
@@ -163,16 +161,16 @@ constexpr EditorRow editorRows[] = {
 const EditorRow* rowOf(const QModelIndex& index)
 {
     const int kind = index.data(EditorKindRole).toInt();
-    const auto* row = std::find_if(std::begin(editorRows), std::end(editorRows),
+    const auto* row = std::find_if(std::begin(kEditorRows), std::end(kEditorRows),
                                    [kind](const EditorRow& r) { return r.kind == kind; });
-    return row == std::end(editorRows) ? nullptr : row;
+    return row == std::end(kEditorRows) ? nullptr : row;
 }
 
 /// An editor that is there without a kind counts as a line edit.
 const EditorRow& rowOfOpen(const QModelIndex& index)
 {
     const EditorRow* row = rowOf(index);
-    return row != nullptr ? *row : editorRows[0];
+    return row != nullptr ? *row : kEditorRows[0];
 }
 
 } // namespace
@@ -198,13 +196,13 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
 {
     if (m_view.isNull())
         return nullptr;
-    // First: the description box reads the access mode, which is asked next.
-    GenAPINodeItem* item = m_view->itemAt(index);
+    const EditorRow* row = rowOf(index);
+    const QPointer<GenAPINodeItem> item = m_view->itemAt(index);
+    // Before the access mode is asked: the description box reads it anew. What hears of that may change the rows.
     m_view->descBox()->setText(item);
 
-    if (item == nullptr || !item->isWritable() || m_writeInProgress || index.column() != valueColumn)
+    if (item.isNull() || !item->isWritable() || m_writeInProgress || index.column() != FeatureView::ValueColumn)
         return nullptr;
-    const EditorRow* row = rowOf(index);
     return row != nullptr ? row->make(parent) : nullptr;
 }
 

@@ -1,0 +1,67 @@
+// Rows that go while one of them is read: who hears of a reading may show another camera.
+
+#include "features/DescBox.h"
+#include "features/TableViewItemDelegate.h"
+#include "tests/features/FeatureTable.h"
+#include "tests/support/ScriptedCamera.h"
+
+#include <QtTest>
+
+#include <QPointer>
+#include <QStandardItemModel>
+
+#include <memory>
+
+using scripted::category;
+
+namespace {
+
+class VanishingRowsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { scripted::reset(); }
+
+    void whileAnEditorOpens();
+    void whileEverythingIsRead();
+};
+
+/// Empties the view when the maximum of a feature was read, which its item does last.
+void emptyWhenRead(FeatureView& view)
+{
+    view.setOpeLogLevel(OpeLogRange);
+    QObject::connect(&view, &FeatureView::OpeLogAppended, &view, [&view](const QString& entry) {
+        if (entry.contains("Nd_GetIntMax"))
+            view.showModel(new QStandardItemModel(0, 3));
+    });
+}
+
+void VanishingRowsTest::whileAnEditorOpens()
+{
+    FeatureTable features({category("Root", {"A"}), feature("A")});
+    features.view().selectSortAtoZ();
+    const QPointer<GenAPINodeItem> item = features.item("A");
+    const auto* const delegate = features.view().findChild<TableViewItemDelegate*>();
+    emptyWhenRead(features.view());
+    const std::unique_ptr<QWidget> editor(delegate->createEditor(nullptr, {}, features.cell("A", 2)));
+    QVERIFY(item.isNull());
+    QVERIFY(editor == nullptr);
+    QCOMPARE(features.view().descBox()->getCurrentIndex(), -1);
+}
+
+void VanishingRowsTest::whileEverythingIsRead()
+{
+    FeatureTable features({category("Root", {"A", "B"}), feature("A"), feature("B")});
+    const QPointer<GenAPINodeItem> item = features.item("A");
+    emptyWhenRead(features.view());
+    scripted::clearCalls();
+    features.view().updateAllFeatures();
+    QVERIFY(item.isNull());
+    QCOMPARE(scripted::count("Nd_GetIntMax"), 1);
+    QCOMPARE(features.rowsModel().rowCount(), 0);
+}
+
+} // namespace
+
+QTEST_MAIN(VanishingRowsTest)
+#include "VanishingRowsTest.moc"
