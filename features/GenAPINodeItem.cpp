@@ -7,8 +7,8 @@
 
 #include <QLatin1String>
 
-#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 
 using namespace Orvo;
@@ -135,12 +135,12 @@ QString GenAPINodeItem::getStrTypeNode() const
 
 QString GenAPINodeItem::getUserLevelAbbreviated() const
 {
-    static constexpr std::array<char, 4> letters{'B', 'E', 'G', 'I'}; // by visibility
+    static constexpr std::array<char, 4> kLetters{'B', 'E', 'G', 'I'}; // by visibility
     if (isCategory())
         return QStringLiteral("C");
     if (m_node.visibility < NODE_VISIBILITY_BEGINNER || m_node.visibility > NODE_VISIBILITY_INVISIBLE)
         return {};
-    const QString letter(QLatin1Char(letters.at(static_cast<std::size_t>(m_node.visibility))));
+    const QString letter(QLatin1Char(kLetters.at(static_cast<std::size_t>(m_node.visibility))));
     return m_node.accessMode == NODE_ACCESS_MODE_NI ? letter.toLower() : letter;
 }
 
@@ -166,12 +166,12 @@ long GenAPINodeItem::getValidNodeValue(long value) const
 
 double GenAPINodeItem::getValidNodeValue(double value) const
 {
-    double valid = std::max(value, m_node.minFloat);
+    double valid = std::fmax(value, m_node.minFloat); // the minimum of what is no number
     if (m_node.hasIncFloat) {
-        const double divisor = m_node.incFloat > 0 ? m_node.incFloat : 1.0;
+        const double step = stepOf(m_node.incFloat);
         // 32 bits are meant: more steps than that give the least of them.
-        const int steps = doubleToInt((valid - m_node.minFloat) / divisor + 0.5);
-        valid = steps * divisor + m_node.minFloat;
+        const int steps = doubleToInt((valid - m_node.minFloat) / step + 0.5);
+        valid = steps * step + m_node.minFloat;
     }
-    return std::min(valid, m_node.maxFloat);
+    return std::fmin(valid, m_node.maxFloat);
 }

@@ -114,7 +114,8 @@ public:
     QString getAdditionalInfo();
 
     // --- Writing --------------------------------------------------------------------------------------------------
-    // Each returns a status; 13 for what cannot be written to this node.
+    // Each returns a status: 13 for what this node does not take, and for a number where it is not writable. A text
+    // gives 2055 there.
 
     /// Writes what the text says in the node's own notation.
     int setNodeValue(const QString& text);

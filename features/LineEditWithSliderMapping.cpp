@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr int logPositions = 10000;
-constexpr int coarseSpan = 255;       // fewer positions than this make a poor slider
-constexpr int widestSpan = 0x1000000; // 24 bits
+constexpr int kLogPositions = 10000;
+constexpr int kCoarseSpan = 255;       // fewer positions than this make a poor slider
+constexpr int kWidestSpan = 0x1000000; // 24 bits
 
 bool isEmpty(std::int64_t minimum, std::int64_t maximum)
 {
@@ -25,27 +25,27 @@ bool isEmpty(double minimum, double maximum)
 /// A product that leaves 32 bits turns negative and ends this at once, so the widest ranges keep their scale.
 void divideToSpan(double& scale, double span)
 {
-    for (int i = 0; i < 9 && doubleToInt(span * scale) > widestSpan; ++i)
+    for (int i = 0; i < 9 && doubleToInt(span * scale) > kWidestSpan; ++i)
         scale /= 10;
 }
 
 double logPosition(const SliderMapping& mapping, double value)
 {
-    return std::log(value * mapping.scale + mapping.logOffset) / mapping.logRange * double{logPositions};
+    return std::log(value * mapping.scale + mapping.logOffset) / mapping.logRange * double{kLogPositions};
 }
 
 double valueAt(const SliderMapping& mapping, bool logarithmic, int position)
 {
     if (!logarithmic)
         return position / mapping.scale;
-    return (std::exp(position * mapping.logRange / double{logPositions}) - mapping.logOffset) / mapping.scale;
+    return (std::exp(position * mapping.logRange / double{kLogPositions}) - mapping.logOffset) / mapping.scale;
 }
 
 /// The right end of a logarithmic slider rounds to 2^63 where the maximum is INT64_MAX; it must not wrap.
 std::int64_t toInt64(double value)
 {
-    constexpr double twoTo63 = 9223372036854775808.0;
-    return value >= twoTo63 ? INT64_MAX : doubleToInt64(value);
+    constexpr double kTwoTo63 = 9223372036854775808.0;
+    return value >= kTwoTo63 ? INT64_MAX : doubleToInt64(value);
 }
 
 } // namespace
@@ -72,7 +72,7 @@ SliderPositions loadIntLog(SliderMapping& mapping, std::int64_t value)
         return {};
     mapping.logOffset = 1.0 - static_cast<double>(mapping.minInt);
     mapping.logRange = std::log(static_cast<double>(mapping.maxInt) + mapping.logOffset);
-    return {0, logPositions, intToPosition(mapping, true, value)};
+    return {0, kLogPositions, intToPosition(mapping, true, value)};
 }
 
 SliderPositions loadFloatLinear(SliderMapping& mapping, double value)
@@ -83,13 +83,13 @@ SliderPositions loadFloatLinear(SliderMapping& mapping, double value)
         return {low, low, low};
     }
     const double span = mapping.maxFloat - mapping.minFloat;
-    if (doubleToInt(span) > coarseSpan) {
+    if (doubleToInt(span) > kCoarseSpan) {
         divideToSpan(mapping.scale, span);
     } else {
         int multiplied = 0;
         do {
             mapping.scale *= 10;
-        } while (++multiplied < 7 && doubleToInt(span * mapping.scale) <= coarseSpan);
+        } while (++multiplied < 7 && doubleToInt(span * mapping.scale) <= kCoarseSpan);
     }
     return {doubleToInt(mapping.minFloat * mapping.scale), doubleToInt(mapping.maxFloat * mapping.scale),
             doubleToInt(value * mapping.scale)};
@@ -102,13 +102,13 @@ SliderPositions loadFloatLog(SliderMapping& mapping, double value)
         return {};
     const double span = mapping.maxFloat - mapping.minFloat;
     // Multiplied as long as 24 bits hold the span, unlike a linear slider, which stops when it has positions enough.
-    if (doubleToInt(span) <= coarseSpan) {
-        for (int i = 0; i < 7 && doubleToInt(span * mapping.scale) < widestSpan; ++i)
+    if (doubleToInt(span) <= kCoarseSpan) {
+        for (int i = 0; i < 7 && doubleToInt(span * mapping.scale) < kWidestSpan; ++i)
             mapping.scale *= 10;
     }
     mapping.logOffset = 1.0 - mapping.minFloat * mapping.scale;
     mapping.logRange = std::log(mapping.maxFloat * mapping.scale + mapping.logOffset);
-    return {0, logPositions, floatToPosition(mapping, true, value)};
+    return {0, kLogPositions, floatToPosition(mapping, true, value)};
 }
 
 int intToPosition(const SliderMapping& mapping, bool logarithmic, std::int64_t value)
@@ -118,7 +118,7 @@ int intToPosition(const SliderMapping& mapping, bool logarithmic, std::int64_t v
     const auto clamped = static_cast<double>(std::clamp(value, mapping.minInt, mapping.maxInt));
     if (!logarithmic)
         return doubleToInt(clamped * mapping.scale);
-    if (mapping.logRange * double{logPositions} == 0.0)
+    if (mapping.logRange * double{kLogPositions} == 0.0)
         return 1;
     return doubleToInt(logPosition(mapping, clamped));
 }
@@ -148,11 +148,11 @@ std::int64_t validInt(const SliderMapping& mapping, std::int64_t value)
 
 double validFloat(const SliderMapping& mapping, double value)
 {
-    double valid = std::fmax(value, mapping.minFloat);
+    double valid = std::fmax(value, mapping.minFloat); // the minimum of what is no number
     if (mapping.hasIncFloat) {
-        const double increment = mapping.incFloat > 0 ? mapping.incFloat : 1.0;
-        const int steps = doubleToInt((valid - mapping.minFloat) / increment + 0.5);
-        valid = steps * (increment * increment) + mapping.minFloat; // squared: meant
+        const double step = stepOf(mapping.incFloat);
+        const int steps = doubleToInt((valid - mapping.minFloat) / step + 0.5);
+        valid = steps * (step * step) + mapping.minFloat; // squared: meant
     }
     return std::fmin(valid, mapping.maxFloat);
 }

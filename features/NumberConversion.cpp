@@ -2,23 +2,28 @@
 
 namespace {
 
-constexpr double twoTo31 = 2147483648.0;
-constexpr double twoTo63 = 9223372036854775808.0;
+constexpr double kTwoTo31 = 2147483648.0;
+constexpr double kTwoTo63 = 9223372036854775808.0;
 
 } // namespace
 
 std::int32_t doubleToInt(double value)
 {
-    if (value > -twoTo31 - 1.0 && value < twoTo31)
+    if (value > -kTwoTo31 - 1.0 && value < kTwoTo31)
         return static_cast<std::int32_t>(value);
     return INT32_MIN;
 }
 
 std::int64_t doubleToInt64(double value)
 {
-    if (value >= -twoTo63 && value < twoTo63)
+    if (value >= -kTwoTo63 && value < kTwoTo63)
         return static_cast<std::int64_t>(value);
     return INT64_MIN;
+}
+
+double stepOf(double increment)
+{
+    return increment > 0 ? increment : 1.0;
 }
 
 long snapToIncrement(long value, long minimum, long maximum, long increment)
