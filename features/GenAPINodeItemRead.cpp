@@ -20,7 +20,7 @@ struct AccessText {
     const char* text;
 };
 
-constexpr AccessText accessTexts[] = {
+constexpr AccessText kAccessTexts[] = {
     {NODE_ACCESS_MODE_NI, "== Not Implemented =="},
     {NODE_ACCESS_MODE_NA, "== Not Available =="},
     {NODE_ACCESS_MODE_WO, "== Write-Only =="},
@@ -52,7 +52,7 @@ QString GenAPINodeItem::showValueText()
 CAM_API_STATUS GenAPINodeItem::readValue(QString& log)
 {
     if (m_node.accessMode != NODE_ACCESS_MODE_RO && m_node.accessMode != NODE_ACCESS_MODE_RW) {
-        for (const AccessText& row : accessTexts) {
+        for (const AccessText& row : kAccessTexts) {
             if (row.accessMode == m_node.accessMode)
                 m_node.valueText = QLatin1String(row.text);
         }

@@ -11,23 +11,8 @@
 
 namespace {
 
-constexpr int dragInterval = 50; // ms between two writes of a slider that is dragged
-constexpr int leastPartWidth = 50;
-
-void readIntRange(SliderMapping& mapping, const GenAPINodeItem& item)
-{
-    mapping.minInt = item.getMinInt();
-    mapping.maxInt = item.getMaxInt();
-    mapping.incInt = item.getIncInt();
-}
-
-void readFloatRange(SliderMapping& mapping, const GenAPINodeItem& item)
-{
-    mapping.minFloat = item.getMinFloat();
-    mapping.maxFloat = item.getMaxFloat();
-    mapping.hasIncFloat = item.getHasIncFloat();
-    mapping.incFloat = item.getIncFloat();
-}
+constexpr int kDragInterval = 50; // ms between two writes of a slider that is dragged
+constexpr int kLeastPartWidth = 50;
 
 } // namespace
 
@@ -43,7 +28,7 @@ LineEditWithSlider::LineEditWithSlider(QWidget* parent)
     m_slider.setTracking(true);
     for (QWidget* part : {static_cast<QWidget*>(&m_lineEdit), static_cast<QWidget*>(&m_slider)}) {
         part->setGeometry(0, 0, width() / 2, height());
-        part->setMinimumWidth(leastPartWidth);
+        part->setMinimumWidth(kLeastPartWidth);
         layout->addWidget(part, 0);
     }
 
@@ -86,34 +71,43 @@ void LineEditWithSlider::setValue(GenAPINodeItem* item)
 
 void LineEditWithSlider::setValIntLinear(GenAPINodeItem* item)
 {
-    m_item = item;
-    readIntRange(m_mapping, *item);
-    const long value = item->getValInt(false);
-    fill(loadIntLinear(m_mapping, value), m_mapping.minInt >= m_mapping.maxInt);
+    loadInt(*item, loadIntLinear);
 }
 
 void LineEditWithSlider::setValFloatLinear(GenAPINodeItem* item)
 {
-    m_item = item;
-    readFloatRange(m_mapping, *item);
-    const double value = item->getValFloat(false);
-    fill(loadFloatLinear(m_mapping, value), !(m_mapping.minFloat < m_mapping.maxFloat));
+    loadFloat(*item, loadFloatLinear);
 }
 
 void LineEditWithSlider::setValIntLog(GenAPINodeItem* item)
 {
-    m_item = item;
-    readIntRange(m_mapping, *item);
-    const long value = item->getValInt(false);
-    fill(loadIntLog(m_mapping, value), m_mapping.minInt >= m_mapping.maxInt);
+    loadInt(*item, loadIntLog);
 }
 
 void LineEditWithSlider::setValFloatLog(GenAPINodeItem* item)
 {
-    m_item = item;
-    readFloatRange(m_mapping, *item);
-    const double value = item->getValFloat(false);
-    fill(loadFloatLog(m_mapping, value), !(m_mapping.minFloat < m_mapping.maxFloat));
+    loadFloat(*item, loadFloatLog);
+}
+
+void LineEditWithSlider::loadInt(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, std::int64_t))
+{
+    m_item = &item;
+    m_mapping.minInt = item.getMinInt();
+    m_mapping.maxInt = item.getMaxInt();
+    m_mapping.incInt = item.getIncInt();
+    const long value = item.getValInt(false);
+    fill(load(m_mapping, value), m_mapping.minInt >= m_mapping.maxInt);
+}
+
+void LineEditWithSlider::loadFloat(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, double))
+{
+    m_item = &item;
+    m_mapping.minFloat = item.getMinFloat();
+    m_mapping.maxFloat = item.getMaxFloat();
+    m_mapping.hasIncFloat = item.getHasIncFloat();
+    m_mapping.incFloat = item.getIncFloat();
+    const double value = item.getValFloat(false);
+    fill(load(m_mapping, value), !(m_mapping.minFloat < m_mapping.maxFloat));
 }
 
 void LineEditWithSlider::fill(const SliderPositions& positions, bool isFixed)
@@ -236,7 +230,7 @@ void LineEditWithSlider::slider_Pressed()
     m_sliderPressed = true;
     if (m_timerId != 0)
         killTimer(m_timerId);
-    m_timerId = startTimer(dragInterval);
+    m_timerId = startTimer(kDragInterval);
 }
 
 void LineEditWithSlider::slider_Released()

@@ -69,6 +69,8 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    void loadInt(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, std::int64_t));
+    void loadFloat(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, double));
     void fill(const SliderPositions& positions, bool isFixed);
     void writeText();
     void writePosition();

@@ -13,7 +13,7 @@ struct TypeRow {
     bool sliderPossible; ///< EditorSlider instead, by representation
 };
 
-constexpr TypeRow typeRows[] = {
+constexpr TypeRow kTypeRows[] = {
     {NODE_TYPE_VALUE, "Value", EditorNone, false},
     {NODE_TYPE_BASE, "Base", EditorNone, false},
     {NODE_TYPE_INTEGER, "Integer", EditorLineEdit, true},
@@ -36,7 +36,7 @@ struct NameOverride {
     NodeRepresentation representation;
 };
 
-constexpr NameOverride nameOverrides[] = {
+constexpr NameOverride kNameOverrides[] = {
     {"Width", NODE_TYPE_INTEGER, NODE_REPRESENTATION_LINEAR},
     {"Height", NODE_TYPE_INTEGER, NODE_REPRESENTATION_LINEAR},
     {"OffsetX", NODE_TYPE_INTEGER, NODE_REPRESENTATION_LINEAR},
@@ -47,7 +47,7 @@ constexpr NameOverride nameOverrides[] = {
 
 const TypeRow* rowOf(NodeType type)
 {
-    for (const TypeRow& row : typeRows) {
+    for (const TypeRow& row : kTypeRows) {
         if (row.type == type)
             return &row;
     }
@@ -67,7 +67,7 @@ NodeEditor NodeEditor::choose(NodeType type, const QString& name, NodeRepresenta
                               bool useNameOverrides)
 {
     if (useNameOverrides) {
-        for (const NameOverride& feature : nameOverrides) {
+        for (const NameOverride& feature : kNameOverrides) {
             if (feature.type == type && name == QLatin1String(feature.name))
                 return {EditorSlider, feature.representation};
         }

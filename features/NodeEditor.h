@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// Item data of a value cell: an EditorWidgetType as int.
+/// Item data of a value cell: an EditorWidgetType as int. TreeViewItemDelegate takes a name.
 constexpr int EditorKindRole = Qt::UserRole + 3;
 
 /// The editor of a feature's value.

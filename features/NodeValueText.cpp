@@ -104,8 +104,8 @@ QString floatText(double value, char format, std::int64_t precision)
 {
     // A double has at most 1074 digits after its point; more, from a camera that is not to be trusted, would only cost
     // memory. A negative number means the default.
-    constexpr std::int64_t mostDigits = 1074;
-    return QString::number(value, format, static_cast<int>(std::clamp<std::int64_t>(precision, -1, mostDigits)));
+    constexpr std::int64_t kMostDigits = 1074;
+    return QString::number(value, format, static_cast<int>(std::clamp<std::int64_t>(precision, -1, kMostDigits)));
 }
 
 QString withoutUnit(const QString& text)

@@ -16,7 +16,7 @@ struct FragmentRow {
 
 // "Nd_GetBooltValue", "Nd_GetEnumIntValuec", the quote of "Nd_CmdExecute'hCam", the lower-case "hcam", the missing
 // semicolons and the integer that takes a float are meant to stay as they are.
-constexpr FragmentRow fragments[] = {
+constexpr FragmentRow kFragments[] = {
     {Fragment::NodeLookup, "status = Orvo::Nd_GetNode(hCam, \"%1\", &hNode);\n"},
     {Fragment::IntegerRead, "int64_t llVal = 0;\n"
                             "status = Orvo::Nd_GetIntValue(hCam, hNode, &llVal);\n"},
@@ -79,11 +79,11 @@ constexpr FragmentRow fragments[] = {
 
 constexpr bool standInOrder()
 {
-    for (std::size_t i = 0; i < std::size(fragments); ++i) {
-        if (static_cast<std::size_t>(fragments[i].fragment) != i)
+    for (std::size_t i = 0; i < std::size(kFragments); ++i) {
+        if (static_cast<std::size_t>(kFragments[i].fragment) != i)
             return false;
     }
-    return fragments[std::size(fragments) - 1].fragment == Fragment::PreambleNode;
+    return kFragments[std::size(kFragments) - 1].fragment == Fragment::PreambleNode;
 }
 static_assert(standInOrder());
 
@@ -91,7 +91,7 @@ static_assert(standInOrder());
 
 QString text(Fragment fragment)
 {
-    return QLatin1String(fragments[static_cast<std::size_t>(fragment)].text);
+    return QLatin1String(kFragments[static_cast<std::size_t>(fragment)].text);
 }
 
 QString text(Fragment fragment, const QString& argument)

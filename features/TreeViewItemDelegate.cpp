@@ -1,5 +1,7 @@
 #include "features/TreeViewItemDelegate.h"
 
+#include "features/NodeEditor.h"
+
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -9,8 +11,6 @@
 #include <array>
 
 namespace {
-
-constexpr int editorNameRole = Qt::UserRole + 3;
 
 QWidget* spinBox(QWidget* parent)
 {
@@ -49,7 +49,7 @@ struct EditorRow {
     QWidget* (*create)(QWidget* parent);
 };
 
-constexpr std::array<EditorRow, 5> editorRows = {{
+constexpr std::array<EditorRow, 5> kEditorRows = {{
     {"SpinBox", spinBox},
     {"ComboBox", comboBox},
     {"Button", button},
@@ -69,8 +69,8 @@ QWidget* TreeViewItemDelegate::createEditor(QWidget* parent, const QStyleOptionV
 {
     if (index.column() != 0)
         return nullptr;
-    const QString name = index.data(editorNameRole).toString();
-    for (const EditorRow& row : editorRows) {
+    const QString name = index.data(EditorKindRole).toString();
+    for (const EditorRow& row : kEditorRows) {
         if (name == QLatin1String(row.name))
             return row.create(parent);
     }

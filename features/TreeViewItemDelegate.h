@@ -2,7 +2,7 @@
 
 #include <QStyledItemDelegate>
 
-/// Editors for column 0 of any model, chosen by the name under Qt::UserRole + 3: "SpinBox", "ComboBox", "Button",
+/// Editors for column 0 of any model, chosen by the name under EditorKindRole: "SpinBox", "ComboBox", "Button",
 /// "Slider" or "TextBox". It knows nothing of cameras, and the viewer does not use it. Lives on the GUI thread.
 class TreeViewItemDelegate : public QStyledItemDelegate {
     Q_OBJECT

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int editorNameRole = Qt::UserRole + 3;
+constexpr int kEditorNameRole = Qt::UserRole + 3;
 
 class TreeViewItemDelegateTest : public QObject {
     Q_OBJECT
@@ -55,7 +55,7 @@ void TreeViewItemDelegateTest::init()
 QModelIndex TreeViewItemDelegateTest::cell(const char* editorName, const QVariant& value, int column)
 {
     const QModelIndex index = m_model.index(0, column);
-    m_model.setData(index, QString(editorName), editorNameRole);
+    m_model.setData(index, QString(editorName), kEditorNameRole);
     m_model.setData(index, value, Qt::EditRole);
     return index;
 }
