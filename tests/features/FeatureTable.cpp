@@ -41,6 +41,22 @@ bool showsImage(const QIcon& icon, const QString& fileName)
     return !wanted.isNull() && icon.pixmap(wanted.size()).toImage() == wanted.toImage();
 }
 
+QStringList headerTexts(const QAbstractItemModel& model)
+{
+    QStringList texts;
+    for (int column = 0; column < model.columnCount(); ++column)
+        texts << model.headerData(column, Qt::Horizontal, Qt::EditRole).toString();
+    return texts;
+}
+
+QStringList itemNames(const FeatureView& view)
+{
+    QStringList names;
+    for (const GenAPINodeItem* const item : view.items())
+        names << item->getNodeName();
+    return names;
+}
+
 Orvo::CAM_HANDLE openScriptedCamera()
 {
     std::uint32_t count = 0;

@@ -22,6 +22,10 @@
 /// Whether the icon shows the compiled-in image of that name.
 [[nodiscard]] bool showsImage(const QIcon& icon, const QString& fileName);
 
+[[nodiscard]] QStringList headerTexts(const QAbstractItemModel& model);
+/// In the order of the item list.
+[[nodiscard]] QStringList itemNames(const FeatureView& view);
+
 /// A feature view over an open scripted camera.
 class FeatureTable {
 public:
