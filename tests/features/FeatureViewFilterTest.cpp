@@ -148,6 +148,12 @@ void FeatureViewFilterTest::levelsAndOrders()
     features.view().setNIfeatureVisible(notImplementedVisible);
     features.view().sortAndFilter(sortAtoZ, static_cast<Orvo::TC_NODE_VISIBILITY>(level));
     QTEST(features.names().join(QString()), "letters");
+
+    QStringList checked{sortAtoZ ? "&sortAz" : "&sortCtg"};
+    const QStringList ofLevels{"&levelBeginner", "&levelExpert", "&levelGuru", "&levelInvisible"};
+    if (level >= 0 && level < ofLevels.size())
+        checked << ofLevels.at(level);
+    QCOMPARE(checkedActions(features.view()), checked); // none of a level that there is not
 }
 
 void FeatureViewFilterTest::thePatternIsAFilterOfTheProxy()

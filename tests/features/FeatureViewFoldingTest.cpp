@@ -62,6 +62,7 @@ private slots:
     void clickDescribesTheRow();
     void clickAtTheLeftEdgeFolds_data();
     void clickAtTheLeftEdgeFolds();
+    void clickWithThePointerLeftOfTheTableFolds();
     void clickAtTheLeftEdgeOfAFeatureOnlyDescribes();
     void doubleClickFolds();
     void doubleClickOnAFeatureChangesNothing();
@@ -311,6 +312,16 @@ void FeatureViewFoldingTest::clickAtTheLeftEdgeFolds()
     QTEST(features.shownNames().contains("A"), "folds");
     QCOMPARE(features.view().descBox()->getCurrentIndex(), 1);
     QCOMPARE(features.table().currentIndex(), features.cell("Plain"));
+}
+
+// Where the pointer went meanwhile is what counts.
+void FeatureViewFoldingTest::clickWithThePointerLeftOfTheTableFolds()
+{
+    FeatureTable features(nested());
+    features.show();
+    QCursor::setPos(features.table().mapToGlobal(QPoint(-7, 40)));
+    features.view().tableRowClicked(features.cell("Plain"));
+    QVERIFY(features.shownNames().contains("A"));
 }
 
 void FeatureViewFoldingTest::clickAtTheLeftEdgeOfAFeatureOnlyDescribes()

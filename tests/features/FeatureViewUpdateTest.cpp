@@ -48,6 +48,7 @@ private slots:
     void withoutAWriteNothingIsRead();
     void afterAWriteEverythingIsReadOnce();
     void aForcedReadingAnswersTheWriteToo();
+    void aWriteWhileReadingIsAnsweredByIt();
     void theDefaultIsForced();
     void theRefreshActionIsForced();
 
@@ -126,6 +127,16 @@ void FeatureViewUpdateTest::aForcedReadingAnswersTheWriteToo()
     QVERIFY(scripted::calls().empty());
 }
 
+void FeatureViewUpdateTest::aWriteWhileReadingIsAnsweredByIt()
+{
+    FeatureTable features(threeRows());
+    scripted::onCall("Nd_GetAccessMode", [&] { features.view().setValuesWritten(); });
+    features.view().updateAllFeatures(true);
+    scripted::clearCalls();
+    features.view().updateAllFeatures(false);
+    QVERIFY(scripted::calls().empty());
+}
+
 void FeatureViewUpdateTest::theDefaultIsForced()
 {
     FeatureTable features(threeRows());
@@ -173,6 +184,13 @@ void FeatureViewUpdateTest::colourOfAFailingAccessModeStays()
     scripted::failNode("A", "Nd_GetAccessMode", Orvo::CAM_API_STS_BUSY);
     features.view().updateAllFeatures();
     QCOMPARE(features.cell("A").data(Qt::BackgroundRole).value<QColor>(), QColor(255, 255, 255));
+
+    // By the mode that was read last a row is coloured all the same.
+    for (const int column : {0, 1, 2})
+        features.view().sourceModel()->item(1, column)->setForeground(QColor(1, 2, 3));
+    features.view().updateAllFeatures();
+    for (const int column : {0, 1, 2})
+        QCOMPARE(features.cell("A", column).data(Qt::ForegroundRole).value<QColor>(), QColor(0, 0, 0));
 }
 
 void FeatureViewUpdateTest::tellsTheTableOncePerChange()

@@ -24,6 +24,7 @@ private slots:
     void cleanup() { close(); }
 
     void constructed();
+    void eachPartStartsAtHalfTheWidth();
     void signalsAndSlotsInTheirOrder();
     void trackingIsTheSliders();
 
@@ -45,6 +46,7 @@ private slots:
     void otherNodeTypes();
     void loaderLeavesTheSliderDisabled();
     void loadingWritesNothing();
+    void loadingReadsOnlyWhereNoValueIsKnown_data();
     void loadingReadsOnlyWhereNoValueIsKnown();
     void loadedAgainTakesTheNewRange();
     void textWithoutUnitWhenLoadedWithUnitWhenWritten();
@@ -67,6 +69,15 @@ void LineEditWithSliderLoadTest::constructed()
     QCOMPARE(layout->stretch(0), 0);
     QCOMPARE(layout->stretch(1), 0);
     QVERIFY(m_editor->focusProxy() == nullptr);
+}
+
+void LineEditWithSliderLoadTest::eachPartStartsAtHalfTheWidth()
+{
+    QWidget parent;
+    const LineEditWithSlider editor(&parent);
+    for (const QWidget* part :
+         {static_cast<QWidget*>(editor.findChild<QLineEdit*>()), static_cast<QWidget*>(editor.findChild<QSlider*>())})
+        QCOMPARE(part->geometry(), QRect(0, 0, editor.width() / 2, editor.height()));
 }
 
 void LineEditWithSliderLoadTest::signalsAndSlotsInTheirOrder()
@@ -233,7 +244,18 @@ void LineEditWithSliderLoadTest::extremes_data()
     }
 }
 
-// No crash and no hang, whatever is done with it.
+/// Not beyond the end of the range that is no number, if one is, and of a range upside down its maximum.
+bool isWithin(const NodeSpec& spec, const QString& value)
+{
+    if (spec.type == Orvo::NODE_TYPE_FLOAT) {
+        const double number = value.toDouble();
+        return !(number < spec.floatMin) && !(number > spec.floatMax);
+    }
+    const std::int64_t number = value.toLongLong();
+    return spec.intMin < spec.intMax ? number >= spec.intMin && number <= spec.intMax : number == spec.intMax;
+}
+
+// No crash and no hang, whatever is done with it, and nothing beyond the range.
 void LineEditWithSliderLoadTest::extremes()
 {
     QFETCH(const NodeSpec, spec);
@@ -241,9 +263,10 @@ void LineEditWithSliderLoadTest::extremes()
     m_editor->setValue(itemOf(spec));
     const QString shown = lineEdit().text();
     QCOMPARE(shown, m_item->getNodeValue(false, false));
+    slider().setFocus();
+    scripted::clearCalls(); // the text of the line edit, when that was left
     for (const int position : {INT_MIN, -1, 0, 1, 5000, 10000, INT_MAX}) {
         slider().setValue(position);
-        slider().setFocus();
         m_editor->slider_Pressed();
         m_editor->slider_Moved(position);
         m_editor->getSliderValue();
@@ -251,7 +274,8 @@ void LineEditWithSliderLoadTest::extremes()
         m_editor->slider_Released();
     }
     QVERIFY(!written().isEmpty());
-    QVERIFY(slider().minimum() <= slider().maximum());
+    for (const QString& value : written())
+        QVERIFY2(isWithin(spec, value), qPrintable(value));
 }
 
 void LineEditWithSliderLoadTest::withoutItem()
@@ -332,16 +356,30 @@ void LineEditWithSliderLoadTest::loadingWritesNothing()
     QCOMPARE(written(), QStringList());
 }
 
+void LineEditWithSliderLoadTest::loadingReadsOnlyWhereNoValueIsKnown_data()
+{
+    QTest::addColumn<NodeSpec>("spec");
+    QTest::addColumn<QString>("read");
+    const NodeSpec integer = features::integer("Number", 37, 0, 100);
+    const NodeSpec real = features::real("Fraction", 0.5, 0, 1);
+    QTest::newRow("integer, linear") << features::linear(integer) << "Nd_GetIntValue";
+    QTest::newRow("integer, logarithmic") << features::logarithmic(integer) << "Nd_GetIntValue";
+    QTest::newRow("float, linear") << features::linear(real) << "Nd_GetFloatValue";
+    QTest::newRow("float, logarithmic") << features::logarithmic(real) << "Nd_GetFloatValue";
+}
+
 void LineEditWithSliderLoadTest::loadingReadsOnlyWhereNoValueIsKnown()
 {
-    GenAPINodeItem* item = itemOf(features::linear(features::real("Fraction", 0.5, 0, 1)));
+    QFETCH(const NodeSpec, spec);
+    QFETCH(const QString, read);
+    GenAPINodeItem* item = itemOf(spec);
     m_editor->setValue(item);
     QCOMPARE(scripted::calls().size(), std::size_t{0});
-    scripted::failCall("Nd_GetFloatValue", 258);
+    scripted::failCall(read.toStdString(), 258);
     item->getNodeValue(false, true);
     scripted::clearCalls();
     m_editor->setValue(item);
-    QCOMPARE(scripted::count("Nd_GetFloatValue"), 1);
+    QCOMPARE(scripted::count(read.toStdString()), 1);
 }
 
 void LineEditWithSliderLoadTest::loadedAgainTakesTheNewRange()

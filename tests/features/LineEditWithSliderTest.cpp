@@ -5,6 +5,7 @@
 
 #include <QtTest>
 
+#include <QAbstractEventDispatcher>
 #include <QSignalSpy>
 
 using scripted::NodeSpec;
@@ -31,6 +32,8 @@ private slots:
     void draggingWritesEvery50Milliseconds();
     void pressingAloneWritesThePosition();
     void unmovedSliderIsWrittenOnce();
+    void loadingKeepsWhatWasWrittenLast();
+    void theTimerRunsFromPressToRelease();
     void releaseWritesNothing();
     void reloadEndsThePress();
     void floatIsDragged();
@@ -213,6 +216,30 @@ void LineEditWithSliderTest::unmovedSliderIsWrittenOnce()
     lineEdit().setText("38");
     m_editor->getSliderValue();
     QCOMPARE(written(), (QStringList{"37", "38"}));
+}
+
+void LineEditWithSliderTest::loadingKeepsWhatWasWrittenLast()
+{
+    m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
+    m_editor->getSliderValue();
+    m_editor->setValue(m_item);
+    m_editor->getSliderValue();
+    QCOMPARE(written(), QStringList{"37"});
+}
+
+void LineEditWithSliderTest::theTimerRunsFromPressToRelease()
+{
+    m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
+    const auto timers = [&] { return QAbstractEventDispatcher::instance()->registeredTimers(m_editor); };
+    QVERIFY(timers().isEmpty());
+    for (int press = 0; press < 2; ++press) { // the second without a release
+        m_editor->slider_Pressed();
+        QCOMPARE(timers().size(), 1);
+        QCOMPARE(timers().first().interval, 50);
+        QVERIFY(timers().first().timerType == Qt::CoarseTimer);
+    }
+    m_editor->slider_Released();
+    QVERIFY(timers().isEmpty());
 }
 
 void LineEditWithSliderTest::releaseWritesNothing()

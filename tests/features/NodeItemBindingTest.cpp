@@ -163,7 +163,7 @@ void NodeItemBindingTest::everyProperty()
 
 void NodeItemBindingTest::itemRoles()
 {
-    NodeBench bench({fullNode()});
+    NodeBench bench({with(NODE_ACCESS_MODE_RW, fullNode())}); // which a write would reach
     GenAPINodeItem item(bench.camera(), bench.handle("DeviceTemperature"), 4, &bench.view, nullptr);
     QCOMPARE(item.data(2), QVariant(QString("1.235e+01 C")));
     QCOMPARE(item.data(3), QVariant(QString("Tip %1")));

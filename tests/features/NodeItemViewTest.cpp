@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <functional>
 #include <string>
+#include <vector>
 
 using Write = std::function<int(GenAPINodeItem&)>;
 Q_DECLARE_METATYPE(Write)
@@ -80,6 +81,8 @@ private slots:
     void failedCommandFromTextCounts();
     void spinBoxDoesNotCount();
     void triggerCheckIsWithinTheWrite();
+    void readingBackIsWithinTheWrite();
+    void storingTheTextIsWithinTheWrite();
     void comboReadsEverythingAnew();
     void comboReadsOnlyWhatWasNotReadSince();
     void comboThatFailedReadsNothing();
@@ -250,6 +253,27 @@ void NodeItemViewTest::triggerCheckIsWithinTheWrite()
     QCOMPARE(rows.item->setNodeValue(QString("Second")), 0);
     QCOMPARE(checks, 1);
     QVERIFY(inProgress);
+    QVERIFY(!rows.writeInProgress());
+}
+
+void NodeItemViewTest::readingBackIsWithinTheWrite()
+{
+    Rows rows(integerNode(5));
+    std::vector<bool> inProgress;
+    scripted::onCall("Nd_GetIntValue", [&] { inProgress.push_back(rows.writeInProgress()); });
+    QCOMPARE(rows.item->setNodeValue(7L), 0);
+    QCOMPARE(inProgress, std::vector<bool>{true});
+    QVERIFY(!rows.writeInProgress());
+}
+
+void NodeItemViewTest::storingTheTextIsWithinTheWrite()
+{
+    Rows rows(integerNode(5));
+    std::vector<bool> inProgress;
+    connect(rows.table.view().sourceModel(), &QStandardItemModel::dataChanged, this,
+            [&] { inProgress.push_back(rows.writeInProgress()); });
+    QCOMPARE(rows.item->setNodeValue(QString("7")), 0);
+    QCOMPARE(inProgress, std::vector<bool>{true});
     QVERIFY(!rows.writeInProgress());
 }
 
