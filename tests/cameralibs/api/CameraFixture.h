@@ -12,12 +12,14 @@
 
 /// A library with simulated cameras only, so that nothing looks for cameras on the network. Enumerated once.
 class SystemTest : public ::testing::Test {
-protected:
-    /// `simulatedCameras` as in ORVO_SIMULATED_CAMERAS.
-    explicit SystemTest(const std::string& simulatedCameras = "1");
+public:
     ~SystemTest() override;
     SystemTest(const SystemTest&) = delete;
     SystemTest& operator=(const SystemTest&) = delete;
+
+protected:
+    /// `simulatedCameras` as in ORVO_SIMULATED_CAMERAS.
+    explicit SystemTest(const std::string& simulatedCameras = "1");
 
     std::uint32_t m_cameras = 0;
 };

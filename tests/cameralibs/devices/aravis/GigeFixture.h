@@ -14,11 +14,13 @@
 
 /// A library that looks for GigE Vision cameras only, and one fake camera that it has found.
 class ListedGige : public ::testing::Test {
-protected:
-    explicit ListedGige(const std::vector<std::string>& cameraArguments = {});
+public:
     ~ListedGige() override;
     ListedGige(const ListedGige&) = delete;
     ListedGige& operator=(const ListedGige&) = delete;
+
+protected:
+    explicit ListedGige(const std::vector<std::string>& cameraArguments = {});
 
     /// Starts another one and enumerates until `count` are found.
     void addCamera(const std::vector<std::string>& arguments);
@@ -42,9 +44,11 @@ protected:
 
 /// Its stream, with the callbacks recorded: small images at a high rate.
 class StreamingGige : public OpenGige {
+public:
+    ~StreamingGige() override;
+
 protected:
     explicit StreamingGige(const std::vector<std::string>& cameraArguments = {});
-    ~StreamingGige() override;
 
     void start() { ASSERT_EQ(Orvo::Strm_Start(m_stream, 8), Orvo::CAM_API_STS_SUCCESS); }
     void stop() { ASSERT_EQ(Orvo::Strm_Stop(m_stream), Orvo::CAM_API_STS_SUCCESS); }
