@@ -319,7 +319,7 @@ TEST_F(BadInputTest, TwoCamerasAreOpenedAtTheSameTime)
     std::vector<std::thread> threads;
     for (std::uint32_t index = 0; index < 2; ++index) {
         threads.emplace_back([index] {
-            for (int round = 0; round < 30; ++round) {
+            for (int round = 0; round < 8; ++round) {
                 CAM_HANDLE camera = 0;
                 EXPECT_EQ(Cam_Open(index, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
                 EXPECT_FALSE(featuresOf(camera, "Root").empty());
