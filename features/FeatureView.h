@@ -182,6 +182,7 @@ private:
 
     // FeatureViewFilter.cpp
     void spanCategories();
+    void fitColumn(int column);
     void closeEditorUnlessAccepted(const QRegExp& filter);
     void readEveryItem();
 

@@ -6,9 +6,16 @@
 #include "features/HeldChanges.h"
 #include "features/UpdatesPaused.h"
 
+#include <algorithm>
+#include <functional>
+#include <utility>
+#include <vector>
+
 using Orvo::TC_NODE_VISIBILITY;
 
 namespace {
+
+constexpr int kMostMeasured = 32; // of the texts in a column
 
 /// Lower levels are shown with the higher ones. Categories stand between features in their own order only.
 struct LevelPattern {
@@ -60,7 +67,7 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
     // The value column is stretched to what is left. A hidden column keeps its width.
     for (const int column : {NameColumn, TypeColumn}) {
         if (!m_tableView.isColumnHidden(column))
-            m_tableView.resizeColumnToContents(column);
+            fitColumn(column);
     }
     updateClmNodeTypeVisible();
 }
@@ -82,6 +89,30 @@ void FeatureView::spanCategories()
         if (isCategory(sourceRow(row)))
             m_tableView.setSpan(row, NameColumn, 1, ColumnCount);
     }
+}
+
+/// Folded rows count, too: they are to be read when they appear. For their sake a column takes half of the view at
+/// most, and leaves the values their place.
+void FeatureView::fitColumn(int column)
+{
+    m_tableView.resizeColumnToContents(column);
+
+    // The widest text is one of the longest, and measuring takes longer than counting.
+    std::vector<std::pair<int, int>> byLength;
+    for (int row = 0; row < m_filterModel.rowCount(); ++row) {
+        const int source = sourceRow(row);
+        const QStandardItem* const cell = m_sourceModel->item(source, column);
+        if (cell && m_tableView.isRowHidden(row) && !isCategory(source)) // those span all columns
+            byLength.emplace_back(cell->text().size(), row);
+    }
+    const auto measured = byLength.begin() + std::min(kMostMeasured, static_cast<int>(byLength.size()));
+    std::partial_sort(byLength.begin(), measured, byLength.end(), std::greater<>());
+    int widest = 0;
+    for (auto entry = byLength.begin(); entry != measured; ++entry)
+        widest = std::max(widest, m_tableView.sizeHintForIndex(m_filterModel.index(entry->second, column)).width());
+    widest = std::min(widest + (m_tableView.showGrid() ? 1 : 0), width() / 2);
+    if (widest > m_tableView.columnWidth(column))
+        m_tableView.setColumnWidth(column, widest);
 }
 
 void FeatureView::setLevelInvisibleAvailable(bool available)

@@ -93,6 +93,8 @@ private slots:
     void noRowSpansInAToZ();
 
     void columnsFitTheirContents();
+    void columnsFitFoldedRowsToo();
+    void foldedRowsTakeHalfTheViewAtMost();
     void aHiddenTypeColumnKeepsItsWidth();
     void filteringAppliesTheTypeColumnRule();
 
@@ -351,6 +353,34 @@ void FeatureViewFilterTest::columnsFitTheirContents()
     }
     QVERIFY(seen[1].first > seen[0].first);
     QCOMPARE(seen[2], seen[0]);
+}
+
+void FeatureViewFilterTest::columnsFitFoldedRowsToo()
+{
+    NodeSpec text = feature("AFeatureOfALongName");
+    text.type = Orvo::NODE_TYPE_ENUMERATION; // the longest of the type texts
+    // Longer, but not as wide.
+    const NodeSpec narrow = feature("iiiiiiiiiiiiiiiiiiiiii");
+    // It is never shown, and would not need the column: a category spans them all.
+    const NodeSpec empty = category("AnEmptyCategoryOfALongerName", {});
+    FeatureTable features(
+        {category("Root", {"C", empty.name}), category("C", {narrow.name, text.name}), narrow, text, empty});
+    const QTableView& table = features.table();
+    QCOMPARE(features.shownNames(), QStringList("C"));
+    const std::pair folded(table.columnWidth(0), table.columnWidth(1));
+    features.view().changeCollapsedState(features.cell("C"));
+    features.table().resizeColumnsToContents();
+    QCOMPARE(folded, std::pair(table.columnWidth(0), table.columnWidth(1)));
+}
+
+void FeatureViewFilterTest::foldedRowsTakeHalfTheViewAtMost()
+{
+    const NodeSpec node = feature(std::string(200, 'W'));
+    FeatureTable features({category("Root", {"C"}), category("C", {node.name}), node});
+    QCOMPARE(features.table().columnWidth(0), features.view().width() / 2);
+    features.view().changeCollapsedState(features.cell("C"));
+    features.view().selectBeginner();
+    QVERIFY(features.table().columnWidth(0) > features.view().width()); // what is to be seen is fitted as ever
 }
 
 void FeatureViewFilterTest::aHiddenTypeColumnKeepsItsWidth()
