@@ -1,0 +1,24 @@
+// Loses memory in a slot of the GUI thread, with the toolkit's event loop below it on the stack.
+
+#include <QApplication>
+#include <QTimer>
+
+namespace {
+
+[[gnu::noinline]] void loseMemory()
+{
+    volatile char* const lost = new char[64];
+    lost[0] = 1;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    QTimer::singleShot(0, &application, [] {
+        loseMemory();
+        QCoreApplication::quit();
+    });
+    return QApplication::exec();
+}
