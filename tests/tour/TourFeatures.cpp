@@ -20,10 +20,8 @@ void Tour::featuresChapter()
     picture("features-levelInvisible");
     hand.clickTool("&levelGuru");
     hand.clickName("Height");
-    hand.clickTool("&levelGuru"); // makes the columns as wide as what is unfolded
     picture("features-unfolded");
     hand.choose("AccessSwitch", "NotImplemented");
-    hand.clickTool("&levelGuru");
     hand.clickName("AccessLockedWhileStreaming");
     picture("features-colours");
     hand.choose("AccessSwitch", "ReadWrite");

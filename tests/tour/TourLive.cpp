@@ -96,9 +96,7 @@ void Tour::softwareTrigger()
     m_driver->start();
     m_driver->trigger("actionSoftwareTrigger");
     waitForImages(1);
-    FeatureHand hand(m_driver->window());
-    hand.clickName("TriggerMode");    // unfolds its category
-    hand.clickTool("&levelBeginner"); // makes the columns as wide as what is unfolded
+    FeatureHand(m_driver->window()).clickName("TriggerMode"); // unfolds its category
     picture("software-trigger");
     m_driver->stop();
     if (opened::set("TriggerMode", "Off") != 0)
