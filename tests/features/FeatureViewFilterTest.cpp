@@ -212,8 +212,8 @@ void FeatureViewFilterTest::actionsRunTheSlots()
 {
     FeatureTable features(everyLetter());
     struct Step {
-        const char* action;
-        const char* shown;
+        const char* action = nullptr;
+        const char* shown = nullptr;
         QStringList checked;
     };
     const Step steps[] = {
