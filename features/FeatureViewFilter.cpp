@@ -91,8 +91,8 @@ void FeatureView::spanCategories()
     }
 }
 
-/// Folded rows count, too: they are to be read when they appear. For their sake a column takes half of the view at
-/// most, and leaves the values their place.
+/// Folded rows count, too: they are to be read when they appear. For their sake a column takes two fifths of the
+/// view at most: beside the types that leaves the values room for texts like "== Not Implemented ==".
 void FeatureView::fitColumn(int column)
 {
     m_tableView.resizeColumnToContents(column);
@@ -110,7 +110,7 @@ void FeatureView::fitColumn(int column)
     int widest = 0;
     for (auto entry = byLength.begin(); entry != measured; ++entry)
         widest = std::max(widest, m_tableView.sizeHintForIndex(m_filterModel.index(entry->second, column)).width());
-    widest = std::min(widest + (m_tableView.showGrid() ? 1 : 0), width() / 2);
+    widest = std::min(widest + (m_tableView.showGrid() ? 1 : 0), width() * 2 / 5);
     if (widest > m_tableView.columnWidth(column))
         m_tableView.setColumnWidth(column, widest);
 }

@@ -94,7 +94,7 @@ private slots:
 
     void columnsFitTheirContents();
     void columnsFitFoldedRowsToo();
-    void foldedRowsTakeHalfTheViewAtMost();
+    void foldedRowsTakeTwoFifthsOfTheViewAtMost();
     void aHiddenTypeColumnKeepsItsWidth();
     void filteringAppliesTheTypeColumnRule();
 
@@ -373,11 +373,11 @@ void FeatureViewFilterTest::columnsFitFoldedRowsToo()
     QCOMPARE(folded, std::pair(table.columnWidth(0), table.columnWidth(1)));
 }
 
-void FeatureViewFilterTest::foldedRowsTakeHalfTheViewAtMost()
+void FeatureViewFilterTest::foldedRowsTakeTwoFifthsOfTheViewAtMost()
 {
     const NodeSpec node = feature(std::string(200, 'W'));
     FeatureTable features({category("Root", {"C"}), category("C", {node.name}), node});
-    QCOMPARE(features.table().columnWidth(0), features.view().width() / 2);
+    QCOMPARE(features.table().columnWidth(0), features.view().width() * 2 / 5);
     features.view().changeCollapsedState(features.cell("C"));
     features.view().selectBeginner();
     QVERIFY(features.table().columnWidth(0) > features.view().width()); // what is to be seen is fitted as ever
