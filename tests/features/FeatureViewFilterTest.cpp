@@ -357,7 +357,7 @@ void FeatureViewFilterTest::columnsFitTheirContents()
 
 void FeatureViewFilterTest::columnsFitFoldedRowsToo()
 {
-    NodeSpec text = feature("AFeatureOfALongName");
+    NodeSpec text = feature("FeatureOfLongName");
     text.type = Orvo::NODE_TYPE_ENUMERATION; // the longest of the type texts
     // Longer, but not as wide.
     const NodeSpec narrow = feature("iiiiiiiiiiiiiiiiiiiiii");
