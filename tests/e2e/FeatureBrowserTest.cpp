@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -85,6 +86,8 @@ private:
     [[nodiscard]] bool nextImage();
     /// The mean grey of the next image.
     [[nodiscard]] double nextBrightness();
+    /// The message log without the lines of a busy buffer: they come where the machine is slower than the camera.
+    [[nodiscard]] QStringList errors() const;
     /// Clicks the name and the value of each feature in the table, and tells which editors opened.
     [[nodiscard]] QStringList clickEveryFeature();
 
@@ -153,6 +156,15 @@ double FeatureBrowserTest::nextBrightness()
     return sum / count;
 }
 
+QStringList FeatureBrowserTest::errors() const
+{
+    QStringList lines = driver->log();
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [](const QString& line) { return line.startsWith("CallbackBufferBusy."); }),
+                lines.end());
+    return lines;
+}
+
 void FeatureBrowserTest::pixelFormat()
 {
     open("SIM-C1920");
@@ -174,7 +186,7 @@ void FeatureBrowserTest::pixelFormat()
         QVERIFY(!hand->clickValue("PixelFormat"));
         driver->stop();
     }
-    QCOMPARE(driver->log(), QStringList());
+    QCOMPARE(errors(), QStringList());
 }
 
 void FeatureBrowserTest::width()
@@ -227,12 +239,15 @@ void FeatureBrowserTest::softwareTriggerFromTheToolBar()
     QVERIFY(driver->enabled("action_Menu_One_Shot"));
 
     // What was on its way arrives, then nothing comes by itself.
-    int before = -1;
-    QTRY_VERIFY_WITH_TIMEOUT(std::exchange(before, images) == images, kPatienceMs);
-    QTest::qWait(300);
-    const int still = images;
-    QTest::qWait(300);
-    QCOMPARE(images, still);
+    int still = -1;
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            if (std::exchange(still, images) == images)
+                return true;
+            QTest::qWait(1000); // longer than a conversion takes anywhere
+            return false;
+        },
+        kPatienceMs));
     driver->trigger("actionSoftwareTrigger");
     QTRY_COMPARE_WITH_TIMEOUT(images, still + 1, kPatienceMs);
 
@@ -287,7 +302,7 @@ void FeatureBrowserTest::lineScanImage()
         QVERIFY(coloursOf(last) > 1);
         driver->stop();
     }
-    QCOMPARE(driver->log(), QStringList());
+    QCOMPARE(errors(), QStringList());
 }
 
 QStringList FeatureBrowserTest::clickEveryFeature()
@@ -369,7 +384,7 @@ void FeatureBrowserTest::everyFeatureCanBeClicked()
 
     driver->close();
     QVERIFY(driver->enabled("actionOpen"));
-    QCOMPARE(driver->log(), QStringList());
+    QCOMPARE(errors(), QStringList());
 }
 
 } // namespace
