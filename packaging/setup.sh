@@ -36,10 +36,10 @@ install_missing_packages() {
     fi
 }
 
-# build_preset PRESET [CMAKE OPTION ...]
+# build_preset PRESET. Where CI is set, compiler warnings end the build.
 build_preset() {
     local preset=$1
-    shift
+    set -- ${CI:+-DORVO_WARNINGS_AS_ERRORS=ON}
     # Configuring anew is needed only where it was never done or the options differ; Ninja sees changed CMake files.
     if [ ! -f "build/$preset/build.ninja" ] || [ "$*" != "$(cat "build/$preset/.options" 2>/dev/null)" ]; then
         cmake --preset "$preset" "$@" && printf '%s' "$*" >"build/$preset/.options" || return 1
