@@ -22,9 +22,10 @@ public:
     [[nodiscard]] Outcome start() override
     {
         const auto settings = m_nodes.settings();
-        if (!settings)
+        if (!settings) {
             return {Orvo::CAM_API_STS_NOT_IMPLEMENTED,
                     "There are no images of the size and pixel format that the registers tell"};
+        }
         // What starts an acquisition is for the description to say: images come as soon as they are waited for.
         m_acquisition.configure(*settings);
         m_acquisition.start();
