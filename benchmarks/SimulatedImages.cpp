@@ -105,12 +105,18 @@ constexpr Variant kVariants[] = {
     {"scene, mirrored both ways", false, mirror},
 };
 
-/// False where the images take longer than the limit for their size.
+/// The pixels of the sensor that an image is made of, joined ones each for themselves.
+double sensorPixels(const ImageSettings& settings)
+{
+    return static_cast<double>(settings.width) * settings.height * settings.binningX * settings.binningY;
+}
+
+/// False where the images take longer than the limit for their part of the sensor.
 bool report(const CameraModel& model, std::string_view format, const Variant& variant)
 {
     ImageSettings settings = settingsOf(model, format);
     variant.apply(settings);
-    const double limit = kLimitMs * settings.width * settings.height / kLimitPixels;
+    const double limit = kLimitMs * sensorPixels(settings) / kLimitPixels;
     const Cost cost = measure(settings);
     std::printf("%-10s %-11s %-27s %9.2f ms %7.2f ms %8.2f of %4.1f ms\n", model.name.data(), format.data(),
                 variant.name, cost.first, cost.median, cost.median / limit, limit);
