@@ -35,6 +35,8 @@ in_root() {
     unshare --mount --pid --ipc --fork --kill-child env --ignore-environment \
         root="$root" HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive PATH=/usr/sbin:/usr/bin:/sbin:/bin \
         ${CI:+CI="$CI"} sh -c '
-            mount -t proc proc "$root/proc" && mount -t tmpfs tmpfs "$root/dev/shm" && exec chroot "$root" "$@"
+            # A root that is a mount point of its own: else the system could make no mount name space itself.
+            mount --bind "$root" "$root" && mount -t proc proc "$root/proc" &&
+                mount -t tmpfs tmpfs "$root/dev/shm" && exec chroot "$root" "$@"
         ' sh "$@"
 }
