@@ -182,7 +182,8 @@ private:
 
     // FeatureViewFilter.cpp
     void spanCategories();
-    void fitColumn(int column);
+    void fitColumns();
+    void fitColumn(int column, const std::vector<int>& folded);
     void closeEditorUnlessAccepted(const QRegExp& filter);
     void readEveryItem();
 

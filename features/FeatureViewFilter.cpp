@@ -64,11 +64,7 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
 
     spanCategories();
     SetRowCollapsedState();
-    // The value column is stretched to what is left. A hidden column keeps its width.
-    for (const int column : {NameColumn, TypeColumn}) {
-        if (!m_tableView.isColumnHidden(column))
-            fitColumn(column);
-    }
+    fitColumns();
     updateClmNodeTypeVisible();
 }
 
@@ -91,25 +87,40 @@ void FeatureView::spanCategories()
     }
 }
 
+/// The value column is stretched to what is left. A hidden column keeps its width.
+void FeatureView::fitColumns()
+{
+    std::vector<int> folded; // of the source model; categories span all columns
+    for (int row = 0; row < m_filterModel.rowCount(); ++row) {
+        if (m_tableView.isRowHidden(row) && !isCategory(sourceRow(row)))
+            folded.push_back(sourceRow(row));
+    }
+    for (const int column : {NameColumn, TypeColumn}) {
+        if (!m_tableView.isColumnHidden(column))
+            fitColumn(column, folded);
+    }
+}
+
 /// Folded rows count, too: they are to be read when they appear. For their sake a column takes two fifths of the
 /// view at most: beside the types that leaves the values room for texts like "== Not Implemented ==".
-void FeatureView::fitColumn(int column)
+void FeatureView::fitColumn(int column, const std::vector<int>& folded)
 {
     m_tableView.resizeColumnToContents(column);
 
     // The widest text is one of the longest, and measuring takes longer than counting.
     std::vector<std::pair<int, int>> byLength;
-    for (int row = 0; row < m_filterModel.rowCount(); ++row) {
-        const int source = sourceRow(row);
-        const QStandardItem* const cell = m_sourceModel->item(source, column);
-        if (cell && m_tableView.isRowHidden(row) && !isCategory(source)) // those span all columns
+    byLength.reserve(folded.size());
+    for (const int row : folded) {
+        if (const QStandardItem* const cell = m_sourceModel->item(row, column))
             byLength.emplace_back(cell->text().size(), row);
     }
     const auto measured = byLength.begin() + std::min(kMostMeasured, static_cast<int>(byLength.size()));
     std::partial_sort(byLength.begin(), measured, byLength.end(), std::greater<>());
     int widest = 0;
-    for (auto entry = byLength.begin(); entry != measured; ++entry)
-        widest = std::max(widest, m_tableView.sizeHintForIndex(m_filterModel.index(entry->second, column)).width());
+    for (auto entry = byLength.begin(); entry != measured; ++entry) {
+        const QModelIndex cell = m_filterModel.mapFromSource(m_sourceModel->index(entry->second, column));
+        widest = std::max(widest, m_tableView.sizeHintForIndex(cell).width());
+    }
     widest = std::min(widest + (m_tableView.showGrid() ? 1 : 0), width() * 2 / 5);
     if (widest > m_tableView.columnWidth(column))
         m_tableView.setColumnWidth(column, widest);
