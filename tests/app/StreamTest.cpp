@@ -13,6 +13,29 @@
 
 namespace {
 
+/// What a camera tells of its images.
+struct Parameters {
+    QSize size;
+    std::uint32_t format = 0;
+
+    void set() const
+    {
+        scripted::setImageFormat(static_cast<std::uint32_t>(size.width()), static_cast<std::uint32_t>(size.height()),
+                                 format);
+    }
+};
+
+// No two have anything in common, so that what is used tells when it was read.
+constexpr Parameters kOpened{{64, 48}, scripted::bayerRG8};
+constexpr Parameters kStarted{{32, 16}, scripted::mono8};
+constexpr Parameters kStreamOpened{{80, 60}, 0x02180014};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Parameters)
+
+namespace {
+
 class StreamTest : public QObject {
     Q_OBJECT
 
@@ -27,9 +50,8 @@ private slots:
     void startWithoutCameraDoesNothing();
     void startFailureClosesTheCamera_data();
     void startFailureClosesTheCamera();
-    void startWithUnreadableWidthGoesOn();
-    void startWithUnreadableHeightTakesTheWidth();
-    void startWithUnreadableFormatKeepsTheOldOne();
+    void startGoesOnWithWhatItCouldRead_data();
+    void startGoesOnWithWhatItCouldRead();
     void startWithoutMemory_data();
     void startWithoutMemory();
     void startMakesANewViewOnlyWhereTheFormatChanged();
@@ -156,53 +178,72 @@ void StreamTest::startFailureClosesTheCamera()
     QVERIFY(scripted::streaming());
 }
 
-void StreamTest::startWithUnreadableWidthGoesOn()
+void StreamTest::startGoesOnWithWhatItCouldRead_data()
 {
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QVector<int>>("failing");
+    QTest::addColumn<Parameters>("converted");
+    QTest::addColumn<QSize>("viewed");
+    const auto row = [](const char* operation, const QString& what, const QVector<int>& failing,
+                        const Parameters& converted, QSize viewed) {
+        const char* const which = failing.size() == 2 ? "twice" : failing.first() == 1 ? "first" : "second";
+        QTest::addRow("%s %s", operation, which) << operation << what << failing << converted << viewed;
+    };
+
+    // They are read before the stream is opened, and after it.
+    const QVector<int> first{1};
+    const QVector<int> second{2};
+    const QVector<int> twice{1, 2};
+
+    // A value that fails leaves out those behind it; a view is made anew only where all were read.
+    row("GetCamWidth", "width", first, kStreamOpened, kStreamOpened.size);
+    row("GetCamWidth", "width", second, kStarted, kStarted.size);
+    row("GetCamWidth", "width", twice, kOpened, kOpened.size);
+
+    const int newWidth = kStreamOpened.size.width();
+    const Parameters laterWidth{QSize(newWidth, kStarted.size.height()), kStarted.format};
+    const Parameters onlyWidth{QSize(newWidth, kOpened.size.height()), kOpened.format};
+    row("GetCamHeight", "height", first, kStreamOpened, kStreamOpened.size);
+    row("GetCamHeight", "height", second, laterWidth, kStarted.size);
+    row("GetCamHeight", "height", twice, onlyWidth, kOpened.size);
+
+    row("GetCamPixelFormat", "pixel format", first, kStreamOpened, kStreamOpened.size);
+    row("GetCamPixelFormat", "pixel format", second, {kStreamOpened.size, kStarted.format}, kStarted.size);
+    row("GetCamPixelFormat", "pixel format", twice, {kStreamOpened.size, kOpened.format}, kOpened.size);
+}
+
+void StreamTest::startGoesOnWithWhatItCouldRead()
+{
+    QFETCH(const QString, operation);
+    QFETCH(const QString, what);
+    QFETCH(const QVector<int>, failing);
+    QFETCH(const Parameters, converted);
+    QFETCH(const QSize, viewed);
     WindowDriver driver;
+    kOpened.set();
     driver.open();
-    scripted::failAlways("GetCamWidth", Orvo::CAM_API_STS_TIMEOUT);
+    const QPointer<QWidget> viewOfOpening = driver.window().centralWidget();
+
+    kStarted.set();
+    scripted::onCall("Strm_OpenSimple", [] { kStreamOpened.set(); });
+    for (const int reading : failing)
+        scripted::failCall(operation.toStdString(), Orvo::CAM_API_STS_TIMEOUT, reading);
     driver.start();
-    const QString line = "ERROR: Error image width. [CAM_API_STS_TIMEOUT]";
-    QCOMPARE(driver.log(), (QStringList{line, line}));
+    const QString line = "ERROR: Error image " + what + ". [CAM_API_STS_TIMEOUT]";
+    QCOMPARE(driver.log(), QVector<QString>(failing.size(), line).toList());
     QVERIFY(scripted::streaming());
-
-    QVERIFY(scripted::deliverImage(1));
-    QTRY_COMPARE(scripted::count("ConvImage"), 1);
-    const auto converted = scripted::calls({"ConvImage"}).at(0).arguments;
-    QCOMPARE(converted.at(5), std::string("64"));
-    QCOMPARE(converted.at(6), std::string("48"));
-}
-
-void StreamTest::startWithUnreadableHeightTakesTheWidth()
-{
-    WindowDriver driver;
-    driver.open();
-    const QPointer<QWidget> view = driver.window().centralWidget();
-    scripted::setImageFormat(32, 16, scripted::bayerRG8);
-    scripted::failAlways("GetCamHeight", Orvo::CAM_API_STS_TIMEOUT);
-    driver.start();
-    const QString line = "ERROR: Error image height. [CAM_API_STS_TIMEOUT]";
-    QCOMPARE(driver.log(), (QStringList{line, line}));
+    QCOMPARE(viewOfOpening != nullptr, viewed == kOpened.size);
+    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
     QVERIFY(view);
-    QCOMPARE(driver.window().centralWidget(), view.data());
+    QCOMPARE(view->view()->scene()->items().first()->boundingRect(), QRectF(QPointF(0, 0), viewed));
 
     QVERIFY(scripted::deliverImage(1));
     QTRY_COMPARE(scripted::count("ConvImage"), 1);
-    const auto converted = scripted::calls({"ConvImage"}).at(0).arguments;
-    QCOMPARE(converted.at(5), std::string("32"));
-    QCOMPARE(converted.at(6), std::string("48"));
-}
-
-void StreamTest::startWithUnreadableFormatKeepsTheOldOne()
-{
-    WindowDriver driver;
-    driver.open();
-    scripted::setImageFormat(64, 48, scripted::mono8);
-    scripted::failAlways("GetCamPixelFormat", Orvo::CAM_API_STS_TIMEOUT);
-    driver.start();
-    QVERIFY(scripted::deliverImage(1));
-    QTRY_COMPARE(scripted::count("ConvImage"), 1);
-    QCOMPARE(scripted::calls({"ConvImage"}).at(0).arguments.at(1), std::to_string(scripted::bayerRG8));
+    const auto arguments = scripted::calls({"ConvImage"}).at(0).arguments;
+    QCOMPARE(arguments.at(1), std::to_string(converted.format));
+    QCOMPARE(arguments.at(5), std::to_string(converted.size.width()));
+    QCOMPARE(arguments.at(6), std::to_string(converted.size.height()));
 }
 
 void StreamTest::startWithoutMemory_data()
