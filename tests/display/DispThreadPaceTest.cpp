@@ -29,6 +29,7 @@ private slots:
     void everyTryEndsInAPauseOf5Milliseconds_data();
     void everyTryEndsInAPauseOf5Milliseconds();
     void pausesBeforeTheFirstImageToo();
+    void imagesAndReportsComeInTime();
 
     void lentImageBlocksTheNext();
     void ratesGoOnWhileAnImageIsLent();
@@ -151,6 +152,26 @@ void DispThreadPaceTest::pausesBeforeTheFirstImageToo()
             timerStartedBefore = calls[i].at - 7ms;
     }
     QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0);
+}
+
+void DispThreadPaceTest::imagesAndReportsComeInTime()
+{
+    constexpr std::size_t mostReports = 20;
+    constexpr double enough = 30; // 1000 / 26 at best
+    constexpr auto soon = 2300ms;
+    double fastest = 0;
+    CallTimes::Clock::duration shortest = 1h;
+    RunningStream running;
+    const Feeder feeder(5);
+    // By and by: the machine may be busy with something else for a while.
+    for (std::size_t last = 1; last < mostReports && (fastest < enough || shortest >= soon); ++last) {
+        QVERIFY(running.waitForReports(last + 1));
+        const auto rates = running.rates();
+        fastest = std::max(fastest, rates[last].display);
+        shortest = std::min(shortest, rates[last].at - rates[last - 1].at);
+    }
+    QVERIFY2(fastest >= enough, qPrintable(QString::number(fastest)));
+    QVERIFY2(shortest < soon, qPrintable(QString::number(std::chrono::duration<double>(shortest).count())));
 }
 
 // --- Hand-over ------------------------------------------------------------------------------------------------------

@@ -60,7 +60,7 @@ void RunningStream::start()
         thread(), &DispThread::dispFps, thread(),
         [this](double capture, double display) {
             const std::lock_guard lock(m_mutex);
-            m_rates.push_back({capture, display, m_images - m_imagesReported});
+            m_rates.push_back({capture, display, m_images - m_imagesReported, std::chrono::steady_clock::now()});
             m_imagesReported = m_images;
         },
         Qt::DirectConnection);

@@ -38,6 +38,7 @@ public:
         double capture;
         double display;
         int imagesBefore; // emitted since the report before
+        std::chrono::steady_clock::time_point at;
     };
 
     RunningStream();
