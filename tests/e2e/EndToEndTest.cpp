@@ -27,12 +27,13 @@ QImage icon(const char* name)
     return QImage(QString(ICON_FOLDER "/%1.png").arg(name)).convertToFormat(QImage::Format_ARGB32);
 }
 
-/// The viewer as a process of its own.
+/// The viewer as a process of its own, with the simulated cameras and no others.
 class Viewer {
 public:
     explicit Viewer(const QProcessEnvironment& extra = {})
     {
         auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LD_PRELOAD", SIMULATED_ONLY);
         environment.insert(extra);
         // Without one Qt complains, and a clean run is to say nothing.
         environment.insert("XDG_RUNTIME_DIR", m_runtimeFolder.path());
@@ -160,7 +161,7 @@ void EndToEndTest::liveImageUnplugAndExit()
     const QString fifo = folder.filePath("remote");
     QCOMPARE(mkfifo(fifo.toLocal8Bit().constData(), 0600), 0);
     QProcessEnvironment extra;
-    extra.insert("LD_PRELOAD", REMOTE_CONTROL);
+    extra.insert("LD_PRELOAD", SIMULATED_ONLY ":" REMOTE_CONTROL);
     extra.insert("REMOTE_CONTROL", fifo);
     Viewer viewer(extra);
     const auto tell = [&](const QByteArray& line) {
