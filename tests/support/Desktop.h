@@ -7,7 +7,7 @@
 
 #include <optional>
 
-typedef struct _XDisplay Display;
+typedef struct _XDisplay Display; // NOLINT(bugprone-reserved-identifier): the name that X gave it
 
 /// The X screen as a user has it: looks at pixels, moves the pointer, clicks, closes windows.
 class Desktop {
