@@ -36,13 +36,13 @@ install_missing_packages() {
     fi
 }
 
-# build_preset PRESET. Where CI is set, compiler warnings end the build.
+# build_preset PRESET [TARGET ...], without a target everything. Where CI is set, compiler warnings end the build.
 build_preset() {
-    local preset=$1
-    set -- ${CI:+-DORVO_WARNINGS_AS_ERRORS=ON}
+    local preset=$1 options=${CI:+-DORVO_WARNINGS_AS_ERRORS=ON}
+    shift
     # Configuring anew is needed only where it was never done or the options differ; Ninja sees changed CMake files.
-    if [ ! -f "build/$preset/build.ninja" ] || [ "$*" != "$(cat "build/$preset/.options" 2>/dev/null)" ]; then
-        cmake --preset "$preset" "$@" && printf '%s' "$*" >"build/$preset/.options" || return 1
+    if [ ! -f "build/$preset/build.ninja" ] || [ "$options" != "$(cat "build/$preset/.options" 2>/dev/null)" ]; then
+        cmake --preset "$preset" ${options:+"$options"} && printf '%s' "$options" >"build/$preset/.options" || return 1
     fi
-    cmake --build --preset "$preset"
+    cmake --build --preset "$preset" ${1:+--target} "$@"
 }
