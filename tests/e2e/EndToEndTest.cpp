@@ -35,8 +35,6 @@ public:
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("LD_PRELOAD", SIMULATED_ONLY);
         environment.insert(extra);
-        // Without one Qt complains, and a clean run is to say nothing.
-        environment.insert("XDG_RUNTIME_DIR", m_runtimeFolder.path());
         m_process.setProcessEnvironment(environment);
         m_process.setProcessChannelMode(QProcess::SeparateChannels);
         m_process.start(VIEWER_PROGRAM, QStringList());
@@ -64,7 +62,6 @@ public:
     }
 
 private:
-    QTemporaryDir m_runtimeFolder;
     QProcess m_process;
 };
 

@@ -73,7 +73,7 @@ void Tour::pauseAndSnapshot()
     m_driver->trigger("actionPause");
     waitFor("the paused rate", [&] { return m_driver->rates().contains("Disp =   0.00"); });
     picture("paused");
-    // The file dialog shows the folders of nobody in particular.
+    // The file dialog shows the folders of nobody in particular, and the same ones in every tour.
     const QString folder = QDir::temp().filePath("snapshots");
     const QString folderBefore = QDir::currentPath();
     const QByteArray homeBefore = qgetenv("HOME");
