@@ -1,5 +1,6 @@
 #include "tests/cameralibs/api/CameraFixture.h"
 #include "tests/cameralibs/api/StreamRecorder.h"
+#include "tests/cameralibs/devices/DescriptionText.h"
 #include "tests/cameralibs/util/PfncFormats.h"
 
 #include "camera/OrvoCamUtl.h"
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -267,19 +267,15 @@ constexpr const char* oddDescription = R"(<?xml version="1.0" encoding="utf-8"?>
 </RegisterDescription>
 )";
 
-class OddCamera : public CameraFeatures {
+struct OddDescription {
+    DescriptionFile file{oddDescription};
+};
+
+class OddCamera : private OddDescription, public CameraFeatures {
 protected:
     OddCamera()
-        : CameraFeatures("0," + describedIn("odd-camera.xml"))
+        : CameraFeatures("0," + file.path())
     {
-    }
-
-private:
-    static std::string describedIn(const std::string& file)
-    {
-        std::string path = testing::TempDir() + file;
-        std::ofstream(path) << oddDescription;
-        return path;
     }
 };
 
