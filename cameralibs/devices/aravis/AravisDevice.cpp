@@ -1,7 +1,9 @@
 #include "AravisDevice.h"
 
 #include "cameralibs/devices/aravis/AravisSource.h"
+#include "cameralibs/devices/aravis/GigeReception.h"
 #include "cameralibs/devices/aravis/GigeStream.h"
+#include "cameralibs/devices/aravis/UsbReception.h"
 #include "cameralibs/genicam/ErrorStatus.h"
 
 #include <atomic>
@@ -61,18 +63,13 @@ Outcome AravisDevice::description(std::string& xml)
 Outcome AravisDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
                                  std::unique_ptr<FrameSource>& source)
 {
-    ArvDevice* device = m_connection->device();
-    if (ARV_IS_GV_DEVICE(device))
-        prepareGigeDevice(ARV_GV_DEVICE(device));
-    GError* error = nullptr;
-    GObjectPointer<ArvStream> stream(arv_device_create_stream(device, nullptr, nullptr, &error));
-    if (Outcome outcome = takeOpenError(error); !outcome.ok())
+    std::unique_ptr<Reception> reception;
+    if (ARV_IS_UV_DEVICE(m_connection->device())) {
+        reception = std::make_unique<UsbReception>(m_connection);
+    } else if (Outcome outcome = openGigeReception(reception); !outcome.ok()) {
         return outcome;
-    if (stream == nullptr)
-        return {CAM_API_STS_NOT_IMPLEMENTED, {}};
-    if (ARV_IS_GV_STREAM(stream.get()))
-        prepareGigeStream(ARV_GV_DEVICE(device), ARV_GV_STREAM(stream.get()));
-    source = std::make_unique<AravisSource>(m_connection, std::move(stream), sink, buffers);
+    }
+    source = std::make_unique<AravisSource>(m_connection, std::move(reception), sink, buffers);
     return {};
 }
 
@@ -84,6 +81,21 @@ void AravisDevice::onRemoval(std::function<void()> handler)
     owned->handedOver.store(true, std::memory_order_release);
     m_removalConnection = g_signal_connect_data(m_connection->device(), "control-lost", G_CALLBACK(callHandler),
                                                 owned.release(), deleteHandler, static_cast<GConnectFlags>(0));
+}
+
+Outcome AravisDevice::openGigeReception(std::unique_ptr<Reception>& reception)
+{
+    auto* const device = ARV_GV_DEVICE(m_connection->device());
+    prepareGigeDevice(device);
+    GError* error = nullptr;
+    GObjectPointer<ArvStream> stream(arv_device_create_stream(ARV_DEVICE(device), nullptr, nullptr, &error));
+    if (Outcome outcome = takeOpenError(error); !outcome.ok())
+        return outcome;
+    if (stream == nullptr)
+        return {CAM_API_STS_NOT_IMPLEMENTED, {}};
+    prepareGigeStream(device, ARV_GV_STREAM(stream.get()));
+    reception = std::make_unique<GigeReception>(m_connection, std::move(stream));
+    return {};
 }
 
 } // namespace orvo

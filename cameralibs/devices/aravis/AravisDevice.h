@@ -2,6 +2,7 @@
 
 #include "cameralibs/devices/Device.h"
 #include "cameralibs/devices/aravis/DeviceConnection.h"
+#include "cameralibs/devices/aravis/Reception.h"
 
 #include <memory>
 
@@ -24,6 +25,8 @@ public:
     void setLostQuery(std::function<bool()> lost) override { m_connection->setLostQuery(std::move(lost)); }
 
 private:
+    [[nodiscard]] Outcome openGigeReception(std::unique_ptr<Reception>& reception);
+
     const DeviceInfo m_info;
     const std::shared_ptr<DeviceConnection> m_connection;
     unsigned long m_removalConnection = 0;

@@ -2,6 +2,7 @@
 
 #include "cameralibs/devices/aravis/AravisDevice.h"
 #include "cameralibs/devices/aravis/Reaper.h"
+#include "cameralibs/devices/aravis/UsbReads.h"
 #include "cameralibs/genicam/ErrorStatus.h"
 
 #include <arv.h>
@@ -33,6 +34,7 @@ class AravisProvider : public DeviceProvider {
 public:
     AravisProvider(bool usb, bool gige)
     {
+        defineFailedUsbReads();
         enableInterface(kUsb, usb);
         enableInterface(kGige, gige);
         enableInterface("Fake", false);

@@ -2,6 +2,7 @@
 
 #include "cameralibs/devices/aravis/ImageStatus.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvo {
@@ -31,36 +32,27 @@ int rowPadding(ArvBuffer* buffer)
 
 } // namespace
 
-AravisSource::AravisSource(std::shared_ptr<DeviceConnection> connection, GObjectPointer<ArvStream> stream,
+AravisSource::AravisSource(std::shared_ptr<DeviceConnection> connection, std::unique_ptr<Reception> reception,
                            FrameSink& sink, const std::vector<FrameBuffer*>& buffers)
     : m_connection(std::move(connection))
-    , m_stream(std::move(stream))
+    , m_reception(std::move(reception))
     , m_sink(sink)
+    , m_free(buffers.begin(), buffers.end())
 {
-    for (FrameBuffer* frame : buffers)
-        push(frame);
 }
 
 AravisSource::~AravisSource()
 {
     AravisSource::stop();
-    if (!m_connection->lost())
-        return;
-    abandon();
-    // Aravis complains of a stream that it finds stopped. Without buffers this one writes nowhere.
-    arv_stream_start_thread(m_stream.get());
-    m_connection->leaveToReaper(GObjectPointer<GObject>(G_OBJECT(m_stream.release())));
 }
 
 Outcome AravisSource::start()
 {
-    // Anew for each start: the device is told the final sizes, and a camera that counts from 1 again is not taken for
-    // a late one.
-    if (m_receiving)
-        (void)arv_stream_stop_thread(m_stream.get(), FALSE);
-    recycleBuffers();
-    arv_stream_start_thread(m_stream.get());
-    m_receiving = true;
+    if (Outcome outcome = m_reception->begin(); !outcome.ok())
+        return outcome;
+    m_buffers.clear();
+    for (FrameBuffer* frame : m_free)
+        push(frame);
     m_blockIds = {};
     m_running = true;
     m_thread = std::thread([this] { run(); });
@@ -69,19 +61,21 @@ Outcome AravisSource::start()
 
 void AravisSource::stop()
 {
-    if (!m_thread.joinable())
-        return;
     m_running = false;
-    m_thread.join();
+    if (m_thread.joinable())
+        m_thread.join();
+    m_reception->end();
 }
 
 void AravisSource::run()
 {
     while (m_running) {
-        // The reception of a USB camera that is gone spins until it is stopped.
-        if (m_connection->lost())
-            abandon();
-        ArvBuffer* buffer = arv_stream_timeout_pop_buffer(m_stream.get(), kPollMicroseconds);
+        // The reception of a USB camera that is gone spins.
+        if (m_connection->lost()) {
+            m_reception->end();
+            return;
+        }
+        ArvBuffer* buffer = arv_stream_timeout_pop_buffer(m_reception->stream(), kPollMicroseconds);
         if (buffer != nullptr)
             handle(buffer);
     }
@@ -103,32 +97,21 @@ void AravisSource::handle(ArvBuffer* buffer)
     frame->timestampNs = arv_buffer_get_timestamp(buffer);
     if (frame->timestampNs == 0)
         frame->timestampNs = arv_buffer_get_system_timestamp(buffer);
-    push(m_sink.deliver(frame));
+    m_free.erase(frame);
+    FrameBuffer* const free = m_sink.deliver(frame);
+    m_free.insert(free);
+    push(free);
 }
 
 void AravisSource::push(FrameBuffer* frame)
 {
     GObjectPointer<ArvBuffer>& buffer = m_buffers[frame];
-    if (buffer == nullptr)
-        buffer.reset(arv_buffer_new_full(frame->capacity, frame->data, frame, nullptr));
-    g_object_ref(buffer.get());
-    arv_stream_push_buffer(m_stream.get(), buffer.get());
-}
-
-/// Ends the reception for good and takes the buffers away from it.
-void AravisSource::abandon()
-{
-    if (std::exchange(m_receiving, false))
-        (void)arv_stream_stop_thread(m_stream.get(), TRUE);
-}
-
-// What came since the last stop belongs to no start.
-void AravisSource::recycleBuffers()
-{
-    while (ArvBuffer* buffer = arv_stream_try_pop_buffer(m_stream.get())) {
-        const GObjectPointer<ArvBuffer> popped(buffer);
-        push(frameOf(buffer));
+    if (buffer == nullptr) {
+        const std::size_t size = std::min(frame->capacity, m_reception->largestBuffer());
+        buffer.reset(arv_buffer_new_full(size, frame->data, frame, nullptr));
     }
+    g_object_ref(buffer.get());
+    arv_stream_push_buffer(m_reception->stream(), buffer.get());
 }
 
 } // namespace orvo

@@ -3,11 +3,13 @@
 #include "cameralibs/devices/Device.h"
 #include "cameralibs/devices/aravis/BlockIds.h"
 #include "cameralibs/devices/aravis/DeviceConnection.h"
+#include "cameralibs/devices/aravis/Reception.h"
 
 #include <atomic>
 #include <memory>
 #include <thread>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace orvo {
 
@@ -15,7 +17,7 @@ namespace orvo {
 /// the reception, so a thread takes the images out.
 class AravisSource : public FrameSource {
 public:
-    AravisSource(std::shared_ptr<DeviceConnection> connection, GObjectPointer<ArvStream> stream, FrameSink& sink,
+    AravisSource(std::shared_ptr<DeviceConnection> connection, std::unique_ptr<Reception> reception, FrameSink& sink,
                  const std::vector<FrameBuffer*>& buffers);
     ~AravisSource() override;
     AravisSource(const AravisSource&) = delete;
@@ -28,16 +30,14 @@ private:
     void run();
     void handle(ArvBuffer* buffer);
     void push(FrameBuffer* frame);
-    void abandon();
-    void recycleBuffers();
 
     const std::shared_ptr<DeviceConnection> m_connection;
-    GObjectPointer<ArvStream> m_stream;
+    const std::unique_ptr<Reception> m_reception;
     FrameSink& m_sink;
-    std::unordered_map<FrameBuffer*, GObjectPointer<ArvBuffer>> m_buffers; ///< every one that was ever handed in
+    std::unordered_set<FrameBuffer*> m_free;                               ///< to be filled
+    std::unordered_map<FrameBuffer*, GObjectPointer<ArvBuffer>> m_buffers; ///< every one that was pushed since start
     std::thread m_thread;
     std::atomic<bool> m_running{false};
-    bool m_receiving = true; ///< whether Aravis' own thread runs
     BlockIds m_blockIds;
 };
 

@@ -1,0 +1,222 @@
+#include "FakeUsbCamera.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace usb {
+
+namespace {
+
+constexpr std::size_t kMemorySize = 0x31000;
+
+// The registers of every USB3 Vision device, and the tables they lead to.
+constexpr std::uint64_t kManufacturer = 0x4;
+constexpr std::uint64_t kModel = 0x44;
+constexpr std::uint64_t kSerial = 0x144;
+constexpr std::uint64_t kResponseTime = 0x1cc; // ms
+constexpr std::uint64_t kManifestAddress = 0x1d0;
+constexpr std::uint64_t kTechnologyAddress = 0x1d8;
+constexpr std::uint64_t kManifest = 0x1000;
+constexpr std::uint64_t kTechnology = 0x10000;
+constexpr std::uint64_t kStream = kStreamInfo;
+constexpr std::uint64_t kDescription = 0x100000;
+
+// The camera's own, as in its description.
+constexpr std::uint64_t kWidth = 0x30000;
+constexpr std::uint64_t kHeight = 0x30004;
+constexpr std::uint64_t kPixelFormat = 0x3000c;
+constexpr std::uint64_t kStart = 0x30010;
+constexpr std::uint64_t kStop = 0x30014;
+constexpr std::uint64_t kUnplug = 0x3001c;
+constexpr std::uint32_t kMono8 = 0x01080001;
+
+constexpr std::size_t kMaximumTransfer = 0x400;
+constexpr std::uint32_t kAlignment = 3U << 24; // as a power of 2
+
+// A command and its answer: magic, flags or status, command, size, id; then what belongs to the command.
+constexpr std::size_t kHeaderSize = 12;
+constexpr std::uint16_t kReadCommand = 0x0800;
+constexpr std::uint16_t kInvalidAddress = 0x8003;
+
+constexpr std::uint32_t kLeaderMagic = 0x4c563355;
+constexpr std::uint32_t kTrailerMagic = 0x54563355;
+constexpr std::size_t kLeaderSize = 52;
+constexpr std::size_t kTrailerSize = 32;
+constexpr std::uint16_t kImagePayload = 1;
+
+template <typename Number> void put(Bytes& bytes, std::size_t offset, Number number)
+{
+    std::memcpy(bytes.data() + offset, &number, sizeof number);
+}
+
+template <typename Number> Number get(const Bytes& bytes, std::size_t offset)
+{
+    Number number = 0;
+    std::memcpy(&number, bytes.data() + offset, sizeof number);
+    return number;
+}
+
+} // namespace
+
+FakeCamera::FakeCamera(std::string description)
+    : m_memory(kMemorySize)
+    , m_description(std::move(description))
+{
+    setText(kManufacturer, "Fake Maker");
+    setText(kModel, "U3V-Fake");
+    setText(kSerial, "U01");
+    put<std::uint32_t>(m_memory, kResponseTime, 100);
+    put(m_memory, kManifestAddress, kManifest);
+    put(m_memory, kTechnologyAddress, kTechnology);
+
+    put<std::uint64_t>(m_memory, kManifest, 1);
+    put<std::uint32_t>(m_memory, kManifest + 0x0c, 0x01010000); // not compressed
+    put(m_memory, kManifest + 0x10, kDescription);
+    put<std::uint64_t>(m_memory, kManifest + 0x18, m_description.size());
+
+    put<std::uint32_t>(m_memory, kTechnology + 0x14, kMaximumTransfer); // of a command
+    put<std::uint32_t>(m_memory, kTechnology + 0x18, kMaximumTransfer); // of an answer
+    put(m_memory, kTechnology + 0x20, kStream);
+    put(m_memory, kStreamInfo, kAlignment);
+    put<std::uint32_t>(m_memory, kStream + 0x10, kLeaderSize);
+    put<std::uint32_t>(m_memory, kStream + 0x14, kTrailerSize);
+
+    put<std::uint32_t>(m_memory, kWidth, 320);
+    put<std::uint32_t>(m_memory, kHeight, 240);
+    put(m_memory, kPixelFormat, kMono8);
+    updatePayload();
+}
+
+Bytes FakeCamera::execute(const Bytes& command)
+{
+    Bytes answer(kHeaderSize + 4);
+    std::copy_n(command.begin(), kHeaderSize, answer.begin());
+    put<std::uint16_t>(answer, 4, 0);
+    const auto code = get<std::uint16_t>(command, 6);
+    put(answer, 6, static_cast<std::uint16_t>(code + 1));
+    const auto address = get<std::uint64_t>(command, kHeaderSize);
+    if (code == kReadCommand) {
+        const Bytes data = read(address, get<std::uint16_t>(command, kHeaderSize + 10));
+        answer.resize(kHeaderSize);
+        answer.insert(answer.end(), data.begin(), data.end());
+    } else {
+        const std::size_t size = get<std::uint16_t>(command, 8) - sizeof address;
+        if (!write(address, command.data() + kHeaderSize + sizeof address, size))
+            put(answer, 4, kInvalidAddress);
+        put(answer, kHeaderSize + 2, static_cast<std::uint16_t>(size));
+    }
+    put(answer, 8, static_cast<std::uint16_t>(answer.size() - kHeaderSize));
+    return answer;
+}
+
+bool FakeCamera::sends() const
+{
+    return value(kStart) != 0 && (value(kStreamControl) & 1U) != 0;
+}
+
+std::size_t FakeCamera::send(std::uint8_t* to, std::size_t room)
+{
+    if (m_part == Part::Payload) {
+        const std::size_t size = std::min<std::size_t>(room, value(kPayloadSize) - m_sent);
+        for (std::size_t i = 0; i < size; ++i)
+            to[i] = static_cast<std::uint8_t>(m_image + m_sent + i);
+        m_sent += size;
+        if (m_sent == value(kPayloadSize))
+            m_part = Part::Trailer;
+        return size;
+    }
+    const Bytes packet = m_part == Part::Leader ? leader() : trailer();
+    m_sent = 0;
+    m_image += m_part == Part::Trailer ? 1 : 0;
+    m_part = m_part == Part::Leader ? Part::Payload : Part::Leader;
+    if (packet.size() > room)
+        return 0;
+    std::copy(packet.begin(), packet.end(), to);
+    return packet.size();
+}
+
+std::uint32_t FakeCamera::value(std::uint64_t address) const
+{
+    return get<std::uint32_t>(m_memory, address);
+}
+
+void FakeCamera::setValue(std::uint64_t address, std::uint32_t value)
+{
+    put(m_memory, address, value);
+}
+
+bool FakeCamera::unplugs() const
+{
+    return value(kUnplug) != 0;
+}
+
+Bytes FakeCamera::read(std::uint64_t address, std::size_t size) const
+{
+    Bytes data(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        const std::uint64_t at = address + i;
+        if (at < m_memory.size()) {
+            data[i] = m_memory[at];
+        } else if (at >= kDescription && at - kDescription < m_description.size()) {
+            data[i] = static_cast<std::uint8_t>(m_description[at - kDescription]);
+        }
+    }
+    return data;
+}
+
+bool FakeCamera::write(std::uint64_t address, const std::uint8_t* data, std::size_t size)
+{
+    if (address > m_memory.size() || size > m_memory.size() - address)
+        return false;
+    std::copy_n(data, size, m_memory.data() + address);
+    if (address == kWidth || address == kHeight)
+        updatePayload();
+    if (address == kStart || (address == kStreamControl && !sends())) {
+        m_part = Part::Leader;
+        m_image = 0;
+        m_sent = 0;
+    }
+    if (address == kStop)
+        put<std::uint32_t>(m_memory, kStart, 0);
+    return true;
+}
+
+void FakeCamera::setText(std::uint64_t address, const std::string& text)
+{
+    std::copy(text.begin(), text.end(), m_memory.data() + address);
+}
+
+void FakeCamera::updatePayload()
+{
+    const std::uint32_t size = value(kWidth) * value(kHeight);
+    put(m_memory, kPayloadSize, size);
+    put<std::uint64_t>(m_memory, kStreamPayload, size);
+}
+
+Bytes FakeCamera::leader() const
+{
+    Bytes packet(kLeaderSize);
+    put(packet, 0, kLeaderMagic);
+    put<std::uint16_t>(packet, 6, kLeaderSize);
+    put(packet, 8, m_image);
+    put(packet, 18, kImagePayload);
+    put<std::uint64_t>(packet, 20, (m_image + 1) * 1'000'000);
+    put(packet, 28, value(kPixelFormat));
+    put(packet, 32, value(kWidth));
+    put(packet, 36, value(kHeight));
+    return packet;
+}
+
+Bytes FakeCamera::trailer() const
+{
+    Bytes packet(kTrailerSize);
+    put(packet, 0, kTrailerMagic);
+    put<std::uint16_t>(packet, 6, kTrailerSize);
+    put(packet, 8, m_image);
+    put<std::uint64_t>(packet, 20, value(kPayloadSize));
+    put(packet, 28, value(kHeight));
+    return packet;
+}
+
+} // namespace usb

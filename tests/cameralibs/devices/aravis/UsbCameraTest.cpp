@@ -1,0 +1,49 @@
+#include "UsbFixture.h"
+
+using namespace Orvo;
+
+using UsbCameraTest = ListedUsb;
+using UsbCameraOpenTest = OpenUsb;
+
+TEST_F(UsbCameraTest, InformationTellsTheCamera)
+{
+    CAM_INFO info = {};
+    ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(info.link, CAM_LINK_USB3_VISION);
+    EXPECT_STREQ(info.vendorName, "Fake Maker");
+    EXPECT_STREQ(info.modelName, "U3V-Fake");
+    EXPECT_STREQ(info.serialNumber, "U01");
+}
+
+TEST_F(UsbCameraTest, UnpluggedCameraIsNotListed)
+{
+    usb::unplug();
+    EXPECT_EQ(enumerate(), 0U);
+    usb::plugIn();
+    EXPECT_EQ(enumerate(), 1U);
+}
+
+TEST_F(UsbCameraTest, CameraThatIsGoneSinceItWasListedDoesNotOpen)
+{
+    usb::unplug();
+    CAM_HANDLE camera = 0;
+    EXPECT_EQ(open(&camera), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    EXPECT_EQ(camera, 0U);
+}
+
+TEST_F(UsbCameraOpenTest, NodesAreThoseOfTheCamerasDescription)
+{
+    EXPECT_THAT(featuresOf(m_camera, "Root"), ::testing::IsSupersetOf({"Width", "Height", "PixelFormat"}));
+    setInt(m_camera, "Width", 100);
+    EXPECT_EQ(intOf(m_camera, "Width"), 100);
+    EXPECT_EQ(intOf(m_camera, "PayloadSize"), 100 * intOf(m_camera, "Height"));
+}
+
+TEST_F(UsbCameraOpenTest, ClosedCameraOpensAgain)
+{
+    CAM_HANDLE again = 0;
+    EXPECT_EQ(open(&again), CAM_API_STS_ALREADY_OPENED);
+    ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(open(&again), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(intOf(again, "Width"), 320);
+}

@@ -1,0 +1,142 @@
+#include "UsbFixture.h"
+
+#include <atomic>
+
+using namespace Orvo;
+
+using UsbStreamTest = StreamingUsb;
+
+namespace {
+
+/// The images that are not what the camera sends under their number.
+class WrongImages {
+public:
+    explicit WrongImages(StreamRecorder& recorder)
+    {
+        recorder.onImage = [this](const StreamRecorder::Image& image) { count(image.info); };
+    }
+    [[nodiscard]] int count() const { return m_count; }
+
+private:
+    void count(const CAM_IMAGE_INFO& info)
+    {
+        const auto* data = static_cast<const std::uint8_t*>(info.data);
+        for (std::size_t i = 0; i < info.dataSize; ++i) {
+            if (data[i] != static_cast<std::uint8_t>(info.frameNumber + i)) {
+                ++m_count;
+                return;
+            }
+        }
+    }
+
+    std::atomic<int> m_count{0};
+};
+
+} // namespace
+
+TEST_F(UsbStreamTest, ImagesArriveAsSent)
+{
+    const WrongImages wrong(m_recorder);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(50));
+    stop();
+    EXPECT_EQ(wrong.count(), 0);
+    EXPECT_THAT(m_recorder.errors(), ::testing::IsEmpty());
+    std::int64_t last = -1;
+    for (const auto& image : m_recorder.images()) {
+        EXPECT_EQ(image.info.status, 0U);
+        EXPECT_EQ(image.info.dataSize, 320U * 240U);
+        EXPECT_GT(static_cast<std::int64_t>(image.info.frameNumber), last);
+        EXPECT_EQ(image.info.timestampNs, (image.info.frameNumber + 1) * 1'000'000);
+        last = static_cast<std::int64_t>(image.info.frameNumber);
+    }
+}
+
+TEST_F(UsbStreamTest, ImageOfSeveralTransfers)
+{
+    setInt(m_camera, "Width", 1280);
+    setInt(m_camera, "Height", 1024);
+    const WrongImages wrong(m_recorder);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(5));
+    stop();
+    EXPECT_EQ(m_recorder.images().back().info.dataSize, 1280U * 1024U);
+    EXPECT_EQ(wrong.count(), 0);
+}
+
+TEST_F(UsbStreamTest, StartsAnewAsOftenAsAsked)
+{
+    for (int round = 0; round < 10; ++round) {
+        m_recorder.clear();
+        start();
+        ASSERT_TRUE(m_recorder.waitForImages(5)) << "round " << round;
+        stop();
+        EXPECT_LT(m_recorder.images().front().info.frameNumber, 3U) << "the camera counts anew";
+    }
+    EXPECT_THAT(m_recorder.errors(), ::testing::IsEmpty());
+}
+
+// By little, so that the rest of a larger buffer would be smaller than the packet that ends an image.
+TEST_F(UsbStreamTest, AnotherSizeTakesEffectAtTheNextStart)
+{
+    ASSERT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
+    setInt(m_camera, "Height", 1);
+    setInt(m_camera, "Width", 1000);
+    ASSERT_EQ(openStream(), CAM_API_STS_SUCCESS);
+    for (const int width : {1000, 990, 1200, 1190}) {
+        setInt(m_camera, "Width", width);
+        m_recorder.clear();
+        const WrongImages wrong(m_recorder);
+        start();
+        ASSERT_TRUE(m_recorder.waitForImages(10)) << width;
+        stop();
+        EXPECT_THAT(m_recorder.errors(), ::testing::IsEmpty());
+        EXPECT_EQ(m_recorder.images().back().info.dataSize, static_cast<std::uint64_t>(width));
+        EXPECT_EQ(wrong.count(), 0);
+    }
+}
+
+TEST_F(UsbStreamTest, CameraSendsBetweenStartAndStopOnly)
+{
+    EXPECT_EQ(usb::value(usb::kStreamControl), 0U);
+    for (int round = 0; round < 2; ++round) {
+        start();
+        EXPECT_EQ(usb::value(usb::kStreamControl), 1U);
+        EXPECT_EQ(usb::value(usb::kTransportLayerLocked), 1U);
+        stop();
+        EXPECT_EQ(usb::value(usb::kStreamControl), 0U);
+        EXPECT_EQ(usb::value(usb::kTransportLayerLocked), 0U);
+    }
+}
+
+TEST_F(UsbStreamTest, LockedBufferKeepsItsBytes)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(3));
+    std::uint32_t slot = 0;
+    ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), CAM_API_STS_SUCCESS);
+    CAM_IMAGE_INFO info = {};
+    ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
+    const auto* data = static_cast<const std::uint8_t*>(info.data);
+    const std::vector<std::uint8_t> before(data, data + info.dataSize);
+    ASSERT_TRUE(m_recorder.waitForBusy(30));
+    stop();
+    start();
+    ASSERT_TRUE(m_recorder.waitForBusy(60));
+    EXPECT_EQ(std::vector<std::uint8_t>(data, data + info.dataSize), before);
+    EXPECT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
+}
+
+TEST_F(UsbStreamTest, StreamOfImpossibleSizesIsRefused)
+{
+    usb::setValue(usb::kStreamPayload, 0);
+    EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_GENICAM_ERR);
+    usb::setValue(usb::kStreamPayload, 320 * 240);
+    for (const std::uint32_t power : {21U, 255U}) {
+        usb::setValue(usb::kStreamInfo, power << 24);
+        EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_GENICAM_ERR) << power;
+    }
+    usb::setValue(usb::kStreamInfo, 20U << 24);
+    start();
+    EXPECT_TRUE(m_recorder.waitForImages(3));
+}
