@@ -97,9 +97,9 @@ void CameraTest::openReadsTheFeaturesLast()
 void CameraTest::openShowsViewAndFeatures()
 {
     WindowDriver driver;
-    QVERIFY(!qobject_cast<ImageView*>(driver.window().centralWidget()));
+    QVERIFY(!driver.imageView());
     driver.open();
-    QVERIFY(qobject_cast<ImageView*>(driver.window().centralWidget()));
+    QVERIFY(driver.imageView());
     QVERIFY(qobject_cast<FeatureView*>(driver.child<QDockWidget>("dockWidgetRight")->widget()));
     QVERIFY(!driver.enabled("actionOpen"));
     QVERIFY(!driver.enabled("action_Menu_Open"));
@@ -116,10 +116,9 @@ void CameraTest::openShowsAViewOfTheImageSize()
 {
     WindowDriver driver;
     driver.open();
-    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
-    QVERIFY(view);
-    QVERIFY(view->isVisible());
-    QCOMPARE(view->view()->scene()->items().first()->boundingRect(), QRectF(0, 0, 64, 48));
+    QVERIFY(driver.imageView());
+    QVERIFY(driver.imageView()->isVisible());
+    QCOMPARE(driver.imageArea(), QRectF(0, 0, 64, 48));
 }
 
 void CameraTest::openWhileOpenDoesNothing()
@@ -263,7 +262,7 @@ void CameraTest::openOfAnEmptyImageShowsAPlaceholder()
     scripted::setImageFormat(width, height, scripted::mono8);
     WindowDriver driver;
     driver.open();
-    QVERIFY(!qobject_cast<ImageView*>(driver.window().centralWidget()));
+    QVERIFY(!driver.imageView());
     QVERIFY(driver.window().centralWidget());
     QVERIFY(driver.enabled("actionStart"));
 }
@@ -359,7 +358,7 @@ void CameraTest::closeEndsTheDisplayThreadFirst()
     driver.start();
     auto* const thread = driver.window().findChild<DispThread*>();
     QVERIFY(thread);
-    scripted::onCall("Strm_Stop", [&ended, thread] { ended = thread->wait(30000); });
+    scripted::onCall("Strm_Stop", [&ended, thread] { ended = thread->wait(kPatienceMs); });
     driver.close();
     QVERIFY(ended);
 }
@@ -421,7 +420,7 @@ void CameraTest::closeAndOpenAgain()
     scripted::clearCalls();
     driver.open();
     QCOMPARE(scripted::count("Sys_CreateSignal"), 1);
-    QVERIFY(qobject_cast<ImageView*>(driver.window().centralWidget()));
+    QVERIFY(driver.imageView());
     QVERIFY(driver.enabled("actionStart"));
 }
 

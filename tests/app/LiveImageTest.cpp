@@ -3,6 +3,7 @@
 #include "display/DispThread.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -99,48 +100,43 @@ void LiveImageTest::callbackLineIsWrittenOncePerOpening()
 
 void LiveImageTest::imagesReachTheView()
 {
-    QVector<QImage> shown;
     WindowDriver driver;
     driver.open();
     driver.start();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(),
-            [&](const QImage& image) { shown << image; });
+    const ShownImages shown(driver.window(), ShownImages::Keep::All);
     QVERIFY(scripted::deliverImage(1, 0x40));
-    QTRY_COMPARE(shown.size(), 1);
-    QCOMPARE(shown[0].size(), QSize(64, 48));
-    QCOMPARE(shown[0].pixel(63, 47), qRgb(0x40, 0x40, 0x40));
+    QTRY_COMPARE(shown.count(), 1);
+    QCOMPARE(shown.images()[0].size(), QSize(64, 48));
+    QCOMPARE(shown.images()[0].pixel(63, 47), qRgb(0x40, 0x40, 0x40));
     QVERIFY(scripted::deliverImage(2, 0x80));
-    QTRY_COMPARE(shown.size(), 2);
-    QCOMPARE(shown[1].pixel(0, 0), qRgb(0x80, 0x80, 0x80));
+    QTRY_COMPARE(shown.count(), 2);
+    QCOMPARE(shown.images()[1].pixel(0, 0), qRgb(0x80, 0x80, 0x80));
 }
 
 void LiveImageTest::imagesAreCopied()
 {
-    QVector<QImage> shown;
     WindowDriver driver;
     driver.open();
     driver.start();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(),
-            [&](const QImage& image) { shown << image; });
+    const ShownImages shown(driver.window(), ShownImages::Keep::All);
     for (int frame = 1; frame <= 5; ++frame) {
         QVERIFY(scripted::deliverImage(std::uint64_t(frame), std::uint8_t(frame)));
-        QTRY_COMPARE(shown.size(), frame);
+        QTRY_COMPARE(shown.count(), frame);
     }
     for (int frame = 1; frame <= 5; ++frame)
-        QCOMPARE(shown[frame - 1].pixel(5, 5), qRgb(frame, frame, frame));
+        QCOMPARE(shown.images()[frame - 1].pixel(5, 5), qRgb(frame, frame, frame));
 }
 
 void LiveImageTest::imagesAfterStopAreNotShown()
 {
-    int shown = 0;
     WindowDriver driver;
     driver.open();
     driver.start();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(), [&] { ++shown; });
+    const ShownImages shown(driver.window());
     driver.stop();
     QVERIFY(QMetaObject::invokeMethod(&driver.window(), "disp_image",
                                       Q_ARG(QImage, QImage(64, 48, QImage::Format_ARGB32))));
-    QCOMPARE(shown, 0);
+    QCOMPARE(shown.count(), 0);
 }
 
 // --- Pause ----------------------------------------------------------------------------------------------------------
@@ -155,18 +151,17 @@ void LiveImageTest::pausedShowsNoImages_data()
 void LiveImageTest::pausedShowsNoImages()
 {
     QFETCH(QByteArray, action);
-    int shown = 0;
     WindowDriver driver;
     driver.open();
     driver.start();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(), [&] { ++shown; });
+    const ShownImages shown(driver.window());
     driver.trigger(action);
     QVERIFY(driver.action(action)->isChecked());
     QVERIFY(scripted::deliverImage(1));
     QVERIFY(recorded::waitRounds());
-    QCOMPARE(shown, 0);
+    QCOMPARE(shown.count(), 0);
     driver.trigger(action);
-    QTRY_COMPARE(shown, 1);
+    QTRY_COMPARE(shown.count(), 1);
 }
 
 void LiveImageTest::pauseActionsKeepTheirMarks()
@@ -181,21 +176,20 @@ void LiveImageTest::pauseActionsKeepTheirMarks()
 
 void LiveImageTest::lastPauseActionDecides()
 {
-    int shown = 0;
     WindowDriver driver;
     driver.open();
     driver.start();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(), [&] { ++shown; });
+    const ShownImages shown(driver.window());
     driver.trigger("actionPause");
     driver.trigger("action_Menu_Pause");
     driver.trigger("actionPause"); // on again, though the menu's mark says paused
     QVERIFY(scripted::deliverImage(1));
-    QTRY_COMPARE(shown, 1);
+    QTRY_COMPARE(shown.count(), 1);
     driver.trigger("actionPause");
     driver.trigger("action_Menu_Pause");
     QVERIFY(driver.action("actionPause")->isChecked());
     QVERIFY(scripted::deliverImage(2));
-    QTRY_COMPARE(shown, 2);
+    QTRY_COMPARE(shown.count(), 2);
 }
 
 void LiveImageTest::pauseOutlivesStreamAndCamera()

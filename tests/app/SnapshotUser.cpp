@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr int kPollMs = 5;
-
 void chooseFilter(QFileDialog& dialog, const QString& filter)
 {
     auto* const combo = dialog.findChild<QComboBox*>("fileTypeCombo");
@@ -110,10 +108,7 @@ SnapshotUser::SnapshotUser()
 {
     if (!QDir::homePath().startsWith(QDir::tempPath()))
         qFatal("the file dialog takes notes in the home folder: start this with tests/support/own-home");
-    connect(&m_driver.window(), &MainWindow::Update_Image, this, [this](const QImage& image) { m_last = image; });
 }
-
-SnapshotUser::~SnapshotUser() = default;
 
 QStringList SnapshotUser::files() const
 {
@@ -131,37 +126,28 @@ void SnapshotUser::show(const QImage& pixels)
         m_driver.open();
         m_driver.start();
     }
-    m_last = QImage();
+    m_shown.forget();
     QVERIFY(scripted::deliverImage(++m_frame));
-    QTRY_COMPARE(argb(m_last), pixels);
-    m_shown = pixels;
+    QTRY_COMPARE(argb(m_shown.last()), pixels);
+    m_delivered = pixels;
 }
 
 void SnapshotUser::answer(const std::vector<ModalUser>& users, const std::function<void()>& command)
 {
     std::size_t next = 0;
-    QPointer<QWidget> handled;
-    const QObject scope;
-    // Scheduled anew before it acts, because a dialog can bring up another one before it ends.
-    std::function<void()> poll = [&] {
-        QTimer::singleShot(kPollMs, &scope, poll);
-        QWidget* const modal = QApplication::activeModalWidget();
-        if (!modal || modal == handled)
-            return;
-        handled = modal;
+    modal::during(command, [&](QWidget& window) {
         if (next == users.size()) {
-            QTest::qFail(qPrintable(QString("a window too many: ") + modal->metaObject()->className()), __FILE__,
+            QTest::qFail(qPrintable(QString("a window too many: ") + window.metaObject()->className()), __FILE__,
                          __LINE__);
-            qobject_cast<QDialog*>(modal)->reject();
+            qobject_cast<QDialog*>(&window)->reject();
             return;
         }
-        users[next++](*modal);
+        const QPointer<QWidget> open = &window;
+        users[next++](window);
         // A user who gave up half-way leaves the dialog open.
-        if (handled && handled->isVisible() && QTest::currentTestFailed())
-            qobject_cast<QDialog*>(handled.data())->reject();
-    };
-    QTimer::singleShot(kPollMs, &scope, poll);
-    command();
+        if (open && open->isVisible() && QTest::currentTestFailed())
+            qobject_cast<QDialog*>(open.data())->reject();
+    });
     QCOMPARE(next, users.size());
 }
 

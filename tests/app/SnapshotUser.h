@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QImage>
-#include <QObject>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -16,14 +16,10 @@
 class QFileDialog;
 class QWidget;
 
-/// What a user does with a modal window that came up; it is to be closed then.
-using ModalUser = std::function<void(QWidget& modal)>;
-
 /// A window over the scripted camera, a folder for its snapshots, and a user who takes them.
-class SnapshotUser : public QObject {
+class SnapshotUser {
 public:
     SnapshotUser();
-    ~SnapshotUser() override;
 
     [[nodiscard]] WindowDriver& driver() { return m_driver; }
     [[nodiscard]] QString folder() const { return m_folder.path(); }
@@ -31,7 +27,7 @@ public:
     [[nodiscard]] QStringList files() const;
 
     /// The image that was delivered last.
-    [[nodiscard]] const QImage& shown() const { return m_shown; }
+    [[nodiscard]] const QImage& shown() const { return m_delivered; }
 
     /// Delivers an image that is converted to `pixels`, and waits until the window shows it. Starts the stream.
     void show(const QImage& pixels);
@@ -48,10 +44,10 @@ private:
     void answer(const std::vector<ModalUser>& users, const std::function<void()>& command);
 
     QTemporaryDir m_folder;
-    QImage m_shown;
-    QImage m_last;
+    QImage m_delivered;
     std::uint64_t m_frame = 0;
-    WindowDriver m_driver; // last: it may show images until it is gone
+    WindowDriver m_driver;
+    ShownImages m_shown{m_driver.window(), ShownImages::Keep::Last};
 };
 
 // The filters as the file dialog shows them.

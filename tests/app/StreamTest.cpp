@@ -5,11 +5,10 @@
 #include "display/ImageView.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
-
-#include <QGraphicsItem>
 
 namespace {
 
@@ -234,9 +233,7 @@ void StreamTest::startGoesOnWithWhatItCouldRead()
     QCOMPARE(driver.log(), QVector<QString>(failing.size(), line).toList());
     QVERIFY(scripted::streaming());
     QCOMPARE(viewOfOpening != nullptr, viewed == kOpened.size);
-    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
-    QVERIFY(view);
-    QCOMPARE(view->view()->scene()->items().first()->boundingRect(), QRectF(QPointF(0, 0), viewed));
+    QCOMPARE(driver.imageArea(), QRectF(QPointF(0, 0), viewed));
 
     QVERIFY(scripted::deliverImage(1));
     QTRY_COMPARE(scripted::count("ConvImage"), 1);
@@ -286,32 +283,27 @@ void StreamTest::startMakesANewViewOnlyWhereTheFormatChanged()
     scripted::setImageFormat(32, 16, scripted::bayerRG8);
     driver.start();
     QVERIFY(!view);
-    auto* const newView = qobject_cast<ImageView*>(driver.window().centralWidget());
-    QVERIFY(newView);
-    QCOMPARE(newView->view()->scene()->items().first()->boundingRect(), QRectF(0, 0, 32, 16));
+    QCOMPARE(driver.imageArea(), QRectF(0, 0, 32, 16));
 
     driver.stop();
     scripted::setImageFormat(32, 16, scripted::mono8);
-    const QPointer<QWidget> ofOtherFormat = newView;
+    const QPointer<QWidget> ofOtherFormat = driver.imageView();
     driver.start();
     QVERIFY(!ofOtherFormat);
 }
 
 void StreamTest::sizeThatChangesWithTheOpeningIsTaken()
 {
-    QVector<QSize> shown;
     WindowDriver driver;
     driver.open();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(),
-            [&](const QImage& image) { shown << image.size(); });
+    const ShownImages shown(driver.window(), ShownImages::Keep::Last);
     scripted::onCall("Strm_OpenSimple", [] { scripted::setImageFormat(80, 60, scripted::bayerRG8); });
     driver.start();
-    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
-    QVERIFY(view);
-    QCOMPARE(view->view()->scene()->items().first()->boundingRect(), QRectF(0, 0, 80, 60));
+    QCOMPARE(driver.imageArea(), QRectF(0, 0, 80, 60));
 
     QVERIFY(scripted::deliverImage(1));
-    QTRY_COMPARE(shown, QVector<QSize>{QSize(80, 60)});
+    QTRY_COMPARE(shown.count(), 1);
+    QCOMPARE(shown.last().size(), QSize(80, 60));
     const auto converted = scripted::calls({"ConvImage"}).at(0).arguments;
     QCOMPARE(converted.at(5), std::string("80"));
     QCOMPARE(converted.at(6), std::string("60"));
@@ -324,8 +316,7 @@ void StreamTest::newSizeKeepsTheZoomFactorOfTheWindow()
     driver.trigger("actionZoomIn");
     scripted::setImageFormat(33, 17, scripted::bayerRG8);
     driver.start();
-    const auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
-    QCOMPARE(const_cast<ImageView*>(view)->view()->transform().m11(), 1.0);
+    QCOMPARE(driver.imageView()->view()->transform().m11(), 1.0);
     QVERIFY(driver.enabled("actionNormalSize")); // the window still counts 2.0
 }
 

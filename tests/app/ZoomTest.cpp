@@ -3,6 +3,7 @@
 #include "display/GraphicsView.h"
 #include "display/ImageView.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -41,7 +42,7 @@ void ZoomTest::limits()
     QVERIFY(!driver.enabled("actionZoomIn") && !driver.enabled("action_Menu_Zoom_In"));
     driver.triggerDisabled("actionZoomIn"); // 8.0
     QVERIFY(!driver.enabled("actionZoomIn") && !driver.enabled("action_Menu_Zoom_In"));
-    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget());
+    ImageView* const view = driver.imageView();
     QCOMPARE(view->view()->transform().m11(), 8.0);
 
     driver.trigger("actionNormalSize");
@@ -90,7 +91,7 @@ void ZoomTest::menuTwins()
 {
     WindowDriver driver;
     driver.open();
-    auto* const view = qobject_cast<ImageView*>(driver.window().centralWidget())->view();
+    const GraphicsView* const view = driver.imageView()->view();
     driver.trigger("action_Menu_Zoom_In");
     QCOMPARE(view->transform().m11(), 2.0);
     driver.trigger("action_Menu_Normal_Size");
@@ -102,38 +103,34 @@ void ZoomTest::menuTwins()
 
 void ZoomTest::resendsTheImage()
 {
-    QVector<QImage> shown;
     WindowDriver driver;
     driver.open();
     driver.start();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(),
-            [&](const QImage& image) { shown << image; });
+    const ShownImages shown(driver.window(), ShownImages::Keep::All);
     driver.trigger("actionZoomIn");
-    QCOMPARE(shown.size(), 0); // nothing to send yet
+    QCOMPARE(shown.count(), 0); // nothing to send yet
     QVERIFY(scripted::deliverImage(1, 7));
-    QTRY_COMPARE(shown.size(), 1);
+    QTRY_COMPARE(shown.count(), 1);
     driver.trigger("actionZoomIn");
-    QCOMPARE(shown.size(), 2);
-    QCOMPARE(shown[1], shown[0]);
+    QCOMPARE(shown.count(), 2);
+    QCOMPARE(shown.images()[1], shown.images()[0]);
 }
 
 void ZoomTest::resendsTheImageOfAnEarlierCamera()
 {
-    QVector<QImage> shown;
     WindowDriver driver;
     driver.open();
     driver.start();
-    connect(&driver.window(), &MainWindow::Update_Image, &driver.window(),
-            [&](const QImage& image) { shown << image; });
+    ShownImages shown(driver.window(), ShownImages::Keep::All);
     QVERIFY(scripted::deliverImage(1, 7));
-    QTRY_COMPARE(shown.size(), 1);
+    QTRY_COMPARE(shown.count(), 1);
     driver.close();
     driver.open();
-    shown.clear();
+    shown.forget();
     driver.trigger("actionZoomIn");
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown[0].size(), QSize(64, 48));
-    QCOMPARE(shown[0].pixel(63, 47), qRgb(7, 7, 7));
+    QCOMPARE(shown.count(), 1);
+    QCOMPARE(shown.last().size(), QSize(64, 48));
+    QCOMPARE(shown.last().pixel(63, 47), qRgb(7, 7, 7));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The display thread in the real main window: its pace, the hand-over of images to the GUI thread, and the rates.
 
 #include "tests/display/RunningStream.h"
+#include "tests/support/ShownImages.h"
 
 #include <QtTest>
 
@@ -14,7 +15,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr std::uint32_t kBayerRG8 = 0x01080009;
 const std::string kPoll = "Sys_WaitForSignal"; // begins a round, after its 2 ms
 
 class DispThreadPaceTest : public QObject {
@@ -52,7 +52,7 @@ void DispThreadPaceTest::roundsComeNoCloserThan2Milliseconds()
 {
     const CallTimes times({kPoll});
     RunningStream running;
-    QVERIFY(waitRounds(100));
+    QVERIFY(recorded::waitRounds(100));
     const auto calls = times.entries();
     for (std::size_t i = 1; i < calls.size(); ++i)
         QVERIFY2(calls[i].at - calls[i - 1].at >= 2ms, qPrintable(QString::number(i)));
@@ -125,7 +125,7 @@ void DispThreadPaceTest::everyTryEndsInAPauseOf5Milliseconds()
         QVERIFY(scripted::deliverImage(std::uint64_t(tries), 0, imageStatus));
         QTRY_VERIFY_WITH_TIMEOUT(times.count(operation) >= tries, kPatienceMs);
     }
-    QVERIFY(waitRounds(2));
+    QVERIFY(recorded::waitRounds(2));
     const auto calls = times.entries();
     for (std::size_t i = 1; i < calls.size(); ++i) {
         // And the 2 ms that every round begins with.
@@ -139,7 +139,7 @@ void DispThreadPaceTest::pausesBeforeTheFirstImageToo()
     const CallTimes times({kPoll});
     RunningStream running;
     const auto acquiring = CallTimes::Clock::now();
-    QVERIFY(waitRounds(150));
+    QVERIFY(recorded::waitRounds(150));
     // A round that begins 26 ms after the frame timer was started finds it run out, and pauses; not before the stream
     // has been started, which the thread does not wait for.
     const auto calls = times.entries();
@@ -183,14 +183,14 @@ void DispThreadPaceTest::lentImageBlocksTheNext()
     QVERIFY(waitBlocked([] { return conversions() == 1; }));
     const int asked = scripted::count("Strm_GetCurrentBufferIndex");
     QVERIFY(scripted::deliverImage(2));
-    QVERIFY(waitRoundsBlocked(kRoundsOfAFewPeriods));
+    QVERIFY(waitRoundsBlocked());
     QCOMPARE(conversions(), 1);
     QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), asked);
     QVERIFY(scripted::deliverImage(3));
 
     // The newest one comes when the GUI has handled the first.
     QTRY_COMPARE(conversions(), 2);
-    QCOMPARE(texts(scripted::calls({"Strm_LockBuffer"})).at(1), QString("Strm_LockBuffer(3001, 2, out)"));
+    QCOMPARE(recorded::texts({"Strm_LockBuffer"}).at(1), QString("Strm_LockBuffer(3001, 2, out)"));
     QTRY_COMPARE(running.images(), 2);
 }
 
@@ -207,7 +207,7 @@ void DispThreadPaceTest::ratesGoOnWhileAnImageIsLent()
 void DispThreadPaceTest::shownImagesAreWhole()
 {
     constexpr int enough = 40;
-    scripted::setImageFormat(640, 480, kBayerRG8);
+    scripted::setImageFormat(640, 480, scripted::bayerRG8);
     std::atomic<std::uint32_t> converted{0};
     scripted::onConvImage([&](void* dst, const void*, std::uint32_t width, std::uint32_t height) {
         std::fill_n(static_cast<std::uint32_t*>(dst), std::size_t{width} * height, 0xFF000000U | ++converted);
@@ -269,7 +269,7 @@ void DispThreadPaceTest::staleImageAfterRestartIsHarmless()
     QVERIFY(scripted::deliverImage(1));
     QVERIFY(waitBlocked([&] { return running.images() == 1; }));
     running.driver().stop();
-    scripted::setImageFormat(width, height, kBayerRG8);
+    scripted::setImageFormat(width, height, scripted::bayerRG8);
     running.start();
     QVERIFY(scripted::deliverImage(1)); // the thread is a new one and knows no number
     QVERIFY(waitBlocked([&] { return running.images() == 2; }));
@@ -347,9 +347,8 @@ void DispThreadPaceTest::fastCameraShowsFewerImagesThanItDelivers()
 void DispThreadPaceTest::stoppedCameraShowsZeroAndKeepsTheImage()
 {
     constexpr int delivered = 10;
-    QImage shown;
     RunningStream running;
-    connect(&running.driver().window(), &MainWindow::Update_Image, this, [&](const QImage& image) { shown = image; });
+    const ShownImages shown(running.driver().window(), ShownImages::Keep::Last);
     for (std::uint64_t number = 1; number <= delivered; ++number)
         QVERIFY(scripted::deliverImage(number, 0x40));
     QVERIFY(running.waitForReports(2));
@@ -368,7 +367,7 @@ void DispThreadPaceTest::stoppedCameraShowsZeroAndKeepsTheImage()
     QCOMPARE(second.display, 0.0);
     QTRY_COMPARE(running.driver().rates(), QString("[Disp =   0.00 fps] , [Cap =   0.00 fps]"));
     QCOMPARE(running.images(), first.imagesBefore);
-    QCOMPARE(shown.pixel(0, 0), 0xFF404040U);
+    QCOMPARE(shown.last().pixel(0, 0), 0xFF404040U);
 }
 
 void DispThreadPaceTest::nothingIsReportedWhileNotAcquiring()

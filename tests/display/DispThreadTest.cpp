@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::uint32_t kBayerRG8 = 0x01080009;
-
 class DispThreadTest : public QObject {
     Q_OBJECT
 
@@ -66,13 +64,13 @@ void DispThreadTest::livesWhileTheStreamIsOpen()
 void DispThreadTest::imageIsLockedConvertedAndUnlocked()
 {
     RunningStream running;
-    scripted::setImageFormat(64, 48, kBayerRG8);
+    scripted::setImageFormat(64, 48, scripted::bayerRG8);
     QVERIFY(scripted::deliverImage(1));
     QTRY_COMPARE(conversions(), 1);
     QTRY_COMPARE(scripted::lockedBuffers(), 0);
     running.driver().stop();
     const QStringList made =
-        texts(scripted::calls({"Strm_GetCurrentBufferIndex", "Strm_LockBuffer", "Strm_UnlockBuffer", "ConvImage"}));
+        recorded::texts({"Strm_GetCurrentBufferIndex", "Strm_LockBuffer", "Strm_UnlockBuffer", "ConvImage"});
     QCOMPARE(made.mid(0, 4),
              (QStringList{"Strm_GetCurrentBufferIndex(3001, out)", "Strm_LockBuffer(3001, 0, out)",
                           "ConvImage(0, 17301513, 1, out, ptr, 64, 48)", "Strm_UnlockBuffer(3001, 0)"}));
@@ -103,7 +101,7 @@ void DispThreadTest::imageIsEmittedAsAViewOfTheBuffer()
 void DispThreadTest::nothingIsAskedBeforeTheFirstImage()
 {
     RunningStream running;
-    QVERIFY(waitRounds(kRoundsOfAFewPeriods));
+    QVERIFY(recorded::waitRounds());
     QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0);
     QVERIFY(scripted::deliverImage(1));
     QTRY_COMPARE(conversions(), 1);
@@ -194,7 +192,7 @@ void DispThreadTest::failedConversionIsShownAllTheSame()
     scripted::failAlways("ConvImage", Orvo::CAM_API_STS_NOT_IMPLEMENTED);
     QVERIFY(scripted::deliverImage(1));
     QTRY_COMPARE(running.images(), 1);
-    QVERIFY(waitRounds(kRoundsOfAFewPeriods));
+    QVERIFY(recorded::waitRounds());
     QCOMPARE(conversions(), 1);
     QCOMPARE(running.driver().log(), QStringList());
 }
@@ -207,8 +205,8 @@ void DispThreadTest::removalIsAskedForWithoutWaiting()
     for (const char* asked : {"Sys_WaitForSignal(1001, 0)", "Sys_WaitForSignal(1002, 0)"}) {
         scripted::clearCalls();
         RunningStream running;
-        QVERIFY(waitRounds(5));
-        for (const QString& text : texts(scripted::calls({"Sys_WaitForSignal"})))
+        QVERIFY(recorded::waitRounds(5));
+        for (const QString& text : recorded::texts({"Sys_WaitForSignal"}))
             QCOMPARE(text, QString(asked));
     }
 }

@@ -18,12 +18,6 @@ bool waitBlocked(const std::function<bool()>& condition)
     return true;
 }
 
-bool waitRounds(int rounds)
-{
-    const int until = scripted::count("Sys_WaitForSignal") + rounds;
-    return QTest::qWaitFor([until] { return scripted::count("Sys_WaitForSignal") >= until; }, kPatienceMs);
-}
-
 bool waitRoundsBlocked(int rounds)
 {
     const int until = scripted::count("Sys_WaitForSignal") + rounds;
@@ -33,14 +27,6 @@ bool waitRoundsBlocked(int rounds)
 int conversions()
 {
     return scripted::count("ConvImage");
-}
-
-QStringList texts(const std::vector<scripted::Call>& calls)
-{
-    QStringList lines;
-    for (const scripted::Call& call : calls)
-        lines << QString::fromStdString(call.text());
-    return lines;
 }
 
 // --- RunningStream --------------------------------------------------------------------------------------------------

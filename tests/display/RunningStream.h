@@ -1,10 +1,10 @@
 #pragma once
 
 #include "display/DispThread.h"
+#include "tests/support/Patience.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"
-
-#include <QStringList>
 
 #include <atomic>
 #include <chrono>
@@ -16,20 +16,13 @@
 #include <thread>
 #include <vector>
 
-constexpr int kPatienceMs = 30000;
-
-// Rounds of the display thread take 2 ms or more, so that the pace of 26 ms has passed after these.
-constexpr int kRoundsOfAFewPeriods = 60;
-
 /// Waits without letting the GUI thread handle its events.
 [[nodiscard]] bool waitBlocked(const std::function<bool()>& condition);
 
-/// Lets the display thread go on for that many rounds; it asks for the removal signal once in each.
-[[nodiscard]] bool waitRounds(int rounds);
-[[nodiscard]] bool waitRoundsBlocked(int rounds);
+/// recorded::waitRounds() likewise.
+[[nodiscard]] bool waitRoundsBlocked(int rounds = recorded::kRoundsOfAnImage);
 
 [[nodiscard]] int conversions();
-[[nodiscard]] QStringList texts(const std::vector<scripted::Call>& calls);
 
 /// A started stream, and what its display thread emits, noted on that thread.
 class RunningStream {

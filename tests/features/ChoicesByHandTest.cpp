@@ -1,6 +1,7 @@
 // The combo box and the button in the table, used as a user uses them: what the camera gets, and what is shown.
 
 #include "tests/features/EditorBench.h"
+#include "tests/support/Wheel.h"
 
 #include <QtTest>
 
@@ -94,9 +95,9 @@ void ChoicesByHandTest::comboBoxByWheel()
 {
     EditorBench bench({choice()});
     auto* comboBox = bench.openAs<QComboBox>("Choice");
-    EditorBench::turnWheel(comboBox, -1);
+    turnWheel(*comboBox, -1);
     QCOMPARE(bench.written(), QStringList{"Choice = Three"});
-    EditorBench::turnWheel(comboBox, 2);
+    turnWheel(*comboBox, 2);
     QCOMPARE(bench.written(), (QStringList{"Choice = Three", "Choice = Two", "Choice = One"}));
 }
 
@@ -138,7 +139,7 @@ void ChoicesByHandTest::comboBoxOfAnEmptyEnumeration()
     EditorBench::press(Qt::Key_Down);
     EditorBench::press(Qt::Key_End);
     EditorBench::press(Qt::Key_Space);
-    EditorBench::turnWheel(comboBox, -3);
+    turnWheel(*comboBox, -3);
     QTest::mouseClick(comboBox, Qt::LeftButton);
     EditorBench::press(Qt::Key_Return);
     QCOMPARE(bench.written(), QStringList());

@@ -149,16 +149,6 @@ QWidget* EditorBench::open(const QString& name)
     return editor();
 }
 
-QWidget* EditorBench::editor()
-{
-    const auto children = table().viewport()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-    for (QWidget* child : children) {
-        if (!child->isHidden())
-            return child;
-    }
-    return nullptr;
-}
-
 void EditorBench::waysToLeave()
 {
     QTest::addColumn<QString>("how");
@@ -203,17 +193,6 @@ void EditorBench::press(Qt::Key key)
     QTest::keyClick(QApplication::focusWidget(), key);
     // A delegate commits on Enter when the editor has had the key.
     QCoreApplication::processEvents();
-}
-
-void EditorBench::turnWheel(QWidget* widget, int notches)
-{
-    const QPointF position = widget->rect().center();
-    const QPointF global = widget->mapToGlobal(widget->rect().center());
-    for (int i = 0; i < std::abs(notches); ++i) {
-        QWheelEvent event(position, global, {}, QPoint(0, notches > 0 ? 120 : -120), Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(widget, &event);
-    }
 }
 
 QStringList EditorBench::written()

@@ -2,6 +2,7 @@
 
 #include "features/LineEditWithSlider.h"
 #include "tests/features/FeatureTable.h"
+#include "tests/support/FeatureHand.h"
 
 #include <QEvent>
 #include <QMetaType>
@@ -53,7 +54,7 @@ public:
     QWidget* open(const QString& name);
     void click(const QString& name, int column = 2);
     /// The editor that is open, null for none.
-    [[nodiscard]] QWidget* editor();
+    [[nodiscard]] QWidget* editor() { return openEditor(table()); }
     template <typename Editor> Editor* openAs(const QString& name)
     {
         auto* found = qobject_cast<Editor*>(open(name));
@@ -70,7 +71,6 @@ public:
     /// To the widget that has the keyboard.
     static void type(const QString& text);
     static void press(Qt::Key key);
-    static void turnWheel(QWidget* widget, int notches);
 
     /// The text of the value cell.
     [[nodiscard]] QString shown(const QString& name) { return valueCell(name).data().toString(); }

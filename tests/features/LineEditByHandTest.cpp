@@ -1,6 +1,7 @@
 // The line edit and the spin box in the table, used as a user uses them: what the camera gets, and what is shown.
 
 #include "tests/features/EditorBench.h"
+#include "tests/support/Wheel.h"
 
 #include <QtTest>
 
@@ -151,7 +152,7 @@ void LineEditByHandTest::spinBoxByKeyAndWheel()
     QCOMPARE(bench.written(), QStringList{"Number = 40"});
     QCOMPARE(bench.shown("Number"), QString("40"));
     EditorBench::press(Qt::Key_Down);
-    EditorBench::turnWheel(spinBox, 1);
+    turnWheel(*spinBox, 1);
     QCOMPARE(bench.written(), (QStringList{"Number = 40", "Number = 36", "Number = 40"}));
     QCOMPARE(scripted::node("Number").intValue, std::int64_t{40});
 }

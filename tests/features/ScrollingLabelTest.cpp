@@ -1,11 +1,11 @@
 // A label that scrolls what does not fit.
 
 #include "features/ScrollingLabel.h"
+#include "tests/support/Wheel.h"
 
 #include <QtTest>
 
 #include <QPaintEvent>
-#include <QWheelEvent>
 
 namespace {
 
@@ -42,14 +42,6 @@ void show(ScrollingLabel& label)
 QImage picture(QLabel& label)
 {
     return label.grab(QRect(0, 0, kWidth / 2, label.height())).toImage();
-}
-
-void turnWheel(QWidget& widget, int notches)
-{
-    const QPointF center = widget.rect().center();
-    QWheelEvent event(center, widget.mapToGlobal(center.toPoint()), {}, QPoint(0, 120 * notches), Qt::NoButton, {},
-                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&widget, &event);
 }
 
 /// What of a widget was painted.

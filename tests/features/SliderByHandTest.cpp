@@ -1,6 +1,7 @@
 // The slider editor in the table, used as a user uses it: what the camera gets, and what is shown.
 
 #include "tests/features/EditorBench.h"
+#include "tests/support/Wheel.h"
 
 #include <QtTest>
 
@@ -183,7 +184,7 @@ void SliderByHandTest::byWheel()
 {
     EditorBench bench(features::beside(features::percent()));
     auto* editor = bench.openAs<LineEditWithSlider>("Percent");
-    EditorBench::turnWheel(sliderOf(editor), 1);
+    turnWheel(*sliderOf(editor), 1);
     QVERIFY(sliderOf(editor)->value() > 37);
     QCOMPARE(lineEditOf(editor)->text(), QString("37"));
     QCOMPARE(bench.written(), QStringList());

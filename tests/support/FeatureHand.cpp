@@ -9,6 +9,8 @@
 #include <QTest>
 #include <QToolBar>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int kNameColumn = 0;
@@ -37,6 +39,14 @@ template <typename Editor> Editor* as(QWidget* editor, const QString& name)
 }
 
 } // namespace
+
+QWidget* openEditor(const QTableView& table)
+{
+    const auto children = table.viewport()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto shown =
+        std::find_if(children.begin(), children.end(), [](QWidget* child) { return !child->isHidden(); });
+    return shown == children.end() ? nullptr : *shown;
+}
 
 FeatureView& FeatureHand::view() const
 {
@@ -124,15 +134,6 @@ QWidget* FeatureHand::clickValue(const QString& name)
     if (waits)
         static_cast<void>(QTest::qWaitFor([this] { return editor() != nullptr; }, kSecondClickMs));
     return editor();
-}
-
-QWidget* FeatureHand::editor() const
-{
-    for (auto* const child : table().viewport()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-        if (!child->isHidden())
-            return child;
-    }
-    return nullptr;
 }
 
 void FeatureHand::type(const QString& name, const QString& text)

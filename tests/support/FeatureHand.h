@@ -9,6 +9,9 @@ class FeatureView;
 class QTableView;
 class QWidget;
 
+/// The editor that is open in the table, null for none.
+[[nodiscard]] QWidget* openEditor(const QTableView& table);
+
 /// A user's hand on the feature browser of a window: clicks and keys. Features are called by name; the category that
 /// hides one is unfolded first. What does not work ends the program with a message.
 class FeatureHand {
@@ -42,7 +45,7 @@ public:
 private:
     [[nodiscard]] QModelIndex find(const QString& name, int column);
     void click(const QModelIndex& index);
-    [[nodiscard]] QWidget* editor() const;
+    [[nodiscard]] QWidget* editor() const { return openEditor(table()); }
 
     QMainWindow& m_window;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/Patience.h"
 #include "tests/support/ScriptedCamera.h"
 
 #include <QRegularExpression>
@@ -38,12 +39,13 @@ namespace recorded {
 }
 
 /// Handles events until the display thread went through so many rounds; it asks for the removal signal once in each.
-/// A round takes 2 ms or more, so an image that is to be shown is on screen after kRoundsOfAnImage.
+/// A round takes 2 ms or more, so an image that is to be shown is on screen after kRoundsOfAnImage, whatever the pace
+/// of 26 ms lets it wait for.
 constexpr int kRoundsOfAnImage = 60;
 [[nodiscard]] inline bool waitRounds(int rounds = kRoundsOfAnImage)
 {
     const int until = scripted::count("Sys_WaitForSignal") + rounds;
-    return QTest::qWaitFor([until] { return scripted::count("Sys_WaitForSignal") >= until; }, 30000);
+    return QTest::qWaitFor([until] { return scripted::count("Sys_WaitForSignal") >= until; }, kPatienceMs);
 }
 
 } // namespace recorded

@@ -1,16 +1,17 @@
 #include "tests/support/WindowDriver.h"
 
 #include "discovery/DiscoveryDlg.h"
+#include "display/GraphicsView.h"
+#include "display/ImageView.h"
 
 #include <QApplication>
+#include <QGraphicsItem>
 #include <QLabel>
 #include <QPushButton>
 #include <QTextEdit>
-#include <QTimer>
+#include <QTreeWidget>
 
 namespace {
-
-constexpr int kPollMs = 5;
 
 /// The dialog on screen whose list is filled, or was tried to be.
 QWidget* readyDialog()
@@ -20,23 +21,6 @@ QWidget* readyDialog()
         return nullptr;
     const auto* const update = dialog->findChild<QPushButton*>("PushButtonUpateCameraList");
     return update && update->isEnabled() ? dialog : nullptr;
-}
-
-/// Hands what `find` finds to `user`, once, while `act` waits for a modal window to end. False where nothing was found.
-bool during(const std::function<void()>& act, QWidget* (*find)(), const std::function<void(QWidget&)>& user)
-{
-    bool found = false;
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (QWidget* const window = find()) {
-            poll.stop();
-            found = true;
-            user(*window);
-        }
-    });
-    poll.start(kPollMs);
-    act();
-    return found;
 }
 
 } // namespace
@@ -93,12 +77,42 @@ void WindowDriver::open(const char* action)
 
 void WindowDriver::open(const std::function<void(DiscoveryDlg&)>& user, const char* action)
 {
-    during([&] { trigger(action); }, readyDialog, [&](QWidget& dialog) { user(static_cast<DiscoveryDlg&>(dialog)); });
+    modal::during([&] { trigger(action); }, readyDialog,
+                  [&](QWidget& dialog) { user(static_cast<DiscoveryDlg&>(dialog)); });
 }
 
-bool WindowDriver::triggerModal(const char* name, const std::function<void(QWidget&)>& user)
+bool WindowDriver::openModel(const QString& model, const std::function<void()>& chosen)
 {
-    return during([&] { trigger(name); }, QApplication::activeModalWidget, user);
+    constexpr int modelColumn = 1;
+    open([&](DiscoveryDlg& dialog) {
+        auto* const list = dialog.findChild<QTreeWidget*>("discoveryWidget");
+        const auto found = list->findItems(model, Qt::MatchExactly, modelColumn);
+        if (found.isEmpty()) {
+            dialog.reject();
+            return;
+        }
+        list->setCurrentItem(found.first());
+        if (chosen)
+            chosen();
+        dialog.findChild<QPushButton*>("openButton")->click();
+    });
+    return enabled("actionStart");
+}
+
+bool WindowDriver::triggerModal(const char* name, const ModalUser& user)
+{
+    return modal::during([&] { trigger(name); }, user) > 0;
+}
+
+ImageView* WindowDriver::imageView() const
+{
+    return qobject_cast<ImageView*>(m_window->centralWidget());
+}
+
+QRectF WindowDriver::imageArea() const
+{
+    const ImageView* const view = imageView();
+    return view ? view->view()->scene()->items().first()->boundingRect() : QRectF();
 }
 
 QStringList WindowDriver::log() const

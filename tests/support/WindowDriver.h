@@ -1,8 +1,10 @@
 #pragma once
 
 #include "app/MainWindow.h"
+#include "tests/support/ModalWindows.h"
 
 #include <QAction>
+#include <QRectF>
 #include <QString>
 #include <QStringList>
 
@@ -10,6 +12,7 @@
 #include <memory>
 
 class DiscoveryDlg;
+class ImageView;
 
 /// A main window over the scripted camera, and a user's hand on it. Scripts of the camera are set before the driver is
 /// made or between its calls; making it does not reset them.
@@ -33,14 +36,22 @@ public:
     void triggerDisabled(const char* name);
 
     /// Triggers an action that brings up a modal window, and hands that to `user`, who ends it. False where none came.
-    [[nodiscard]] bool triggerModal(const char* name, const std::function<void(QWidget&)>& user);
+    [[nodiscard]] bool triggerModal(const char* name, const ModalUser& user);
 
     /// Opens the first camera through the dialog, or does with the dialog what `user` does once the list is filled.
     void open(const char* action = "actionOpen");
     void open(const std::function<void(DiscoveryDlg&)>& user, const char* action = "actionOpen");
+    /// Opens the first camera of that model; false where none is listed or it does not open. `chosen` is called when
+    /// the model is the current one of the list.
+    [[nodiscard]] bool openModel(const QString& model, const std::function<void()>& chosen = {});
     void start() { trigger("actionStart"); }
     void stop() { trigger("actionStop"); }
     void close() { trigger("actionClose"); }
+
+    /// Null while no camera is open.
+    [[nodiscard]] ImageView* imageView() const;
+    /// What the view keeps free for images, in pixels of the camera.
+    [[nodiscard]] QRectF imageArea() const;
 
     [[nodiscard]] QStringList log() const;
     void clearLog();

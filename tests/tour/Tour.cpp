@@ -7,20 +7,17 @@
 
 #include "tests/tour/Tour.h"
 
-#include "discovery/DiscoveryDlg.h"
+#include "tests/support/Patience.h"
 
 #include <QApplication>
-#include <QPushButton>
 #include <QScreen>
 #include <QTest>
-#include <QTreeWidget>
 
 #include <cstdio>
 #include <cstdlib>
 
 namespace {
 
-constexpr int kPatienceMs = 60000;
 constexpr int kSettleMs = 150;
 
 } // namespace
@@ -34,8 +31,8 @@ void endTour(const QString& what)
 Tour::Tour(const QDir& folder)
     : m_folder(folder.absolutePath())
     , m_driver(std::make_unique<WindowDriver>())
+    , m_images(m_driver->window())
 {
-    QObject::connect(&m_driver->window(), &MainWindow::Update_Image, &m_driver->window(), [this] { ++m_images; });
 }
 
 void Tour::picture(const QString& name)
@@ -59,8 +56,8 @@ void Tour::waitFor(const char* what, const std::function<bool()>& condition)
 
 void Tour::waitForImages(int count)
 {
-    const int wanted = m_images + count;
-    waitFor("images", [&] { return m_images >= wanted; });
+    if (!m_images.waitForMore(count))
+        endTour("waited in vain for images");
 }
 
 void Tour::pictureOfModal(const char* action, const QString& name)
@@ -75,18 +72,12 @@ void Tour::pictureOfModal(const char* action, const QString& name)
 
 void Tour::openCamera(const QString& model, bool pictured)
 {
-    m_driver->open([&](DiscoveryDlg& dialog) {
-        auto* const list = dialog.findChild<QTreeWidget*>("discoveryWidget");
-        const auto found = list->findItems(model, Qt::MatchExactly, 1);
-        if (found.isEmpty())
-            endTour(model + " is not listed");
-        list->setCurrentItem(found.first());
+    const auto chosen = [&] {
         if (pictured)
             picture("discovery");
-        dialog.findChild<QPushButton*>("openButton")->click();
-    });
-    if (!m_driver->enabled("actionStart"))
-        endTour("the camera did not open: " + m_driver->log().join(" / "));
+    };
+    if (!m_driver->openModel(model, chosen))
+        endTour(QString("no %1 opens: %2").arg(model, m_driver->log().join(" / ")));
 }
 
 int main(int argc, char* argv[])

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QDir>
@@ -40,7 +41,7 @@ private:
     QDir m_folder;
     int m_number = 0;
     std::unique_ptr<WindowDriver> m_driver;
-    int m_images = 0;
+    ShownImages m_images;
 };
 
 [[noreturn]] void endTour(const QString& what);

@@ -43,7 +43,7 @@ void Tour::zoomAndPointer()
         if (button->text() == " Drag ")
             button->click();
     }
-    QWidget* const viewport = qobject_cast<ImageView*>(m_driver->window().centralWidget())->view()->viewport();
+    QWidget* const viewport = m_driver->imageView()->view()->viewport();
     const QPoint centre = viewport->rect().center();
     QTest::mousePress(viewport, Qt::LeftButton, {}, centre);
     QTest::mouseMove(viewport, centre - QPoint(120, 80));
