@@ -3,22 +3,19 @@
 #include "display/DispThread.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
 
+#include <functional>
+
 namespace {
 
-constexpr int kPatienceMs = 30000;
-
-/// A window with an open camera, the images that it shows, and the reports of its display threads.
+/// A window with an open camera, and the first report after the last start.
 class Running {
 public:
-    Running()
-    {
-        m_driver.open();
-        QObject::connect(&m_driver.window(), &MainWindow::Update_Image, &m_driver.window(), [this] { ++m_shown; });
-    }
+    Running() { m_driver.open(); }
 
     [[nodiscard]] WindowDriver& driver() { return m_driver; }
 
@@ -33,11 +30,14 @@ public:
     /// Delivers an image and waits until the window shows it.
     void show(std::uint64_t frameNumber)
     {
-        const int before = m_shown;
+        const int before = m_shown.count();
         QVERIFY(scripted::deliverImage(frameNumber));
-        QTRY_COMPARE_WITH_TIMEOUT(m_shown, before + 1, kPatienceMs);
-        QVERIFY(m_capturedPerShown.isEmpty()); // nothing was counted for a report before
+        QTRY_COMPARE_WITH_TIMEOUT(m_shown.count(), before + 1, kPatienceMs);
+        m_interrupted = !m_capturedPerShown.isEmpty();
     }
+
+    /// Whether a report came before the last image was shown, so that not all images are in one report.
+    [[nodiscard]] bool interrupted() const { return m_interrupted; }
 
     /// How many images the first report after the start has as captured for each that was shown.
     [[nodiscard]] double capturedPerShown()
@@ -47,10 +47,30 @@ public:
     }
 
 private:
-    int m_shown = 0;
     QVector<double> m_capturedPerShown;
-    WindowDriver m_driver; // last: it may show images until it is gone
+    bool m_interrupted = false;
+    WindowDriver m_driver; // may report until it is gone
+    ShownImages m_shown{m_driver.window()};
 };
+
+struct Report {
+    double capturedPerShown = 0;
+    QString text; ///< what the window shows of it
+};
+
+/// The first report after the last start in `scene`, which begins anew where a busy machine let the report come amidst.
+Report reportOf(const std::function<void(Running&)>& scene)
+{
+    constexpr int attempts = 20;
+    for (int attempt = 0; attempt < attempts && !QTest::currentTestFailed(); ++attempt) {
+        scripted::reset();
+        Running running;
+        scene(running);
+        if (!running.interrupted())
+            return {running.capturedPerShown(), running.driver().rates()};
+    }
+    return {};
+}
 
 class FrameRateTest : public QObject {
     Q_OBJECT
@@ -119,89 +139,97 @@ void FrameRateTest::areShownOnlyWhileAcquiring()
 
 void FrameRateTest::lostImagesCountAsCaptured()
 {
-    Running running;
-    running.start();
-    running.show(10); // the first counts 1, whatever its number
-    running.show(11);
-    running.show(111); // 99 images lost between
-    QCOMPARE(running.capturedPerShown(), 102 / 3.0);
+    const Report report = reportOf([](Running& running) {
+        running.start();
+        running.show(10); // the first counts 1, whatever its number
+        running.show(11);
+        running.show(111); // 99 images lost between
+    });
+    QCOMPARE(report.capturedPerShown, 102 / 3.0);
 }
 
 void FrameRateTest::frameNumbersWrap()
 {
-    Running running;
-    running.start();
-    running.show(0xFFFFFFFF);
-    running.show(0x100000001);
-    QCOMPARE(running.capturedPerShown(), 3 / 2.0);
+    const Report report = reportOf([](Running& running) {
+        running.start();
+        running.show(0xFFFFFFFF);
+        running.show(0x100000001);
+    });
+    QCOMPARE(report.capturedPerShown, 3 / 2.0);
 }
 
 void FrameRateTest::imageOfALostCameraDoesNotCount()
 {
-    Running running;
-    running.start();
-    scripted::failAlways("GetCamIndexFromCamHandle", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING);
-    QVERIFY(scripted::deliverImage(500));
-    QVERIFY(recorded::waitRounds());
-    QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0); // the first image is still to come
-    scripted::heal("GetCamIndexFromCamHandle");
-    running.show(510);
-    QCOMPARE(running.capturedPerShown(), 1.0);
+    constexpr int rounds = 15; // of 2 ms or more: the pace of 26 ms has passed
+    const Report report = reportOf([](Running& running) {
+        running.start();
+        scripted::failAlways("GetCamIndexFromCamHandle", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING);
+        QVERIFY(scripted::deliverImage(500));
+        QVERIFY(recorded::waitRounds(rounds));
+        QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0); // the first image is still to come
+        scripted::heal("GetCamIndexFromCamHandle");
+        running.show(510);
+    });
+    QCOMPARE(report.capturedPerShown, 1.0);
 }
 
 void FrameRateTest::laterStreamCountsFromTheLastNumber()
 {
-    Running running;
-    running.start();
-    running.show(100);
-    running.driver().stop();
-    running.start();
-    running.show(1);
-    QCOMPARE(running.capturedPerShown(), 4294967296.0 - 99);
-    QCOMPARE(running.driver().rates(), WindowDriver::noRates()); // which nobody gets to see
+    const Report report = reportOf([](Running& running) {
+        running.start();
+        running.show(100);
+        running.driver().stop();
+        running.start();
+        running.show(1);
+    });
+    QCOMPARE(report.capturedPerShown, 4294967296.0 - 99);
+    QCOMPARE(report.text, WindowDriver::noRates()); // which nobody gets to see
 }
 
 void FrameRateTest::openingCountsFromZero()
 {
-    Running running;
-    running.start();
-    running.show(100);
-    running.driver().close();
-    running.driver().open();
-    running.start();
-    running.show(7);
-    QCOMPARE(running.capturedPerShown(), 7.0);
+    const Report report = reportOf([](Running& running) {
+        running.start();
+        running.show(100);
+        running.driver().close();
+        running.driver().open();
+        running.start();
+        running.show(7);
+    });
+    QCOMPARE(report.capturedPerShown, 7.0);
 }
 
 void FrameRateTest::countEndsWithTheStream()
 {
-    Running running;
-    running.start();
-    running.show(1);
-    running.show(50);
-    running.driver().stop();
-    running.start();
-    running.show(51);
-    QCOMPARE(running.capturedPerShown(), 1.0);
+    const Report report = reportOf([](Running& running) {
+        running.start();
+        running.show(1);
+        running.show(50);
+        running.driver().stop();
+        running.start();
+        running.show(51);
+    });
+    QCOMPARE(report.capturedPerShown, 1.0);
 }
 
 void FrameRateTest::countEndsWithTheCamera()
 {
-    Running running;
-    running.start();
-    running.show(1);
-    running.driver().stop();
-    // An image that comes when the stream is closed already.
-    scripted::onCall("Cam_Close", [] {
-        scripted::onCall("Cam_Close", nullptr);
-        scripted::lateImage(1000);
+    const Report report = reportOf([](Running& running) {
+        running.start();
+        running.show(1);
+        running.driver().stop();
+        // An image that comes when the stream is closed already.
+        scripted::onCall("Cam_Close", [] {
+            scripted::onCall("Cam_Close", nullptr);
+            scripted::lateImage(1000);
+        });
+        running.driver().close();
+        QCOMPARE(scripted::count("GetCamIndexFromCamHandle"), 2);
+        running.driver().open();
+        running.start();
+        running.show(1);
     });
-    running.driver().close();
-    QCOMPARE(scripted::count("GetCamIndexFromCamHandle"), 2);
-    running.driver().open();
-    running.start();
-    running.show(1);
-    QCOMPARE(running.capturedPerShown(), 1.0);
+    QCOMPARE(report.capturedPerShown, 1.0);
 }
 
 } // namespace
