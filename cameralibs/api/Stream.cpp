@@ -2,10 +2,10 @@
 
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/HandleTable.h"
+#include "cameralibs/api/ImageSize.h"
 #include "cameralibs/genicam/IntegerOperations.h"
 #include "cameralibs/genicam/TextOperations.h"
 
-#include <limits>
 #include <utility>
 
 namespace orvo {
@@ -30,17 +30,6 @@ public:
     InsideCallback(const InsideCallback&) = delete;
     InsideCallback& operator=(const InsideCallback&) = delete;
 };
-
-std::size_t readPayload(const NodeMap& nodes)
-{
-    const NodeId node = nodes.description().find("PayloadSize");
-    throwUnless(node != kNoNode, CAM_API_STS_NOT_IMPLEMENTED);
-    const std::int64_t payload = readInteger(nodes, node);
-    // A size of zero makes some transports divide by it.
-    if (payload <= 0 || payload > std::numeric_limits<std::uint32_t>::max())
-        throw Failure(CAM_API_STS_GENICAM_ERR, "[PayloadSize] No image has " + std::to_string(payload) + " bytes");
-    return static_cast<std::size_t>(payload);
-}
 
 } // namespace
 
@@ -70,9 +59,9 @@ void Stream::open(std::uint32_t bufferCount)
     }
     try {
         m_camera->withDevice([&](Device& device, NodeMap& nodes) {
-            const std::size_t payload = readPayload(nodes);
-            m_ring = std::make_unique<SlotRing>(bufferCount, payload > kLargeImage ? kSparesOfLargeImages : kSpares,
-                                                payload);
+            const SlotRing::ImageSize size = readImageSize(nodes);
+            const bool large = size.payload > kLargeImage;
+            m_ring = std::make_unique<SlotRing>(bufferCount, large ? kSparesOfLargeImages : kSpares, size);
             throwIfFailed(device.openSource(*this, m_ring->spares(), m_source));
         });
     } catch (...) {
@@ -190,23 +179,23 @@ void Stream::fail(CAM_API_STATUS status)
         error.function(m_camera->handle(), m_handle, status, m_ring->nextSlot(), error.context);
 }
 
-// Another payload needs other buffers, and a source that knows them.
-void Stream::prepareSource()
+// A larger image needs other buffers, and a source that knows them.
+void Stream::prepareSource(const SlotRing::ImageSize& size, Device& device)
 {
-    m_camera->withDevice([&](Device& device, NodeMap& nodes) {
-        const std::size_t payload = readPayload(nodes);
-        if (payload <= m_ring->payload() && m_source != nullptr)
-            return;
-        m_source.reset();
-        m_ring->grow(payload);
-        throwIfFailed(device.openSource(*this, m_ring->spares(), m_source));
-    });
+    if (m_ring->holds(size) && m_source != nullptr)
+        return;
+    m_source.reset();
+    m_ring->grow(size);
+    throwIfFailed(device.openSource(*this, m_ring->spares(), m_source));
 }
 
 void Stream::startDevice()
 {
-    prepareSource();
-    m_ring->beginStart();
+    m_camera->withDevice([&](Device& device, NodeMap& nodes) {
+        const SlotRing::ImageSize size = readImageSize(nodes);
+        prepareSource(size, device);
+        m_ring->beginStart(size.pixels);
+    });
     lockTransportLayer(true);
     m_camera->withDevice([&](Device&, NodeMap&) { throwIfFailed(m_source->start()); });
     execute("AcquisitionStart");

@@ -51,7 +51,7 @@ private:
     [[nodiscard]] FrameBuffer* deliver(FrameBuffer* filled) override;
     void fail(Orvo::CAM_API_STATUS status) override;
 
-    void prepareSource();
+    void prepareSource(const SlotRing::ImageSize& size, Device& device);
     void startDevice();
     void stopDevice();
     void endOnThisSide() noexcept;

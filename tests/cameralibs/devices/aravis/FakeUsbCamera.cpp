@@ -23,9 +23,6 @@ constexpr std::uint64_t kStream = kStreamInfo;
 constexpr std::uint64_t kDescription = 0x100000;
 
 // The camera's own, as in its description.
-constexpr std::uint64_t kWidth = 0x30000;
-constexpr std::uint64_t kHeight = 0x30004;
-constexpr std::uint64_t kPixelFormat = 0x3000c;
 constexpr std::uint64_t kStart = 0x30010;
 constexpr std::uint64_t kStop = 0x30014;
 constexpr std::uint64_t kUnplug = 0x3001c;

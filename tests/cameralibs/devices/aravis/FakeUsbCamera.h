@@ -13,7 +13,10 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr std::uint64_t kStreamInfo = 0x20000;
 constexpr std::uint64_t kStreamControl = 0x20004;
 constexpr std::uint64_t kStreamPayload = 0x20008; ///< the bytes of an image as the stream tells them
-constexpr std::uint64_t kPayloadSize = 0x30008;   ///< and as the feature does
+constexpr std::uint64_t kWidth = 0x30000;
+constexpr std::uint64_t kHeight = 0x30004;
+constexpr std::uint64_t kPayloadSize = 0x30008; ///< and as the feature does
+constexpr std::uint64_t kPixelFormat = 0x3000c;
 constexpr std::uint64_t kTransportLayerLocked = 0x30018;
 
 /// A USB3 Vision camera behind its two endpoints. Its images are Mono8: byte i of image n is the low byte of n + i.

@@ -1,5 +1,6 @@
 #include "UsbFixture.h"
 
+#include <algorithm>
 #include <atomic>
 
 using namespace Orvo;
@@ -137,6 +138,53 @@ TEST_F(UsbStreamTest, StreamOfImpossibleSizesIsRefused)
         EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_GENICAM_ERR) << power;
     }
     usb::setValue(usb::kStreamInfo, 20U << 24);
+    start();
+    EXPECT_TRUE(m_recorder.waitForImages(3));
+}
+
+// A program that reads an image by its width and height finds zeros in what the camera does not send.
+TEST_F(UsbStreamTest, ImageHasRoomForAllItsPixels)
+{
+    constexpr std::size_t kPixels = 320 * 240;
+    std::atomic<int> wrong{0};
+    std::atomic<std::size_t> sent{kPixels};
+    m_recorder.onImage = [&](const StreamRecorder::Image& image) {
+        const auto* data = static_cast<const std::uint8_t*>(image.info.data);
+        wrong += image.info.dataSize == sent ? 0 : 1;
+        wrong += std::all_of(data + sent, data + kPixels, [](std::uint8_t byte) { return byte == 0; }) ? 0 : 1;
+    };
+    for (const std::size_t size : {kPixels, kPixels / 2, kPixels / 4, kPixels}) {
+        sent = size;
+        usb::setValue(usb::kPayloadSize, static_cast<std::uint32_t>(size));
+        usb::setValue(usb::kStreamPayload, static_cast<std::uint32_t>(size));
+        m_recorder.clear();
+        start();
+        ASSERT_TRUE(m_recorder.waitForImages(30)) << size;
+        stop();
+        EXPECT_EQ(wrong, 0) << size;
+    }
+    // From the beginning, too.
+    ASSERT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
+    usb::setValue(usb::kPayloadSize, 1000);
+    usb::setValue(usb::kStreamPayload, 1000);
+    sent = 1000;
+    ASSERT_EQ(openStream(), CAM_API_STS_SUCCESS);
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(30));
+    stop();
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(UsbStreamTest, ImageOfTooManyPixelsIsRefused)
+{
+    usb::setValue(usb::kWidth, 0xffffffff);
+    usb::setValue(usb::kHeight, 0xffffffff);
+    EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_GENICAM_ERR);
+    usb::setValue(usb::kHeight, 1);
+    usb::setValue(usb::kPixelFormat, 0x010c0001); // 12 bits
+    EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_GENICAM_ERR);
+    // Without one of them there is nothing to go by.
+    usb::setValue(usb::kWidth, 0);
     start();
     EXPECT_TRUE(m_recorder.waitForImages(3));
 }
