@@ -3,6 +3,7 @@
 #include "cameralibs/devices/simulated/DeviceClock.h"
 
 #include <chrono>
+#include <exception>
 
 namespace orvo::simulated {
 
@@ -76,13 +77,28 @@ void FrameGenerator::sendImage(const FrameSettings& settings)
         m_sink.fail(Orvo::CAM_API_STS_BUFFER_FULL);
         return;
     }
-    // The scene has a time of its own: it does not stop with the camera, nor jump when the clock is reset.
-    const std::chrono::duration<double> sceneTime = Acquisition::Clock::now().time_since_epoch();
     m_buffer->timestampNs = static_cast<std::uint64_t>(m_clock.nanoseconds());
-    m_maker.make(settings.image, m_frameNumber, sceneTime.count(), m_buffer->data);
+    if (!makeImage(settings)) {
+        m_sink.fail(Orvo::CAM_API_STS_NO_MEMORY);
+        return;
+    }
     m_buffer->size = size;
     m_buffer->frameNumber = m_frameNumber;
     m_buffer = m_sink.deliver(m_buffer);
+}
+
+/// False where there is no memory to make it in, as for the rows that a description may ask for.
+bool FrameGenerator::makeImage(const FrameSettings& settings)
+{
+    // The scene has a time of its own: it does not stop with the camera, nor jump when the clock is reset.
+    const std::chrono::duration<double> sceneTime = Acquisition::Clock::now().time_since_epoch();
+    try {
+        m_maker.make(settings.image, m_frameNumber, sceneTime.count(), m_buffer->data);
+        return true;
+    } catch (const std::exception&) {
+        m_maker = ImageMaker(); // it may have been interrupted anywhere
+        return false;
+    }
 }
 
 } // namespace orvo::simulated

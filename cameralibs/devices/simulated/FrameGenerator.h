@@ -25,6 +25,7 @@ public:
 private:
     void run();
     void sendImage(const FrameSettings& settings);
+    [[nodiscard]] bool makeImage(const FrameSettings& settings);
 
     Acquisition& m_acquisition;
     const DeviceClock& m_clock;

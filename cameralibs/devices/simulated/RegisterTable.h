@@ -86,7 +86,7 @@ constexpr auto kTable = laidOut(std::array{
     u32("AcquisitionFrameCount", RW, 10).between(1, 65535),
     flag("AcquisitionFrameRateEnable", RW, true),
     real("AcquisitionFrameRate", RW).between(0.1, 1000),
-    real("AcquisitionFrameRateWanted", RW), // what was written, whatever the exposure allows
+    real("AcquisitionFrameRateWanted", RW).between(0.1, 1000), // what was written, whatever the exposure allows
     real("AcquisitionFrameRateMax", RO),
     real("AcquisitionResultingFrameRate", RO),
     choice("AcquisitionStatusSelector", 2),

@@ -83,6 +83,17 @@ TEST_F(AcquisitionTest, LongExposuresLimitTheRate)
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60) << "What was set counts again";
 }
 
+TEST_F(AcquisitionTest, NoRegisterTakesARateThatThereIsNot)
+{
+    const CAM_NODE_HANDLE wanted = m_camera.node("AcquisitionFrameRateWantedReg");
+    for (const double rate : {0.0, -5.0, 1e-300, 0.09, 1001.0, std::nan("")}) {
+        EXPECT_EQ(Nd_SetFloatValue(m_camera.handle(), wanted, rate, false), CAM_API_STS_INVALID_PARAMETER) << rate;
+        EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), 60) << rate;
+    }
+    EXPECT_EQ(Nd_SetFloatValue(m_camera.handle(), wanted, 0.1, false), CAM_API_STS_SUCCESS);
+    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), 0.1);
+}
+
 TEST_F(AcquisitionTest, FewerRowsAreFaster)
 {
     m_camera.setReal("ExposureTime", 100);

@@ -1,14 +1,20 @@
 // Cameras made from description files.
 
+#include "tests/cameralibs/api/StreamRecorder.h"
 #include "tests/cameralibs/devices/DescriptionText.h"
 #include "tests/cameralibs/devices/FrameNumberReader.h"
 #include "tests/cameralibs/devices/ImageStream.h"
 #include "tests/cameralibs/devices/SimulatedCamera.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <fstream>
 #include <string>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 using namespace Orvo;
 
@@ -180,6 +186,54 @@ TEST(FileCameraTest, SizesOfARunawayDescriptionAreRefused)
     CAM_STRM_HANDLE stream = 0;
     ASSERT_EQ(Strm_OpenSimple(camera->handle(), &stream, nullptr, nullptr, 8, nullptr), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Strm_Start(stream, 8), CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
+}
+
+/// Lets the process have so many bytes more, for as long as it lives.
+class MemoryLimit {
+public:
+    explicit MemoryLimit(rlim_t more)
+    {
+        getrlimit(RLIMIT_AS, &m_before);
+        std::ifstream file("/proc/self/statm");
+        rlim_t pages = 0;
+        file >> pages;
+        const rlimit limit{pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + more, m_before.rlim_max};
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
+    MemoryLimit(const MemoryLimit&) = delete;
+    MemoryLimit& operator=(const MemoryLimit&) = delete;
+
+private:
+    rlimit m_before = {};
+};
+
+TEST(FileCameraTest, RowsThatThereIsNoMemoryForAreErrors)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "Sanitizers take all the address space there is.";
+#endif
+    // The buffers take a part of what is left, a row the whole.
+    constexpr std::int64_t kWidth = 32 * 1024 * 1024;
+    const FileCamera camera(descriptionOf("Boa", "Width Height PixelFormat PayloadSize",
+                                          integerNode("Width", 0x100, "<Min>1</Min><Max>100000000</Max>") +
+                                              integerNode("Height", 0x104, "<Min>1</Min><Max>1</Max>") +
+                                              integerNode("PayloadSize", 0x108, "") +
+                                              enumerationNode("PixelFormat", 0x10C, entry("Mono8", 0x01080001))));
+    camera->setInteger("Width", kWidth);
+    CAM_STRM_HANDLE stream = 0;
+    StreamRecorder recorder;
+    const MemoryLimit limit(12 * kWidth);
+    ASSERT_EQ(Strm_OpenSimple(camera->handle(), &stream, nullptr, nullptr, 1, nullptr), CAM_API_STS_SUCCESS);
+    recorder.attachTo(stream);
+    ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+    ASSERT_TRUE(recorder.waitForErrors(2));
+    EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+    EXPECT_THAT(recorder.errors(), ::testing::Each(CAM_API_STS_NO_MEMORY));
+    camera->setInteger("Width", 640);
+    ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(recorder.waitForImages(2));
     EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
 }
 
