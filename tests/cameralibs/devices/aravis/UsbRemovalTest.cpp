@@ -48,7 +48,8 @@ double idleLoad()
     return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC / 0.5;
 }
 
-constexpr double kIdle = 0.5;
+/// Far above what waiting takes, far below what is left on a busy machine for a thread that spins.
+constexpr double kIdle = 0.1;
 
 } // namespace
 

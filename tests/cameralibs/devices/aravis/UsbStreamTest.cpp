@@ -163,12 +163,18 @@ TEST_F(UsbStreamTest, ImageHasRoomForAllItsPixels)
         stop();
         EXPECT_EQ(wrong, 0) << size;
     }
-    // From the beginning, too.
-    ASSERT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
-    usb::setValue(usb::kPayloadSize, 1000);
-    usb::setValue(usb::kStreamPayload, 1000);
-    sent = 1000;
-    ASSERT_EQ(openStream(), CAM_API_STS_SUCCESS);
+}
+
+TEST_F(UsbStreamTest, MorePixelsWithTheSamePayloadHaveRoom)
+{
+    constexpr std::size_t kPixels = 2000 * 2000;
+    usb::setValue(usb::kWidth, 2000);
+    usb::setValue(usb::kHeight, 2000);
+    std::atomic<int> wrong{0};
+    m_recorder.onImage = [&](const StreamRecorder::Image& image) {
+        const auto* data = static_cast<const std::uint8_t*>(image.info.data);
+        wrong += std::all_of(data + 320 * 240, data + kPixels, [](std::uint8_t byte) { return byte == 0; }) ? 0 : 1;
+    };
     start();
     ASSERT_TRUE(m_recorder.waitForImages(30));
     stop();
