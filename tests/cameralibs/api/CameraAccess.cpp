@@ -2,7 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 using namespace Orvo;
+
+bool becomes(const std::function<bool()>& condition)
+{
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::yield();
+    }
+    return true;
+}
 
 CAM_NODE_HANDLE nodeOf(CAM_HANDLE camera, const char* name)
 {

@@ -2,9 +2,17 @@
 
 #include "camera/OrvoCamApi.h"
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
+
+/// Longer than anything takes on the slowest machine.
+constexpr std::chrono::seconds kPatience(60);
+
+/// Whether the condition, which is asked over and over, comes about within that time.
+[[nodiscard]] bool becomes(const std::function<bool()>& condition);
 
 // Short cuts over the exported functions; what fails fails the test.
 

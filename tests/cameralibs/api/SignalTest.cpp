@@ -1,4 +1,5 @@
 #include "CameraFixture.h"
+#include "WaitingCall.h"
 
 #include <future>
 
@@ -56,26 +57,26 @@ TEST_F(SystemTest, ClosingASignalEndsAWait)
 {
     CAM_SIGNAL_HANDLE signal = 0;
     ASSERT_EQ(Sys_CreateSignal(&signal), CAM_API_STS_SUCCESS);
-    auto waited = std::async(std::launch::async, [&] { return Sys_WaitForSignal(signal, kForever); });
+    WaitingCall waiting([signal] { return Sys_WaitForSignal(signal, kForever); });
     ASSERT_EQ(Sys_CloseSignal(signal), CAM_API_STS_SUCCESS);
-    EXPECT_EQ(waited.get(), CAM_API_STS_INVALID_EVENT_HANDLE);
+    EXPECT_EQ(waiting.result(), CAM_API_STS_INVALID_EVENT_HANDLE);
 }
 
 TEST_F(SystemTest, TerminateEndsAWait)
 {
     CAM_SIGNAL_HANDLE signal = 0;
     ASSERT_EQ(Sys_CreateSignal(&signal), CAM_API_STS_SUCCESS);
-    auto waited = std::async(std::launch::async, [&] { return Sys_WaitForSignal(signal, kForever); });
+    WaitingCall waiting([signal] { return Sys_WaitForSignal(signal, kForever); });
     ASSERT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
-    EXPECT_EQ(waited.get(), CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_EQ(waiting.result(), CAM_API_STS_NOT_INITIALIZED);
 }
 
 TEST_F(CameraTest, RemovalWakesAWaitAndStaysSet)
 {
-    auto waited = std::async(std::launch::async, [&] { return Sys_WaitForSignal(m_signal, kForever); });
+    WaitingCall waiting([signal = m_signal] { return Sys_WaitForSignal(signal, kForever); });
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
     unplug();
-    EXPECT_EQ(waited.get(), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(waiting.result(), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
@@ -98,8 +99,8 @@ TEST_F(CameraTest, SignalIsSetBeforeAnyOperationTellsOfTheRemoval)
     for (int i = 0; i < 4; ++i) {
         readers.push_back(std::async(std::launch::async, [&] {
             std::int64_t value = 0;
-            while (Nd_GetIntValue(m_camera, width, &value) != CAM_API_STS_CAMERA_NOT_RESPONDING) {
-            }
+            EXPECT_TRUE(
+                becomes([&] { return Nd_GetIntValue(m_camera, width, &value) == CAM_API_STS_CAMERA_NOT_RESPONDING; }));
             return Sys_WaitForSignal(m_signal, 0);
         }));
     }
