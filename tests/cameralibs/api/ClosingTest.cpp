@@ -53,22 +53,26 @@ protected:
         ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
     }
 
+    /// Whether the camera's handle comes to be a dead one.
+    [[nodiscard]] bool handleDies() const
+    {
+        CAM_NODE_HANDLE root = 0;
+        return becomes([&] { return Nd_GetNode(m_camera, "Root", &root) != CAM_API_STS_SUCCESS; });
+    }
+
     /// Strm_Close on another thread. It has taken the stream's handle away and waits for a callback, which goes on
     /// until the camera's handle is dead, too.
     [[nodiscard]] std::future<CAM_API_STATUS> startAndCloseStream()
     {
-        m_recorder.onImage = [this](const StreamRecorder::Image&) {
-            CAM_NODE_HANDLE root = 0;
-            while (Nd_GetNode(m_camera, "Root", &root) == CAM_API_STS_SUCCESS)
-                std::this_thread::yield();
-        };
+        m_recorder.onImage = [this](const StreamRecorder::Image&) { EXPECT_TRUE(handleDies()); };
         EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
-        std::uint32_t index = 0;
-        while (Strm_GetCurrentBufferIndex(m_stream, &index) == CAM_API_STS_NOT_READY)
-            std::this_thread::yield();
+        const auto answers = [this](CAM_API_STATUS status) {
+            std::uint32_t index = 0;
+            return Strm_GetCurrentBufferIndex(m_stream, &index) == status;
+        };
+        EXPECT_TRUE(becomes([&] { return answers(CAM_API_STS_SUCCESS); }));
         auto closing = std::async(std::launch::async, [this] { return Strm_Close(m_stream); });
-        while (Strm_GetCurrentBufferIndex(m_stream, &index) == CAM_API_STS_SUCCESS)
-            std::this_thread::yield();
+        EXPECT_TRUE(becomes([&] { return answers(CAM_API_STS_INVALID_STREAM_HANDLE); }));
         return closing;
     }
 
@@ -83,8 +87,7 @@ template <class First, class Second> std::pair<CAM_API_STATUS, CAM_API_STATUS> t
     std::atomic<int> ready{0};
     const auto meet = [&] {
         ++ready;
-        while (ready < 2)
-            std::this_thread::yield();
+        EXPECT_TRUE(becomes([&] { return ready == 2; }));
     };
     auto other = std::async(std::launch::async, [&] {
         meet();
@@ -124,26 +127,23 @@ TEST_F(ClosingTest, TheLibraryEndsWithTheLastCameraThatIsClosed)
 {
     openCamera();
     openStream();
-    std::promise<void> entered;
+    std::atomic<bool> entered{false};
     std::atomic<bool> left{false};
     m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
         if (std::exchange(done, true))
             return;
-        entered.set_value();
+        entered = true;
         std::uint32_t count = 0;
-        while (Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS)
-            std::this_thread::yield();
+        EXPECT_TRUE(becomes([&] { return Sys_GetNumOfCameras(&count) != CAM_API_STS_SUCCESS; }));
         // For a while yet, in which nothing may end.
         for (int i = 0; i < 1000; ++i)
             std::this_thread::yield();
         left = true;
     };
     ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
-    entered.get_future().wait();
+    EXPECT_TRUE(becomes([&] { return entered.load(); }));
     auto closing = std::async(std::launch::async, [this] { return Cam_Close(m_camera); });
-    CAM_NODE_HANDLE root = 0;
-    while (Nd_GetNode(m_camera, "Root", &root) == CAM_API_STS_SUCCESS)
-        std::this_thread::yield();
+    EXPECT_TRUE(handleDies());
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
     EXPECT_TRUE(left);
     EXPECT_EQ(closing.get(), CAM_API_STS_SUCCESS);
@@ -161,8 +161,10 @@ TEST_F(ClosingTest, NoStreamOutlivesItsCamera)
             return status;
         });
         // As soon as the camera has a stream, the other thread is about to make the buffers.
-        while (!done && Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, 1, nullptr) != CAM_API_STS_ALREADY_OPENED)
-            std::this_thread::yield();
+        EXPECT_TRUE(becomes([&] {
+            return done ||
+                   Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, 1, nullptr) == CAM_API_STS_ALREADY_OPENED;
+        }));
         EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
         const CAM_API_STATUS status = opening.get();
         EXPECT_THAT(status, AnyOf(CAM_API_STS_SUCCESS, CAM_API_STS_INVALID_CAMERA_HANDLE));
@@ -191,21 +193,19 @@ TEST_F(ClosingTest, ACameraCountsAsOpenUntilItIsClosed)
 {
     openCamera();
     openStream();
-    std::promise<void> entered;
+    std::atomic<bool> entered{false};
     CAM_API_STATUS again = CAM_API_STS_SUCCESS;
     m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
         if (std::exchange(done, true))
             return;
-        entered.set_value();
+        entered = true;
         // The handle dies first; what closes the camera then waits for this callback.
-        CAM_NODE_HANDLE root = 0;
-        while (Nd_GetNode(m_camera, "Root", &root) == CAM_API_STS_SUCCESS)
-            std::this_thread::yield();
+        EXPECT_TRUE(handleDies());
         CAM_HANDLE camera = 0;
         again = Cam_Open(0, &camera, 0, 1, nullptr, 1);
     };
     ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
-    entered.get_future().wait();
+    EXPECT_TRUE(becomes([&] { return entered.load(); }));
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     EXPECT_EQ(again, CAM_API_STS_ALREADY_OPENED);
     openCamera();

@@ -1,8 +1,8 @@
 #include "StreamRecorder.h"
 
-#include <gtest/gtest.h>
+#include "CameraAccess.h"
 
-#include <chrono>
+#include <gtest/gtest.h>
 
 using namespace Orvo;
 
@@ -113,5 +113,5 @@ template <class Record> void StreamRecorder::leave(Record&& record)
 template <class Done> bool StreamRecorder::wait(Done&& done)
 {
     std::unique_lock lock(m_mutex);
-    return m_changed.wait_for(lock, std::chrono::seconds(60), done);
+    return m_changed.wait_for(lock, kPatience, done);
 }

@@ -124,8 +124,7 @@ TEST_F(StreamTest, StopWaitsForTheCallbackUnderWay)
         left = true;
     };
     start();
-    while (!inside)
-        std::this_thread::yield();
+    EXPECT_TRUE(becomes([&] { return inside.load(); }));
     left = false;
     stop();
     EXPECT_TRUE(left);
@@ -227,8 +226,7 @@ TEST_F(StreamTest, RemovedImageCallbackIsNotCalled)
     ASSERT_EQ(Strm_SetCallbackImageAcquired(m_stream, nullptr, nullptr), CAM_API_STS_SUCCESS);
     start();
     std::uint32_t index = 0;
-    while (Strm_GetCurrentBufferIndex(m_stream, &index) != CAM_API_STS_SUCCESS)
-        std::this_thread::yield();
+    ASSERT_TRUE(becomes([&] { return Strm_GetCurrentBufferIndex(m_stream, &index) == CAM_API_STS_SUCCESS; }));
     stop();
     EXPECT_TRUE(m_recorder.images().empty());
 }
