@@ -1,5 +1,6 @@
 // The faults that a camera shows on demand.
 
+#include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/ImageStream.h"
 
@@ -39,8 +40,7 @@ public:
         EXPECT_EQ(Strm_SetCallbackImageError(m_stream, this, callback), CAM_API_STS_SUCCESS);
         EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
         camera.setInteger("SimulationErrorBurst", kLongBurst);
-        while (m_errors == 0)
-            std::this_thread::yield();
+        EXPECT_TRUE(becomes([this] { return m_errors > 0; }));
     }
     ~BurstStream() { EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS); }
     BurstStream(const BurstStream&) = delete;
@@ -93,13 +93,10 @@ TEST(UnplugTest, AnUnpluggedCameraComesBack)
         const SimulatedCamera camera(0);
         camera.setText("DeviceUserID", "Left");
         camera.setInteger("Width", 640);
-        camera.setInteger("SimulationReplugAfter", 1);
+        camera.setInteger("SimulationReplugAfter", 3);
         camera.execute("SimulationUnplug");
         EXPECT_EQ(Library::enumerate(), 0U);
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        while (Library::enumerate() == 0 && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        ASSERT_EQ(Library::enumerate(), 1U);
+        ASSERT_TRUE(becomes([] { return Library::enumerate() == 1; }));
         CAM_NODE_HANDLE width = 0;
         EXPECT_EQ(Nd_GetNode(camera.handle(), "Width", &width), CAM_API_STS_CAMERA_NOT_RESPONDING)
             << "What was opened before stays gone";
@@ -165,8 +162,8 @@ TEST_F(FaultTest, StoppingEndsABurst)
     // The first one lasts until the stop is under way.
     const BurstStream stream(m_camera, "AcquisitionStatus", [](CAM_HANDLE camera, CAM_NODE_HANDLE status) {
         bool active = true;
-        while (active && Nd_GetBoolValue(camera, status, &active) == CAM_API_STS_SUCCESS)
-            std::this_thread::yield();
+        EXPECT_TRUE(
+            becomes([&] { return Nd_GetBoolValue(camera, status, &active) != CAM_API_STS_SUCCESS || !active; }));
     });
     stream.stop();
     EXPECT_LT(stream.errors(), kLongBurst);
