@@ -166,7 +166,7 @@ struct CAM_INFO {
     char vendorName[64];
     char modelName[64];
     char serialNumber[64];
-    char userDefinedName[64];
+    char userDefinedName[64]; ///< of a real camera empty until it was opened once since Sys_Initialize
     std::uint32_t cameraIndex;
     std::uint8_t reserved[760];
 };

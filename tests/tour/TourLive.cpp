@@ -93,9 +93,11 @@ void Tour::softwareTrigger()
     picture("stopped");
     if (opened::set("TriggerMode", "On") != 0 || opened::set("TriggerSource", "Software") != 0)
         endTour("the camera takes no software trigger");
+    const QString ratesBefore = m_driver->rates(); // they stay until the next report
     m_driver->start();
     m_driver->trigger("actionSoftwareTrigger");
     waitForImages(1);
+    waitFor("the rates of single images", [&] { return m_driver->rates() != ratesBefore; });
     FeatureHand(m_driver->window()).clickName("TriggerMode"); // unfolds its category
     picture("software-trigger");
     m_driver->stop();
