@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <tuple>
 
 namespace orvo {
@@ -25,9 +26,14 @@ std::string orEmpty(const char* text)
     return text == nullptr ? "" : text;
 }
 
-void enableInterface(const char* id, bool enabled)
+/// Nothing for a protocol that cameras are not wanted of; newer versions of Aravis know more of them.
+std::optional<CAM_LINK> linkOf(const std::string& protocol)
 {
-    (enabled ? arv_enable_interface : arv_disable_interface)(id);
+    if (protocol == kUsb)
+        return CAM_LINK_USB3_VISION;
+    if (protocol == kGige)
+        return CAM_LINK_GIGE_VISION;
+    return {};
 }
 
 class AravisProvider : public DeviceProvider {
@@ -35,9 +41,12 @@ public:
     AravisProvider(bool usb, bool gige)
     {
         defineFailedUsbReads();
-        enableInterface(kUsb, usb);
-        enableInterface(kGige, gige);
-        enableInterface("Fake", false);
+        for (unsigned i = 0; i < arv_get_n_interfaces(); ++i) {
+            const char* const id = arv_get_interface_id(i);
+            const auto link = linkOf(id);
+            const bool wanted = (link == CAM_LINK_USB3_VISION && usb) || (link == CAM_LINK_GIGE_VISION && gige);
+            (wanted ? arv_enable_interface : arv_disable_interface)(id);
+        }
     }
 
     [[nodiscard]] std::vector<DeviceInfo> enumerate() override
@@ -46,9 +55,10 @@ public:
         std::vector<DeviceInfo> found;
         m_listed.clear();
         for (unsigned i = 0; i < arv_get_n_devices(); ++i) {
-            const std::string protocol = orEmpty(arv_get_device_protocol(i));
-            const CAM_LINK link = protocol == kUsb ? CAM_LINK_USB3_VISION : CAM_LINK_GIGE_VISION;
-            DeviceInfo info{link,
+            const auto link = linkOf(orEmpty(arv_get_device_protocol(i)));
+            if (!link)
+                continue;
+            DeviceInfo info{*link,
                             orEmpty(arv_get_device_id(i)),
                             orEmpty(arv_get_device_vendor(i)),
                             orEmpty(arv_get_device_model(i)),
