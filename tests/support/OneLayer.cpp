@@ -1,4 +1,4 @@
-// Linked into a program, or preloaded, it leaves the camera libraries the simulated cameras only: no test operates a
+// Linked into a program, or preloaded, it leaves the camera libraries the cameras of one layer only: no test operates a
 // real camera that is connected to the machine or its network, or chooses the wrong one because of it.
 
 #include "camera/OrvoCamApi.h"
@@ -9,5 +9,5 @@
 extern "C" __attribute__((visibility("default"))) Orvo::CAM_API_STATUS Sys_Initialize(std::uint32_t mask)
 {
     static const auto next = reinterpret_cast<decltype(&Orvo::Sys_Initialize)>(dlsym(RTLD_NEXT, "Sys_Initialize"));
-    return next(mask & Orvo::CAM_LAYER_SIMULATED);
+    return next(mask & Orvo::ONLY_LAYER);
 }

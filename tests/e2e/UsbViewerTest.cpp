@@ -1,0 +1,57 @@
+// The real window with the real camera libraries, and a USB3 Vision camera that is unplugged.
+
+#include "tests/cameralibs/devices/aravis/FakeUsb.h"
+#include "tests/support/Patience.h"
+#include "tests/support/ShownImages.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QtTest>
+
+namespace {
+
+class UsbViewerTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void cameraUnpluggedWhileLive();
+    void cameraUnpluggedWhileStopped();
+};
+
+void UsbViewerTest::cameraUnpluggedWhileLive()
+{
+    WindowDriver driver;
+    ShownImages images(driver.window(), ShownImages::Keep::Last);
+    for (int round = 0; round < 8; ++round) {
+        driver.open();
+        QVERIFY2(driver.enabled("actionStart"), qPrintable(driver.log().join('\n')));
+        driver.start();
+        QVERIFY(images.waitForMore(3));
+        QCOMPARE(images.last().size(), QSize(320, 240));
+        usb::unplug();
+        QVERIFY(QTest::qWaitFor([&] { return driver.log().contains("A camera has been Removed."); }, kPatienceMs));
+        QVERIFY(QTest::qWaitFor([&] { return driver.enabled("actionOpen"); }, kPatienceMs));
+        QVERIFY(!driver.enabled("actionStop"));
+        driver.clearLog();
+        usb::plugIn();
+    }
+}
+
+// Without a display thread nobody looks for the removal; the next operation tells.
+void UsbViewerTest::cameraUnpluggedWhileStopped()
+{
+    WindowDriver driver;
+    driver.open();
+    driver.start();
+    driver.stop();
+    usb::unplug();
+    driver.start();
+    QVERIFY2(driver.log().join('\n').contains("[CAM_API_STS_CAMERA_NOT_RESPONDING]"),
+             qPrintable(driver.log().join('\n')));
+    QVERIFY(driver.enabled("actionOpen"));
+    usb::plugIn();
+}
+
+} // namespace
+
+QTEST_MAIN(UsbViewerTest)
+#include "UsbViewerTest.moc"
