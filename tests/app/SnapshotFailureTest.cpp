@@ -7,7 +7,6 @@
 
 #include <QMessageBox>
 
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,29 +33,6 @@ private:
     const bool m_root = geteuid() == 0;
 };
 
-/// A disk of 64 KiB, where the test may mount one.
-class SmallDisk {
-public:
-    explicit SmallDisk(QString folder)
-        : m_folder(std::move(folder))
-        , m_mounted(QDir().mkpath(m_folder) &&
-                    mount("tmpfs", m_folder.toLocal8Bit().constData(), "tmpfs", 0, "size=64k") == 0)
-    {
-    }
-    ~SmallDisk()
-    {
-        if (m_mounted)
-            umount(m_folder.toLocal8Bit().constData());
-    }
-    Q_DISABLE_COPY_MOVE(SmallDisk)
-
-    [[nodiscard]] bool mounted() const { return m_mounted; }
-
-private:
-    QString m_folder;
-    bool m_mounted;
-};
-
 class SnapshotFailureTest : public QObject {
     Q_OBJECT
 
@@ -70,8 +46,6 @@ private slots:
     void unwritableFile();
     void unknownSuffix();
     void tooLongName();
-    void fullDisk_data();
-    void fullDisk();
 
 private:
     std::unique_ptr<SnapshotUser> m_user;
@@ -152,37 +126,6 @@ void SnapshotFailureTest::tooLongName()
 
     m_user->save(QString(251, 'n'), kPng);
     QCOMPARE(m_user->files(), QStringList(QString(251, 'n') + ".png"));
-}
-
-void SnapshotFailureTest::fullDisk_data()
-{
-    QTest::addColumn<QString>("filter");
-    QTest::addColumn<int>("used");
-    QTest::newRow("PNG") << kPng << 0;
-    QTest::newRow("BMP") << kBmp << 0;
-    QTest::newRow("JPEG") << kJpeg << 0;
-    // What is left holds all but the last bytes of the file.
-    QTest::newRow("BMP, at the end") << kBmp << 1;
-}
-
-void SnapshotFailureTest::fullDisk()
-{
-    QFETCH(QString, filter);
-    QFETCH(int, used);
-    const SmallDisk disk(m_user->path("disk"));
-    if (!disk.mounted())
-        QSKIP("a small disk can only be mounted by root");
-
-    // 64 KiB hold none of these; with a page taken, not even the smallest of them.
-    m_user->show(used == 0 ? noise(400, 300, 1) : noise(144, 146, 1));
-    if (used != 0) {
-        QFile other(m_user->path("disk/other"));
-        QVERIFY(other.open(QIODevice::WriteOnly));
-        other.write("x");
-        other.close();
-    }
-    m_user->snapshot({choosing(m_user->path("disk/shot"), filter), pressOk});
-    QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
 }
 
 } // namespace
