@@ -2,33 +2,52 @@
 
 #include <QApplication>
 #include <QPointer>
-#include <QTimer>
+#include <QTimerEvent>
 #include <QWidget>
 
 namespace {
 
 constexpr int kPollMs = 5;
 
+class Watch : public QObject {
+public:
+    Watch(QWidget* (*find)(), const ModalUser& user)
+        : m_find(find)
+        , m_user(user)
+    {
+        startTimer(kPollMs);
+    }
+
+    [[nodiscard]] int found() const { return m_found; }
+
+protected:
+    void timerEvent(QTimerEvent* event) override
+    {
+        // Started anew before the user acts, because a window can bring up another one before it ends.
+        killTimer(event->timerId());
+        startTimer(kPollMs);
+        QWidget* const window = m_find();
+        if (!window || window == m_handled)
+            return;
+        m_handled = window;
+        ++m_found;
+        m_user(*window);
+    }
+
+private:
+    QWidget* (*m_find)();
+    const ModalUser& m_user;
+    int m_found = 0;
+    QPointer<QWidget> m_handled;
+};
+
 } // namespace
 
 int modal::during(const std::function<void()>& act, QWidget* (*find)(), const ModalUser& user)
 {
-    int found = 0;
-    QPointer<QWidget> handled;
-    const QObject scope;
-    // Scheduled anew before the user acts, because a window can bring up another one before it ends.
-    const std::function<void()> poll = [&] {
-        QTimer::singleShot(kPollMs, &scope, poll);
-        QWidget* const window = find();
-        if (!window || window == handled)
-            return;
-        handled = window;
-        ++found;
-        user(*window);
-    };
-    QTimer::singleShot(kPollMs, &scope, poll);
+    const Watch watch(find, user);
     act();
-    return found;
+    return watch.found();
 }
 
 int modal::during(const std::function<void()>& act, const ModalUser& user)
