@@ -1,28 +1,22 @@
 // The real window with the real camera libraries: features are changed in the table, and image and table follow.
 
-#include "discovery/DiscoveryDlg.h"
-#include "display/GraphicsView.h"
-#include "display/ImageView.h"
 #include "features/DescBox.h"
 #include "features/FeatureView.h"
 #include "tests/support/FeatureHand.h"
+#include "tests/support/Patience.h"
+#include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
 
-#include <QGraphicsItem>
 #include <QLabel>
-#include <QPushButton>
 #include <QSet>
-#include <QTreeWidget>
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 namespace {
-
-constexpr int kPatienceMs = 20000;
 
 // The colours of the test pattern, from left to right.
 constexpr QRgb kBars[] = {0xffffffff, 0xffffff00, 0xff00ffff, 0xff00ff00,
@@ -81,7 +75,6 @@ private slots:
 
 private:
     void open(const QString& model);
-    [[nodiscard]] QSizeF shownSize();
     /// Waits for an image that was taken after this call.
     [[nodiscard]] bool nextImage();
     /// The mean grey of the next image.
@@ -93,8 +86,7 @@ private:
 
     std::unique_ptr<WindowDriver> driver;
     std::unique_ptr<FeatureHand> hand;
-    int images = 0;
-    QImage last;
+    std::unique_ptr<ShownImages> images;
 };
 
 void FeatureBrowserTest::init()
@@ -102,51 +94,34 @@ void FeatureBrowserTest::init()
     qputenv("ORVO_SIMULATED_CAMERAS",
             "3," DESCRIPTIONS "/bench-lamp.xml," DESCRIPTIONS "/line-scan.xml," DESCRIPTIONS "/every-element.xml");
     driver = std::make_unique<WindowDriver>();
-    images = 0;
-    connect(&driver->window(), &MainWindow::Update_Image, &driver->window(), [this](const QImage& image) {
-        last = image.copy();
-        ++images;
-    });
+    images = std::make_unique<ShownImages>(driver->window(), ShownImages::Keep::Last);
     hand = std::make_unique<FeatureHand>(driver->window());
 }
 
 void FeatureBrowserTest::cleanup()
 {
     hand.reset();
+    images.reset();
     driver.reset();
 }
 
 void FeatureBrowserTest::open(const QString& model)
 {
-    driver->open([&](DiscoveryDlg& dialog) {
-        auto* const list = dialog.findChild<QTreeWidget*>("discoveryWidget");
-        const auto found = list->findItems(model, Qt::MatchExactly, 1);
-        if (!found.isEmpty())
-            list->setCurrentItem(found.first());
-        dialog.findChild<QPushButton*>(found.isEmpty() ? "cancelButton" : "openButton")->click();
-    });
-    QVERIFY2(driver->enabled("actionStart"), qPrintable(driver->log().join('\n')));
+    QVERIFY2(driver->openModel(model), qPrintable(driver->log().join('\n')));
     QVERIFY(QTest::qWaitForWindowActive(&driver->window()));
     hand->clickTool("&levelGuru");
 }
 
-QSizeF FeatureBrowserTest::shownSize()
-{
-    auto* const view = qobject_cast<ImageView*>(driver->window().centralWidget());
-    return view ? view->view()->scene()->items().first()->boundingRect().size() : QSizeF();
-}
-
 bool FeatureBrowserTest::nextImage()
 {
-    const int before = images;
-    // The second one: the first may have been on its way already.
-    return QTest::qWaitFor([&] { return images >= before + 2; }, kPatienceMs);
+    return images->waitForMore(2); // the first may have been on its way already
 }
 
 double FeatureBrowserTest::nextBrightness()
 {
     if (!nextImage())
         return -1;
+    const QImage last = images->last();
     double sum = 0;
     int count = 0;
     for (int y = 0; y < last.height(); y += 16) {
@@ -180,8 +155,8 @@ void FeatureBrowserTest::pixelFormat()
         QCOMPARE(hand->shown("PayloadSize").section(' ', 0, 0), QString::number(1920 * 1200 * row.bits / 8));
         driver->start();
         QVERIFY(nextImage());
-        QVERIFY2(worstBar(last) <= 2, row.format);
-        QCOMPARE(coloursOf(last) == kBarCount, row.sharp);
+        QVERIFY2(worstBar(images->last()) <= 2, row.format);
+        QCOMPARE(coloursOf(images->last()) == kBarCount, row.sharp);
         // Locked while the stream runs.
         QVERIFY(!hand->clickValue("PixelFormat"));
         driver->stop();
@@ -195,13 +170,13 @@ void FeatureBrowserTest::width()
     hand->type("Width", "640");
     QCOMPARE(hand->shown("Width"), QString("640 px"));
     driver->start();
-    QCOMPARE(shownSize(), QSizeF(640, 1200));
-    QTRY_COMPARE_WITH_TIMEOUT(last.size(), QSize(640, 1200), kPatienceMs);
+    QCOMPARE(driver->imageArea().size(), QSizeF(640, 1200));
+    QTRY_COMPARE_WITH_TIMEOUT(images->last().size(), QSize(640, 1200), kPatienceMs);
     driver->stop();
     hand->type("Width", "800");
     driver->start();
-    QTRY_COMPARE_WITH_TIMEOUT(last.size(), QSize(800, 1200), kPatienceMs);
-    QCOMPARE(shownSize(), QSizeF(800, 1200));
+    QTRY_COMPARE_WITH_TIMEOUT(images->last().size(), QSize(800, 1200), kPatienceMs);
+    QCOMPARE(driver->imageArea().size(), QSizeF(800, 1200));
 }
 
 void FeatureBrowserTest::exposureTimeAndGain()
@@ -242,14 +217,14 @@ void FeatureBrowserTest::softwareTriggerFromTheToolBar()
     int still = -1;
     QVERIFY(QTest::qWaitFor(
         [&] {
-            if (std::exchange(still, images) == images)
+            if (std::exchange(still, images->count()) == images->count())
                 return true;
             QTest::qWait(1000); // longer than a conversion takes anywhere
             return false;
         },
         kPatienceMs));
     driver->trigger("actionSoftwareTrigger");
-    QTRY_COMPARE_WITH_TIMEOUT(images, still + 1, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(images->count(), still + 1, kPatienceMs);
 
     hand->choose("TriggerMode", "Off");
     QVERIFY(!driver->enabled("actionSoftwareTrigger"));
@@ -296,10 +271,10 @@ void FeatureBrowserTest::lineScanImage()
         hand->choose("PixelFormat", format);
         driver->start();
         QVERIFY2(nextImage(), qPrintable(driver->log().join('\n')));
-        QCOMPARE(last.size(), QSize(2048, 64));
-        QCOMPARE(shownSize(), QSizeF(2048, 64));
-        QVERIFY(isGrey(last));
-        QVERIFY(coloursOf(last) > 1);
+        QCOMPARE(images->last().size(), QSize(2048, 64));
+        QCOMPARE(driver->imageArea().size(), QSizeF(2048, 64));
+        QVERIFY(isGrey(images->last()));
+        QVERIFY(coloursOf(images->last()) > 1);
         driver->stop();
     }
     QCOMPARE(errors(), QStringList());
