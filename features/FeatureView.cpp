@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QPersistentModelIndex>
+#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -34,7 +35,9 @@ FeatureView::FeatureView(QWidget* parent)
 
 FeatureView::~FeatureView()
 {
-    m_tableView.viewport()->removeEventFilter(this); // it is destroyed when the table no longer is one
+    // The table is destroyed when this is a feature view no longer, and its viewport when it is no table.
+    m_tableView.removeEventFilter(this);
+    m_tableView.viewport()->removeEventFilter(this);
     dropModel();
     m_toolBar->clear();
     m_items.clear();
@@ -47,6 +50,7 @@ void FeatureView::createTable()
     m_tableView.setItemDelegate(&m_delegate);
     m_tableView.setWindowTitle(tr("FeatureView"));
     m_tableView.setEditTriggers(QAbstractItemView::CurrentChanged | QAbstractItemView::SelectedClicked);
+    m_tableView.installEventFilter(this);
     m_tableView.viewport()->installEventFilter(this);
 
     QHeaderView* const rows = m_tableView.verticalHeader();
@@ -123,11 +127,28 @@ void FeatureView::closeEditOperation()
 
 bool FeatureView::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == &m_tableView && event->type() == QEvent::KeyPress)
+        return foldByKey(*static_cast<QKeyEvent*>(event));
+    if (watched == m_tableView.viewport() && event->type() == QEvent::Resize)
+        keepCurrentRowInView(static_cast<QResizeEvent*>(event)->oldSize());
     if (watched != m_tableView.viewport() || event->type() != QEvent::ToolTip)
         return QWidget::eventFilter(watched, event);
-    const auto& help = *static_cast<QHelpEvent*>(event);
+    showToolTip(*static_cast<QHelpEvent*>(event));
+    return true;
+}
+
+void FeatureView::showToolTip(const QHelpEvent& help)
+{
     const QModelIndex index = m_tableView.indexAt(help.pos());
     showPlainToolTip(help, index.data(Qt::ToolTipRole).toString(), m_tableView.viewport(),
                      m_tableView.visualRect(index));
-    return true;
+}
+
+/// A long description takes its room from the table, where the row it belongs to may have an editor open.
+void FeatureView::keepCurrentRowInView(QSize before)
+{
+    if (!m_tableView.visualRect(m_tableView.currentIndex()).intersects(QRect(QPoint(), before)))
+        return;
+    // Later: how far the table can be scrolled follows its size.
+    QTimer::singleShot(0, this, [this] { m_tableView.scrollTo(m_tableView.currentIndex()); });
 }

@@ -20,6 +20,8 @@
 class DescBox;
 class GenAPINodeItem;
 class HeldChanges;
+class QHelpEvent;
+class QKeyEvent;
 class QRegExp;
 class QToolBar;
 enum EditorWidgetType : int;
@@ -174,6 +176,9 @@ private:
     /// The item of a source row's cell, by an index of the source model or of the table's model.
     [[nodiscard]] QStandardItem* sourceItem(const QModelIndex& index, int column) const;
 
+    void showToolTip(const QHelpEvent& help);
+    void keepCurrentRowInView(QSize before);
+
     // FeatureViewTree.cpp
     Orvo::CAM_API_STATUS registerSubtree(Orvo::CAM_NODE_HANDLE node, int level);
     void fillRow(QStandardItemModel& model, int row);
@@ -183,7 +188,7 @@ private:
     // FeatureViewFilter.cpp
     void spanCategories();
     void fitColumns();
-    void fitColumn(int column, const std::vector<int>& folded);
+    [[nodiscard]] int widthOf(int column, const std::vector<int>& rows) const;
     void closeEditorUnlessAccepted(const QRegExp& filter);
     void readEveryItem();
 
@@ -197,6 +202,7 @@ private:
     [[nodiscard]] int sourceRow(int tableRow) const;
     [[nodiscard]] bool isCategory(int sourceRow) const;
     void noteCategories();
+    [[nodiscard]] bool foldByKey(const QKeyEvent& key);
 
     QTableView m_tableView;
     DescBox* m_descBox = nullptr;

@@ -90,27 +90,37 @@ void FeatureView::spanCategories()
 /// The value column is stretched to what is left. A hidden column keeps its width.
 void FeatureView::fitColumns()
 {
-    std::vector<int> folded; // of the source model; categories span all columns
+    // Of the source model. A folded category is never shown, and spans all columns.
+    std::vector<int> shown;
+    std::vector<int> folded;
     for (int row = 0; row < m_filterModel.rowCount(); ++row) {
-        if (m_tableView.isRowHidden(row) && !isCategory(sourceRow(row)))
-            folded.push_back(sourceRow(row));
+        const int source = sourceRow(row);
+        if (!m_tableView.isRowHidden(row)) {
+            shown.push_back(source);
+        } else if (!isCategory(source)) {
+            folded.push_back(source);
+        }
     }
     for (const int column : {NameColumn, TypeColumn}) {
-        if (!m_tableView.isColumnHidden(column))
-            fitColumn(column, folded);
+        if (m_tableView.isColumnHidden(column))
+            continue;
+        // Of the shown rows the table itself measures a thousand. Folded ones are to be read when they appear; for
+        // their sake a column takes two fifths of the view at most: beside the types that leaves the values room for
+        // texts like "== Not Implemented ==".
+        m_tableView.resizeColumnToContents(column);
+        const int wanted = std::max(widthOf(column, shown), std::min(widthOf(column, folded), width() * 2 / 5));
+        if (wanted > m_tableView.columnWidth(column))
+            m_tableView.setColumnWidth(column, wanted);
     }
 }
 
-/// Folded rows count, too: they are to be read when they appear. For their sake a column takes two fifths of the
-/// view at most: beside the types that leaves the values room for texts like "== Not Implemented ==".
-void FeatureView::fitColumn(int column, const std::vector<int>& folded)
+/// What the column needs for the texts of these source rows.
+int FeatureView::widthOf(int column, const std::vector<int>& rows) const
 {
-    m_tableView.resizeColumnToContents(column);
-
     // The widest text is one of the longest, and measuring takes longer than counting.
     std::vector<std::pair<int, int>> byLength;
-    byLength.reserve(folded.size());
-    for (const int row : folded) {
+    byLength.reserve(rows.size());
+    for (const int row : rows) {
         if (const QStandardItem* const cell = m_sourceModel->item(row, column))
             byLength.emplace_back(cell->text().size(), row);
     }
@@ -121,9 +131,7 @@ void FeatureView::fitColumn(int column, const std::vector<int>& folded)
         const QModelIndex cell = m_filterModel.mapFromSource(m_sourceModel->index(entry->second, column));
         widest = std::max(widest, m_tableView.sizeHintForIndex(cell).width());
     }
-    widest = std::min(widest + (m_tableView.showGrid() ? 1 : 0), width() * 2 / 5);
-    if (widest > m_tableView.columnWidth(column))
-        m_tableView.setColumnWidth(column, widest);
+    return widest + (m_tableView.showGrid() ? 1 : 0);
 }
 
 void FeatureView::setLevelInvisibleAvailable(bool available)

@@ -1,10 +1,11 @@
-// Folding of categories, clicks on rows, and the node-type column that hides where the view is narrow.
+// Folding of categories, clicks and keys on rows, and the node-type column that hides where the view is narrow.
 
 #include "features/DescBox.h"
 #include "features/FeatureView.h"
 #include "features/UpdatesPaused.h"
 
 #include <QCursor>
+#include <QKeyEvent>
 #include <QPersistentModelIndex>
 
 #include <vector>
@@ -75,6 +76,33 @@ void FeatureView::changeCollapsedState(QModelIndex index)
     name->setData(expanded, ExpandedRole);
     name->setIcon(expanded ? m_expandedIcon : m_foldedIcon);
     SetRowCollapsedState();
+}
+
+/// What the mouse does, for the current row. True where the key was for a category.
+bool FeatureView::foldByKey(const QKeyEvent& key)
+{
+    const QModelIndex current = m_tableView.currentIndex();
+    const QStandardItem* const name = sourceItem(current, NameColumn);
+    if (!name || !isCategory(name->row()))
+        return false;
+    const bool expanded = name->data(ExpandedRole).toBool();
+    switch (key.key()) {
+    case Qt::Key_Right:
+        if (!expanded)
+            changeCollapsedState(current);
+        return true;
+    case Qt::Key_Left:
+        if (expanded)
+            changeCollapsedState(current);
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        changeCollapsedState(current);
+        return true;
+    default:
+        return false;
+    }
 }
 
 void FeatureView::tableRowClicked(QModelIndex index)

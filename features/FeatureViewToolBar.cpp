@@ -53,6 +53,7 @@ void FeatureView::createToolBar()
         if (i == RefreshAction || i == BeginnerAction)
             m_toolBar->addSeparator();
         m_toolBar->addAction(m_actions[i].get());
+        m_toolBar->widgetForAction(m_actions[i].get())->setFocusPolicy(Qt::TabFocus); // else for the mouse alone
     }
     m_actions[InvisibleAction]->setVisible(m_levelInvisibleAvailable);
 }

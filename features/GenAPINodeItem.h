@@ -205,6 +205,7 @@ private:
     /// Hands an entry to the view, the line that looks the node up in front; an empty one is none. It holds only what
     /// appendOpeLog let through, so that the level is looked at in one place.
     void sendOpeLog(const QString& log);
+    void showChosenEntry();
 
     Orvo::CAM_API_STATUS m_lastStatus = Orvo::CAM_API_STS_SUCCESS; ///< of the last camera call
     FeatureView* m_featureView = nullptr;

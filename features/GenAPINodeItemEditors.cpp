@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QSignalBlocker>
 
 using namespace Orvo;
 using OperationLog::Fragment;
@@ -30,8 +31,22 @@ void GenAPINodeItem::combo_CurrentIndexChanged(int)
         return;
     m_comboIndex = combo->currentIndex();
     m_lastStatus = static_cast<CAM_API_STATUS>(setNodeValue(combo->currentText()));
-    if (m_lastStatus == CAM_API_STS_SUCCESS && m_featureView != nullptr)
+    if (m_lastStatus != CAM_API_STS_SUCCESS) {
+        showChosenEntry();
+    } else if (m_featureView != nullptr) {
         m_featureView->updateAllFeatures(false);
+    }
+}
+
+/// After a choice that the camera refused: the combo box says what the camera has, and the entry can be chosen again.
+void GenAPINodeItem::showChosenEntry()
+{
+    auto* const combo = qobject_cast<QComboBox*>(m_editor); // the write may have ended it
+    if (combo == nullptr)
+        return;
+    const QSignalBlocker quiet(combo);
+    combo->setCurrentIndex(combo->findText(m_node.valueText));
+    m_comboIndex = combo->currentIndex();
 }
 
 // The log of the two slots below tells the call alone, never its failure: this is meant.

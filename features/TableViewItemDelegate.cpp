@@ -22,6 +22,7 @@ QWidget* makeLineEdit(QWidget* parent)
 {
     auto* lineEdit = new QLineEdit(parent);
     lineEdit->setFrame(false);
+    lineEdit->setMaxLength(std::numeric_limits<int>::max()); // to leave a line edit writes what is in it
     return lineEdit;
 }
 
@@ -82,7 +83,8 @@ void loadComboBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
              comboBox->setEditable(false);
              comboBox->clear();
              comboBox->insertItems(0, choices);
-             comboBox->setCurrentText(value.toString());
+             // None where the value is no choice, as "== Write-Only ==": else the first could not be chosen.
+             comboBox->setCurrentIndex(comboBox->findText(value.toString()));
          });
 }
 

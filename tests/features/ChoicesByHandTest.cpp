@@ -29,6 +29,9 @@ private slots:
     void comboBoxWhoseEntriesCannotBeTold();
     void comboBoxWhoseEntryVanishes();
     void comboBoxListsWhatCanBeChosen();
+    void comboBoxAfterARefusal();
+    void comboBoxOfAValueThatIsNoChoice_data();
+    void comboBoxOfAValueThatIsNoChoice();
 
     void buttonByMouse();
     void buttonByKey();
@@ -182,6 +185,55 @@ void ChoicesByHandTest::comboBoxListsWhatCanBeChosen()
     QCOMPARE(comboBox->itemText(0), QString("Two"));
     EditorBench::press(Qt::Key_Down);
     QCOMPARE(bench.written(), QStringList{"Choice = Three"});
+}
+
+void ChoicesByHandTest::comboBoxAfterARefusal()
+{
+    EditorBench bench({choice()});
+    auto* comboBox = bench.openAs<QComboBox>("Choice");
+    scripted::failCall("Nd_SetEnumStrValue", 258, 1);
+    EditorBench::press(Qt::Key_Down);
+    QCOMPARE(bench.written(), QStringList{"Choice = Three"});
+    QCOMPARE(scripted::node("Choice").intValue, std::int64_t{1});
+    QCOMPARE(bench.shown("Choice"), QString("Two"));
+    QCOMPARE(comboBox->currentText(), QString("Two"));
+    EditorBench::press(Qt::Key_Down); // once more, and the camera takes it
+    QCOMPARE(bench.written(), (QStringList{"Choice = Three", "Choice = Three"}));
+    QCOMPARE(bench.shown("Choice"), QString("Three"));
+    QCOMPARE(comboBox->currentText(), QString("Three"));
+}
+
+void ChoicesByHandTest::comboBoxOfAValueThatIsNoChoice_data()
+{
+    QTest::addColumn<NodeSpec>("spec");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("first");
+    const auto writeOnly = [](NodeSpec spec) {
+        return features::withAccess(std::move(spec), Orvo::NODE_ACCESS_MODE_WO);
+    };
+    QTest::newRow("write-only enumeration") << writeOnly(choice()) << "== Write-Only =="
+                                            << "One";
+    QTest::newRow("write-only boolean") << writeOnly(features::boolean("Choice", true)) << "== Write-Only =="
+                                        << "false";
+    NodeSpec gone = choice();
+    gone.entries[1].access = Orvo::NODE_ACCESS_MODE_NA;
+    QTest::newRow("entry that is not available") << gone << "Two"
+                                                 << "One";
+}
+
+// No entry is chosen, so that the first can be.
+void ChoicesByHandTest::comboBoxOfAValueThatIsNoChoice()
+{
+    QFETCH(const NodeSpec, spec);
+    QFETCH(const QString, shown);
+    QFETCH(const QString, first);
+    EditorBench bench({spec});
+    auto* comboBox = bench.openAs<QComboBox>("Choice");
+    QCOMPARE(bench.shown("Choice"), shown);
+    QCOMPARE(comboBox->currentIndex(), -1);
+    QCOMPARE(bench.written(), QStringList());
+    EditorBench::press(Qt::Key_Home);
+    QCOMPARE(bench.written(), QStringList{"Choice = " + first});
 }
 
 // --- Button ----------------------------------------------------------------------------------------------------------

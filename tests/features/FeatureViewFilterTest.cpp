@@ -94,6 +94,7 @@ private slots:
 
     void columnsFitTheirContents();
     void columnsFitFoldedRowsToo();
+    void columnsFitRowsBeyondTheFirstThousand();
     void foldedRowsTakeTwoFifthsOfTheViewAtMost();
     void aHiddenTypeColumnKeepsItsWidth();
     void filteringAppliesTheTypeColumnRule();
@@ -371,6 +372,21 @@ void FeatureViewFilterTest::columnsFitFoldedRowsToo()
     features.view().changeCollapsedState(features.cell("C"));
     features.table().resizeColumnsToContents();
     QCOMPARE(folded, std::pair(table.columnWidth(0), table.columnWidth(1)));
+}
+
+void FeatureViewFilterTest::columnsFitRowsBeyondTheFirstThousand()
+{
+    std::vector<NodeSpec> nodes = manyNodes(1500);
+    nodes.front().features.push_back("ZZZ");
+    nodes.push_back(category("ZZZ", {"ZZZLongNameOfTheLastFeatureOfAll"}));
+    nodes.push_back(feature("ZZZLongNameOfTheLastFeatureOfAll"));
+    FeatureTable features(nodes);
+    features.show();
+    features.view().sortAndFilter(true, Orvo::NODE_VISIBILITY_GURU);
+    const QTableView& table = features.table();
+    QCOMPARE(features.shownNames().last(), QString("ZZZLongNameOfTheLastFeatureOfAll"));
+    const QModelIndex last = features.cell("ZZZLongNameOfTheLastFeatureOfAll");
+    QVERIFY(table.columnWidth(0) >= table.sizeHintForIndex(last).width());
 }
 
 void FeatureViewFilterTest::foldedRowsTakeTwoFifthsOfTheViewAtMost()

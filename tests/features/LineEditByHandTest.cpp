@@ -25,6 +25,7 @@ private slots:
     void lineEditNonsense();
     void lineEditOfAWriteOnlyFeature();
     void lineEditOfALongText();
+    void lineEditStaysInViewAboveALongDescription();
 
     void spinBoxByKeyAndWheel();
     void spinBoxTyped();
@@ -119,20 +120,55 @@ void LineEditByHandTest::lineEditOfAWriteOnlyFeature()
     QCOMPARE(bench.shown("Key"), QString("== Write-Only ==")); // read anew
 }
 
-// A line edit cuts at 32767 characters, so what it shows is not what the camera holds; leaving it writes that all the
-// same, as with any other text.
+// Leaving an editor writes what is in it: all of it is to be there.
 void LineEditByHandTest::lineEditOfALongText()
 {
     const std::string longText(65535, 'x');
-    EditorBench bench({features::text("Text", longText)});
+    EditorBench bench(features::beside(features::text("Text", longText)));
     auto* lineEdit = bench.openAs<QLineEdit>("Text");
-    QCOMPARE(lineEdit->text().size(), 32767);
-    EditorBench::press(Qt::Key_Escape);
+    QCOMPARE(lineEdit->text().size(), 65535);
+    bench.click("Other");
+    QCOMPARE(bench.written().size(), 1);
     QCOMPARE(scripted::node("Text").strValue.size(), longText.size());
     bench.openAs<QLineEdit>("Text");
     EditorBench::type("short");
     EditorBench::press(Qt::Key_Return);
     QCOMPARE(scripted::node("Text").strValue, std::string("short"));
+}
+
+/// F0 to F39; F`described` has a long description.
+std::vector<scripted::NodeSpec> numbers(int described)
+{
+    std::vector<scripted::NodeSpec> specs;
+    for (int i = 0; i < 40; ++i) {
+        specs.push_back(features::integer("F" + std::to_string(i), i, 0, 100));
+        if (i == described)
+            specs.back().description = std::string(600, 'd');
+    }
+    return specs;
+}
+
+// The description takes its room from the table, from below.
+void LineEditByHandTest::lineEditStaysInViewAboveALongDescription()
+{
+    const auto cell = [](EditorBench& bench, int number) {
+        return bench.table().visualRect(bench.valueCell('F' + QString::number(number)));
+    };
+    int lowest = 0;
+    {
+        EditorBench plain(numbers(-1));
+        while (plain.table().viewport()->rect().contains(cell(plain, lowest + 1)))
+            ++lowest;
+    }
+    scripted::reset();
+    EditorBench bench(numbers(lowest));
+    bench.openAs<QLineEdit>('F' + QString::number(lowest - 1));
+    const QWidget& viewport = *bench.table().viewport();
+    const int before = viewport.height();
+    EditorBench::press(Qt::Key_Down);
+    QTRY_VERIFY(viewport.height() < before);
+    QVERIFY(bench.editor() != nullptr);
+    QTRY_COMPARE(bench.editor()->geometry().intersected(viewport.rect()), cell(bench, lowest));
 }
 
 // --- Spin box --------------------------------------------------------------------------------------------------------
