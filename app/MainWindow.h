@@ -28,6 +28,9 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
+    /// None: docks and tool bar have no titles to choose by, and one that was hidden could not be brought back.
+    [[nodiscard]] QMenu* createPopupMenu() override { return nullptr; }
+
 signals:
     // The image view listens to all but the last; camera callbacks emit the last from their own threads.
     void Set_Image_Size(int width, int height);

@@ -24,7 +24,7 @@ public:
 
 public slots:
     void set_image_size(int width, int height);
-    /// Doubles and halves without a bound; the main window's actions keep the factor between 0.25 and 8.
+    /// Doubles and halves without a bound. The main window's actions end at 8 and 0.25, but for the menu's Zoom Out.
     void zoomIn();
     void zoomOut();
     void zoomReset();

@@ -7,7 +7,6 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QPersistentModelIndex>
-#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -68,6 +67,8 @@ void FeatureView::createTable()
     connect(&m_tableView, &QTableView::clicked, this, &FeatureView::tableRowClicked);
     connect(&m_tableView, &QTableView::doubleClicked, this, &FeatureView::tableRowDoubleClicked);
     connect(columns, &QHeaderView::sectionDoubleClicked, this, &FeatureView::columnHeaderDoubleClicked);
+    m_scrollTimer.setSingleShot(true);
+    connect(&m_scrollTimer, &QTimer::timeout, this, [this] { m_tableView.scrollTo(m_tableView.currentIndex()); });
 
     m_valuesWritten = false;
     showModel(emptyModel().release());
@@ -147,8 +148,7 @@ void FeatureView::showToolTip(const QHelpEvent& help)
 /// A long description takes its room from the table, where the row it belongs to may have an editor open.
 void FeatureView::keepCurrentRowInView(QSize before)
 {
-    if (!m_tableView.visualRect(m_tableView.currentIndex()).intersects(QRect(QPoint(), before)))
-        return;
     // Later: how far the table can be scrolled follows its size.
-    QTimer::singleShot(0, this, [this] { m_tableView.scrollTo(m_tableView.currentIndex()); });
+    if (m_tableView.visualRect(m_tableView.currentIndex()).intersects(QRect(QPoint(), before)))
+        m_scrollTimer.start(0);
 }

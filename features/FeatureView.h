@@ -9,6 +9,7 @@
 #include <QList>
 #include <QStandardItemModel>
 #include <QTableView>
+#include <QTimer>
 #include <QVariant>
 #include <QWidget>
 
@@ -205,6 +206,7 @@ private:
     [[nodiscard]] bool foldByKey(const QKeyEvent& key);
 
     QTableView m_tableView;
+    QTimer m_scrollTimer; // to the current row
     DescBox* m_descBox = nullptr;
     std::unique_ptr<QStandardItemModel> m_sourceModel;
     int m_opeLogLevel = 1;

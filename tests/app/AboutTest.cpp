@@ -38,6 +38,7 @@ private slots:
     void spacerKeepsTheBoxWide();
     void boxIsModalAndGoneAfterwards();
     void worksWithAnOpenCamera();
+    void staysWhereTheCameraIsRemoved();
 
 private:
     /// Opens the box, calls `look` with it and closes it by its button.
@@ -268,6 +269,19 @@ void AboutTest::worksWithAnOpenCamera()
     QCOMPARE(informativeText(), closed);
     QCOMPARE(scripted::calls({"Sys_GetInformation"}).at(0).text(), std::string("Sys_GetInformation(out)"));
     QVERIFY(scripted::streaming());
+}
+
+void AboutTest::staysWhereTheCameraIsRemoved()
+{
+    driver = std::make_unique<WindowDriver>();
+    driver->open();
+    driver->start();
+    about([this](QMessageBox& box) {
+        scripted::unplug();
+        QTRY_COMPARE(driver->log(), QStringList("A camera has been Removed."));
+        QVERIFY(driver->enabled("actionOpen"));
+        QVERIFY(box.isVisible());
+    });
 }
 
 } // namespace

@@ -6,12 +6,14 @@
 
 #include <QtTest>
 
+#include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QMetaMethod>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTextEdit>
+#include <QToolBar>
 
 #include <algorithm>
 
@@ -37,6 +39,7 @@ private slots:
     void exitWithoutCamera();
     void exitReportsAFailedTermination();
     void exitActionClosesTheWindow();
+    void noMenuHidesTheToolBar();
 
     void errorLineNamesTheStatus();
     void errorLineOfAStatusWithTrailingBlank();
@@ -228,6 +231,18 @@ void MainWindowTest::exitActionClosesTheWindow()
 }
 
 // --- Message log ----------------------------------------------------------------------------------------------------
+
+void MainWindowTest::noMenuHidesTheToolBar()
+{
+    WindowDriver driver;
+    driver.window().show();
+    auto* const toolBar = driver.child<QToolBar>("mainToolBar");
+    const QPoint free(toolBar->width() - 5, toolBar->height() / 2);
+    QVERIFY(!toolBar->childAt(free));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, free, toolBar->mapToGlobal(free));
+    QCoreApplication::sendEvent(toolBar, &event);
+    QVERIFY(!QApplication::activePopupWidget());
+}
 
 void MainWindowTest::errorLineNamesTheStatus()
 {

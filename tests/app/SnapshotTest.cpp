@@ -44,6 +44,7 @@ private slots:
 
     void imageAtTheEndOfTheDialogIsSaved();
     void imageOfAStoppedStreamIsSaved();
+    void imageOfACameraRemovedMeanwhileIsSaved();
     void streamRunsOnMeanwhile();
 
 private:
@@ -359,6 +360,19 @@ void SnapshotTest::imageOfAStoppedStreamIsSaved()
     m_user->driver().stop();
     m_user->save("shot", kPng);
     QCOMPARE(argb(QImage(m_user->path("shot.png"))), noise(64, 48, 1));
+}
+
+void SnapshotTest::imageOfACameraRemovedMeanwhileIsSaved()
+{
+    m_user->show(noise(64, 48, 1));
+    m_user->snapshot({[this](QWidget& modal) {
+        scripted::unplug();
+        QTRY_COMPARE(m_user->driver().log(), QStringList("A camera has been Removed."));
+        QVERIFY(m_user->driver().enabled("actionOpen"));
+        choosing(m_user->path("shot"))(modal);
+    }});
+    QCOMPARE(argb(QImage(m_user->path("shot.png"))), noise(64, 48, 1));
+    QVERIFY(!m_user->driver().enabled("actionSnapshot"));
 }
 
 void SnapshotTest::streamRunsOnMeanwhile()

@@ -58,6 +58,11 @@ void ZoomTest::limits()
     QVERIFY(driver.enabled("action_Menu_Zoom_Out"));
     QVERIFY(driver.enabled("actionNormalSize"));
     QCOMPARE(view->view()->transform().m11(), 0.25);
+
+    driver.trigger("action_Menu_Zoom_Out"); // the menu goes on
+    QCOMPARE(view->view()->transform().m11(), 0.125);
+    driver.trigger("action_Menu_Normal_Size");
+    QCOMPARE(view->view()->transform().m11(), 1.0);
 }
 
 void ZoomTest::goesToEightWithoutAChangeOfState()
