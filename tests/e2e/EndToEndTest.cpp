@@ -1,6 +1,7 @@
 // The real executable with shared camera libraries in a real X server, used through its pixels.
 
 #include "tests/support/Desktop.h"
+#include "tests/support/Patience.h"
 
 #include <QtTest>
 
@@ -13,7 +14,6 @@
 
 namespace {
 
-constexpr int kPatienceMs = 30000;
 const QString kMainWindow = "OrvoCamLinuxViewer";
 const QString kDialog = "Select a Camera";
 // In the dialog: the list, and the middle of the button "Open".
