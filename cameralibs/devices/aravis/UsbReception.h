@@ -15,6 +15,8 @@ public:
 
     /// Errors: CAM_API_STS_CAMERA_NOT_RESPONDING, CAM_API_STS_GENICAM_ERR where the camera tells of impossible images.
     [[nodiscard]] Outcome begin() override;
+
+    /// Disables the camera's stream, too. One that is plugged in but does not answer is given up after some tries.
     void end() override;
 
 private:
