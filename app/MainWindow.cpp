@@ -206,7 +206,7 @@ void MainWindow::close_camera()
 void MainWindow::removed_camera()
 {
     // The display thread reports a removal through the event queue, so the user may have closed the camera meanwhile:
-    // closing again changes nothing then, and the line is true all the same.
+    // there is nothing left to close then, and the line is true all the same.
     write_log("A camera has been Removed.");
 
     // What fails while a vanished camera is closed is of no interest to the user.

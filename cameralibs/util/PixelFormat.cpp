@@ -22,7 +22,9 @@ constexpr auto Bits32 = SamplePacking::Bits32;
 constexpr auto Pairs = SamplePacking::Pairs;
 
 // Names and values as in the PFNC that the EMVA publishes; "Packed" ones as in GigE Vision. Left out: samples of fewer
-// than 8 or more than 16 bits, signed ones, BT.2020, and what is no image of light (3D, confidence, raw data).
+// than 8 or more than 16 bits, signed ones, BT.2020, one or two colours alone (R8, BiColorRGBG8 and the like), the
+// packed RGB of early GigE Vision (RGB10V1Packed, RGB12V1Packed), and what is no image of light (3D, confidence, raw
+// data).
 constexpr std::array<PixelFormat, 141> pixelFormats{{
     {"Mono8", 0x01080001, Mono, 8, Unpacked, "Y"},
     {"Mono10", 0x01100003, Mono, 10, Unpacked, "Y"},
