@@ -6,6 +6,24 @@
 
 using namespace Orvo;
 
+namespace {
+
+CAM_API_STATUS readText(TextOperation operation, CAM_HANDLE camera, CAM_NODE_HANDLE node, std::string& text)
+{
+    std::uint32_t size = 0;
+    if (const CAM_API_STATUS status = operation(camera, node, nullptr, &size); status != CAM_API_STS_SUCCESS)
+        return status;
+    text.assign(size, '?');
+    if (const CAM_API_STATUS status = operation(camera, node, text.data(), &size); status != CAM_API_STS_SUCCESS)
+        return status;
+    EXPECT_EQ(size, text.size());
+    EXPECT_EQ(text.back(), '\0');
+    text.pop_back();
+    return CAM_API_STS_SUCCESS;
+}
+
+} // namespace
+
 bool becomes(const std::function<bool()>& condition)
 {
     const auto deadline = std::chrono::steady_clock::now() + kPatience;
@@ -17,29 +35,28 @@ bool becomes(const std::function<bool()>& condition)
     return true;
 }
 
-CAM_NODE_HANDLE nodeOf(CAM_HANDLE camera, const char* name)
+CAM_NODE_HANDLE nodeOf(CAM_HANDLE camera, const std::string& name)
 {
     CAM_NODE_HANDLE handle = 0;
-    EXPECT_EQ(Nd_GetNode(camera, name, &handle), CAM_API_STS_SUCCESS) << name;
+    EXPECT_EQ(Nd_GetNode(camera, name.c_str(), &handle), CAM_API_STS_SUCCESS) << name;
     return handle;
 }
 
 std::string textOf(TextOperation operation, CAM_HANDLE camera, CAM_NODE_HANDLE node)
 {
-    std::uint32_t size = 0;
-    CAM_API_STATUS status = operation(camera, node, nullptr, &size);
-    std::string text(size, '?');
-    if (status == CAM_API_STS_SUCCESS)
-        status = operation(camera, node, text.data(), &size);
-    if (status != CAM_API_STS_SUCCESS)
-        return "status " + std::to_string(status);
-    EXPECT_EQ(size, text.size());
-    EXPECT_EQ(text.back(), '\0');
-    text.pop_back();
+    std::string text;
+    const CAM_API_STATUS status = readText(operation, camera, node, text);
+    return status == CAM_API_STS_SUCCESS ? text : "status " + std::to_string(status);
+}
+
+std::string wholeText(TextOperation operation, CAM_HANDLE camera, CAM_NODE_HANDLE node)
+{
+    std::string text;
+    EXPECT_EQ(readText(operation, camera, node, text), CAM_API_STS_SUCCESS);
     return text;
 }
 
-std::vector<std::string> featuresOf(CAM_HANDLE camera, const char* category)
+std::vector<std::string> featuresOf(CAM_HANDLE camera, const std::string& category)
 {
     const CAM_NODE_HANDLE node = nodeOf(camera, category);
     std::uint32_t count = 0;
@@ -48,12 +65,12 @@ std::vector<std::string> featuresOf(CAM_HANDLE camera, const char* category)
     for (std::uint32_t i = 0; i < count; ++i) {
         CAM_NODE_HANDLE child = 0;
         EXPECT_EQ(Nd_GetFeatureByIndex(camera, node, i, &child), CAM_API_STS_SUCCESS);
-        names.push_back(textOf(Nd_GetName, camera, child));
+        names.push_back(wholeText(Nd_GetName, camera, child));
     }
     return names;
 }
 
-std::vector<std::string> entriesOf(CAM_HANDLE camera, const char* enumeration)
+std::vector<std::string> entriesOf(CAM_HANDLE camera, const std::string& enumeration)
 {
     const CAM_NODE_HANDLE node = nodeOf(camera, enumeration);
     std::uint32_t count = 0;
@@ -62,29 +79,29 @@ std::vector<std::string> entriesOf(CAM_HANDLE camera, const char* enumeration)
     for (std::uint32_t i = 0; i < count; ++i) {
         CAM_NODE_HANDLE entry = 0;
         EXPECT_EQ(Nd_GetEnumEntryByIndex(camera, node, i, &entry), CAM_API_STS_SUCCESS);
-        names.push_back(textOf(Nd_GetEnumEntryStrValue, camera, entry));
+        names.push_back(wholeText(Nd_GetEnumEntryStrValue, camera, entry));
     }
     return names;
 }
 
-std::int64_t intOf(CAM_HANDLE camera, const char* name)
+std::int64_t intOf(CAM_HANDLE camera, const std::string& name)
 {
     std::int64_t value = 0;
     EXPECT_EQ(Nd_GetIntValue(camera, nodeOf(camera, name), &value), CAM_API_STS_SUCCESS) << name;
     return value;
 }
 
-void setInt(CAM_HANDLE camera, const char* name, std::int64_t value)
+void setInt(CAM_HANDLE camera, const std::string& name, std::int64_t value)
 {
     EXPECT_EQ(Nd_SetIntValue(camera, nodeOf(camera, name), value), CAM_API_STS_SUCCESS) << name;
 }
 
-void setEntry(CAM_HANDLE camera, const char* name, const char* symbolic)
+void setEntry(CAM_HANDLE camera, const std::string& name, const std::string& symbolic)
 {
-    EXPECT_EQ(Nd_SetEnumStrValue(camera, nodeOf(camera, name), symbolic), CAM_API_STS_SUCCESS) << name;
+    EXPECT_EQ(Nd_SetEnumStrValue(camera, nodeOf(camera, name), symbolic.c_str()), CAM_API_STS_SUCCESS) << name;
 }
 
-void execute(CAM_HANDLE camera, const char* name)
+void execute(CAM_HANDLE camera, const std::string& name)
 {
     EXPECT_EQ(Nd_CmdExecute(camera, nodeOf(camera, name)), CAM_API_STS_SUCCESS) << name;
 }

@@ -16,20 +16,23 @@ constexpr std::chrono::seconds kPatience(60);
 
 // Short cuts over the exported functions; what fails fails the test.
 
-[[nodiscard]] Orvo::CAM_NODE_HANDLE nodeOf(Orvo::CAM_HANDLE camera, const char* name);
+[[nodiscard]] Orvo::CAM_NODE_HANDLE nodeOf(Orvo::CAM_HANDLE camera, const std::string& name);
 
 using TextOperation = Orvo::CAM_API_STATUS (*)(Orvo::CAM_HANDLE, Orvo::CAM_NODE_HANDLE, char*, std::uint32_t*);
 
 /// The whole text, or "status N".
 [[nodiscard]] std::string textOf(TextOperation operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node);
 
+/// The whole text, which there is.
+[[nodiscard]] std::string wholeText(TextOperation operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node);
+
 /// The names of a category's features, in their order.
-[[nodiscard]] std::vector<std::string> featuresOf(Orvo::CAM_HANDLE camera, const char* category);
+[[nodiscard]] std::vector<std::string> featuresOf(Orvo::CAM_HANDLE camera, const std::string& category);
 
 /// The symbolic names of an enumeration's entries, in their order.
-[[nodiscard]] std::vector<std::string> entriesOf(Orvo::CAM_HANDLE camera, const char* enumeration);
+[[nodiscard]] std::vector<std::string> entriesOf(Orvo::CAM_HANDLE camera, const std::string& enumeration);
 
-[[nodiscard]] std::int64_t intOf(Orvo::CAM_HANDLE camera, const char* name);
-void setInt(Orvo::CAM_HANDLE camera, const char* name, std::int64_t value);
-void setEntry(Orvo::CAM_HANDLE camera, const char* name, const char* symbolic);
-void execute(Orvo::CAM_HANDLE camera, const char* name);
+[[nodiscard]] std::int64_t intOf(Orvo::CAM_HANDLE camera, const std::string& name);
+void setInt(Orvo::CAM_HANDLE camera, const std::string& name, std::int64_t value);
+void setEntry(Orvo::CAM_HANDLE camera, const std::string& name, const std::string& symbolic);
+void execute(Orvo::CAM_HANDLE camera, const std::string& name);

@@ -62,9 +62,7 @@ SimulatedCamera::~SimulatedCamera()
 
 CAM_NODE_HANDLE SimulatedCamera::node(const std::string& name) const
 {
-    CAM_NODE_HANDLE node = 0;
-    expectDone(Nd_GetNode(m_camera, name.c_str(), &node), name);
-    return node;
+    return nodeOf(m_camera, name);
 }
 
 NodeAccessMode SimulatedCamera::access(const std::string& name) const
@@ -76,9 +74,7 @@ NodeAccessMode SimulatedCamera::access(const std::string& name) const
 
 std::int64_t SimulatedCamera::integer(const std::string& name) const
 {
-    std::int64_t value = 0;
-    expectDone(Nd_GetIntValue(m_camera, node(name), &value), name);
-    return value;
+    return intOf(m_camera, name);
 }
 
 std::int64_t SimulatedCamera::greatest(const std::string& name) const
@@ -121,7 +117,7 @@ std::string SimulatedCamera::choice(const std::string& name) const
 
 void SimulatedCamera::setInteger(const std::string& name, std::int64_t value) const
 {
-    expectDone(Nd_SetIntValue(m_camera, node(name), value, true), name);
+    setInt(m_camera, name, value);
 }
 
 void SimulatedCamera::setReal(const std::string& name, double value) const
@@ -141,46 +137,20 @@ void SimulatedCamera::setText(const std::string& name, const std::string& value)
 
 void SimulatedCamera::choose(const std::string& name, const std::string& entry) const
 {
-    expectDone(Nd_SetEnumStrValue(m_camera, node(name), entry.c_str(), true), name);
+    setEntry(m_camera, name, entry);
 }
 
 void SimulatedCamera::execute(const std::string& name) const
 {
-    expectDone(Nd_CmdExecute(m_camera, node(name), true), name);
+    ::execute(m_camera, name);
 }
 
 std::vector<std::string> SimulatedCamera::features(const std::string& category) const
 {
-    std::uint32_t count = 0;
-    expectDone(Nd_GetNumOfFeatures(m_camera, node(category), &count), category);
-    std::vector<std::string> names;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        CAM_NODE_HANDLE feature = 0;
-        expectDone(Nd_GetFeatureByIndex(m_camera, node(category), i, &feature), category);
-        names.push_back(wholeText(Nd_GetName, m_camera, feature));
-    }
-    return names;
+    return featuresOf(m_camera, category);
 }
 
 std::vector<std::string> SimulatedCamera::entries(const std::string& enumeration) const
 {
-    std::uint32_t count = 0;
-    expectDone(Nd_GetNumOfEnumEntries(m_camera, node(enumeration), &count), enumeration);
-    std::vector<std::string> names;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        CAM_NODE_HANDLE entry = 0;
-        expectDone(Nd_GetEnumEntryByIndex(m_camera, node(enumeration), i, &entry), enumeration);
-        names.push_back(wholeText(Nd_GetEnumEntryStrValue, m_camera, entry));
-    }
-    return names;
-}
-
-std::string wholeText(TextOperation operation, CAM_HANDLE camera, CAM_NODE_HANDLE node)
-{
-    std::uint32_t size = 0;
-    expectDone(operation(camera, node, nullptr, &size), "size of a text");
-    std::string text(size, '?');
-    expectDone(operation(camera, node, text.data(), &size), "text");
-    text.resize(text.find('\0'));
-    return text;
+    return entriesOf(m_camera, enumeration);
 }

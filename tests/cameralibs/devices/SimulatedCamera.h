@@ -1,6 +1,6 @@
 #pragma once
 
-#include "camera/OrvoCamApi.h"
+#include "tests/cameralibs/api/CameraAccess.h"
 
 #include <cstdint>
 #include <string>
@@ -63,8 +63,3 @@ private:
     Orvo::CAM_SIGNAL_HANDLE m_removal = 0;
     Orvo::CAM_HANDLE m_camera = 0;
 };
-
-using TextOperation = Orvo::CAM_API_STATUS (*)(Orvo::CAM_HANDLE, Orvo::CAM_NODE_HANDLE, char*, std::uint32_t*);
-
-/// The whole of a text.
-[[nodiscard]] std::string wholeText(TextOperation operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node);
