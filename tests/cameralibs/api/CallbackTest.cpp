@@ -1,6 +1,7 @@
 #include "CameraFixture.h"
 #include "StreamRecorder.h"
 
+#include <array>
 #include <atomic>
 #include <thread>
 
@@ -12,6 +13,11 @@ constexpr std::uint32_t kSlots = 4;
 
 /// Two cameras; the first streams small images, and its callbacks are what the test is about.
 class CallbackTest : public CameraTest {
+public:
+    ~CallbackTest() override { (void)Strm_Stop(m_stream); }
+    CallbackTest(const CallbackTest&) = delete;
+    CallbackTest& operator=(const CallbackTest&) = delete;
+
 protected:
     CallbackTest()
         : CameraTest("2")
@@ -21,7 +27,6 @@ protected:
         EXPECT_EQ(Strm_OpenSimple(m_camera, &m_stream, nullptr, nullptr, kSlots, nullptr), CAM_API_STS_SUCCESS);
         m_recorder.attachTo(m_stream);
     }
-    ~CallbackTest() override { (void)Strm_Stop(m_stream); }
 
     /// Runs `work` once, inside the first callback.
     template <class Work> void insideFirstImage(Work&& work)
@@ -96,7 +101,7 @@ TEST_F(CallbackTest, EveryOtherOperationWorks)
     insideFirstImage([&] {
         constexpr CAM_API_STATUS kOk = CAM_API_STS_SUCCESS;
         EXPECT_EQ(Sys_Initialize(65535), CAM_API_STS_ALREADY_INITIALIZED);
-        CAM_SYSTEM_INFO systemInfo;
+        CAM_SYSTEM_INFO systemInfo = {};
         EXPECT_EQ(Sys_GetInformation(&systemInfo), kOk);
         std::uint32_t count = 0;
         EXPECT_EQ(Sys_GetNumOfCameras(&count), kOk);
@@ -104,7 +109,7 @@ TEST_F(CallbackTest, EveryOtherOperationWorks)
         CAM_SIGNAL_HANDLE signal = 0;
         EXPECT_EQ(Sys_CreateSignal(&signal), kOk);
         EXPECT_EQ(Sys_WaitForSignal(signal, 1), CAM_API_STS_TIMEOUT);
-        CAM_INFO info;
+        CAM_INFO info = {};
         EXPECT_EQ(Cam_GetInformation(m_camera, 0, &info), kOk);
         EXPECT_EQ(Cam_Open(1, &second, signal, 1, nullptr, 1), kOk);
         EXPECT_EQ(Sys_CloseSignal(signal), kOk);
@@ -122,7 +127,7 @@ TEST_F(CallbackTest, EveryOtherOperationWorks)
         std::uint32_t index = kSlots;
         EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &index), kOk);
         EXPECT_EQ(index, 0U);
-        CAM_IMAGE_INFO image;
+        CAM_IMAGE_INFO image = {};
         EXPECT_EQ(Strm_LockBuffer(m_stream, index, &image), kOk);
         EXPECT_EQ(Strm_UnlockBuffer(m_stream, index), kOk);
 
@@ -206,9 +211,9 @@ TEST_F(CallbackTest, UnpluggedFromInside)
 
 TEST_F(CallbackTest, ManyThreadsStartAndStop)
 {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
+    std::array<std::thread, 4> threads;
+    for (std::thread& thread : threads) {
+        thread = std::thread([&] {
             for (int round = 0; round < 25; ++round) {
                 const CAM_API_STATUS started = Strm_Start(m_stream, 8);
                 EXPECT_TRUE(started == CAM_API_STS_SUCCESS || started == CAM_API_STS_ALREADY_ACTIVATED) << started;

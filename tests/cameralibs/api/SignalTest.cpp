@@ -1,6 +1,7 @@
 #include "CameraFixture.h"
 #include "WaitingCall.h"
 
+#include <array>
 #include <future>
 
 using namespace Orvo;
@@ -95,14 +96,14 @@ TEST_F(CameraTest, SignalOfAnOpenCameraMayBeClosed)
 TEST_F(CameraTest, SignalIsSetBeforeAnyOperationTellsOfTheRemoval)
 {
     const CAM_NODE_HANDLE width = node("Width");
-    std::vector<std::future<CAM_API_STATUS>> readers;
-    for (int i = 0; i < 4; ++i) {
-        readers.push_back(std::async(std::launch::async, [&] {
+    std::array<std::future<CAM_API_STATUS>, 4> readers;
+    for (auto& reader : readers) {
+        reader = std::async(std::launch::async, [&] {
             std::int64_t value = 0;
             EXPECT_TRUE(
                 becomes([&] { return Nd_GetIntValue(m_camera, width, &value) == CAM_API_STS_CAMERA_NOT_RESPONDING; }));
             return Sys_WaitForSignal(m_signal, 0);
-        }));
+        });
     }
     unplug();
     for (auto& reader : readers)

@@ -13,6 +13,11 @@ constexpr std::uint32_t kSlots = 4;
 
 /// A small image at a high rate, with the callbacks recorded.
 class StreamTest : public CameraTest {
+public:
+    ~StreamTest() override { (void)Strm_Stop(m_stream); }
+    StreamTest(const StreamTest&) = delete;
+    StreamTest& operator=(const StreamTest&) = delete;
+
 protected:
     StreamTest()
     {
@@ -21,7 +26,6 @@ protected:
         EXPECT_EQ(Strm_OpenSimple(m_camera, &m_stream, &m_maxSize, nullptr, kSlots, nullptr), CAM_API_STS_SUCCESS);
         m_recorder.attachTo(m_stream);
     }
-    ~StreamTest() override { (void)Strm_Stop(m_stream); }
 
     void start() { ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS); }
     void stop() { ASSERT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS); }
@@ -202,7 +206,7 @@ TEST_F(StreamTest, LockOutlastsARestart)
     ASSERT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
     const std::vector<std::uint8_t> before = bytesOf(info);
     // Larger images need larger buffers, twice; the locked one stays as it is.
-    for (const std::uint64_t size : {256, 512}) {
+    for (const std::uint64_t size : {256U, 512U}) {
         setInt("Width", static_cast<std::int64_t>(size));
         setInt("Height", static_cast<std::int64_t>(size));
         m_recorder.clear();
@@ -217,7 +221,7 @@ TEST_F(StreamTest, LockOutlastsARestart)
     }
     EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_SUCCESS);
     const std::size_t images = m_recorder.images().size();
-    ASSERT_TRUE(m_recorder.waitForImages(images + 2 * kSlots));
+    ASSERT_TRUE(m_recorder.waitForImages(images + std::size_t{2} * kSlots));
     EXPECT_EQ(m_recorder.images().back().info.dataSize, 512U * 512U);
 }
 
