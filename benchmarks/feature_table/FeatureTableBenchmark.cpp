@@ -97,10 +97,11 @@ struct Times {
     [[nodiscard]] double of(std::size_t step) const
     {
         double camera = 0;
-        if (step == Open)
+        if (step == Open) {
             camera = median(makingItems);
-        else if (step == ReadUnchanged || step == ReadChanged)
+        } else if (step == ReadUnchanged || step == ReadChanged) {
             camera = median(readingItems);
+        }
         return median(steps[step]) - camera;
     }
 };
@@ -247,10 +248,11 @@ int main(int argc, char** argv)
             const double theirs = plain[size].of(step);
             std::printf("%-22s %6d %10.3f %10.3f %7.3f", size == 0 ? limits.name : "", kSizes[size], mine, theirs,
                         mine / theirs);
-            if (limits.ratio[size] < kNoLimit)
+            if (limits.ratio[size] < kNoLimit) {
                 std::printf(" %7.2f%s", limits.ratio[size], verdict(mine / theirs, limits.ratio[size]));
-            else
+            } else {
                 std::printf(" %7s", "-");
+            }
             if (size > 0) {
                 const double exponent = std::log10(mine / ours[size - 1].of(step));
                 const double limit = limits.exponent[size - 1];

@@ -70,7 +70,7 @@ CAM_API_STATUS Nd_GetNumOfFeatures(CAM_HANDLE, CAM_NODE_HANDLE category, std::ui
 CAM_API_STATUS Nd_GetFeatureByIndex(CAM_HANDLE, CAM_NODE_HANDLE category, std::uint32_t index, CAM_NODE_HANDLE* child)
 {
     if (category == kRoot)
-        return give(child, kFirstRow + index * static_cast<unsigned>(instant::rowsPerCategory));
+        return give(child, kFirstRow + CAM_NODE_HANDLE{index} * static_cast<unsigned>(instant::rowsPerCategory));
     return give(child, category + 1 + index);
 }
 
