@@ -199,7 +199,7 @@ void rates(WindowDriver& driver, const ShownImages& images)
     std::printf("%-44s %9.2f %%      (camera, conversion and drawing; 100 %% = one core)\n", "processor share",
                 100 * processor / wall);
     std::printf("%-44s %9.2f %%\n", "of it ConvImage, by itself", 100 * conversion / wall);
-    report("processor time, times ConvImage's", processor / conversion, "", Limit::AtMost, 2.8);
+    report("processor time, times ConvImage's", processor / conversion, "", Limit::AtMost, 3.8);
 }
 
 // --- Flat over time ------------------------------------------------------------------------------------------------
