@@ -33,7 +33,7 @@ CAM_API_STATUS open(std::uint32_t index, CAM_HANDLE* camera, CAM_SIGNAL_HANDLE s
 TEST_F(NoCameraTest, NoneIsListed)
 {
     EXPECT_EQ(m_cameras, 0U);
-    CAM_INFO info;
+    CAM_INFO info = {};
     EXPECT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_INVALID_CAMERA_INDEX);
 }
 
@@ -52,7 +52,7 @@ TEST_F(SystemTest, IndicesAreThoseOfTheLastEnumeration)
 
 TEST_F(SystemTest, InformationByIndex)
 {
-    CAM_INFO info;
+    CAM_INFO info = {};
     std::memset(&info, 0xFF, sizeof info);
     ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.link, CAM_LINK_SIMULATED);
@@ -68,8 +68,8 @@ TEST_F(SystemTest, InformationByIndex)
 
 TEST_F(TwoCamerasTest, InformationByHandleIgnoresTheIndex)
 {
-    CAM_INFO byIndex;
-    CAM_INFO byHandle;
+    CAM_INFO byIndex = {};
+    CAM_INFO byHandle = {};
     ASSERT_EQ(Cam_GetInformation(0, 0, &byIndex), CAM_API_STS_SUCCESS);
     ASSERT_EQ(Cam_GetInformation(m_camera, 77, &byHandle), CAM_API_STS_SUCCESS);
     EXPECT_EQ(std::memcmp(&byIndex, &byHandle, sizeof byIndex), 0);
@@ -86,7 +86,7 @@ TEST_F(TwoCamerasTest, IndexByHandleFollowsTheEnumeration)
     unplug();
     ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
     EXPECT_EQ(m_cameras, 1U) << "an unplugged camera is not listed";
-    CAM_INFO info;
+    CAM_INFO info = {};
     ASSERT_EQ(Cam_GetInformation(second, 0, &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.cameraIndex, 0U);
 }
@@ -144,7 +144,7 @@ TEST_F(CameraTest, UnpluggedCameraAnswersAtOnceEverywhere)
     unplug();
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
     constexpr CAM_API_STATUS kGone = CAM_API_STS_CAMERA_NOT_RESPONDING;
-    CAM_INFO info;
+    CAM_INFO info = {};
     CAM_HANDLE again = 0;
     EXPECT_EQ(Cam_GetInformation(m_camera, 0, &info), kGone);
     EXPECT_EQ(open(0, &again), kGone);
@@ -203,7 +203,7 @@ TEST_F(CameraTest, UserDefinedNameIsKnownOnceTheCameraWasOpen)
     ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     ASSERT_EQ(open(0, &m_camera, m_signal), CAM_API_STS_SUCCESS);
     const std::string kept = textOf(Nd_GetStrValue, m_camera, node("DeviceUserID"));
-    CAM_INFO info;
+    CAM_INFO info = {};
     ASSERT_EQ(Cam_GetInformation(m_camera, 0, &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.userDefinedName, kept);
     ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
@@ -237,7 +237,7 @@ TEST(CameraInformation, IsAsciiAndCutToItsFields)
     const std::string model = "K\u00E4mera " + std::string(100, 'm');
     const DescribedCamera camera(descriptionOf(model, "", ""));
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
-    CAM_INFO info;
+    CAM_INFO info = {};
     std::memset(&info, 0xFF, sizeof info);
     ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.modelName, "K??mera " + std::string(55, 'm'));

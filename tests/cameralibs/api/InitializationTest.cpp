@@ -78,7 +78,7 @@ TEST_F(InitializationTest, OneOfManyThreadsInitializes)
 TEST_F(InitializationTest, SystemInformationHasTextsAndZeros)
 {
     ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
-    CAM_SYSTEM_INFO info;
+    CAM_SYSTEM_INFO info = {};
     std::memset(&info, 0xFF, sizeof info);
     EXPECT_EQ(Sys_GetInformation(&info), CAM_API_STS_SUCCESS);
     for (const char* text : {info.driverVersion, info.u3vApi2Version, info.u3vCamApiVersion, info.camApiVersion}) {

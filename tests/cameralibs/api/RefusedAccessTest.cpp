@@ -57,7 +57,7 @@ TEST_F(RefusedAccessTest, DescriptionIsAnsweredFromMemory)
     int visited = 0;
     walk(m_camera, node("Root"), visited);
     EXPECT_GT(visited, 40);
-    CAM_INFO info;
+    CAM_INFO info = {};
     EXPECT_EQ(Cam_GetInformation(m_camera, 0, &info), CAM_API_STS_SUCCESS);
 }
 
