@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cameralibs/devices/aravis/GObjectPointer.h"
+#include "cameralibs/devices/aravis/HeldDevice.h"
 #include "cameralibs/devices/aravis/Reaper.h"
 
 #include <arv.h>
@@ -11,7 +12,7 @@
 namespace orvo {
 
 /// An ArvDevice that a device and its sources share, and whether it is known to be gone. Given back by whoever drops it
-/// last: at once while the device is there, by the reaper once it is gone.
+/// last: at once while the device is there, by the reaper once it is gone or going.
 class DeviceConnection {
 public:
     DeviceConnection(GObjectPointer<ArvDevice> device, std::shared_ptr<Reaper> reaper);
@@ -19,7 +20,7 @@ public:
     DeviceConnection(const DeviceConnection&) = delete;
     DeviceConnection& operator=(const DeviceConnection&) = delete;
 
-    [[nodiscard]] ArvDevice* device() const noexcept { return m_device.get(); }
+    [[nodiscard]] ArvDevice* device() const noexcept { return m_device->get(); }
 
     /// Set before anything else uses the connection.
     void setLostQuery(std::function<bool()> lost);
@@ -29,7 +30,7 @@ public:
     void leaveToReaper(GObjectPointer<GObject> object) const;
 
 private:
-    GObjectPointer<ArvDevice> m_device;
+    std::unique_ptr<HeldDevice> m_device;
     std::shared_ptr<Reaper> m_reaper;
     std::function<bool()> m_lost;
 };
