@@ -20,8 +20,9 @@ void Signal::clear()
 void Signal::setTogetherWith(std::atomic<bool>& flag)
 {
     const std::lock_guard lock(m_mutex);
+    if (flag.exchange(true, std::memory_order_acq_rel))
+        return;
     m_set = true;
-    flag.store(true, std::memory_order_release);
     m_changed.notify_all();
 }
 

@@ -93,6 +93,7 @@ CAM_API_STATUS System::terminate()
 std::uint32_t System::enumerate()
 {
     const std::lock_guard providers(providerMutex());
+    throwUnless(!m_ended, CAM_API_STS_NOT_INITIALIZED);
     std::vector<Listed> found;
     for (const auto& provider : m_providers) {
         for (DeviceInfo& info : provider->enumerate())
@@ -138,7 +139,7 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
 {
     const Listed entry = listed(index);
     const std::lock_guard providers(providerMutex());
-    throwUnless(!m_providers.empty(), CAM_API_STS_NOT_INITIALIZED);
+    throwUnless(!m_ended, CAM_API_STS_NOT_INITIALIZED);
     throwUnless(!isOpen(entry.info), CAM_API_STS_ALREADY_OPENED);
     std::unique_ptr<Device> device;
     throwIfFailed(entry.provider->open(entry.info.id, device));
@@ -274,6 +275,7 @@ void System::shutDown()
         signal->close(CAM_API_STS_NOT_INITIALIZED);
     const std::lock_guard providers(providerMutex());
     m_providers.clear();
+    m_ended = true;
 }
 
 } // namespace orvo

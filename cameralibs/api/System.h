@@ -66,6 +66,7 @@ private:
     void shutDown();
 
     std::vector<std::unique_ptr<DeviceProvider>> m_providers;
+    bool m_ended = false; ///< without providers any more; whoever waited for them finds it so
 
     mutable std::mutex m_listMutex;
     std::vector<Listed> m_list;

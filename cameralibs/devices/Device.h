@@ -88,7 +88,7 @@ public:
     [[nodiscard]] virtual Outcome openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
                                              std::unique_ptr<FrameSource>& source) = 0;
 
-    /// `handler` runs once, on any thread, as soon as the device finds out by itself that it is gone: it only notes the
+    /// `handler` runs, on any thread, as soon as the device finds out by itself that it is gone: it only notes the
     /// fact. Set before the first register access.
     virtual void onRemoval(std::function<void()> handler) = 0;
 

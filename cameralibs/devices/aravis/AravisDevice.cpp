@@ -6,7 +6,6 @@
 #include "cameralibs/devices/aravis/UsbReception.h"
 #include "cameralibs/genicam/ErrorStatus.h"
 
-#include <atomic>
 #include <memory>
 #include <utility>
 
@@ -14,40 +13,10 @@ namespace orvo {
 
 using namespace Orvo;
 
-namespace {
-
-/// GLib hands it from the thread that sets it to the one that calls it and back, by means of its own.
-struct Handler {
-    std::function<void()> call;
-    std::atomic<bool> handedOver{false}; ///< the same in terms that a thread sanitizer sees
-};
-
-void callHandler(ArvDevice*, void* data)
-{
-    auto& handler = *static_cast<Handler*>(data);
-    if (handler.handedOver.load(std::memory_order_acquire))
-        handler.call();
-    handler.handedOver.store(true, std::memory_order_release);
-}
-
-void deleteHandler(void* data, GClosure*)
-{
-    const std::unique_ptr<Handler> handler(static_cast<Handler*>(data));
-    (void)handler->handedOver.load(std::memory_order_acquire);
-}
-
-} // namespace
-
 AravisDevice::AravisDevice(DeviceInfo info, std::shared_ptr<DeviceConnection> connection)
     : m_info(std::move(info))
     , m_connection(std::move(connection))
 {
-}
-
-AravisDevice::~AravisDevice()
-{
-    if (m_removalConnection != 0)
-        g_signal_handler_disconnect(m_connection->device(), m_removalConnection);
 }
 
 Outcome AravisDevice::description(std::string& xml)
@@ -75,12 +44,7 @@ Outcome AravisDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*
 
 void AravisDevice::onRemoval(std::function<void()> handler)
 {
-    // The closure owns the handler: one that runs while it is being disconnected keeps it.
-    auto owned = std::make_unique<Handler>();
-    owned->call = std::move(handler);
-    owned->handedOver.store(true, std::memory_order_release);
-    m_removalConnection = g_signal_connect_data(m_connection->device(), "control-lost", G_CALLBACK(callHandler),
-                                                owned.release(), deleteHandler, static_cast<GConnectFlags>(0));
+    m_lossListener.emplace(m_connection->device(), std::move(handler));
 }
 
 Outcome AravisDevice::openGigeReception(std::unique_ptr<Reception>& reception)

@@ -2,9 +2,11 @@
 
 #include "cameralibs/devices/Device.h"
 #include "cameralibs/devices/aravis/DeviceConnection.h"
+#include "cameralibs/devices/aravis/LossListener.h"
 #include "cameralibs/devices/aravis/Reception.h"
 
 #include <memory>
+#include <optional>
 
 namespace orvo {
 
@@ -12,9 +14,6 @@ namespace orvo {
 class AravisDevice : public Device {
 public:
     AravisDevice(DeviceInfo info, std::shared_ptr<DeviceConnection> connection);
-    ~AravisDevice() override;
-    AravisDevice(const AravisDevice&) = delete;
-    AravisDevice& operator=(const AravisDevice&) = delete;
 
     [[nodiscard]] const DeviceInfo& info() const override { return m_info; }
     [[nodiscard]] ArvDevice* registers() override { return m_connection->device(); }
@@ -29,7 +28,7 @@ private:
 
     const DeviceInfo m_info;
     const std::shared_ptr<DeviceConnection> m_connection;
-    unsigned long m_removalConnection = 0;
+    std::optional<LossListener> m_lossListener; ///< ends before the connection is dropped
 };
 
 } // namespace orvo

@@ -6,8 +6,9 @@ namespace orvo {
 
 // The toggle reference, the only one of GLib's that tells when it is the last, is told of nothing as long as there is
 // an ordinary one beside it.
-HeldDevice::HeldDevice(GObjectPointer<ArvDevice> device)
+HeldDevice::HeldDevice(GObjectPointer<ArvDevice> device, std::chrono::milliseconds patience)
     : m_device(device.get())
+    , m_patience(patience)
     , m_inUse(std::move(device))
 {
     g_object_add_toggle_ref(G_OBJECT(m_device), noteHolders, this);
@@ -17,7 +18,7 @@ HeldDevice::~HeldDevice()
 {
     (void)letGo();
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_onlyOurs; });
+    (void)m_changed.wait_for(lock, m_patience, [this] { return m_onlyOurs; });
     lock.unlock();
     g_object_remove_toggle_ref(G_OBJECT(m_device), noteHolders, this);
 }

@@ -4,6 +4,7 @@
 
 #include <arv.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -14,9 +15,10 @@ namespace orvo {
 /// wait for its own end.
 class HeldDevice {
 public:
-    explicit HeldDevice(GObjectPointer<ArvDevice> device);
+    explicit HeldDevice(GObjectPointer<ArvDevice> device,
+                        std::chrono::milliseconds patience = std::chrono::seconds(30));
 
-    /// Waits until nobody else holds the device.
+    /// Waits until nobody else holds the device. One whose reference somebody has lost is left to itself after a while.
     ~HeldDevice();
     HeldDevice(const HeldDevice&) = delete;
     HeldDevice& operator=(const HeldDevice&) = delete;
@@ -31,6 +33,7 @@ private:
     static void noteHolders(void* held, GObject* device, gboolean onlyOurs);
 
     ArvDevice* const m_device;
+    const std::chrono::milliseconds m_patience;
     GObjectPointer<ArvDevice> m_inUse;
     std::mutex m_mutex; ///< guards m_onlyOurs, which the thread that drops the last other reference sets
     std::condition_variable m_changed;

@@ -1,5 +1,6 @@
 #include "Reaper.h"
 
+#include <system_error>
 #include <utility>
 
 namespace orvo {
@@ -12,6 +13,14 @@ Reaper::~Reaper()
 
 void Reaper::take(std::function<void()> work)
 {
+    std::list<Worker> made(1);
+    made.front().work = std::move(work);
+    if (!begin(made))
+        made.front().work();
+}
+
+bool Reaper::begin(std::list<Worker>& made)
+{
     const std::lock_guard lock(m_mutex);
     m_workers.remove_if([](Worker& worker) {
         const bool done = worker.done;
@@ -19,13 +28,17 @@ void Reaper::take(std::function<void()> work)
             worker.thread.join();
         return done;
     });
-    std::list<Worker> made(1);
     Worker& worker = made.front();
-    worker.thread = std::thread([&worker, work = std::move(work)] {
-        work();
-        worker.done = true;
-    });
+    try {
+        worker.thread = std::thread([&worker] {
+            worker.work();
+            worker.done = true;
+        });
+    } catch (const std::system_error&) {
+        return false;
+    }
     m_workers.splice(m_workers.end(), made);
+    return true;
 }
 
 } // namespace orvo

@@ -17,13 +17,17 @@ public:
     Reaper(const Reaper&) = delete;
     Reaper& operator=(const Reaper&) = delete;
 
+    /// Where the system grants no more threads the caller does the work.
     void take(std::function<void()> work);
 
 private:
     struct Worker {
+        std::function<void()> work;
         std::thread thread;
         std::atomic<bool> done{false};
     };
+
+    [[nodiscard]] bool begin(std::list<Worker>& made);
 
     std::mutex m_mutex;
     std::list<Worker> m_workers; ///< the finished ones too, until the next is made

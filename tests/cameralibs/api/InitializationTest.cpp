@@ -75,6 +75,31 @@ TEST_F(InitializationTest, OneOfManyThreadsInitializes)
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
 }
 
+TEST_F(InitializationTest, CamerasAreCountedOrTheLibraryHasEnded)
+{
+    std::atomic<bool> ends{false};
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            while (!ends) {
+                std::uint32_t count = 0;
+                const CAM_API_STATUS status = Sys_GetNumOfCameras(&count);
+                const bool right = status == CAM_API_STS_SUCCESS ? count > 0 : status == CAM_API_STS_NOT_INITIALIZED;
+                wrong += right ? 0 : 1;
+            }
+        });
+    }
+    for (int round = 0; round < 3000; ++round) {
+        EXPECT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    }
+    ends = true;
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+}
+
 TEST_F(InitializationTest, SystemInformationHasTextsAndZeros)
 {
     ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);

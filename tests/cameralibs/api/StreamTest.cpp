@@ -2,8 +2,10 @@
 #include "StreamRecorder.h"
 
 #include <algorithm>
+#include <atomic>
 #include <set>
 #include <thread>
+#include <utility>
 
 using namespace Orvo;
 
@@ -121,15 +123,19 @@ TEST_F(StreamTest, NoCallbackAfterStopReturned)
 TEST_F(StreamTest, StopWaitsForTheCallbackUnderWay)
 {
     std::atomic<bool> inside{false};
+    std::atomic<bool> stopping{false};
     std::atomic<bool> left{false};
-    m_recorder.onImage = [&](const StreamRecorder::Image&) {
+    m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
+        if (std::exchange(done, true))
+            return;
         inside = true;
+        EXPECT_TRUE(becomes([&] { return stopping.load(); }));
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         left = true;
     };
     start();
     EXPECT_TRUE(becomes([&] { return inside.load(); }));
-    left = false;
+    stopping = true;
     stop();
     EXPECT_TRUE(left);
 }

@@ -9,7 +9,8 @@ int main()
     std::uint32_t count = 0;
     CAM_HANDLE camera = 0;
     CAM_API_STATUS status = Sys_Initialize(CAM_LAYER_GIGE_VISION);
-    if (status == CAM_API_STS_SUCCESS)
+    // On a busy machine the first search may miss it.
+    for (int search = 0; search < 10 && status == CAM_API_STS_SUCCESS && count == 0; ++search)
         status = Sys_GetNumOfCameras(&count);
     if (status == CAM_API_STS_SUCCESS)
         status = Cam_Open(0, &camera, 0, 1, nullptr, 1);

@@ -97,6 +97,7 @@ struct Bus {
     std::vector<Context*> contexts;
     bool announced = true;
     bool answered = true;
+    int removalsTold = 0;
     int commands = 0;
     int commandsToUnplug = 0; ///< 0: it stays
     int lastListener = 0;
@@ -108,6 +109,8 @@ Bus& bus()
     static auto& theBus = *std::make_unique<Bus>().release();
     return theBus;
 }
+
+thread_local bool thisThreadTells = false;
 
 int sendCommand(Device& device, const Bytes& command)
 {
@@ -185,6 +188,17 @@ void announceRemoval(bool announced)
 {
     const std::lock_guard lock(bus().mutex);
     bus().announced = announced;
+}
+
+bool tellsOfRemoval()
+{
+    return thisThreadTells;
+}
+
+int removalsTold()
+{
+    const std::lock_guard lock(bus().mutex);
+    return bus().removalsTold;
 }
 
 std::uint32_t value(std::uint64_t address)
@@ -367,8 +381,13 @@ int libusb_handle_events_timeout(Context* context, timeval* timeout)
     const std::vector<Context::Listener> listeners = context->listeners;
     lock.unlock();
     for (Device* device : left) {
+        thisThreadTells = true;
         for (const auto& listener : listeners)
             listener.callback(context, device, kDeviceLeft, listener.userData);
+        thisThreadTells = false;
+        lock.lock();
+        ++bus().removalsTold;
+        lock.unlock();
     }
     return 0;
 }

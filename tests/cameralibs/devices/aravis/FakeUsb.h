@@ -21,6 +21,10 @@ void answerCommands(bool answered);
 /// Whether the system tells of a device that leaves; else it is found out by a transfer that fails.
 void announceRemoval(bool announced);
 
+/// Whether the calling thread is just telling of a device that has left, and how often any has done so to its end.
+[[nodiscard]] bool tellsOfRemoval();
+[[nodiscard]] int removalsTold();
+
 /// Registers of the camera that was plugged in last.
 [[nodiscard]] std::uint32_t value(std::uint64_t address);
 void setValue(std::uint64_t address, std::uint32_t value);

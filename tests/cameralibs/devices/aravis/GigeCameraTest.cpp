@@ -13,7 +13,7 @@ std::vector<std::string> serialNumbers(std::uint32_t count)
 {
     std::vector<std::string> serials;
     for (std::uint32_t i = 0; i < count; ++i) {
-        CAM_INFO info;
+        CAM_INFO info = {};
         EXPECT_EQ(Cam_GetInformation(0, i, &info), CAM_API_STS_SUCCESS);
         serials.emplace_back(info.serialNumber);
     }
@@ -24,7 +24,7 @@ std::vector<std::string> serialNumbers(std::uint32_t count)
 
 TEST_F(GigeCameraTest, InformationTellsTheCamera)
 {
-    CAM_INFO info;
+    CAM_INFO info = {};
     ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.link, CAM_LINK_GIGE_VISION);
     EXPECT_STREQ(info.vendorName, "Aravis");
@@ -54,7 +54,7 @@ TEST_F(GigeCameraTest, SimulatedCamerasComeLast)
     ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
     ASSERT_EQ(Sys_Initialize(65535), CAM_API_STS_SUCCESS);
     ASSERT_NO_FATAL_FAILURE(enumerateUntil(2));
-    CAM_INFO info;
+    CAM_INFO info = {};
     ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.link, CAM_LINK_GIGE_VISION);
     ASSERT_EQ(Cam_GetInformation(0, 1, &info), CAM_API_STS_SUCCESS);

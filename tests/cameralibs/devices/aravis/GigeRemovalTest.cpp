@@ -12,8 +12,8 @@ namespace {
 
 constexpr CAM_API_STATUS kGone = CAM_API_STS_CAMERA_NOT_RESPONDING;
 
-/// Far above what anything local takes, far below what waiting for a camera takes.
-constexpr std::chrono::milliseconds kAtOnce{1000};
+/// Far above what anything local takes; a camera that does not answer is waited for 2500 ms.
+constexpr std::chrono::milliseconds kAtOnce{2000};
 
 template <class Work> void expectAtOnce(const char* what, Work&& work)
 {

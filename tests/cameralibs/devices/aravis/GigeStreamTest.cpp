@@ -1,5 +1,7 @@
 #include "GigeFixture.h"
 
+#include "tests/cameralibs/api/LockedImage.h"
+
 using namespace Orvo;
 
 using GigeStreamTest = StreamingGige;
@@ -34,9 +36,9 @@ TEST_F(GigeStreamTest, FrameNumbersRiseOverTheEndOfTheBlockIds)
     const auto images = m_recorder.images();
     EXPECT_LT(images.front().info.frameNumber, 65536U);
     EXPECT_GT(images.back().info.frameNumber, 65536U);
-    // A busy machine may lose a few, never one in ten.
+    // A busy machine may lose some; an end of the ids that is not seen as one makes a step of 65535.
     EXPECT_THAT(steps(images), ::testing::Each(::testing::Ge(1U)));
-    EXPECT_LT(images.back().info.frameNumber - images.front().info.frameNumber, images.size() * 11 / 10);
+    EXPECT_LT(images.back().info.frameNumber - images.front().info.frameNumber, images.size() + 10'000);
     std::uint64_t lastTime = 0;
     for (const auto& image : images) {
         EXPECT_EQ(image.info.dataSize, 256U * 256U);
@@ -78,17 +80,13 @@ TEST_F(GigeStreamTest, LockedBufferKeepsItsBytes)
 {
     start();
     ASSERT_TRUE(m_recorder.waitForImages(5));
-    std::uint32_t slot = 0;
-    ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), CAM_API_STS_SUCCESS);
-    CAM_IMAGE_INFO info = {};
-    ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
-    const auto* data = static_cast<const std::uint8_t*>(info.data);
-    const std::vector<std::uint8_t> before(data, data + info.dataSize);
-    // More than there are buffers, so that each of the others is filled anew.
-    ASSERT_TRUE(m_recorder.waitForBusy(30));
-    EXPECT_THAT(m_recorder.busy(), ::testing::Each(slot));
-    EXPECT_EQ(std::vector<std::uint8_t>(data, data + info.dataSize), before);
-    ASSERT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
+    {
+        const LockedImage image(m_stream);
+        // More than there are buffers, so that each of the others is filled anew.
+        ASSERT_TRUE(m_recorder.waitForBusy(30));
+        EXPECT_THAT(m_recorder.busy(), ::testing::Each(image.slot()));
+        EXPECT_EQ(image.bytes(), image.lockedBytes());
+    }
     const std::size_t images = m_recorder.images().size();
     ASSERT_TRUE(m_recorder.waitForImages(images + 4));
 }

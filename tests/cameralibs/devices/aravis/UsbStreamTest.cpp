@@ -1,5 +1,7 @@
 #include "UsbFixture.h"
 
+#include "tests/cameralibs/api/LockedImage.h"
+
 #include <algorithm>
 #include <atomic>
 
@@ -114,18 +116,12 @@ TEST_F(UsbStreamTest, LockedBufferKeepsItsBytes)
 {
     start();
     ASSERT_TRUE(m_recorder.waitForImages(3));
-    std::uint32_t slot = 0;
-    ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), CAM_API_STS_SUCCESS);
-    CAM_IMAGE_INFO info = {};
-    ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
-    const auto* data = static_cast<const std::uint8_t*>(info.data);
-    const std::vector<std::uint8_t> before(data, data + info.dataSize);
+    const LockedImage image(m_stream);
     ASSERT_TRUE(m_recorder.waitForBusy(30));
     stop();
     start();
     ASSERT_TRUE(m_recorder.waitForBusy(60));
-    EXPECT_EQ(std::vector<std::uint8_t>(data, data + info.dataSize), before);
-    EXPECT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(image.bytes(), image.lockedBytes());
 }
 
 TEST_F(UsbStreamTest, StreamOfImpossibleSizesIsRefused)
@@ -145,7 +141,7 @@ TEST_F(UsbStreamTest, StreamOfImpossibleSizesIsRefused)
 // A program that reads an image by its width and height finds zeros in what the camera does not send.
 TEST_F(UsbStreamTest, ImageHasRoomForAllItsPixels)
 {
-    constexpr std::size_t kPixels = 320 * 240;
+    constexpr std::size_t kPixels = 320UL * 240;
     std::atomic<int> wrong{0};
     std::atomic<std::size_t> sent{kPixels};
     m_recorder.onImage = [&](const StreamRecorder::Image& image) {
@@ -167,13 +163,14 @@ TEST_F(UsbStreamTest, ImageHasRoomForAllItsPixels)
 
 TEST_F(UsbStreamTest, MorePixelsWithTheSamePayloadHaveRoom)
 {
-    constexpr std::size_t kPixels = 2000 * 2000;
+    constexpr std::size_t kPixels = 2000UL * 2000;
+    constexpr std::size_t kSent = 320UL * 240;
     usb::setValue(usb::kWidth, 2000);
     usb::setValue(usb::kHeight, 2000);
     std::atomic<int> wrong{0};
     m_recorder.onImage = [&](const StreamRecorder::Image& image) {
         const auto* data = static_cast<const std::uint8_t*>(image.info.data);
-        wrong += std::all_of(data + 320 * 240, data + kPixels, [](std::uint8_t byte) { return byte == 0; }) ? 0 : 1;
+        wrong += std::all_of(data + kSent, data + kPixels, [](std::uint8_t byte) { return byte == 0; }) ? 0 : 1;
     };
     start();
     ASSERT_TRUE(m_recorder.waitForImages(30));
