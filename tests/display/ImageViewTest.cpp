@@ -121,7 +121,8 @@ void ImageViewTest::modeBar()
     QCOMPARE(labels[0]->text(), QString("Pointer Mode : "));
     const QToolButton* select = f.button(" Select ");
     const QToolButton* drag = f.button(" Drag ");
-    QVERIFY(select && drag);
+    QVERIFY(select);
+    QVERIFY(drag);
     QVERIFY(select->isCheckable() && select->isChecked());
     QVERIFY(drag->isCheckable() && !drag->isChecked());
     QVERIFY(select->group() && select->group() == drag->group());

@@ -28,9 +28,9 @@
 class RunningStream {
 public:
     struct Rates {
-        double capture;
-        double display;
-        int imagesBefore; // emitted since the report before
+        double capture = 0;
+        double display = 0;
+        int imagesBefore = 0; // emitted since the report before
         std::chrono::steady_clock::time_point at;
     };
 

@@ -77,6 +77,7 @@ private:
     [[nodiscard]] bool clickIcon(const char* name);
     [[nodiscard]] bool open(Camera camera);
     [[nodiscard]] bool sees(const char* iconName);
+    [[nodiscard]] bool seesNoMore(const char* iconName);
     /// Whether the row of the dialog's list comes to be drawn as the selected one.
     [[nodiscard]] bool selects(Camera row);
     /// A part of what the image view shows, with the number that makes each image another one.
@@ -90,6 +91,11 @@ private:
 bool EndToEndTest::sees(const char* iconName)
 {
     return QTest::qWaitFor([&] { return desktop.find(icon(iconName)).has_value(); }, kPatienceMs);
+}
+
+bool EndToEndTest::seesNoMore(const char* iconName)
+{
+    return QTest::qWaitFor([&] { return !desktop.find(icon(iconName)).has_value(); }, kPatienceMs);
 }
 
 bool EndToEndTest::clickIcon(const char* name)
@@ -203,7 +209,7 @@ void EndToEndTest::liveImageUnplugAndExit()
 
     tell("SimulationUnplug");
     QVERIFY(sees("Open"));
-    QVERIFY(!desktop.find(icon("Stop")));
+    QVERIFY(seesNoMore("Stop"));
     QVERIFY(viewer.running());
 
     desktop.closeWindow(kMainWindow);
@@ -227,7 +233,7 @@ void EndToEndTest::stopAndClose()
     QVERIFY(sees("Play"));
     QVERIFY(clickIcon("Close"));
     QVERIFY(sees("Open"));
-    QVERIFY(!desktop.find(icon("Close")));
+    QVERIFY(seesNoMore("Close"));
 
     desktop.closeWindow(kMainWindow);
     QVERIFY(viewer.ended());

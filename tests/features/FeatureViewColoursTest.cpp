@@ -41,10 +41,11 @@ void FeatureViewColoursTest::coloursByAccessMode_data()
         add("not implemented", 0, QColor(128, 128, 128), QColor(208, 208, 208));
         add("not available", 1, QColor(192, 192, 192), QColor(64, 64, 64));
         add("write-only", 2, white, QColor(0, 160, 0));
-        if (isCategory)
+        if (isCategory) {
             add("read-only", 3, QColor(212, 255, 255), QColor(64, 64, 255));
-        else
+        } else {
             add("read-only", 3, white, QColor(128, 64, 0));
+        }
         add("read-write", 4, white, black);
         add("5", 5, white, black);
         add("not read yet", 6, white, black);

@@ -377,7 +377,7 @@ void FeatureViewFilterTest::columnsFitFoldedRowsToo()
 void FeatureViewFilterTest::columnsFitRowsBeyondTheFirstThousand()
 {
     std::vector<NodeSpec> nodes = manyNodes(1500);
-    nodes.front().features.push_back("ZZZ");
+    nodes.front().features.emplace_back("ZZZ");
     nodes.push_back(category("ZZZ", {"ZZZLongNameOfTheLastFeatureOfAll"}));
     nodes.push_back(feature("ZZZLongNameOfTheLastFeatureOfAll"));
     FeatureTable features(nodes);

@@ -58,9 +58,10 @@ void FeatureViewLargeTest::foldsAndUnfolds()
     constexpr int kToggled = 50;
     constexpr int kBeginnersOfACategory = 4;
     for (const bool unfold : {true, false}) {
-        for (int category = 0; category < kToggled; ++category)
+        for (int category = 0; category < kToggled; ++category) {
             features->view().changeCollapsedState(
                 features->rowsModel().index(category * (kBeginnersOfACategory + 1), 0));
+        }
         QCOMPARE(features->shownNames().size(), kCategories + (unfold ? kToggled * kBeginnersOfACategory : 0));
         QCOMPARE(features->table().verticalHeader()->length(), 22 * features->shownNames().size());
     }

@@ -82,7 +82,7 @@ void FeatureViewToolBarTest::standsAboveTheTable()
 {
     FeatureTable features;
     features.show();
-    const QToolBar* const bar = features.view().findChild<QToolBar*>();
+    const auto* const bar = features.view().findChild<QToolBar*>();
     QCOMPARE(bar->parentWidget(), &features.view());
     QVERIFY(bar->geometry().bottom() < features.table().geometry().top());
 }
@@ -91,7 +91,7 @@ void FeatureViewToolBarTest::buttonsAreClickedByMouse()
 {
     FeatureTable features;
     features.show();
-    QToolBar* const bar = features.view().findChild<QToolBar*>();
+    auto* const bar = features.view().findChild<QToolBar*>();
     const auto click = [&](int action) {
         QTest::mouseClick(bar->widgetForAction(bar->actions().at(action)), Qt::LeftButton);
     };

@@ -101,10 +101,11 @@ void FeatureViewTreeTest::everyCellOfARow()
     QCOMPARE(first.data(FeatureView::ItemIndexRole), QVariant(row));
     QCOMPARE(first.data(Qt::ToolTipRole).toString(), toolTip);
     const QVariant icon = first.data(Qt::DecorationRole);
-    if (name == "Cat")
+    if (name == "Cat") {
         QVERIFY(showsImage(icon.value<QIcon>(), "Folded.png"));
-    else
+    } else {
         QVERIFY(!icon.isValid());
+    }
 
     const QModelIndex second = model.index(row, 1);
     QCOMPARE(second.data(FeatureView::ItemIndexRole), QVariant(row));

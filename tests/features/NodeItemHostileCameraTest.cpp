@@ -59,15 +59,14 @@ void NodeItemHostileCameraTest::hugeString()
 void NodeItemHostileCameraTest::absurdSizes()
 {
     // A library that announces more than there can be: the text counts as not read.
+    static std::uint32_t announced;
+    static int calls;
     for (const std::uint32_t size : {0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
         QString text = "before";
-        int calls = 0;
-        static std::uint32_t announced;
-        static int* counter;
         announced = size;
-        counter = &calls;
+        calls = 0;
         const NodeTextOperation operation = [](CAM_HANDLE, CAM_NODE_HANDLE, char*, std::uint32_t* needed) {
-            ++*counter;
+            ++calls;
             *needed = announced;
             return CAM_API_STATUS{CAM_API_STS_SUCCESS};
         };
@@ -78,10 +77,11 @@ void NodeItemHostileCameraTest::absurdSizes()
     // One that writes no end: the text ends with what was announced.
     QString text;
     const NodeTextOperation endless = [](CAM_HANDLE, CAM_NODE_HANDLE, char* buffer, std::uint32_t* size) {
-        if (buffer == nullptr)
+        if (buffer == nullptr) {
             *size = 5;
-        else
+        } else {
             std::fill_n(buffer, *size, 'x');
+        }
         return CAM_API_STATUS{CAM_API_STS_SUCCESS};
     };
     QCOMPARE(readText(endless, 1, 1, text), CAM_API_STS_SUCCESS);

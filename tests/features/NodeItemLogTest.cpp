@@ -53,7 +53,7 @@ void NodeItemLogTest::levels_data()
     QTest::addColumn<QString>("fragment"); // without the lookup line
     QTest::addColumn<QString>("failure");  // what follows it after a failure; "-": nothing is told then
     const auto row = [](const char* name, const scripted::NodeSpec& node, const char* call, int mode,
-                        const char* fragment, const char* failure, Operation operation) {
+                        const char* fragment, const char* failure, const Operation& operation) {
         QTest::newRow(name) << node << operation << QString(call) << mode << QString(fragment) << QString(failure);
     };
     const auto read = [](GenAPINodeItem& item) { item.getNodeValue(true, true); };

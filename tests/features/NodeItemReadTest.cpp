@@ -40,7 +40,7 @@ void NodeItemReadTest::valueTexts_data()
 {
     QTest::addColumn<scripted::NodeSpec>("node");
     QTest::addColumn<QString>("text");
-    const auto row = [](const char* name, scripted::NodeSpec spec, const char* text) {
+    const auto row = [](const char* name, const scripted::NodeSpec& spec, const char* text) {
         QTest::addRow("%s, read-write", name) << with(rw, spec) << QString::fromUtf8(text);
         QTest::addRow("%s, read-only", name) << with(ro, spec) << QString::fromUtf8(text);
     };

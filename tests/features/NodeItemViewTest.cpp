@@ -25,7 +25,7 @@ using namespace Orvo;
 /// A view of one node beside another, whose value nobody touches: it is read whenever every feature is.
 class Rows {
 public:
-    explicit Rows(scripted::NodeSpec node)
+    explicit Rows(const scripted::NodeSpec& node)
         : name(QString::fromStdString(node.name))
         , table({scripted::category("Root", {"Category"}), scripted::category("Category", {node.name, "Other"}), node,
                  integerNode(5, "Other")})
@@ -98,7 +98,7 @@ void addWrites()
     QTest::addColumn<scripted::NodeSpec>("node");
     QTest::addColumn<Write>("write");
     QTest::addColumn<QString>("call");
-    const auto row = [](const char* name, const scripted::NodeSpec& node, const char* call, Write write) {
+    const auto row = [](const char* name, const scripted::NodeSpec& node, const char* call, const Write& write) {
         QTest::newRow(name) << node << write << QString(call);
     };
     const auto type = [](const char* text) {

@@ -46,7 +46,7 @@ QString titleOf(Display* display, Window window)
         Success) {
         return {};
     }
-    const QString title = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(items));
+    QString title = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(items));
     if (data)
         XFree(data);
     return title;
