@@ -172,7 +172,9 @@ void FeatureView::selectInvisible()
 
 void FeatureView::readEveryItem()
 {
-    HeldChanges held(m_sourceModel.get());
+    // An editor loads its value anew, over what is typed, where its row is told of.
+    const bool spared = m_sortAtoZ && m_tableView.isPersistentEditorOpen(m_tableView.currentIndex());
+    HeldChanges held(m_sourceModel.get(), spared ? HeldChanges::Telling::OfEachRow : HeldChanges::Telling::OfRuns);
     m_heldChanges = &held;
     for (int row = 0; row < m_items.size(); ++row) { // reading may change the list
         const QPointer<GenAPINodeItem> item = m_items.at(row);

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-HeldChanges::HeldChanges(QStandardItemModel* model)
+HeldChanges::HeldChanges(QStandardItemModel* model, Telling telling)
     : m_model(model)
+    , m_telling(telling)
     , m_wasQuiet(model && model->blockSignals(true))
 {
 }
@@ -25,7 +26,8 @@ void HeldChanges::note(int row, int firstColumn)
 {
     if (!m_runs.empty()) {
         Run& last = m_runs.back();
-        if (row == last.lastRow || row == last.lastRow + 1) {
+        const int next = m_telling == Telling::OfRuns ? last.lastRow + 1 : last.lastRow;
+        if (row == last.lastRow || row == next) {
             last.lastRow = row;
             last.firstColumn = std::min(last.firstColumn, firstColumn);
             return;

@@ -9,7 +9,10 @@
 /// run instead of cell by cell.
 class HeldChanges {
 public:
-    explicit HeldChanges(QStandardItemModel* model);
+    /// A run takes less time to tell of. In a table that sorts the rows it spans others, too.
+    enum class Telling { OfRuns, OfEachRow };
+
+    explicit HeldChanges(QStandardItemModel* model, Telling telling = Telling::OfRuns);
     ~HeldChanges();
     Q_DISABLE_COPY_MOVE(HeldChanges)
 
@@ -24,6 +27,7 @@ private:
     };
 
     QPointer<QStandardItemModel> m_model;
+    const Telling m_telling;
     bool m_wasQuiet;
     std::vector<Run> m_runs;
 };

@@ -25,6 +25,7 @@ private slots:
     void tellsNothingWithoutNotes();
     void tellsAtTheEnd();
     void joinsRowsThatFollowOneAnother();
+    void tellsOfEachRow();
     void theWidestNoteOfARunCounts();
     void staysQuietWhereItWasQuiet();
     void aModelThatEndsMeanwhile();
@@ -66,6 +67,16 @@ void HeldChangesTest::joinsRowsThatFollowOneAnother()
             held.note(row, 2);
     }
     QCOMPARE(told, QStringList({"1,2-3,2", "5,2-6,2", "9,2-9,2", "8,2-8,2"}));
+}
+
+void HeldChangesTest::tellsOfEachRow()
+{
+    {
+        HeldChanges held(model.get(), HeldChanges::Telling::OfEachRow);
+        for (const int row : {1, 2, 2, 3, 6})
+            held.note(row, 2);
+    }
+    QCOMPARE(told, QStringList({"1,2-1,2", "2,2-2,2", "3,2-3,2", "6,2-6,2"}));
 }
 
 void HeldChangesTest::theWidestNoteOfARunCounts()

@@ -32,6 +32,8 @@ private slots:
     void rowIsFilteredOutWhileOpen();
     void refreshWhileOpen_data();
     void refreshWhileOpen();
+    void typedTextOutlastsNewsOfOtherRows_data();
+    void typedTextOutlastsNewsOfOtherRows();
 
 private:
     static std::vector<NodeSpec> oneOfEach();
@@ -250,6 +252,40 @@ void OpenEditorTest::refreshWhileOpen()
     bench.view().updateAllFeatures();
     QCOMPARE(bench.editor(), editor);
     QCOMPARE(bench.written(), QStringList());
+}
+
+void OpenEditorTest::typedTextOutlastsNewsOfOtherRows_data()
+{
+    QTest::addColumn<bool>("byName");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("by category, line edit") << false << "B";
+    QTest::newRow("by category, slider") << false << "E";
+    QTest::newRow("by name, line edit") << true << "B";
+    QTest::newRow("by name, slider") << true << "E";
+}
+
+void OpenEditorTest::typedTextOutlastsNewsOfOtherRows()
+{
+    QFETCH(const bool, byName);
+    QFETCH(const QString, name);
+    // By name each that is edited stands between two that stand together by category.
+    NodeSpec percent = features::percent();
+    percent.name = "E";
+    EditorBench bench({features::integer("A", 1, 0, 10), features::integer("C", 1, 0, 10),
+                       features::integer("D", 1, 0, 10), features::integer("F", 1, 0, 10),
+                       features::integer("B", 1, 0, 100), percent});
+    if (byName)
+        bench.view().selectSortAtoZ();
+    QVERIFY(bench.open(name) != nullptr);
+    EditorBench::type("42");
+    for (const char* other : {"A", "C", "D", "F"})
+        scripted::changeNode(other, [](NodeSpec& node) { node.intValue = 7; });
+    bench.view().updateAllFeatures();
+    for (const char* other : {"A", "C", "D", "F"})
+        QCOMPARE(bench.shown(other), QString("7"));
+    auto* const slider = qobject_cast<LineEditWithSlider*>(bench.editor());
+    QCOMPARE((slider != nullptr ? lineEditOf(slider) : qobject_cast<QLineEdit*>(bench.editor()))->text(),
+             QString("42"));
 }
 
 } // namespace
