@@ -3,6 +3,7 @@
 #include "features/FeatureView.h"
 #include "features/GenAPINodeItem.h"
 #include "tests/support/FeatureHand.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"
@@ -77,7 +78,7 @@ void StreamFeaturesTest::startEndsTheOpenEditorFirst()
     driver.open();
     // An editor that has not the keyboard cannot lose it, which is when it writes.
     driver.window().activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&driver.window()));
+    QVERIFY(QTest::qWaitForWindowActive(&driver.window(), kPatienceMs));
     const QPointer<QLineEdit> editor =
         qobject_cast<QLineEdit*>(FeatureHand(driver.window()).clickValue("DeviceUserID"));
     QVERIFY(editor);

@@ -108,7 +108,7 @@ void FeatureBrowserTest::cleanup()
 void FeatureBrowserTest::open(const QString& model)
 {
     QVERIFY2(driver->openModel(model), qPrintable(driver->log().join('\n')));
-    QVERIFY(QTest::qWaitForWindowActive(&driver->window()));
+    QVERIFY(QTest::qWaitForWindowActive(&driver->window(), kPatienceMs));
     hand->clickTool("&levelGuru");
 }
 

@@ -1,5 +1,7 @@
 #include "tests/features/EditorBench.h"
 
+#include "tests/support/Patience.h"
+
 #include <QtTest>
 
 #include <QApplication>
@@ -176,7 +178,7 @@ void EditorBench::leave(const QString& how)
         QLineEdit window;
         window.show();
         window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QVERIFY(QTest::qWaitForWindowActive(&window, kPatienceMs));
     }
     QCoreApplication::processEvents();
 }

@@ -1,5 +1,7 @@
 #include "tests/features/FeatureTable.h"
 
+#include "tests/support/Patience.h"
+
 #include <QtTest>
 
 #include <QCursor>
@@ -96,7 +98,7 @@ void FeatureTable::show()
 {
     m_view->show();
     m_view->activateWindow();
-    if (!QTest::qWaitForWindowActive(m_view.get()))
+    if (!QTest::qWaitForWindowActive(m_view.get(), kPatienceMs))
         qFatal("the feature view does not become active");
 }
 

@@ -1,6 +1,7 @@
 // A label that scrolls what does not fit.
 
 #include "features/ScrollingLabel.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Wheel.h"
 
 #include <QtTest>
@@ -35,7 +36,7 @@ void show(ScrollingLabel& label)
 {
     label.resize(kWidth, label.heightForWidth(kWidth));
     label.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&label));
+    QVERIFY(QTest::qWaitForWindowExposed(&label, kPatienceMs));
 }
 
 /// What is seen left of a scroll bar.

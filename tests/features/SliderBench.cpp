@@ -1,6 +1,7 @@
 #include "tests/features/SliderBench.h"
 
 #include "tests/features/FeatureTable.h"
+#include "tests/support/Patience.h"
 
 #include <QtTest>
 
@@ -55,7 +56,7 @@ void SliderBench::showEditor()
 {
     m_window->show();
     m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get(), kPatienceMs));
     m_editor->setFocus();
 }
 
