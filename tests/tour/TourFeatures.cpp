@@ -29,8 +29,11 @@ void Tour::featuresChapter()
         hand.clickName(name);
         picture(QString("description-%1").arg(name));
     }
+    hand.clickTool("&levelExpert");
     hand.clickTool("&sortAz");
     picture("features-by-name");
+    hand.clickTool("&levelGuru"); // where a feature has a very long name
+    picture("features-by-name-long");
     hand.clickTool("&sortCtg");
     picture("features-by-category");
 }
