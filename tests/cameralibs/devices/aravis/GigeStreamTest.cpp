@@ -36,9 +36,9 @@ TEST_F(GigeStreamTest, FrameNumbersRiseOverTheEndOfTheBlockIds)
     const auto images = m_recorder.images();
     EXPECT_LT(images.front().info.frameNumber, 65536U);
     EXPECT_GT(images.back().info.frameNumber, 65536U);
-    // A busy machine may lose some; an end of the ids that is not seen as one makes a step of 65535.
+    // A busy machine may lose some, never every other one.
     EXPECT_THAT(steps(images), ::testing::Each(::testing::Ge(1U)));
-    EXPECT_LT(images.back().info.frameNumber - images.front().info.frameNumber, images.size() + 10'000);
+    EXPECT_LT(images.back().info.frameNumber - images.front().info.frameNumber, images.size() * 2);
     std::uint64_t lastTime = 0;
     for (const auto& image : images) {
         EXPECT_EQ(image.info.dataSize, 256U * 256U);
