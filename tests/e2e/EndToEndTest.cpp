@@ -72,6 +72,8 @@ private slots:
     void liveImageUnplugAndExit();
     void stopAndClose();
     void otherLibrariesTakeTheirPlace();
+    void geometryGrowsWithTheTextAtHighResolution();
+    void windowHasItsIcon();
 
 private:
     [[nodiscard]] bool clickIcon(const char* name);
@@ -262,6 +264,24 @@ void EndToEndTest::otherLibrariesTakeTheirPlace()
     desktop.closeWindow(kMainWindow);
     QVERIFY(viewer.ended());
     QCOMPARE(viewer.exitCode(), 0);
+}
+
+void EndToEndTest::geometryGrowsWithTheTextAtHighResolution()
+{
+    QProcessEnvironment extra;
+    extra.insert("QT_FONT_DPI", "192");
+    const Viewer viewer(extra);
+    QTRY_VERIFY_WITH_TIMEOUT(desktop.window(kMainWindow), kPatienceMs);
+    QCOMPARE(desktop.window(kMainWindow)->size(), QSize(2 * 1200, 2 * 880));
+}
+
+void EndToEndTest::windowHasItsIcon()
+{
+    const Viewer viewer;
+    QTRY_VERIFY_WITH_TIMEOUT(desktop.window(kMainWindow), kPatienceMs);
+    const QImage expected(ICON_FOLDER "/Viewer_Main_icon_2.ico");
+    QVERIFY(!expected.isNull());
+    QCOMPARE(desktop.icon(kMainWindow), expected.convertToFormat(QImage::Format_ARGB32));
 }
 
 } // namespace

@@ -7,8 +7,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <vector>
 
 // After Qt: these headers define common words as macros.
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
@@ -32,24 +35,50 @@ QVector<OpaquePixel> opaquePixels(const QImage& icon)
     return pixels;
 }
 
-QString titleOf(Display* display, Window window)
+/// The bytes of a property; numbers of 32 bits stand in a long each.
+QByteArray property(Display* display, Window window, const char* name, Atom wantedType)
 {
-    const Atom utf8 = XInternAtom(display, "UTF8_STRING", False);
-    const Atom name = XInternAtom(display, "_NET_WM_NAME", False);
     Atom type = None;
     int format = 0;
     unsigned long items = 0;
     unsigned long rest = 0;
     unsigned char* data = nullptr;
-    constexpr long longest = 256;
-    if (XGetWindowProperty(display, window, name, 0, longest, False, utf8, &type, &format, &items, &rest, &data) !=
-        Success) {
+    constexpr long longest = 0x100000;
+    if (XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, longest, False, wantedType, &type,
+                           &format, &items, &rest, &data) != Success ||
+        !data) {
         return {};
     }
-    QString title = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(items));
-    if (data)
-        XFree(data);
-    return title;
+    const unsigned long itemSize = format == 32 ? sizeof(long) : static_cast<unsigned long>(format) / 8;
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(items * itemSize));
+    XFree(data);
+    return bytes;
+}
+
+QString titleOf(Display* display, Window window)
+{
+    return QString::fromUtf8(property(display, window, "_NET_WM_NAME", XInternAtom(display, "UTF8_STRING", False)));
+}
+
+QVector<Window> childrenOf(Display* display, Window window)
+{
+    Window root = None;
+    Window parent = None;
+    Window* children = nullptr;
+    unsigned int count = 0;
+    if (XQueryTree(display, window, &root, &parent, &children, &count) == 0 || !children)
+        return {};
+    QVector<Window> found;
+    std::copy_n(children, count, std::back_inserter(found));
+    XFree(children);
+    return found;
+}
+
+bool isShown(Display* display, Window window, const QString& title)
+{
+    XWindowAttributes attributes;
+    return XGetWindowAttributes(display, window, &attributes) != 0 && attributes.map_state == IsViewable &&
+           titleOf(display, window) == title;
 }
 
 } // namespace
@@ -92,34 +121,57 @@ std::optional<QRect> Desktop::find(const QImage& icon) const
     return std::nullopt;
 }
 
-unsigned long Desktop::windowId(const QString& title) const
+Desktop::Ids Desktop::ids(const QString& title) const
 {
-    Window root = None;
-    Window parent = None;
-    Window* children = nullptr;
-    unsigned int count = 0;
-    if (XQueryTree(m_display, DefaultRootWindow(m_display), &root, &parent, &children, &count) == 0)
-        return None;
-    Window found = None;
-    for (unsigned int i = 0; i < count && found == None; ++i) {
-        XWindowAttributes attributes;
-        if (XGetWindowAttributes(m_display, children[i], &attributes) != 0 && attributes.map_state == IsViewable &&
-            titleOf(m_display, children[i]) == title) {
-            found = children[i];
+    for (const Window top : childrenOf(m_display, DefaultRootWindow(m_display))) {
+        if (isShown(m_display, top, title))
+            return {top, top};
+        for (const Window inFrame : childrenOf(m_display, top)) {
+            if (isShown(m_display, inFrame, title))
+                return {inFrame, top};
         }
     }
-    if (children)
-        XFree(children);
-    return found;
+    return {};
+}
+
+std::optional<QRect> Desktop::place(unsigned long id) const
+{
+    XWindowAttributes attributes;
+    int x = 0;
+    int y = 0;
+    Window child = None;
+    if (id == None || XGetWindowAttributes(m_display, id, &attributes) == 0 ||
+        XTranslateCoordinates(m_display, id, attributes.root, 0, 0, &x, &y, &child) == False) {
+        return std::nullopt;
+    }
+    return QRect(x, y, attributes.width, attributes.height);
 }
 
 std::optional<QRect> Desktop::window(const QString& title) const
 {
-    const Window id = windowId(title);
-    XWindowAttributes attributes;
-    if (id == None || XGetWindowAttributes(m_display, id, &attributes) == 0)
-        return std::nullopt;
-    return QRect(attributes.x, attributes.y, attributes.width, attributes.height);
+    return place(ids(title).window);
+}
+
+std::optional<QRect> Desktop::frame(const QString& title) const
+{
+    return place(ids(title).frame);
+}
+
+QImage Desktop::icon(const QString& title) const
+{
+    // Width, height, and a number for each pixel; the first of several sizes.
+    const QByteArray bytes = property(m_display, ids(title).window, "_NET_WM_ICON", XA_CARDINAL);
+    std::vector<long> numbers(static_cast<std::size_t>(bytes.size()) / sizeof(long));
+    std::memcpy(numbers.data(), bytes.constData(), numbers.size() * sizeof(long));
+    if (numbers.size() < 2 || numbers.size() < 2 + static_cast<std::size_t>(numbers[0] * numbers[1]))
+        return {};
+    QImage image(static_cast<int>(numbers[0]), static_cast<int>(numbers[1]), QImage::Format_ARGB32);
+    auto number = numbers.begin() + 2;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, static_cast<QRgb>(*number++));
+    }
+    return image;
 }
 
 void Desktop::click(QPoint where)
@@ -132,7 +184,7 @@ void Desktop::click(QPoint where)
 
 void Desktop::closeWindow(const QString& title)
 {
-    const Window id = windowId(title);
+    const Window id = ids(title).window;
     XEvent event;
     std::memset(&event, 0, sizeof event);
     event.xclient.type = ClientMessage;

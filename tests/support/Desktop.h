@@ -21,8 +21,14 @@ public:
     /// Where on the screen the fully opaque pixels of `icon` stand just so.
     [[nodiscard]] std::optional<QRect> find(const QImage& icon) const;
 
-    /// The visible top-level window with this title.
+    /// The visible top-level window with this title, without what a window manager adds.
     [[nodiscard]] std::optional<QRect> window(const QString& title) const;
+
+    /// The same window with its frame.
+    [[nodiscard]] std::optional<QRect> frame(const QString& title) const;
+
+    /// The icon that the program gives to the window, null where it gives none.
+    [[nodiscard]] QImage icon(const QString& title) const;
 
     void click(QPoint where);
 
@@ -30,7 +36,13 @@ public:
     void closeWindow(const QString& title);
 
 private:
-    [[nodiscard]] unsigned long windowId(const QString& title) const;
+    /// The window and its frame; both are the same where no window manager runs.
+    struct Ids {
+        unsigned long window = 0;
+        unsigned long frame = 0;
+    };
+    [[nodiscard]] Ids ids(const QString& title) const;
+    [[nodiscard]] std::optional<QRect> place(unsigned long id) const;
 
     Display* m_display;
 };

@@ -37,10 +37,14 @@ Tour::Tour(const QDir& folder)
 
 void Tour::picture(const QString& name)
 {
+    // The screen, not the widget: what covers the window belongs to what a user sees.
+    picture(name, m_driver->window().frameGeometry());
+}
+
+void Tour::picture(const QString& name, const QRect& area)
+{
     QTest::qWait(kSettleMs);
     const QString file = m_folder.filePath(QString("%1-%2.png").arg(++m_number, 2, 10, QChar('0')).arg(name));
-    // The screen, not the widget: what covers the window belongs to what a user sees.
-    const QRect area = m_driver->window().frameGeometry();
     const QPixmap shot =
         QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
     if (shot.isNull() || !shot.save(file))
@@ -99,5 +103,6 @@ int main(int argc, char* argv[])
     tour.slowAndSilentCameraChapter();
     tour.camerasChapter();
     tour.faultsChapter();
+    tour.highResolutionChapter();
     return EXIT_SUCCESS;
 }

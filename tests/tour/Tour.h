@@ -20,10 +20,13 @@ public:
     void featuresChapter();
     void editorsChapter();
     void slowAndSilentCameraChapter();
+    void highResolutionChapter();
 
 private:
     // Tour.cpp
     void picture(const QString& name);
+    /// Of a part of the screen.
+    void picture(const QString& name, const QRect& area);
     /// Ends the tour where the condition does not come about in time.
     void waitFor(const char* what, const std::function<bool()>& condition);
     void waitForImages(int count);
