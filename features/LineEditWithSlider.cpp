@@ -19,10 +19,6 @@ constexpr int kLeastPartWidth = 50;
 LineEditWithSlider::LineEditWithSlider(QWidget* parent)
     : QWidget(parent)
 {
-    // The cell beneath is painted, too, with its text.
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
-
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     m_slider.setTracking(true);

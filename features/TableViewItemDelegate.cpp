@@ -205,7 +205,13 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
 
     if (item.isNull() || !item->isWritable() || m_writeInProgress || index.column() != FeatureView::ValueColumn)
         return nullptr;
-    return row != nullptr ? row->make(parent) : nullptr;
+    if (row == nullptr)
+        return nullptr;
+    QWidget* const editor = row->make(parent);
+    // The table paints the cell beneath with its text, and not every style draws a frameless widget opaque.
+    editor->setAutoFillBackground(true);
+    editor->setBackgroundRole(QPalette::Base);
+    return editor;
 }
 
 void TableViewItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const

@@ -40,7 +40,6 @@ private slots:
 
     void focusGoesToTheLineEdit();
     void focusStaysWhereTheValueIsFixed();
-    void coversWhatIsBeneath();
     void leavingIsTold_data();
     void leavingIsTold();
     void movingInsideIsNotLeaving();
@@ -311,16 +310,6 @@ void LineEditWithSliderTest::focusStaysWhereTheValueIsFixed()
     showEditor();
     QVERIFY(m_editor->hasFocus());
     QVERIFY(!lineEdit().hasSelectedText());
-}
-
-void LineEditWithSliderTest::coversWhatIsBeneath()
-{
-    showEditor();
-    QImage image(m_editor->size(), QImage::Format_RGB32);
-    image.fill(Qt::magenta);
-    m_editor->render(&image);
-    for (const QPoint corner : {image.rect().topRight(), image.rect().bottomRight()})
-        QCOMPARE(image.pixelColor(corner), m_editor->palette().color(QPalette::Base));
 }
 
 /// Counts the focus-out events of the editor that are not those of its parts.

@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QPainter>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QStandardItemModel>
@@ -30,6 +31,8 @@ private slots:
     void editorsByKind_data();
     void editorsByKind();
     void setUpOfEachEditor();
+    void editorCoversTheTextOfItsCell_data();
+    void editorCoversTheTextOfItsCell();
     void columnsZeroAndOneNeverGetAnEditor();
     void readOnlyCellOpensNoEditorButIsSelectedAndDescribed();
     void accessModes_data();
@@ -154,6 +157,44 @@ void TableViewItemDelegateTest::setUpOfEachEditor()
     QVERIFY(!spinBox->hasFrame());
     QCOMPARE(spinBox->minimum(), 0);
     QCOMPARE(spinBox->maximum(), 100);
+}
+
+/// As styles with flat widgets are, only more so: it leaves every panel out.
+class FlatStyle : public QProxyStyle {
+public:
+    void drawPrimitive(PrimitiveElement, const QStyleOption*, QPainter*, const QWidget*) const override {}
+    void drawControl(ControlElement, const QStyleOption*, QPainter*, const QWidget*) const override {}
+    void drawComplexControl(ComplexControl, const QStyleOptionComplex*, QPainter*, const QWidget*) const override {}
+};
+
+void TableViewItemDelegateTest::editorCoversTheTextOfItsCell_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("line edit") << int{EditorLineEdit};
+    QTest::newRow("combo box") << int{EditorComboBox};
+    QTest::newRow("slider") << int{EditorSlider};
+    QTest::newRow("button") << int{EditorButton};
+    QTest::newRow("spin box") << int{EditorSpinBox};
+}
+
+void TableViewItemDelegateTest::editorCoversTheTextOfItsCell()
+{
+    QFETCH(const int, kind);
+    EditorBench bench({features::integer("Number", 37, 0, 100)});
+    setKind(bench, "Number", kind);
+    const std::unique_ptr<QWidget> editor = make(bench, "Number");
+    FlatStyle flat;
+    editor->setStyle(&flat);
+    editor->resize(120, 22);
+
+    const QColor cell(Qt::magenta);
+    QImage image(editor->size(), QImage::Format_RGB32);
+    image.fill(cell);
+    editor->render(&image, {}, {}, QWidget::DrawChildren); // the background only where the editor itself fills it
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            QVERIFY2(image.pixelColor(x, y) != cell, qPrintable(QString("%1, %2").arg(x).arg(y)));
+    }
 }
 
 void TableViewItemDelegateTest::columnsZeroAndOneNeverGetAnEditor()
