@@ -1,12 +1,14 @@
 # Sourced by ./run and ./test, from the project's root: installs what is missing and builds a preset.
 # shellcheck shell=bash
 
-# The packages of packaging/apt-packages.txt that this machine lacks.
+# The lines of packaging/apt-packages.txt of which this machine has no package.
 missing_packages() {
-    local wanted name
-    wanted=$(sed 's/#.*//' packaging/apt-packages.txt)
-    for name in $wanted; do
-        dpkg-query --show --showformat='${db:Status-Status}\n' "$name" 2>/dev/null | grep -qx installed || echo "$name"
+    local line name
+    sed 's/#.*//' packaging/apt-packages.txt | while IFS= read -r line; do
+        for name in ${line//|/ }; do
+            dpkg-query --show --showformat='${db:Status-Status}\n' "$name" 2>/dev/null | grep -qx installed && continue 2
+        done
+        [ -z "$line" ] || echo "$line"
     done
 }
 
@@ -16,7 +18,7 @@ install_missing_packages() {
         echo "This is not a Debian system: install the equivalents of packaging/apt-packages.txt yourself." >&2
         return 0
     fi
-    missing=$(missing_packages | xargs)
+    missing=$(missing_packages | paste -sd,)
     [ -z "$missing" ] && return 0
     if [ "$(id -u)" -ne 0 ]; then
         as_root=(sudo)
@@ -26,10 +28,10 @@ install_missing_packages() {
         fi
     fi
     echo "Installing: $missing"
-    # The list is split on purpose: one argument a package.
-    # shellcheck disable=SC2086
+    # Unlike "install" this chooses between packages: of two names the first that this Debian has.
     if ! { "${as_root[@]}" apt-get update -qq &&
-        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing; }
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get satisfy -y -qq --no-install-recommends "$missing"; }
     then
         echo "These packages are missing and could not be installed: $missing" >&2
         return 1

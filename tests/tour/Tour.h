@@ -34,6 +34,9 @@ private:
     void pictureOfModal(const char* action, const QString& name);
     void openCamera(const QString& model, bool pictured = false);
 
+    /// Opens an editor of each kind.
+    void editors(const QString& suffix); // TourFeatures.cpp
+
     // TourLive.cpp
     void zoomAndPointer();
     void menus();
