@@ -241,8 +241,8 @@ ORVO_CAM_EXPORT CAM_API_STATUS Cam_Open(std::uint32_t cameraIndex, CAM_HANDLE* c
 /// Closes the camera's stream too.
 ORVO_CAM_EXPORT CAM_API_STATUS Cam_Close(CAM_HANDLE camera);
 
-/// The text behind the last CAM_API_STS_GENICAM_ERR or CAM_API_STS_XML_LOAD_ERR of the calling thread. The library
-/// owns it; it holds until the next operation on this thread. Needs no Sys_Initialize.
+/// The text behind the last CAM_API_STS_GENICAM_ERR or CAM_API_STS_XML_LOAD_ERR of the calling thread, of at
+/// most 1,000 bytes. The library owns it; it holds until the next operation on this thread. Needs no Sys_Initialize.
 ORVO_CAM_EXPORT CAM_API_STATUS Misc_GetLastGenICamError(const char** text);
 
 // --- Stream ---------------------------------------------------------------------------------------------------------

@@ -1,5 +1,7 @@
 #include "LastError.h"
 
+#include "cameralibs/base/ErrorText.h"
+
 namespace orvo {
 
 namespace {
@@ -19,7 +21,7 @@ const char* lastGenICamError() noexcept
 
 void setLastGenICamError(const std::string& newText)
 {
-    text() = newText;
+    text() = errorText(newText);
 }
 
 } // namespace orvo

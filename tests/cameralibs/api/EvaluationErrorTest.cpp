@@ -7,6 +7,7 @@
 
 using namespace Orvo;
 using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
 
 namespace {
 
@@ -183,4 +184,22 @@ TEST(EvaluationError, TextBelongsToTheThread)
     EXPECT_EQ(lastGenICamError(), mine);
     EXPECT_EQ(camera.integer("One"), 1);
     EXPECT_EQ(lastGenICamError(), mine) << "success leaves it";
+}
+
+TEST(EvaluationError, TextsHaveAtMost1000BytesOfWholeLetters)
+{
+    // Four texts, each one byte longer than the one before, so that the cut comes at every place within a letter.
+    for (const char* before : {"", "x", "xx", "xxx"}) {
+        std::string formula = before;
+        for (int i = 0; i < 1000; ++i)
+            formula += "\xF0\x9D\x84\x9E"; // a letter of four bytes
+        DescribedCamera camera(describe("<SwissKnife Name=\"Long\"><Formula>" + formula + "</Formula></SwissKnife>"));
+        ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS);
+        (void)camera.number("Long");
+        EXPECT_EQ(camera.lastStatus, CAM_API_STS_GENICAM_ERR);
+        const std::string text = lastGenICamError();
+        EXPECT_LT(text.size(), 1000U);
+        EXPECT_GT(text.size(), 900U);
+        EXPECT_THAT(text, MatchesRegex("\\[Long\\] \"x*(\xF0\x9D\x84\x9E)+\\.\\.\\."));
+    }
 }
