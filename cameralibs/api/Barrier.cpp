@@ -1,8 +1,11 @@
 #include "Barrier.h"
 
+#include "camera/StatusName.h"
 #include "cameralibs/api/LastError.h"
+#include "cameralibs/base/Log.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <stdexcept>
 
@@ -10,11 +13,56 @@ namespace orvo {
 
 using namespace Orvo;
 
-CAM_API_STATUS statusOfException() noexcept
+namespace {
+
+thread_local Call* current = nullptr;
+
+/// What is asked over and over until it is no longer so.
+bool isNoFailure(CAM_API_STATUS status)
+{
+    return status == CAM_API_STS_TIMEOUT || status == CAM_API_STS_NOT_READY;
+}
+
+} // namespace
+
+Call::Call(const char* function) noexcept
+    : m_function(function)
+    , m_outer(current)
+{
+    current = this;
+}
+
+Call::~Call()
+{
+    current = m_outer;
+}
+
+void Call::setCamera(const std::string& name)
+{
+    if (logs(Severity::warning))
+        current->m_camera = name;
+}
+
+// Where there is no reason, the status says it all to whoever called.
+void Call::logFailure(CAM_API_STATUS status, const std::string& text) const noexcept
+{
+    if (isNoFailure(status))
+        return;
+    // One feature that fails is no reason to worry about the camera.
+    const bool ofNode = std::strncmp(m_function, "Nd_", 3) == 0;
+    const Severity withReason = ofNode ? Severity::info : Severity::warning;
+    logText(text.empty() ? Severity::debug : withReason, m_camera, [&] {
+        return std::string(m_function) + ": " + std::to_string(status) + " " + cameraStatusName(status) +
+               (text.empty() ? "" : ": ") + text;
+    });
+}
+
+CAM_API_STATUS Call::statusOfException() const noexcept
 {
     try {
         throw;
     } catch (const Failure& failure) {
+        logFailure(failure.status(), failure.text());
         if (failure.status() == CAM_API_STS_GENICAM_ERR || failure.status() == CAM_API_STS_XML_LOAD_ERR) {
             try {
                 setLastGenICamError(failure.text());
@@ -43,6 +91,7 @@ std::shared_ptr<Camera> requireCamera(const System& system, CAM_HANDLE handle)
 {
     std::shared_ptr<Camera> camera = system.cameras().find(handle);
     throwUnless(camera != nullptr, CAM_API_STS_INVALID_CAMERA_HANDLE);
+    Call::setCamera(camera->name());
     return camera;
 }
 
@@ -50,6 +99,7 @@ std::shared_ptr<Stream> requireStream(const System& system, CAM_STRM_HANDLE hand
 {
     std::shared_ptr<Stream> stream = system.streams().find(handle);
     throwUnless(stream != nullptr, CAM_API_STS_INVALID_STREAM_HANDLE);
+    Call::setCamera(stream->camera().name());
     return stream;
 }
 

@@ -41,7 +41,10 @@ CAM_API_STATUS Cam_GetInformation(CAM_HANDLE camera, std::uint32_t cameraIndex, 
 CAM_API_STATUS Cam_Open(std::uint32_t cameraIndex, CAM_HANDLE* camera, CAM_SIGNAL_HANDLE removalSignal, std::uint32_t,
                         void*, std::uint32_t)
 {
-    return onSystem([&](System& system) { system.openCamera(cameraIndex, removalSignal, camera); });
+    return onSystem([&](System& system) {
+        Call::setCamera(system.listedCamera(cameraIndex).logName());
+        system.openCamera(cameraIndex, removalSignal, camera);
+    });
 }
 
 CAM_API_STATUS Cam_Close(CAM_HANDLE camera)

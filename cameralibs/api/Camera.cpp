@@ -2,6 +2,7 @@
 
 #include "cameralibs/api/HandleTable.h"
 #include "cameralibs/api/Stream.h"
+#include "cameralibs/base/Log.h"
 
 #include <utility>
 
@@ -14,6 +15,7 @@ Camera::Camera(std::uint32_t index, DeviceInfo info, std::shared_ptr<Removal> re
     : m_handle(newHandles())
     , m_index(index)
     , m_info(std::move(info))
+    , m_name(m_info.logName())
     , m_removal(std::move(removal))
     , m_description(std::move(description))
     , m_firstNode(newHandles(m_description->size()))
@@ -87,6 +89,8 @@ void Camera::requireDevice() const
 void Camera::noteFailure(const Failure& failure)
 {
     if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING) {
+        if (!removed())
+            logText(Severity::warning, m_name, [&] { return "lost: " + failure.text(); });
         m_removal->note();
     } else if (removed()) {
         throw Failure(CAM_API_STS_CAMERA_NOT_RESPONDING);

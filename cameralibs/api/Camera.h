@@ -23,6 +23,7 @@ public:
     [[nodiscard]] Orvo::CAM_HANDLE handle() const noexcept { return m_handle; }
     [[nodiscard]] std::uint32_t indexWhenOpened() const noexcept { return m_index; }
     [[nodiscard]] const DeviceInfo& info() const noexcept { return m_info; }
+    [[nodiscard]] const std::string& name() const noexcept { return m_name; } ///< in the diagnostic log
     [[nodiscard]] const Description& description() const noexcept { return *m_description; }
 
     [[nodiscard]] bool removed() const noexcept { return m_removal->noted(); }
@@ -78,6 +79,7 @@ private:
     const Orvo::CAM_HANDLE m_handle;
     const std::uint32_t m_index;
     const DeviceInfo m_info;
+    const std::string m_name;
     const std::shared_ptr<Removal> m_removal;
     const std::shared_ptr<const Description> m_description;
     const Orvo::CAM_NODE_HANDLE m_firstNode;

@@ -14,11 +14,12 @@ void requireType(const DescribedNode& node, NodeType type)
 }
 
 CAM_API_STATUS giveNodeText(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::string DescribedNode::*text, char* buffer,
-                            std::uint32_t* size)
+                            std::uint32_t* size, const char* function = __builtin_FUNCTION())
 {
-    return onDescribedNode(camera, node, {size}, [&](const Camera& opened, NodeId id) {
-        giveText(opened.description().node(id).*text, buffer, size);
-    });
+    return onDescribedNode(
+        camera, node, {size},
+        [&](const Camera& opened, NodeId id) { giveText(opened.description().node(id).*text, buffer, size); },
+        function);
 }
 
 /// A node of the list, by its handle.

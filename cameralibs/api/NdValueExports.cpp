@@ -13,15 +13,18 @@ namespace {
 
 /// `*value = read(nodes, id)`.
 template <class Value, class Result>
-CAM_API_STATUS give(CAM_HANDLE camera, CAM_NODE_HANDLE node, Result (*read)(const NodeMap&, NodeId), Value* value)
+CAM_API_STATUS give(CAM_HANDLE camera, CAM_NODE_HANDLE node, Result (*read)(const NodeMap&, NodeId), Value* value,
+                    const char* function = __builtin_FUNCTION())
 {
-    return onNode(camera, node, {value}, [&](NodeMap& nodes, NodeId id) { *value = read(nodes, id); });
+    return onNode(
+        camera, node, {value}, [&](NodeMap& nodes, NodeId id) { *value = read(nodes, id); }, function);
 }
 
 CAM_API_STATUS giveReadText(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::string (*read)(const NodeMap&, NodeId),
-                            char* buffer, std::uint32_t* size)
+                            char* buffer, std::uint32_t* size, const char* function = __builtin_FUNCTION())
 {
-    return onNode(camera, node, {size}, [&](NodeMap& nodes, NodeId id) { giveText(read(nodes, id), buffer, size); });
+    return onNode(
+        camera, node, {size}, [&](NodeMap& nodes, NodeId id) { giveText(read(nodes, id), buffer, size); }, function);
 }
 
 } // namespace

@@ -152,6 +152,7 @@ void Stream::setBusyCallback(Callback<CAM_BUFFER_BUSY_CALLBACK> callback)
 FrameBuffer* Stream::deliver(FrameBuffer* filled)
 {
     SlotRing::Placed placed = m_ring->place(*filled);
+    m_tally.noteImage(filled->frameNumber, !placed.stored);
     Callback<CAM_IMAGE_ACQUIRED_CALLBACK> image;
     Callback<CAM_BUFFER_BUSY_CALLBACK> busy;
     {
@@ -169,6 +170,7 @@ FrameBuffer* Stream::deliver(FrameBuffer* filled)
 
 void Stream::fail(CAM_API_STATUS status)
 {
+    m_tally.noteFailure(status);
     Callback<CAM_IMAGE_ERROR_CALLBACK> error;
     {
         const std::lock_guard lock(m_callbackMutex);
@@ -197,6 +199,7 @@ void Stream::startDevice()
         m_ring->beginStart(size.pixels);
     });
     lockTransportLayer(true);
+    m_tally.start(m_camera->name());
     m_camera->withDevice([&](Device&, NodeMap&) { throwIfFailed(m_source->start()); });
     execute("AcquisitionStart");
 }
@@ -206,16 +209,22 @@ void Stream::stopDevice()
     if (!m_camera->removed())
         execute("AcquisitionStop");
     // Not under the camera's lock: the callback that is waited for may be waiting for that lock.
-    m_source->stop();
+    stopSource();
     if (!m_camera->removed())
         lockTransportLayer(false);
+}
+
+void Stream::stopSource()
+{
+    m_source->stop();
+    m_tally.end();
 }
 
 // After a failure, whose status is the one to tell: nothing runs here, and the camera's settings are free again.
 void Stream::endOnThisSide() noexcept
 {
     if (m_source != nullptr)
-        m_source->stop();
+        stopSource();
     try {
         lockTransportLayer(false);
     } catch (...) {

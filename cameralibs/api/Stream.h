@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameralibs/api/ImageTally.h"
 #include "cameralibs/api/SlotRing.h"
 #include "cameralibs/devices/Device.h"
 
@@ -54,6 +55,7 @@ private:
     void prepareSource(const SlotRing::ImageSize& size, Device& device);
     void startDevice();
     void stopDevice();
+    void stopSource();
     void endOnThisSide() noexcept;
     void execute(const char* command);
     void lockTransportLayer(bool locked);
@@ -69,6 +71,7 @@ private:
 
     std::unique_ptr<SlotRing> m_ring;
     std::unique_ptr<FrameSource> m_source;
+    ImageTally m_tally;
 
     std::mutex m_callbackMutex;
     Callback<Orvo::CAM_IMAGE_ACQUIRED_CALLBACK> m_imageCallback;

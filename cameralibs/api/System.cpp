@@ -1,5 +1,6 @@
 #include "System.h"
 
+#include "cameralibs/base/Log.h"
 #include "cameralibs/devices/aravis/AravisProvider.h"
 #include "cameralibs/devices/simulated/SimulatedProvider.h"
 #include "cameralibs/genicam/Failure.h"
@@ -35,6 +36,24 @@ std::mutex& providerMutex()
     return mutex;
 }
 
+// Nobody changes the environment while the library starts.
+const char* environment(const char* variable)
+{
+    return std::getenv(variable); // NOLINT(concurrency-mt-unsafe)
+}
+
+const char* nameOf(CAM_LINK link)
+{
+    switch (link) {
+    case CAM_LINK_USB3_VISION:
+        return "USB3 Vision";
+    case CAM_LINK_GIGE_VISION:
+        return "GigE Vision";
+    default:
+        return "simulated";
+    }
+}
+
 bool sameDevice(const DeviceInfo& a, const DeviceInfo& b)
 {
     return a.link == b.link && a.id == b.id;
@@ -50,9 +69,7 @@ System::System(std::uint32_t layers)
         m_providers.push_back(makeAravisProvider(usb, gige));
     if ((layers & CAM_LAYER_SIMULATED) == 0)
         return;
-    // Nobody changes the environment while the library starts.
-    m_providers.push_back(
-        makeSimulatedProvider(std::getenv("ORVO_SIMULATED_CAMERAS"))); // NOLINT(concurrency-mt-unsafe)
+    m_providers.push_back(makeSimulatedProvider(environment("ORVO_SIMULATED_CAMERAS")));
 }
 
 System::~System() = default;
@@ -68,6 +85,7 @@ CAM_API_STATUS System::initialize(std::uint32_t layers)
     const std::lock_guard lock(root().mutex);
     if (root().system != nullptr)
         return CAM_API_STS_ALREADY_INITIALIZED;
+    setLogLevel(environment("ORVO_CAMERA_LOG"));
     root().system = std::make_shared<System>(layers);
     return CAM_API_STS_SUCCESS;
 }
@@ -99,6 +117,12 @@ std::uint32_t System::enumerate()
         for (DeviceInfo& info : provider->enumerate())
             found.push_back({provider.get(), std::move(info)});
     }
+    logText(Severity::info, {}, [&] {
+        std::string text = "cameras found: " + std::to_string(found.size());
+        for (const Listed& entry : found)
+            text += std::string("; ") + entry.info.logName() + " (" + nameOf(entry.info.link) + ")";
+        return text;
+    });
     const std::lock_guard lock(m_listMutex);
     m_list = std::move(found);
     // What a provider knows by now is newer than what was read when the camera was open.
@@ -154,7 +178,10 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
         signal->clear();
     auto removal = std::make_shared<Removal>(std::move(signal));
     device->setLostQuery([removal] { return removal->noted(); });
-    device->onRemoval([removal] { removal->note(); });
+    device->onRemoval([removal, name = entry.info.logName()] {
+        log(Severity::warning, name, "lost: the connection to the camera ended");
+        removal->note();
+    });
 
     std::string xml;
     throwIfFailed(device->description(xml));
@@ -162,6 +189,10 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
     rememberUserName(*camera);
     throwUnless(m_cameras.add(camera->handle(), camera), CAM_API_STS_NOT_INITIALIZED);
+    logText(Severity::info, camera->name(), [&] {
+        return "opened; " + std::to_string(camera->description().size()) + " nodes in a description of " +
+               std::to_string(xml.size()) + " bytes";
+    });
     *handle = camera->handle();
 }
 
@@ -177,6 +208,7 @@ bool System::closeCamera(CAM_HANDLE handle)
         (void)m_cameras.take(handle);
     }
     close(*camera);
+    log(Severity::info, camera->name(), "closed");
     const std::lock_guard lock(m_closingMutex);
     m_closing.erase(std::find(m_closing.begin(), m_closing.end(), camera));
     m_closed.notify_all();

@@ -24,6 +24,9 @@ struct DeviceInfo {
     std::string model;
     std::string serial;
     std::string userName;
+
+    /// What the diagnostic log calls it.
+    [[nodiscard]] std::string logName() const { return model + " " + serial; }
 };
 
 /// A status with the text behind it, empty where there is none.

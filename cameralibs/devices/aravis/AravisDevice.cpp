@@ -50,7 +50,7 @@ void AravisDevice::onRemoval(std::function<void()> handler)
 Outcome AravisDevice::openGigeReception(std::unique_ptr<Reception>& reception)
 {
     auto* const device = ARV_GV_DEVICE(m_connection->device());
-    prepareGigeDevice(device);
+    prepareGigeDevice(device, m_info.logName());
     GError* error = nullptr;
     GObjectPointer<ArvStream> stream(arv_device_create_stream(ARV_DEVICE(device), nullptr, nullptr, &error));
     if (Outcome outcome = takeOpenError(error); !outcome.ok())
@@ -58,7 +58,7 @@ Outcome AravisDevice::openGigeReception(std::unique_ptr<Reception>& reception)
     if (stream == nullptr)
         return {CAM_API_STS_NOT_IMPLEMENTED, {}};
     prepareGigeStream(device, ARV_GV_STREAM(stream.get()));
-    reception = std::make_unique<GigeReception>(m_connection, std::move(stream));
+    reception = std::make_unique<GigeReception>(m_info.logName(), m_connection, std::move(stream));
     return {};
 }
 

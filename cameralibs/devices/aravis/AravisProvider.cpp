@@ -78,7 +78,7 @@ public:
     {
         const auto listed = m_listed.find(id);
         if (listed == m_listed.end())
-            return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
+            return {CAM_API_STS_CAMERA_NOT_RESPONDING, "The camera was not there when cameras were last looked for"};
         // By its address a camera is reached through the network interface that leads to it.
         const auto& [info, address] = listed->second;
         const std::string& name = address.empty() ? id : address;
@@ -91,7 +91,7 @@ public:
         if (ARV_IS_GV_DEVICE(opened.get()) && arv_gv_device_is_controller(ARV_GV_DEVICE(opened.get())) == FALSE) {
             // Giving it back asks the camera to give up a control that it never gave, and waits for the answer.
             m_reaper->take([refused = opened.release()] { g_object_unref(refused); });
-            return {CAM_API_STS_ACCESS_DENIED, {}};
+            return {CAM_API_STS_ACCESS_DENIED, "Another program controls the camera"};
         }
         device = std::make_unique<AravisDevice>(info, std::make_shared<DeviceConnection>(std::move(opened), m_reaper));
         return {};

@@ -1,11 +1,15 @@
 #include "GigeReception.h"
 
+#include "cameralibs/base/Log.h"
+
 #include <utility>
 
 namespace orvo {
 
-GigeReception::GigeReception(std::shared_ptr<DeviceConnection> connection, GObjectPointer<ArvStream> stream)
-    : m_connection(std::move(connection))
+GigeReception::GigeReception(std::string camera, std::shared_ptr<DeviceConnection> connection,
+                             GObjectPointer<ArvStream> stream)
+    : m_camera(std::move(camera))
+    , m_connection(std::move(connection))
 {
     m_stream = std::move(stream);
 }
@@ -22,7 +26,7 @@ GigeReception::~GigeReception()
 // A camera that counts from 1 again is not taken for a late one by a thread that starts anew.
 Outcome GigeReception::begin()
 {
-    end();
+    (void)stopThread();
     arv_stream_start_thread(m_stream.get());
     m_receiving = true;
     return {};
@@ -30,8 +34,30 @@ Outcome GigeReception::begin()
 
 void GigeReception::end()
 {
-    if (std::exchange(m_receiving, false))
-        (void)arv_stream_stop_thread(m_stream.get(), TRUE);
+    if (stopThread())
+        logLosses();
+}
+
+bool GigeReception::stopThread()
+{
+    if (!std::exchange(m_receiving, false))
+        return false;
+    (void)arv_stream_stop_thread(m_stream.get(), TRUE);
+    return true;
+}
+
+// Aravis counts from the making of the stream on; in an image, from the first packet that is missing to the end.
+void GigeReception::logLosses() noexcept
+{
+    guint64 resent = 0;
+    guint64 missing = 0;
+    arv_gv_stream_get_statistics(ARV_GV_STREAM(m_stream.get()), &resent, &missing);
+    const std::uint64_t newlyResent = resent - std::exchange(m_resent, resent);
+    const std::uint64_t newlyMissing = missing - std::exchange(m_missing, missing);
+    logText(newlyMissing != 0 ? Severity::warning : Severity::info, m_camera, [&] {
+        return "packets: " + std::to_string(newlyMissing) + " at most are missing in incomplete images, " +
+               std::to_string(newlyResent) + " were sent again";
+    });
 }
 
 } // namespace orvo

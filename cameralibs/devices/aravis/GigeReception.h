@@ -3,7 +3,9 @@
 #include "cameralibs/devices/aravis/DeviceConnection.h"
 #include "cameralibs/devices/aravis/Reception.h"
 
+#include <cstdint>
 #include <memory>
+#include <string>
 
 namespace orvo {
 
@@ -11,7 +13,7 @@ namespace orvo {
 /// thread starts anew.
 class GigeReception : public Reception {
 public:
-    GigeReception(std::shared_ptr<DeviceConnection> connection, GObjectPointer<ArvStream> stream);
+    GigeReception(std::string camera, std::shared_ptr<DeviceConnection> connection, GObjectPointer<ArvStream> stream);
     ~GigeReception() override;
     GigeReception(const GigeReception&) = delete;
     GigeReception& operator=(const GigeReception&) = delete;
@@ -20,8 +22,14 @@ public:
     void end() override;
 
 private:
+    [[nodiscard]] bool stopThread(); ///< false where it did not run
+    void logLosses() noexcept;
+
+    const std::string m_camera; ///< in the diagnostic log
     const std::shared_ptr<DeviceConnection> m_connection;
-    bool m_receiving = true; ///< as Aravis makes every stream
+    std::uint64_t m_resent = 0;  ///< packets, until the last begin
+    std::uint64_t m_missing = 0; ///< those that never came
+    bool m_receiving = true;     ///< as Aravis makes every stream
 };
 
 } // namespace orvo

@@ -1,5 +1,7 @@
 #include "GigeStream.h"
 
+#include "cameralibs/base/Log.h"
+
 #include <cstdint>
 
 namespace orvo {
@@ -26,12 +28,20 @@ bool sendsPacketsAgain(ArvGvDevice* device)
 
 } // namespace
 
-void prepareGigeDevice(ArvGvDevice* device)
+void prepareGigeDevice(ArvGvDevice* device, const std::string& name)
 {
     // Packet sockets see nothing of a camera on this machine that is reached through another interface.
     arv_gv_device_set_stream_options(device, ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
     GError* error = nullptr;
     arv_gv_device_auto_packet_size(device, &error);
+    if (error != nullptr)
+        logText(Severity::warning, name, [&] { return std::string("packet size not negotiated: ") + error->message; });
+    g_clear_error(&error);
+    if (!logs(Severity::info))
+        return;
+    const guint size = arv_gv_device_get_packet_size(device, &error);
+    if (error == nullptr)
+        logText(Severity::info, name, [&] { return "packet size: " + std::to_string(size) + " bytes"; });
     g_clear_error(&error);
 }
 

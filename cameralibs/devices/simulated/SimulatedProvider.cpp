@@ -51,7 +51,7 @@ public:
         const auto camera = std::find_if(m_cameras.begin(), m_cameras.end(),
                                          [&](const Camera& candidate) { return candidate.info.id == id; });
         if (camera == m_cameras.end() || !camera->attachment->isPlugged())
-            return {Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING, ""};
+            return {Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING, "The camera is not plugged in"};
         if (camera->file != nullptr) {
             device = std::make_unique<FileCamera>(*camera->file, infoOf(*camera));
         } else {

@@ -2,6 +2,8 @@
 
 #include "tests/cameralibs/api/LockedImage.h"
 
+#include <cstdlib>
+
 using namespace Orvo;
 
 using GigeStreamTest = StreamingGige;
@@ -15,6 +17,30 @@ protected:
     {
     }
 };
+
+/// Turns the diagnostic log on before the library starts, and collects it.
+class InfoLog {
+protected:
+    InfoLog()
+    {
+        ::setenv("ORVO_CAMERA_LOG", "info", 1); // NOLINT(concurrency-mt-unsafe)
+        ::testing::internal::CaptureStderr();
+    }
+    ~InfoLog()
+    {
+        ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+        if (m_log.empty())
+            readLog();
+    }
+    InfoLog(const InfoLog&) = delete;
+    InfoLog& operator=(const InfoLog&) = delete;
+
+    void readLog() { m_log = ::testing::internal::GetCapturedStderr(); }
+
+    std::string m_log;
+};
+
+class GigeStreamLogTest : protected InfoLog, public GigeStreamLossyTest {};
 
 /// The steps from each frame number to the next.
 std::vector<std::uint64_t> steps(const std::vector<StreamRecorder::Image>& images)
@@ -114,4 +140,16 @@ TEST_F(GigeStreamLossyTest, IncompleteImagesAreErrorsAndNeverShown)
     EXPECT_THAT(steps(m_recorder.images()), ::testing::Contains(::testing::Gt(1U))) << "lost images count";
     for (const auto& image : m_recorder.images())
         EXPECT_EQ(image.info.dataSize, 256U * 256U);
+}
+
+TEST_F(GigeStreamLogTest, TellsThePacketSizeAndWhatWasLost)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForErrors(2));
+    ASSERT_TRUE(m_recorder.waitForImages(2));
+    stop();
+    readLog();
+    EXPECT_THAT(m_log, ::testing::HasSubstr("info: Fake GV01: packet size: 1400 bytes"));
+    EXPECT_THAT(m_log, ::testing::ContainsRegex("warning: Fake GV01: packets: [1-9][0-9]* at most are missing"));
+    EXPECT_THAT(m_log, ::testing::ContainsRegex("warning: Fake GV01: stream stopped; .* [1-9][0-9]* failed"));
 }

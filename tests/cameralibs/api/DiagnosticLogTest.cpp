@@ -1,0 +1,206 @@
+// What ORVO_CAMERA_LOG brings on standard error.
+
+#include "CameraFixture.h"
+#include "DescribedCamera.h"
+#include "StreamRecorder.h"
+
+#include <cstdlib>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace Orvo;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+/// Collects standard error from its making on, with the variable set for as long.
+class Log {
+public:
+    explicit Log(const char* level)
+    {
+        if (level != nullptr)
+            ::setenv("ORVO_CAMERA_LOG", level, 1); // NOLINT(concurrency-mt-unsafe)
+        ::testing::internal::CaptureStderr();
+    }
+    ~Log()
+    {
+        ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+        if (!m_ended)
+            (void)::testing::internal::GetCapturedStderr();
+    }
+    Log(const Log&) = delete;
+    Log& operator=(const Log&) = delete;
+
+    [[nodiscard]] Lines end()
+    {
+        m_ended = true;
+        std::istringstream all(::testing::internal::GetCapturedStderr());
+        Lines lines;
+        for (std::string line; std::getline(all, line);)
+            lines.push_back(line);
+        return lines;
+    }
+
+private:
+    bool m_ended = false;
+};
+
+/// Our own lines: Aravis writes its own in its own form.
+Lines ours(const Lines& lines)
+{
+    Lines result;
+    for (const std::string& line : lines) {
+        if (line.find("OrvoCamera") == 0)
+            result.push_back(line);
+    }
+    return result;
+}
+
+const std::string kRefused =
+    describe("<Integer Name=\"Snake\"><pValue>Snake</pValue></Integer>"); // its evaluation needs itself
+
+/// What is written while a description is refused.
+Lines linesOfRefusal(const char* level)
+{
+    Log log(level);
+    {
+        const DescribedCamera camera(kRefused);
+        EXPECT_EQ(camera.status(), CAM_API_STS_GENICAM_ERR);
+    }
+    return log.end();
+}
+
+class DiagnosticLogTest : public ::testing::Test {};
+
+} // namespace
+
+TEST_F(DiagnosticLogTest, IsOffByDefaultAndForUnknownLevels)
+{
+    for (const char* level : {static_cast<const char*>(nullptr), "", "loud", "WARNING", "3"})
+        EXPECT_THAT(linesOfRefusal(level), IsEmpty()) << (level == nullptr ? "unset" : level);
+}
+
+TEST_F(DiagnosticLogTest, TellsTimeCameraAndReasonOfARefusedDescription)
+{
+    const Lines lines = linesOfRefusal("warning");
+    ASSERT_THAT(lines, SizeIs(1));
+    EXPECT_THAT(lines.front(),
+                MatchesRegex("OrvoCamera-Message: [0-9]+:[0-9]+:[0-9]+\\.[0-9]+: warning: Described XML-1: Cam_Open: "
+                             "258 CAM_API_STS_GENICAM_ERR: \\[Snake\\] .*needs itself.*"));
+}
+
+TEST_F(DiagnosticLogTest, LevelsAddToOneAnother)
+{
+    struct Row {
+        const char* level;
+        bool opening;
+        bool failedLookUp;
+    };
+    for (const Row& row : {Row{"warning", false, false}, Row{"info", true, false}, Row{"debug", true, true}}) {
+        Log log(row.level);
+        {
+            const DescribedCamera camera(describe(constant("One", 1)));
+            CAM_NODE_HANDLE node = 0;
+            EXPECT_EQ(Nd_GetNode(camera.handle(), "Two", &node), CAM_API_STS_NOT_FOUND);
+        }
+        const Lines lines = log.end();
+        const auto opening = Contains(HasSubstr("info: Described XML-1: opened"));
+        const auto failedLookUp = Contains(HasSubstr("debug: Described XML-1: Nd_GetNode: 3 CAM_API_STS_NOT_FOUND"));
+        EXPECT_EQ(::testing::Matches(opening)(lines), row.opening) << row.level;
+        EXPECT_EQ(::testing::Matches(failedLookUp)(lines), row.failedLookUp) << row.level;
+    }
+}
+
+TEST_F(DiagnosticLogTest, IsReadWhenTheLibraryStarts)
+{
+    ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+    Log log("debug");
+    EXPECT_EQ(Cam_Close(1), CAM_API_STS_INVALID_CAMERA_HANDLE);
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    EXPECT_THAT(log.end(), IsEmpty());
+}
+
+TEST_F(DiagnosticLogTest, WritesOneLineWhateverTheTextsAre)
+{
+    std::string xml = kRefused;
+    xml.replace(xml.find("Described"), 9, "Two&#10;lines&#13;&#9;&#155;31m");
+    Log log("warning");
+    {
+        const DescribedCamera camera(xml);
+        EXPECT_EQ(camera.status(), CAM_API_STS_GENICAM_ERR);
+    }
+    const Lines lines = log.end();
+    ASSERT_THAT(lines, SizeIs(1));
+    EXPECT_THAT(lines.front(), HasSubstr("Two lines  "));
+    EXPECT_THAT(lines.front(), Not(HasSubstr("\xC2\x9B")));
+}
+
+TEST_F(DiagnosticLogTest, IncludesAravis)
+{
+    Log log("warning");
+    {
+        DescribedCamera camera(describe("<SwissKnife Name=\"Half\"><Formula>1 +</Formula></SwissKnife>"));
+        EXPECT_EQ(camera.status(), CAM_API_STS_SUCCESS);
+    }
+    EXPECT_THAT(log.end(), Contains(HasSubstr("evaluator> ")));
+}
+
+TEST_F(DiagnosticLogTest, TellsOfFailedImagesOnceAndCountsThem)
+{
+    Log log("warning");
+    {
+        ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
+        StreamRecorder recorder;
+        std::uint32_t count = 0;
+        CAM_HANDLE camera = 0;
+        CAM_STRM_HANDLE stream = 0;
+        ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+        ASSERT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        ASSERT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+        setInt(camera, "SimulationIncompleteEvery", 2);
+        ASSERT_EQ(Strm_OpenSimple(camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+        recorder.attachTo(stream);
+        ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+        ASSERT_TRUE(recorder.waitForErrors(3));
+        ASSERT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+        const std::string failed = std::to_string(recorder.errors().size()) + " failed";
+        const std::string came = std::to_string(recorder.images().size()) + " images came";
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+        const Lines lines = ours(log.end());
+        ASSERT_THAT(lines, SizeIs(2));
+        EXPECT_THAT(lines[0], HasSubstr("SIM-M1280 SIM-1: image failed: 4106 CAM_API_STS_MISSING_PACKETS"));
+        EXPECT_THAT(lines[1], HasSubstr(failed));
+        EXPECT_THAT(lines[1], HasSubstr(came));
+    }
+}
+
+TEST_F(DiagnosticLogTest, TellsOfALostCamera)
+{
+    Log log("warning");
+    {
+        ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
+        std::uint32_t count = 0;
+        CAM_HANDLE camera = 0;
+        ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+        ASSERT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        ASSERT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+        execute(camera, "SimulationUnplug");
+        EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_CAMERA_NOT_RESPONDING);
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    }
+    const Lines lines = ours(log.end());
+    ASSERT_THAT(lines, SizeIs(2));
+    EXPECT_THAT(lines[0], HasSubstr("warning: SIM-M1280 SIM-1: lost: "));
+    EXPECT_THAT(lines[1], HasSubstr("Cam_Open: 19 CAM_API_STS_CAMERA_NOT_RESPONDING: The camera is not plugged in"));
+}
