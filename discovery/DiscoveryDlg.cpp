@@ -3,6 +3,8 @@
 #include "camera/TextField.h"
 #include "ui_DiscoveryDlg.h"
 
+#include <QKeyEvent>
+
 #include <array>
 
 namespace {
@@ -33,12 +35,15 @@ DiscoveryDlg::DiscoveryDlg(QWidget* parent)
     connect(ui->PushButtonUpateCameraList, &QPushButton::clicked, this, &DiscoveryDlg::discovery_camera);
     connect(ui->openButton, &QPushButton::clicked, this, &DiscoveryDlg::open_camera);
     connect(ui->cancelButton, &QPushButton::clicked, this, &DiscoveryDlg::reject);
+    connect(&list, &QTreeWidget::itemDoubleClicked, ui->openButton, &QPushButton::click);
 }
 
 DiscoveryDlg::~DiscoveryDlg() = default;
 
 void DiscoveryDlg::showEvent(QShowEvent*)
 {
+    // Otherwise the keyboard would go to "Cancel", the first button that is enabled.
+    ui->discoveryWidget->setFocus();
     ui->PushButtonUpateCameraList->setEnabled(false);
     // Shown once more before the timer fired: one enumeration is enough.
     if (timer_id != 0)
@@ -54,7 +59,29 @@ void DiscoveryDlg::timerEvent(QTimerEvent*)
     ui->PushButtonUpateCameraList->setEnabled(true);
 }
 
+void DiscoveryDlg::keyPressEvent(QKeyEvent* event)
+{
+    // Enter means "Open", the default button. The other buttons take the focus by Tab only: Enter on such a one means
+    // that button.
+    auto* const button = qobject_cast<QPushButton*>(focusWidget());
+    if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        button->click();
+    else
+        QDialog::keyPressEvent(event);
+}
+
 void DiscoveryDlg::discovery_camera()
+{
+    // The update button is disabled meanwhile and would hand the keyboard to "Cancel".
+    const bool updating = ui->PushButtonUpateCameraList->hasFocus();
+    if (updating)
+        ui->discoveryWidget->setFocus();
+    listCameras();
+    if (updating)
+        ui->PushButtonUpateCameraList->setFocus();
+}
+
+void DiscoveryDlg::listCameras()
 {
     ui->PushButtonUpateCameraList->setEnabled(false);
     ui->openButton->setEnabled(false);

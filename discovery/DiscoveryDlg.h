@@ -42,8 +42,10 @@ public slots:
 protected:
     void showEvent(QShowEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void listCameras();
     void addCamera(std::int32_t index, const Orvo::CAM_INFO& info);
 
     std::unique_ptr<Ui_DiscoveryDlg> ui;

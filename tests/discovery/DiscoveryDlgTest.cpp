@@ -1,6 +1,7 @@
 // The discovery dialog: its form, when it asks the camera API, what it lists, and what it gives back.
 
 #include "discovery/DiscoveryDlg.h"
+#include "tests/support/Patience.h"
 #include "tests/support/ScriptedCamera.h"
 
 #include <QtTest>
@@ -35,7 +36,39 @@ struct Shown {
         const QRect cell = list->visualItemRect(list->topLevelItem(index));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, modifiers, QPoint(10, cell.center().y()));
     }
+
+    void doubleClick(int index) const
+    {
+        click(index);
+        const QRect cell = list->visualItemRect(list->topLevelItem(index));
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, QPoint(10, cell.center().y()));
+    }
+
+    /// On the keyboard, whichever widget has it.
+    void press(Qt::Key key)
+    {
+        QWidget* const focused = dialog.focusWidget();
+        QTest::keyClick(focused ? focused : &dialog, key);
+    }
+
+    /// Presses Tab until the button has the keyboard.
+    [[nodiscard]] bool tabTo(const QPushButton& button)
+    {
+        constexpr int widgets = 4;
+        for (int i = 0; i < widgets && !button.hasFocus(); ++i)
+            press(Qt::Key_Tab);
+        return button.hasFocus();
+    }
 };
+
+/// Shows the dialog and waits until it is the active window with its list filled.
+bool waitUntilReady(Shown& shown)
+{
+    shown.dialog.show();
+    QApplication::setActiveWindow(&shown.dialog);
+    return QTest::qWaitForWindowActive(&shown.dialog, kPatienceMs) &&
+           QTest::qWaitFor([&] { return shown.update->isEnabled(); }, kPatienceMs);
+}
 
 std::vector<scripted::CameraSpec> threeCameras()
 {
@@ -76,6 +109,14 @@ private slots:
     void indexComesFromTheHiddenColumn();
     void clearedSelectionKeepsTheIndexAndDoesNotOpen();
     void noSelectionLeavesTheArgument();
+    void enterOpensWhatIsHighlighted_data();
+    void enterOpensWhatIsHighlighted();
+    void enterDoesNothingBeforeTheListIsThere();
+    void enterPressesAButtonThatWasReachedByTab_data();
+    void enterPressesAButtonThatWasReachedByTab();
+    void updateLeavesTheKeyboardWhereItIs();
+    void doubleClickOpens();
+    void doubleClickDoesNothingWhileOpenIsDisabled();
     void rejected_data();
     void rejected();
 
@@ -349,6 +390,104 @@ void DiscoveryDlgTest::noSelectionLeavesTheArgument()
     std::uint32_t index = 99;
     QVERIFY(!shown.dialog.get_current_device(&index));
     QCOMPARE(index, 99U);
+}
+
+void DiscoveryDlgTest::enterOpensWhatIsHighlighted_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<bool>("updated");
+    QTest::newRow("Return") << Qt::Key_Return << false;
+    QTest::newRow("Enter") << Qt::Key_Enter << false;
+    QTest::newRow("after a click on the update button") << Qt::Key_Return << true;
+}
+
+void DiscoveryDlgTest::enterOpensWhatIsHighlighted()
+{
+    QFETCH(const Qt::Key, key);
+    QFETCH(const bool, updated);
+    Shown shown;
+    QVERIFY(waitUntilReady(shown));
+    if (updated)
+        QTest::mouseClick(shown.update, Qt::LeftButton);
+    shown.press(Qt::Key_Down);
+    QVERIFY(shown.list->topLevelItem(1)->isSelected());
+    scripted::clearCalls();
+    shown.press(key);
+    QCOMPARE(shown.dialog.result(), int(QDialog::Accepted));
+    QVERIFY(!shown.dialog.isVisible());
+    QCOMPARE(shown.dialog.current_device, 1U);
+    QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 0);
+}
+
+void DiscoveryDlgTest::enterDoesNothingBeforeTheListIsThere()
+{
+    Shown shown;
+    shown.dialog.show();
+    shown.press(Qt::Key_Return);
+    QVERIFY(shown.dialog.isVisible());
+    QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 0);
+}
+
+void DiscoveryDlgTest::enterPressesAButtonThatWasReachedByTab_data()
+{
+    QTest::addColumn<bool>("keypad");
+    QTest::newRow("Return") << false;
+    QTest::newRow("Enter") << true;
+}
+
+void DiscoveryDlgTest::enterPressesAButtonThatWasReachedByTab()
+{
+    QFETCH(const bool, keypad);
+    const Qt::Key key = keypad ? Qt::Key_Enter : Qt::Key_Return;
+    Shown shown;
+    QVERIFY(waitUntilReady(shown));
+    QVERIFY(shown.tabTo(*shown.update));
+    shown.press(key);
+    QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 2);
+    QVERIFY(shown.dialog.isVisible());
+
+    QVERIFY(shown.tabTo(*shown.cancel));
+    shown.press(key);
+    QVERIFY(!shown.dialog.isVisible());
+    QCOMPARE(shown.dialog.result(), int(QDialog::Rejected));
+}
+
+void DiscoveryDlgTest::updateLeavesTheKeyboardWhereItIs()
+{
+    Shown shown;
+    QVERIFY(waitUntilReady(shown));
+    QVERIFY(shown.list->hasFocus());
+    QTest::mouseClick(shown.update, Qt::LeftButton);
+    QVERIFY(shown.list->hasFocus());
+
+    // A camera needs some seconds to start: the button is pressed again and again.
+    QVERIFY(shown.tabTo(*shown.update));
+    shown.press(Qt::Key_Space);
+    QVERIFY(shown.update->hasFocus());
+    scripted::failCall("Sys_GetNumOfCameras", Orvo::CAM_API_STS_BUSY);
+    shown.press(Qt::Key_Space);
+    QVERIFY(!shown.update->isEnabled());
+    QVERIFY(shown.list->hasFocus()); // not "Cancel", which stands behind it
+}
+
+void DiscoveryDlgTest::doubleClickOpens()
+{
+    Shown shown;
+    QVERIFY(waitUntilReady(shown));
+    shown.doubleClick(2);
+    QCOMPARE(shown.dialog.result(), int(QDialog::Accepted));
+    QVERIFY(!shown.dialog.isVisible());
+    QCOMPARE(shown.dialog.current_device, 2U);
+}
+
+void DiscoveryDlgTest::doubleClickDoesNothingWhileOpenIsDisabled()
+{
+    scripted::failCall("Cam_GetInformation", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING, 3);
+    Shown shown;
+    QVERIFY(waitUntilReady(shown));
+    QVERIFY(!shown.open->isEnabled());
+    shown.doubleClick(1);
+    QVERIFY(shown.dialog.isVisible());
 }
 
 void DiscoveryDlgTest::rejected_data()
