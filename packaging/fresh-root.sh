@@ -26,7 +26,8 @@ make_root() {
     }
 }
 
-# in_root FOLDER COMMAND ...: name spaces of its own see to it that no process and no mount outlives the command.
+# in_root FOLDER COMMAND ...: name spaces of its own see to it that no process and no mount outlives the command. With
+# a DISPLAY the command reaches this machine's screens.
 in_root() {
     local root=$1
     shift
@@ -34,9 +35,13 @@ in_root() {
     # shellcheck disable=SC2016
     unshare --mount --pid --ipc --fork --kill-child env --ignore-environment \
         root="$root" HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive PATH=/usr/sbin:/usr/bin:/sbin:/bin \
-        ${CI:+CI="$CI"} sh -c '
+        ${CI:+CI="$CI"} ${DISPLAY:+DISPLAY="$DISPLAY"} sh -c '
             # A root that is a mount point of its own: else the system could make no mount name space itself.
             mount --bind "$root" "$root" && mount -t proc proc "$root/proc" &&
-                mount -t tmpfs tmpfs "$root/dev/shm" && exec chroot "$root" "$@"
+                mount -t tmpfs tmpfs "$root/dev/shm" || exit
+            if [ -n "${DISPLAY-}" ]; then
+                mkdir -p "$root/tmp/.X11-unix" && mount --bind /tmp/.X11-unix "$root/tmp/.X11-unix" || exit
+            fi
+            exec chroot "$root" "$@"
         ' sh "$@"
 }
