@@ -205,9 +205,11 @@ void MainWindow::close_camera()
 
 void MainWindow::removed_camera()
 {
-    // The display thread reports a removal through the event queue, so the user may have closed the camera meanwhile:
-    // there is nothing left to close then, and the line is true all the same.
     write_log("A camera has been Removed.");
+    // The display thread reports a removal through the event queue, so the user may have closed that camera meanwhile.
+    // The next one may just be chosen then, and has to stay as it is.
+    if (!cameraOpened)
+        return;
 
     // What fails while a vanished camera is closed is of no interest to the user.
     const bool logWasEnabled = logEnabled;

@@ -1,5 +1,6 @@
 // Callbacks, images, the pause and a removal while a stream runs.
 
+#include "discovery/DiscoveryDlg.h"
 #include "display/DispThread.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
@@ -34,6 +35,7 @@ private slots:
 
     void removalWhileAcquiring();
     void removalWhileOpenedIsNotNoticed();
+    void removalOfAClosedCameraLeavesTheNextOneOpen();
 };
 
 // --- Callbacks ------------------------------------------------------------------------------------------------------
@@ -244,6 +246,31 @@ void LiveImageTest::removalWhileOpenedIsNotNoticed()
     driver.close();
     QVERIFY(driver.enabled("actionOpen"));
     QCOMPARE(driver.log(), QStringList());
+}
+
+void LiveImageTest::removalOfAClosedCameraLeavesTheNextOneOpen()
+{
+    WindowDriver driver;
+    driver.open();
+    driver.start();
+    // The display thread reports the removal; the window has not heard of it yet when the user closes the camera.
+    scripted::unplug();
+    QVERIFY(driver.window().findChild<DispThread*>()->wait(kPatienceMs));
+    driver.close();
+    scripted::plugIn();
+
+    bool offeredMeanwhile = true;
+    driver.open([&](DiscoveryDlg& dialog) {
+        offeredMeanwhile = driver.enabled("actionOpen");
+        dialog.open_camera();
+    });
+    QVERIFY(!offeredMeanwhile);
+    QVERIFY(driver.enabled("actionStart"));
+    QVERIFY(!driver.enabled("actionOpen"));
+    QVERIFY(!driver.enabled("action_Menu_Open"));
+    QVERIFY(driver.imageView());
+    // That one camera was removed is true all the same.
+    QVERIFY(driver.log().contains("A camera has been Removed."));
 }
 
 } // namespace
