@@ -204,11 +204,13 @@ void MainWindow::execute_software_trigger()
 
 void MainWindow::check_software_trigger_mode()
 {
-    // What cannot be read counts as "no software trigger".
-    bool triggerOn = false;
+    // What cannot be read counts as "no software trigger". The flag is a byte, on where that is not 0: a library may
+    // write one that no C++ bool may hold.
+    std::uint8_t flag = 0;
+    auto* const triggerMode = reinterpret_cast<bool*>(&flag);
     std::uint32_t source = 0;
     const bool enabled = cameraOpened && state == MAIN_STATE_ACQUIRING &&
-                         Orvo::GetCamTriggerMode(camera, &triggerOn) == Orvo::CAM_API_STS_SUCCESS && triggerOn &&
+                         Orvo::GetCamTriggerMode(camera, triggerMode) == Orvo::CAM_API_STS_SUCCESS && flag != 0 &&
                          Orvo::GetCamTriggerSource(camera, &source) == Orvo::CAM_API_STS_SUCCESS &&
                          source == Orvo::CAM_TRIGGER_SOURCE_SOFTWARE;
     ui->actionSoftwareTrigger->setEnabled(enabled);

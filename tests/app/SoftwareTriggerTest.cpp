@@ -27,20 +27,21 @@ private slots:
 
 void SoftwareTriggerTest::isOfferedInTriggerMode_data()
 {
-    QTest::addColumn<bool>("mode");
+    QTest::addColumn<quint8>("mode");
     QTest::addColumn<quint32>("source");
     QTest::addColumn<QString>("failing");
     QTest::addColumn<bool>("offered");
-    QTest::newRow("software") << true << 64u << "" << true;
-    QTest::newRow("another source") << true << 1u << "" << false;
-    QTest::newRow("mode off") << false << 64u << "" << false;
-    QTest::newRow("mode unreadable") << true << 64u << "GetCamTriggerMode" << false;
-    QTest::newRow("source unreadable") << true << 64u << "GetCamTriggerSource" << false;
+    QTest::newRow("software") << quint8{1} << 64u << "" << true;
+    QTest::newRow("another byte than 1") << quint8{2} << 64u << "" << true;
+    QTest::newRow("another source") << quint8{1} << 1u << "" << false;
+    QTest::newRow("mode off") << quint8{0} << 64u << "" << false;
+    QTest::newRow("mode unreadable") << quint8{1} << 64u << "GetCamTriggerMode" << false;
+    QTest::newRow("source unreadable") << quint8{1} << 64u << "GetCamTriggerSource" << false;
 }
 
 void SoftwareTriggerTest::isOfferedInTriggerMode()
 {
-    QFETCH(bool, mode);
+    QFETCH(quint8, mode);
     QFETCH(quint32, source);
     QFETCH(QString, failing);
     QFETCH(bool, offered);
@@ -60,7 +61,7 @@ void SoftwareTriggerTest::isOfferedInTriggerMode()
 void SoftwareTriggerTest::endsWithTheStream()
 {
     WindowDriver driver;
-    scripted::setTrigger(true, 64);
+    scripted::setTrigger(1, 64);
     driver.open();
     driver.start();
     driver.stop();
@@ -71,7 +72,7 @@ void SoftwareTriggerTest::endsWithTheStream()
 void SoftwareTriggerTest::isOffWithoutAStream()
 {
     WindowDriver driver;
-    scripted::setTrigger(true, 64);
+    scripted::setTrigger(1, 64);
     const auto check = [&] {
         driver.action("actionSoftwareTrigger")->setEnabled(true);
         driver.action("action_Menu_One_Shot")->setEnabled(true);
@@ -92,11 +93,11 @@ void SoftwareTriggerTest::followsTheFeatureBrowser()
     driver.start();
     auto* const features = driver.window().findChild<FeatureView*>();
     QVERIFY(features);
-    scripted::setTrigger(true, 64);
+    scripted::setTrigger(1, 64);
     emit features->checkSoftwareTriggerMode();
     QVERIFY(driver.enabled("actionSoftwareTrigger"));
     QVERIFY(driver.enabled("action_Menu_One_Shot"));
-    scripted::setTrigger(false, 64);
+    scripted::setTrigger(0, 64);
     emit features->checkSoftwareTriggerMode();
     QVERIFY(!driver.enabled("actionSoftwareTrigger"));
     QVERIFY(!driver.enabled("action_Menu_One_Shot"));
@@ -115,7 +116,7 @@ void SoftwareTriggerTest::executes()
     WindowDriver driver;
     driver.triggerDisabled(action);
     QCOMPARE(scripted::count("ExecuteCamSoftwareTrigger"), 0); // no camera
-    scripted::setTrigger(true, 64);
+    scripted::setTrigger(1, 64);
     driver.open();
     driver.start();
     driver.trigger(action);
@@ -125,7 +126,7 @@ void SoftwareTriggerTest::executes()
 void SoftwareTriggerTest::fails()
 {
     WindowDriver driver;
-    scripted::setTrigger(true, 64);
+    scripted::setTrigger(1, 64);
     driver.open();
     driver.start();
     scripted::failCall("ExecuteCamSoftwareTrigger", Orvo::CAM_API_STS_NOT_WRITABLE);

@@ -82,9 +82,9 @@ constexpr std::uint32_t bayerRG8 = 0x01080009;
 constexpr std::uint32_t mono8 = 0x01080001;
 
 /// What the utility operations tell. The nodes Width, Height, PixelFormat, TriggerMode and TriggerSource follow where
-/// they are, and lead when they are written.
+/// they are, and lead when they are written. `flag` is the byte that tells the trigger mode; any but 0 means on.
 void setImageFormat(std::uint32_t width, std::uint32_t height, std::uint32_t pixelFormat);
-void setTrigger(bool on, std::uint32_t source);
+void setTrigger(std::uint8_t flag, std::uint32_t source);
 
 /// The text of Misc_GetLastGenICamError.
 void setGenICamError(std::string text);

@@ -388,7 +388,7 @@ TEST_F(ScriptedCamera, imageFormatAndNodesStayInStep)
 {
     open();
     scripted::setImageFormat(640, 480, 0x01080001);
-    scripted::setTrigger(true, CAM_TRIGGER_SOURCE_SOFTWARE);
+    scripted::setTrigger(1, CAM_TRIGGER_SOURCE_SOFTWARE);
     EXPECT_EQ(scripted::node("Width").intValue, 640);
     EXPECT_EQ(scripted::node("PixelFormat").intValue, 0x01080001);
     EXPECT_EQ(scripted::node("TriggerSource").intValue, 64);

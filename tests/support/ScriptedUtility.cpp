@@ -30,7 +30,7 @@ constexpr std::array<Follower, 5> followers = {{
     {"Width", [](ImageFormat& format, std::uint32_t value) { format.width = value; }},
     {"Height", [](ImageFormat& format, std::uint32_t value) { format.height = value; }},
     {"PixelFormat", [](ImageFormat& format, std::uint32_t value) { format.pixelFormat = value; }},
-    {"TriggerMode", [](ImageFormat& format, std::uint32_t value) { format.triggerOn = value != 0; }},
+    {"TriggerMode", [](ImageFormat& format, std::uint32_t value) { format.triggerFlag = value != 0 ? 1 : 0; }},
     {"TriggerSource", [](ImageFormat& format, std::uint32_t value) { format.triggerSource = value; }},
 }};
 
@@ -61,12 +61,12 @@ void setImageFormat(std::uint32_t width, std::uint32_t height, std::uint32_t pix
     leadNode("PixelFormat", pixelFormat);
 }
 
-void setTrigger(bool on, std::uint32_t source)
+void setTrigger(std::uint8_t flag, std::uint32_t source)
 {
     const std::lock_guard lock(world().mutex);
-    world().format.triggerOn = on;
+    world().format.triggerFlag = flag;
     world().format.triggerSource = source;
-    leadNode("TriggerMode", on ? 1 : 0);
+    leadNode("TriggerMode", flag != 0 ? 1 : 0);
     leadNode("TriggerSource", source);
 }
 
@@ -135,7 +135,9 @@ CAM_API_STATUS GetCamPixelFormat(CAM_HANDLE camera, std::uint32_t* pixelFormat)
 
 CAM_API_STATUS GetCamTriggerMode(CAM_HANDLE camera, bool* on)
 {
-    return cameraProperty("GetCamTriggerMode", camera, on, [] { return world().format.triggerOn; });
+    // A library may write any byte, not only the two that a bool can hold.
+    auto* const byte = reinterpret_cast<std::uint8_t*>(on);
+    return cameraProperty("GetCamTriggerMode", camera, byte, [] { return world().format.triggerFlag; });
 }
 
 CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE camera, std::uint32_t* source)

@@ -63,7 +63,7 @@ struct ImageFormat {
     std::uint32_t width = 64;
     std::uint32_t height = 48;
     std::uint32_t pixelFormat = bayerRG8;
-    bool triggerOn = false;
+    std::uint8_t triggerFlag = 0;
     std::uint32_t triggerSource = 0;
 
     [[nodiscard]] std::size_t imageBytes() const;
