@@ -1,4 +1,4 @@
-#include "cameralibs/util/Conversion.h"
+#include "cameralibs/util/conversion/Conversion.h"
 
 #include "camera/OrvoCamUtl.h"
 

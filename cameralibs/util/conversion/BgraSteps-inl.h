@@ -1,0 +1,200 @@
+// Bytes of gray and of colours to B, G, R, 255.
+#if defined(ORVO_BGRA_STEPS_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef ORVO_BGRA_STEPS_INL_H
+#undef ORVO_BGRA_STEPS_INL_H
+#else
+#define ORVO_BGRA_STEPS_INL_H
+#endif
+
+#include "cameralibs/util/conversion/VectorSteps-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace orvo::HWY_NAMESPACE {
+
+constexpr std::size_t vectorPixels = vectorBytes / bytesPerBgra;
+
+HWY_INLINE ByteVector opaque()
+{
+    return hn::BitCast(Bytes(), hn::Set(DoubleWords(), 0xFF000000U));
+}
+
+/// A vector of pixels is made of four bytes of each block of the planes. Brings them where the interleaving of blocks
+/// takes them from.
+HWY_INLINE ByteVector inPixelOrder(ByteVector plane)
+{
+    if constexpr (vectorBlocks == 1) {
+        return plane;
+    } else {
+        static constexpr DoubleWordTable order = [] {
+            DoubleWordTable result{};
+            for (std::size_t i = 0; i < result.size(); ++i) {
+                result[i] = static_cast<std::uint32_t>(i % 4 * vectorBlocks + i / 4);
+            }
+            return result;
+        }();
+        return reordered(plane, order);
+    }
+}
+
+HWY_INLINE void writePixels(ByteVector blue, ByteVector green, ByteVector red, std::uint8_t* bgra)
+{
+    const Words words;
+    blue = inPixelOrder(blue);
+    green = inPixelOrder(green);
+    red = inPixelOrder(red);
+    const ByteVector alpha = hn::Set(Bytes(), 255);
+    const WordVector lowerBlueGreen = hn::BitCast(words, hn::InterleaveLower(Bytes(), blue, green));
+    const WordVector upperBlueGreen = hn::BitCast(words, hn::InterleaveUpper(Bytes(), blue, green));
+    const WordVector lowerRedAlpha = hn::BitCast(words, hn::InterleaveLower(Bytes(), red, alpha));
+    const WordVector upperRedAlpha = hn::BitCast(words, hn::InterleaveUpper(Bytes(), red, alpha));
+    store(hn::BitCast(Bytes(), hn::InterleaveLower(words, lowerBlueGreen, lowerRedAlpha)), bgra);
+    store(hn::BitCast(Bytes(), hn::InterleaveUpper(words, lowerBlueGreen, lowerRedAlpha)), bgra + vectorBytes);
+    store(hn::BitCast(Bytes(), hn::InterleaveLower(words, upperBlueGreen, upperRedAlpha)), bgra + 2 * vectorBytes);
+    store(hn::BitCast(Bytes(), hn::InterleaveUpper(words, upperBlueGreen, upperRedAlpha)), bgra + 3 * vectorBytes);
+}
+
+class GrayStep {
+public:
+    static constexpr std::size_t planes = 1;
+    static constexpr std::size_t units = vectorBytes;
+    static constexpr std::size_t inBytes = vectorBytes;
+    static constexpr std::size_t inReach = vectorBytes;
+    static constexpr std::size_t outBytes = 4 * vectorBytes;
+
+    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& gray, std::uint8_t* bgra) const
+    {
+        writePart<0>(gray[0], bgra);
+        writePart<1>(gray[0], bgra);
+        writePart<2>(gray[0], bgra);
+        writePart<3>(gray[0], bgra);
+    }
+
+private:
+    // A block of 16 levels, loaded into every block, holds the pixels of one to four vectors.
+    static constexpr std::size_t vectorsPerBlock = blockBytes / vectorPixels;
+
+    static constexpr std::array<VectorTable, vectorsPerBlock> levels = [] {
+        std::array<VectorTable, vectorsPerBlock> result{};
+        for (std::size_t i = 0; i < vectorsPerBlock * vectorBytes; ++i) {
+            const auto level = static_cast<std::uint8_t>(i / bytesPerBgra);
+            result[i / vectorBytes][i % vectorBytes] = i % bytesPerBgra == 3 ? zeroByte : level;
+        }
+        return result;
+    }();
+
+    template <std::size_t Part> HWY_INLINE static void writePart(const std::uint8_t* gray, std::uint8_t* bgra)
+    {
+        const ByteVector block = hn::LoadDup128(Bytes(), gray + Part / vectorsPerBlock * blockBytes);
+        const ByteVector pixels = lookUp(block, load(levels[Part % vectorsPerBlock].data()));
+        store(hn::Or(pixels, opaque()), bgra + Part * vectorBytes);
+    }
+};
+
+/// Each double word of a result is made of a pixel, of three bytes or four.
+template <std::size_t BytesPerPixel> class PixelsStep {
+public:
+    static constexpr std::size_t planes = 1;
+    static constexpr std::size_t units = 4 * vectorPixels;
+    static constexpr std::size_t inBytes = units * BytesPerPixel;
+    static constexpr std::size_t inReach = inBytes - vectorPixels * BytesPerPixel + vectorBytes;
+    static constexpr std::size_t outBytes = 4 * vectorBytes;
+
+    HWY_INLINE explicit PixelsStep(const PixelLayout& layout)
+    {
+        BlockTable table{};
+        for (std::size_t pixel = 0; pixel < blockBytes / bytesPerBgra; ++pixel) {
+            const std::size_t start = pixel * BytesPerPixel;
+            table[bytesPerBgra * pixel] = static_cast<std::uint8_t>(start + layout.blue);
+            table[bytesPerBgra * pixel + 1] = static_cast<std::uint8_t>(start + layout.green);
+            table[bytesPerBgra * pixel + 2] = static_cast<std::uint8_t>(start + layout.red);
+            table[bytesPerBgra * pixel + 3] = zeroByte;
+        }
+        m_places = repeated(table);
+    }
+
+    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& samples, std::uint8_t* bgra) const
+    {
+        for (std::size_t part = 0; part < 4; ++part) {
+            ByteVector pixels = load(samples[0] + part * vectorPixels * BytesPerPixel);
+            if constexpr (BytesPerPixel == 3 && vectorBlocks > 1) {
+                pixels = reordered(pixels, blocks);
+            }
+            store(hn::Or(lookUp(pixels, m_places), opaque()), bgra + part * vectorBytes);
+        }
+    }
+
+private:
+    // Four pixels of three bytes for each block.
+    static constexpr DoubleWordTable blocks = [] {
+        DoubleWordTable result{};
+        for (std::size_t i = 0; i < result.size(); ++i) {
+            result[i] = static_cast<std::uint32_t>(i / 4 * 3 + std::min<std::size_t>(i % 4, 2));
+        }
+        return result;
+    }();
+
+    ByteVector m_places;
+};
+
+class Words30Step {
+public:
+    static constexpr std::size_t planes = 1;
+    static constexpr std::size_t units = vectorPixels;
+    static constexpr std::size_t inBytes = vectorBytes;
+    static constexpr std::size_t inReach = vectorBytes;
+    static constexpr std::size_t outBytes = vectorBytes;
+
+    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& words, std::uint8_t* bgra) const
+    {
+        const DoubleWords d;
+        const auto word = hn::BitCast(d, load(words[0]));
+        const auto red = hn::And(hn::ShiftLeft<14>(word), hn::Set(d, 0xFF0000));
+        const auto green = hn::And(hn::ShiftRight<4>(word), hn::Set(d, 0x00FF00));
+        const auto blue = hn::And(hn::ShiftRight<22>(word), hn::Set(d, 0x0000FF));
+        const auto colours = hn::BitCast(Bytes(), hn::Or(hn::Or(red, green), blue));
+        store(hn::Or(colours, opaque()), bgra);
+    }
+};
+
+class PlanesStep {
+public:
+    static constexpr std::size_t planes = 3;
+    static constexpr std::size_t units = vectorBytes;
+    static constexpr std::size_t inBytes = vectorBytes;
+    static constexpr std::size_t inReach = vectorBytes;
+    static constexpr std::size_t outBytes = 4 * vectorBytes;
+
+    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 3>& blueGreenRed, std::uint8_t* bgra) const
+    {
+        writePixels(load(blueGreenRed[0]), load(blueGreenRed[1]), load(blueGreenRed[2]), bgra);
+    }
+};
+
+void bgraFromGray(ReadableBytes gray, std::size_t pixels, WritableBytes bgra)
+{
+    overRow(GrayStep(), {gray}, pixels, bgra);
+}
+
+void bgraFromPixels(ReadableBytes samples, const PixelLayout& layout, std::size_t pixels, WritableBytes bgra)
+{
+    if (layout.bytes == 3) {
+        overRow(PixelsStep<3>(layout), {samples}, pixels, bgra);
+    } else {
+        overRow(PixelsStep<4>(layout), {samples}, pixels, bgra);
+    }
+}
+
+void bgraFromWords30(ReadableBytes words, std::size_t pixels, WritableBytes bgra)
+{
+    overRow(Words30Step(), {words}, pixels, bgra);
+}
+
+void bgraFromPlanes(ReadableBytes blue, ReadableBytes green, ReadableBytes red, std::size_t pixels, WritableBytes bgra)
+{
+    overRow(PlanesStep(), {blue, green, red}, pixels, bgra);
+}
+
+} // namespace orvo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif // per target

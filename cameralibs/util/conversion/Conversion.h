@@ -1,0 +1,64 @@
+#pragma once
+
+#include "cameralibs/util/PixelFormat.h"
+#include "cameralibs/util/conversion/RowKernels.h"
+
+#include <cstddef>
+#include <cstdint>
+
+/// The conversions behind ConvImage, one for each family of formats. Each reads the samples as bytes, a piece at a time
+/// in a buffer on the stack where they have more than 8 bits, and writes B, G, R, 255.
+
+namespace orvo {
+
+/// Width and height are at least 1, and the pixels fewer than 2^30.
+struct SourceImage {
+    const PixelFormat& format;
+    const std::uint8_t* data;
+    std::uint32_t width;
+    std::uint32_t height;
+
+    [[nodiscard]] std::uint64_t pixels() const noexcept { return std::uint64_t{width} * height; }
+
+    /// From the first sample of a row to that of the next: pairs and groups are completed per row. Of planar images
+    /// those of the first plane.
+    [[nodiscard]] std::uint64_t samplesPerRow() const noexcept;
+
+    [[nodiscard]] std::uint64_t bytes() const noexcept;
+
+    /// Whether the rows can be taken for one row: nothing lies between them.
+    [[nodiscard]] bool gapless() const noexcept;
+};
+
+void convertMono(const SourceImage& image, std::uint8_t* bgra) noexcept;
+
+/// Malvar, He, Cutler: High-quality linear interpolation for demosaicing of Bayer-patterned color images, 2004.
+void convertBayer(const SourceImage& image, std::uint8_t* bgra) noexcept;
+
+void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept;
+
+void convertYCbCr(const SourceImage& image, std::uint8_t* bgra) noexcept;
+
+/// Pixels of the buffers that samples of more than 8 bits are reduced into: a multiple of every group, and small enough
+/// for the first level cache.
+constexpr std::uint32_t pixelsPerPiece = 2048;
+
+/// Calls `convert(x, y, pixels, bgra)` for every piece of an image, from left to right and from top to bottom. Rows of
+/// bytes are one piece, and rows that follow one another without a gap are one row.
+template <typename Convert> void forEachPiece(const SourceImage& image, std::uint8_t* bgra, Convert convert)
+{
+    const bool gapless = image.gapless();
+    const auto width = gapless ? static_cast<std::uint32_t>(image.pixels()) : image.width;
+    const std::uint32_t height = gapless ? 1 : image.height;
+    const std::uint32_t largest = image.format.bits == 8 ? width : pixelsPerPiece;
+    std::uint8_t* const end = bgra + bytesPerBgra * image.pixels();
+    for (std::uint32_t y = 0; y < height; ++y) {
+        for (std::uint32_t x = 0; x < width; x += largest) {
+            const std::uint32_t rest = width - x;
+            const std::uint64_t first = std::uint64_t{y} * width + x;
+            convert(x, y, rest < largest ? rest : largest, WritableBytes{bgra + bytesPerBgra * first, end});
+        }
+    }
+}
+
+} // namespace orvo

@@ -1,0 +1,60 @@
+#include "cameralibs/util/conversion/Conversion.h"
+#include "cameralibs/util/conversion/SampleReader.h"
+
+#include <array>
+
+namespace orvo {
+
+namespace {
+
+PixelLayout layoutOf(const PixelFormat& format)
+{
+    const auto place = [&format](char colour) { return static_cast<std::uint8_t>(format.order.find(colour)); };
+    return {format.order.size(), place('B'), place('G'), place('R')};
+}
+
+void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
+{
+    const RowKernels& kernels = rowKernels();
+    const SampleReader reader(image);
+    const PixelLayout layout = layoutOf(image.format);
+    PieceBuffer<4> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): room
+    forEachPiece(image, bgra, [&](std::uint32_t x, std::uint32_t, std::uint32_t pixels, WritableBytes target) {
+        const std::uint64_t first = std::uint64_t{x} * layout.bytes;
+        kernels.bgraFromPixels(reader.read(first, pixels * layout.bytes, buffer.bytes()), layout, pixels, target);
+    });
+}
+
+// Red, green, blue in every format of the PFNC.
+void convertPlanar(const SourceImage& image, std::uint8_t* bgra)
+{
+    const RowKernels& kernels = rowKernels();
+    const SampleReader reader(image);
+    std::array<PieceBuffer<1>, 3> buffers; // NOLINT(cppcoreguidelines-pro-type-member-init): room
+    forEachPiece(image, bgra, [&](std::uint32_t x, std::uint32_t, std::uint32_t pixels, WritableBytes target) {
+        const auto readPlane = [&](std::size_t plane) {
+            return reader.read(plane * image.pixels() + x, pixels, buffers[plane].bytes());
+        };
+        kernels.bgraFromPlanes(readPlane(2), readPlane(1), readPlane(0), pixels, target);
+    });
+}
+
+} // namespace
+
+void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept
+{
+    switch (image.format.packing) {
+    case SamplePacking::Planar:
+        convertPlanar(image, bgra);
+        break;
+    case SamplePacking::Bits32:
+        rowKernels().bgraFromWords30({image.data, image.data + image.bytes()}, image.pixels(),
+                                     {bgra, bgra + bytesPerBgra * image.pixels()});
+        break;
+    default:
+        convertInterleaved(image, bgra);
+        break;
+    }
+}
+
+} // namespace orvo

@@ -1,0 +1,69 @@
+#include "cameralibs/util/conversion/SampleReader.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace orvo {
+
+SampleReader::SampleReader(const SourceImage& image) noexcept
+    : m_kernels(rowKernels())
+    , m_image{image.data, image.data + image.bytes()}
+    , m_packing(image.format.packing)
+    , m_bits(image.format.bits)
+{
+}
+
+void SampleReader::copy(std::uint64_t first, std::size_t count, WritableBytes bytes) const noexcept
+{
+    switch (m_packing) {
+    case SamplePacking::Unpacked:
+    case SamplePacking::Planar:
+    case SamplePacking::Semiplanar:
+        if (m_bits == 8) {
+            std::memcpy(bytes.begin, m_image.begin + first, count);
+        } else {
+            m_kernels.bytesFromWords({m_image.begin + 2 * first, m_image.end}, m_bits, count, bytes);
+        }
+        break;
+    case SamplePacking::Bits:
+        copyBits(first, count, bytes);
+        break;
+    case SamplePacking::Pairs:
+        m_kernels.bytesFromPairs({m_image.begin + first / 2 * 3, m_image.end}, count, bytes);
+        break;
+    case SamplePacking::Bits32:
+        break; // are converted where they are
+    }
+}
+
+ReadableBytes SampleReader::read(std::uint64_t first, std::size_t count, WritableBytes buffer) const noexcept
+{
+    if (m_bits == 8) {
+        return {m_image.begin + first, m_image.end};
+    }
+    copy(first, count, buffer);
+    return {buffer.begin, buffer.end};
+}
+
+void SampleReader::copyBits(std::uint64_t first, std::size_t count, WritableBytes bytes) const noexcept
+{
+    // Every fourth sample begins with a byte. Rows may begin in the middle of such a group.
+    constexpr std::size_t group = 4;
+    const std::size_t skipped = first % group;
+    const std::uint8_t* run = m_image.begin + first / group * (group * m_bits / 8);
+    if (skipped != 0) {
+        std::array<std::uint8_t, 64> samples{}; // room for a vector
+        const std::size_t wanted = std::min(group - skipped, count);
+        m_kernels.bytesFromBits({run, m_image.end}, m_bits, skipped + wanted,
+                                {samples.data(), samples.data() + samples.size()});
+        std::memcpy(bytes.begin, samples.data() + skipped, wanted);
+        run += group * m_bits / 8;
+        bytes.begin += wanted;
+        count -= wanted;
+    }
+    if (count > 0) {
+        m_kernels.bytesFromBits({run, m_image.end}, m_bits, count, bytes);
+    }
+}
+
+} // namespace orvo

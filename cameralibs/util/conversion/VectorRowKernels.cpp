@@ -1,0 +1,49 @@
+#include "cameralibs/util/conversion/RowKernels.h"
+
+// Compiles this file once for every instruction set that Highway knows on this architecture.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "cameralibs/util/conversion/VectorRowKernels.cpp"
+#include <hwy/foreach_target.h>
+
+#include <hwy/highway.h>
+
+// The code below needs vectors of a known size. Without one, the plain code serves.
+#if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128 && !HWY_HAVE_SCALABLE
+#include "cameralibs/util/conversion/BayerSteps-inl.h"
+#include "cameralibs/util/conversion/BgraSteps-inl.h"
+#include "cameralibs/util/conversion/SampleSteps-inl.h"
+#include "cameralibs/util/conversion/YCbCrSteps-inl.h"
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace orvo::HWY_NAMESPACE {
+
+const RowKernels* kernelsOfTarget()
+{
+#if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128 && !HWY_HAVE_SCALABLE
+    static constexpr RowKernels kernels{bytesFromWords,     bytesFromBits,   bytesFromPairs, bgraFromGray,
+                                        bgraFromPixels,     bgraFromWords30, bgraFromPlanes, bgraFromGroups,
+                                        bgraFromSemiplanar, bgraFromBayer};
+    return &kernels;
+#else
+    return &scalarRowKernels();
+#endif
+}
+
+} // namespace orvo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace orvo {
+
+HWY_EXPORT(kernelsOfTarget);
+
+const RowKernels& rowKernels() noexcept
+{
+    return *HWY_DYNAMIC_DISPATCH(kernelsOfTarget)();
+}
+
+} // namespace orvo
+
+#endif
