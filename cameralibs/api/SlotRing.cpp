@@ -4,21 +4,29 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace orvo {
 
 using namespace Orvo;
 
+namespace {
+
+std::size_t roomFor(const SlotRing::ImageSize& size)
+{
+    return std::max(size.payload, size.pixels);
+}
+
+} // namespace
+
 SlotRing::SlotRing(std::uint32_t slots, std::size_t spares, const ImageSize& size)
-    : m_payload(size.payload)
-    , m_room(std::max(size.payload, size.pixels))
-    , m_pixels(size.pixels)
+    : m_pixels(size.pixels)
+    , m_buffers(slots + spares)
     , m_slots(slots)
 {
-    for (Slot& slot : m_slots)
-        slot.buffer = newBuffer();
-    for (std::size_t i = 0; i < spares; ++i)
-        m_spares.push_back(newBuffer());
+    for (std::size_t i = 0; i < m_slots.size(); ++i)
+        m_slots[i].buffer = &m_buffers[i];
+    useMemory(std::make_shared<ImageMemory>(m_buffers.size(), roomFor(size)), size.payload);
 }
 
 std::size_t SlotRing::payload() const
@@ -30,30 +38,37 @@ std::size_t SlotRing::payload() const
 bool SlotRing::holds(const ImageSize& size) const
 {
     const std::lock_guard lock(m_mutex);
-    return size.payload <= m_payload && size.pixels <= m_room;
+    return size.payload <= m_payload && roomFor(size) <= m_memory->bytesOfEach();
 }
 
 void SlotRing::grow(const ImageSize& size)
 {
     const std::lock_guard lock(m_mutex);
-    // What an earlier source held is nobody's now; only what lies in slots is kept.
-    const auto inSlot = [this](const std::unique_ptr<Buffer>& buffer) {
-        return std::any_of(m_slots.begin(), m_slots.end(), [&](const Slot& s) { return s.buffer == buffer.get(); });
-    };
-    m_buffers.erase(std::partition(m_buffers.begin(), m_buffers.end(), inSlot), m_buffers.end());
-    m_payload = size.payload;
-    m_room = std::max(size.payload, size.pixels);
-    for (FrameBuffer*& spare : m_spares)
-        spare = newBuffer();
-    m_replacements.clear();
-    for (std::size_t i = 0; i < m_slots.size(); ++i)
-        m_replacements.push_back(newBuffer());
+    const std::size_t room = std::max(roomFor(size), m_memory->bytesOfEach());
+    auto memory = std::make_shared<ImageMemory>(m_buffers.size(), room);
+    for (Slot& slot : m_slots) {
+        // Whoever holds a lock goes on reading where the image was.
+        if (slot.locks != 0)
+            slot.left.push_back(m_memory);
+    }
+    useMemory(std::move(memory), std::max(size.payload, m_payload));
 }
 
-std::vector<FrameBuffer*> SlotRing::spares() const
+const ImageMemory& SlotRing::memory() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_spares;
+    return *m_memory;
+}
+
+std::vector<FrameBuffer*> SlotRing::spares()
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<FrameBuffer*> spares;
+    for (FrameBuffer& buffer : m_buffers) {
+        if (!inSlot(buffer))
+            spares.push_back(&buffer);
+    }
+    return spares;
 }
 
 void SlotRing::beginStart(std::size_t pixels)
@@ -73,7 +88,14 @@ SlotRing::Placed SlotRing::place(FrameBuffer& filled)
     const std::size_t end = std::min(filled.capacity, m_pixels);
     if (filled.size < end)
         std::memset(filled.data + filled.size, 0, end - filled.size);
-    Placed placed{exchange(slot, filled), m_next, true, slot.info};
+    slot.info = {};
+    slot.info.timestampNs = filled.timestampNs;
+    slot.info.frameNumber = filled.frameNumber;
+    slot.info.data = filled.data;
+    slot.info.dataSize = filled.size;
+    slot.info.status = CAM_API_STS_SUCCESS;
+    slot.filled = true;
+    const Placed placed{std::exchange(slot.buffer, &filled), m_next, true, slot.info};
     m_current = m_next;
     m_next = (m_next + 1) % static_cast<std::uint32_t>(m_slots.size());
     return placed;
@@ -106,39 +128,32 @@ void SlotRing::unlock(std::uint32_t index)
 {
     const std::lock_guard lock(m_mutex);
     throwUnless(index < m_slots.size() && m_slots[index].locks != 0, CAM_API_STS_INVALID_PARAMETER);
-    --m_slots[index].locks;
+    Slot& slot = m_slots[index];
+    if (--slot.locks == 0)
+        slot.left.clear();
 }
 
-SlotRing::Buffer* SlotRing::newBuffer()
+/// Moves the images there.
+void SlotRing::useMemory(std::shared_ptr<const ImageMemory> memory, std::size_t payload)
 {
-    auto buffer = std::make_unique<Buffer>();
-    // Zero without being written to: memory that no image needs is never touched.
-    buffer->memory.reset(std::calloc(m_room, 1));
-    throwUnless(buffer->memory != nullptr, CAM_API_STS_NO_MEMORY);
-    buffer->room = m_room;
-    buffer->data = static_cast<std::uint8_t*>(buffer->memory.get());
-    buffer->capacity = m_payload;
-    m_buffers.push_back(std::move(buffer));
-    return m_buffers.back().get();
+    for (std::size_t i = 0; i < m_buffers.size(); ++i) {
+        m_buffers[i].data = memory->data(i);
+        m_buffers[i].offset = memory->offset(i);
+        m_buffers[i].capacity = payload;
+    }
+    for (Slot& slot : m_slots) {
+        if (!slot.filled)
+            continue;
+        std::memcpy(slot.buffer->data, slot.info.data, slot.info.dataSize);
+        slot.info.data = slot.buffer->data;
+    }
+    m_memory = std::move(memory);
+    m_payload = payload;
 }
 
-FrameBuffer* SlotRing::exchange(Slot& slot, FrameBuffer& filled)
+bool SlotRing::inSlot(const FrameBuffer& buffer) const
 {
-    Buffer* const old = slot.buffer;
-    slot.buffer = static_cast<Buffer*>(&filled); // there are no others
-    slot.filled = true;
-    slot.info = {};
-    slot.info.timestampNs = filled.timestampNs;
-    slot.info.frameNumber = filled.frameNumber;
-    slot.info.data = filled.data;
-    slot.info.dataSize = filled.size;
-    slot.info.status = CAM_API_STS_SUCCESS;
-    const bool largeEnough = old->capacity >= m_payload && old->room >= m_room;
-    if (largeEnough || m_replacements.empty())
-        return old;
-    FrameBuffer* replacement = m_replacements.back();
-    m_replacements.pop_back();
-    return replacement;
+    return std::any_of(m_slots.begin(), m_slots.end(), [&](const Slot& slot) { return slot.buffer == &buffer; });
 }
 
 } // namespace orvo

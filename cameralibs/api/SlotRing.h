@@ -1,9 +1,9 @@
 #pragma once
 
+#include "cameralibs/base/ImageMemory.h"
 #include "cameralibs/devices/Device.h"
 
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -13,8 +13,9 @@ namespace orvo {
 
 /// The buffers of a stream as its user sees them: a ring of slots, each with the newest image that came its turn.
 ///
-/// There are more buffers than slots. A source fills the spare ones; a filled buffer takes the place of the one in the
-/// next slot, which goes back to the source. A locked slot keeps its buffer, so nobody writes into it. Any thread.
+/// There are more buffers than slots, all in one piece of memory. A source fills the spare ones; a filled buffer takes
+/// the place of the one in the next slot, which goes back to the source. A locked slot keeps its buffer, so nobody
+/// writes into it. Any thread.
 class SlotRing {
 public:
     /// The bytes of an image: those that the camera sends, and those that its pixels take. Who reads the image may go
@@ -29,11 +30,13 @@ public:
     [[nodiscard]] std::size_t payload() const;
     [[nodiscard]] bool holds(const ImageSize& size) const;
 
-    /// From now on every buffer that is handed out has at least this size. Images stay where they are.
+    /// New memory in which every buffer has at least this size; the images in the slots move there. Without a source:
+    /// what an earlier one held is nobody's now. On failure nothing has changed.
     void grow(const ImageSize& size);
 
-    /// The buffers for the source of the current payload.
-    [[nodiscard]] std::vector<FrameBuffer*> spares() const;
+    // For the source of the current payload: the memory, and the buffers that it may fill.
+    [[nodiscard]] const ImageMemory& memory() const;
+    [[nodiscard]] std::vector<FrameBuffer*> spares();
 
     /// No image of this start yet. Each has this many bytes of pixels.
     void beginStart(std::size_t pixels);
@@ -55,30 +58,22 @@ public:
     void unlock(std::uint32_t slot);
 
 private:
-    struct Free {
-        void operator()(void* memory) const noexcept { std::free(memory); }
-    };
-    struct Buffer : FrameBuffer {
-        std::unique_ptr<void, Free> memory;
-        std::size_t room = 0; ///< bytes of memory; those beyond the capacity stay zero
-    };
     struct Slot {
-        Buffer* buffer = nullptr;
+        FrameBuffer* buffer = nullptr;
         bool filled = false;
         std::uint32_t locks = 0;
+        std::vector<std::shared_ptr<const ImageMemory>> left; ///< where its image was when it was locked
         Orvo::CAM_IMAGE_INFO info = {};
     };
 
-    [[nodiscard]] Buffer* newBuffer();
-    [[nodiscard]] FrameBuffer* exchange(Slot& slot, FrameBuffer& filled);
+    void useMemory(std::shared_ptr<const ImageMemory> memory, std::size_t payload);
+    [[nodiscard]] bool inSlot(const FrameBuffer& buffer) const;
 
     mutable std::mutex m_mutex;
-    std::size_t m_payload;
-    std::size_t m_room;
+    std::size_t m_payload = 0;
     std::size_t m_pixels;
-    std::vector<std::unique_ptr<Buffer>> m_buffers;
-    std::vector<FrameBuffer*> m_spares;
-    std::vector<Buffer*> m_replacements; ///< for slots whose buffer has become too small
+    std::shared_ptr<const ImageMemory> m_memory;
+    std::vector<FrameBuffer> m_buffers; ///< one for each of the memory's
     std::vector<Slot> m_slots;
     std::uint32_t m_next = 0;
     std::optional<std::uint32_t> m_current;

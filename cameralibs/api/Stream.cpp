@@ -62,7 +62,7 @@ void Stream::open(std::uint32_t bufferCount)
             const SlotRing::ImageSize size = readImageSize(nodes);
             const bool large = size.payload > kLargeImage;
             m_ring = std::make_unique<SlotRing>(bufferCount, large ? kSparesOfLargeImages : kSpares, size);
-            throwIfFailed(device.openSource(*this, m_ring->spares(), m_source));
+            throwIfFailed(device.openSource(*this, m_ring->memory(), m_ring->spares(), m_source));
         });
     } catch (...) {
         setState(State::stopped);
@@ -184,11 +184,12 @@ void Stream::fail(CAM_API_STATUS status)
 // A larger image needs other buffers, and a source that knows them.
 void Stream::prepareSource(const SlotRing::ImageSize& size, Device& device)
 {
-    if (m_ring->holds(size) && m_source != nullptr)
-        return;
-    m_source.reset();
-    m_ring->grow(size);
-    throwIfFailed(device.openSource(*this, m_ring->spares(), m_source));
+    if (!m_ring->holds(size)) {
+        m_source.reset();
+        m_ring->grow(size);
+    }
+    if (m_source == nullptr)
+        throwIfFailed(device.openSource(*this, m_ring->memory(), m_ring->spares(), m_source));
 }
 
 void Stream::startDevice()

@@ -16,6 +16,8 @@ typedef struct _ArvDevice ArvDevice; // NOLINT(bugprone-reserved-identifier): th
 
 namespace orvo {
 
+class ImageMemory;
+
 /// One camera of an enumeration. `id` names it within its provider for as long as the process runs.
 struct DeviceInfo {
     Orvo::CAM_LINK link = Orvo::CAM_LINK_SIMULATED;
@@ -40,6 +42,7 @@ struct Outcome {
 /// Memory for one image. The stream owns the buffers; a source borrows those it is given.
 struct FrameBuffer {
     std::uint8_t* data = nullptr;
+    std::size_t offset = 0; ///< of `data` in the memory that the source was opened with
     std::size_t capacity = 0;
 
     // Filled in by the source for a delivered image.
@@ -86,9 +89,10 @@ public:
     /// The GenICam description (XML). Errors: CAM_API_STS_XML_LOAD_ERR.
     [[nodiscard]] virtual Outcome description(std::string& xml) = 0;
 
-    /// A source that fills `buffers`, each at least the camera's payload size. Sink and buffers outlive the source, the
-    /// source does not outlive the device.
-    [[nodiscard]] virtual Outcome openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
+    /// A source that fills `buffers`, each at least the camera's payload size. They lie in `memory`, as do those that
+    /// the sink gives in exchange. Sink, memory and buffers outlive the source, the source does not outlive the device.
+    [[nodiscard]] virtual Outcome openSource(FrameSink& sink, const ImageMemory& memory,
+                                             const std::vector<FrameBuffer*>& buffers,
                                              std::unique_ptr<FrameSource>& source) = 0;
 
     /// `handler` runs, on any thread, as soon as the device finds out by itself that it is gone: it only notes the

@@ -10,6 +10,7 @@
 #include "tests/support/Patience.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QScreen>
 #include <QTest>
 
@@ -30,9 +31,19 @@ void endTour(const QString& what)
 
 Tour::Tour(const QDir& folder)
     : m_folder(folder.absolutePath())
-    , m_driver(std::make_unique<WindowDriver>())
-    , m_images(m_driver->window())
 {
+    newWindow();
+}
+
+void Tour::newWindow()
+{
+    m_images.reset();
+    m_driver.reset(); // before the next one: there is one at a time
+    m_driver = std::make_unique<WindowDriver>();
+    m_images = std::make_unique<ShownImages>(m_driver->window());
+    const MainWindow& window = m_driver->window();
+    waitFor("the window's frame",
+            [&] { return window.isActiveWindow() && window.frameGeometry() != window.geometry(); });
 }
 
 void Tour::picture(const QString& name)
@@ -60,8 +71,14 @@ void Tour::waitFor(const char* what, const std::function<bool()>& condition)
 
 void Tour::waitForImages(int count)
 {
-    if (!m_images.waitForMore(count))
+    if (!m_images->waitForMore(count))
         endTour("waited in vain for images");
+}
+
+void Tour::waitForRates()
+{
+    const QString before = m_driver->rates();
+    waitFor("frame rates", [&] { return m_driver->rates() != before; });
 }
 
 void Tour::pictureOfModal(const char* action, const QString& name)
@@ -87,7 +104,9 @@ void Tour::openCamera(const QString& model, bool pictured)
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    QApplication::setApplicationName("OrvoCamLinuxViewer"); // the title of boxes that have none of their own
+    // As main() of the program has them: the title of boxes that have none of their own, and the icon.
+    QApplication::setApplicationName("OrvoCamLinuxViewer");
+    QApplication::setWindowIcon(QIcon(":/images/Icon/Viewer_Main_icon_2.ico"));
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() != 2) {
         std::fprintf(stderr, "tour: needs the folder for the pictures\n");
@@ -100,9 +119,10 @@ int main(int argc, char* argv[])
     tour.liveChapter();
     tour.featuresChapter();
     tour.editorsChapter();
-    tour.slowAndSilentCameraChapter();
+    tour.refusedAndSlowChapter();
     tour.camerasChapter();
     tour.faultsChapter();
+    tour.stylesChapter();
     tour.highResolutionChapter();
     return EXIT_SUCCESS;
 }

@@ -15,15 +15,18 @@ public:
     explicit Tour(const QDir& folder);
 
     void liveChapter();
-    void camerasChapter();
-    void faultsChapter();
     void featuresChapter();
     void editorsChapter();
-    void slowAndSilentCameraChapter();
+    void refusedAndSlowChapter();
+    void camerasChapter();
+    void faultsChapter();
+    void stylesChapter();
     void highResolutionChapter();
 
 private:
     // Tour.cpp
+    /// Ends the window that there is and starts another one.
+    void newWindow();
     void picture(const QString& name);
     /// Of a part of the screen.
     void picture(const QString& name, const QRect& area);
@@ -33,21 +36,31 @@ private:
     /// Triggers the action and closes the modal window that it brings up.
     void pictureOfModal(const char* action, const QString& name);
     void openCamera(const QString& model, bool pictured = false);
+    /// Until the frame rates are other ones.
+    void waitForRates();
 
+    // TourFeatures.cpp
+    void toolTips();
     /// Opens an editor of each kind.
-    void editors(const QString& suffix); // TourFeatures.cpp
+    void editors(const QString& suffix);
 
     // TourLive.cpp
     void zoomAndPointer();
     void menus();
+    void floatingDocks();
     void pauseAndSnapshot();
+    void saveInVain();
     void softwareTrigger();
     void about();
+
+    // TourCameras.cpp
+    void testPatterns();
+    void lostImages();
 
     QDir m_folder;
     int m_number = 0;
     std::unique_ptr<WindowDriver> m_driver;
-    ShownImages m_images;
+    std::unique_ptr<ShownImages> m_images; // of that window
 };
 
 [[noreturn]] void endTour(const QString& what);

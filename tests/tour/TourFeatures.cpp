@@ -2,14 +2,17 @@
 
 #include "tests/tour/Tour.h"
 
+#include "features/DescBox.h"
 #include "features/FeatureView.h"
 #include "tests/support/FeatureHand.h"
 
 #include <QApplication>
 #include <QComboBox>
-#include <QStyleFactory>
+#include <QLineEdit>
+#include <QTest>
+#include <QToolTip>
 
-#include <cstdio>
+#include <algorithm>
 
 void Tour::featuresChapter()
 {
@@ -33,6 +36,7 @@ void Tour::featuresChapter()
         hand.clickName(name);
         picture(QString("description-%1").arg(name));
     }
+    toolTips();
     hand.clickTool("&levelExpert");
     hand.clickTool("&sortAz");
     picture("features-by-name");
@@ -42,21 +46,34 @@ void Tour::featuresChapter()
     picture("features-by-category");
 }
 
+void Tour::toolTips()
+{
+    FeatureHand hand(m_driver->window());
+    hand.clickName("Height");
+    const auto rest = [this](QWidget* where, QPoint point, const QString& name) {
+        QTest::mouseMove(where, point + QPoint(0, 3)); // a pointer that stands there already would not move
+        QTest::mouseMove(where, point);
+        const auto shown = [] {
+            const QWidgetList windows = QApplication::topLevelWidgets();
+            return std::any_of(windows.begin(), windows.end(), [](const QWidget* window) {
+                return window->inherits("QTipLabel") && window->isVisible();
+            });
+        };
+        waitFor("the tool tip", shown);
+        picture(name);
+        QTest::mouseMove(where, QPoint());
+        QToolTip::hideText();
+        waitFor("the end of the tool tip", [&] { return !shown(); });
+    };
+    const QTableView& table = hand.table();
+    rest(table.viewport(), table.visualRect(table.currentIndex()).center(), "tool-tip-name");
+    auto* const description = m_driver->window().findChild<DescBox*>();
+    rest(description, description->rect().center(), "tool-tip-range");
+}
+
 void Tour::editorsChapter()
 {
     editors(QString());
-    // Widgets without a frame look different everywhere.
-    const QString styleBefore = QApplication::style()->objectName();
-    for (const char* style : {"Breeze", "Adwaita-Dark"}) {
-        if (!QStyleFactory::keys().contains(style, Qt::CaseInsensitive)) {
-            std::printf("no pictures of the editors under %s, which is not installed\n", style);
-            continue;
-        }
-        QApplication::setStyle(style);
-        QCoreApplication::processEvents(); // the table takes its new size, where a click has to hit
-        editors(QString("-%1").arg(style).toLower());
-    }
-    QApplication::setStyle(styleBefore);
 }
 
 void Tour::editors(const QString& suffix)
@@ -90,14 +107,24 @@ void Tour::editors(const QString& suffix)
     choices->hidePopup();
 }
 
-void Tour::slowAndSilentCameraChapter()
+void Tour::refusedAndSlowChapter()
 {
     FeatureHand hand(m_driver->window());
+    // Nothing but the old value, which comes back, tells that a write was refused.
+    const auto replugAfter7 = [&](const QString& name, const QString& taken) {
+        auto* const line = qobject_cast<QLineEdit*>(hand.clickValue("SimulationReplugAfter"));
+        line->selectAll();
+        QTest::keyClicks(line, "7");
+        picture(name + "-typed");
+        QTest::keyClick(line, Qt::Key_Return);
+        picture(name);
+        if (hand.shown("SimulationReplugAfter") != taken)
+            endTour("another value than " + taken + ": " + hand.shown("SimulationReplugAfter"));
+    };
     hand.choose("SimulationRefuseAccess", "true");
-    hand.type("Width", "640");
-    picture("camera-refuses");
+    replugAfter7("write-refused", "0 s");
     hand.choose("SimulationRefuseAccess", "false");
-    picture("camera-answers-again");
+    replugAfter7("write-accepted", "7 s");
 
     hand.type("SimulationAccessDelay", "1000");
     hand.type("Width", "640");

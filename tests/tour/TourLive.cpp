@@ -7,8 +7,13 @@
 #include "tests/support/FeatureHand.h"
 #include "tests/support/OpenedCamera.h"
 
+#include <QDialogButtonBox>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QTest>
 #include <QToolButton>
 
@@ -18,15 +23,15 @@ void Tour::liveChapter()
     openCamera("SIM-C1920", true);
     picture("opened");
 
-    const QString noRates = m_driver->rates();
     m_driver->start();
     waitForImages(5);
     picture("live");
-    waitFor("frame rates", [&] { return m_driver->rates() != noRates; });
+    waitForRates();
     picture("live-with-rates");
 
     zoomAndPointer();
     menus();
+    floatingDocks();
     pauseAndSnapshot();
     softwareTrigger();
     about();
@@ -68,6 +73,28 @@ void Tour::menus()
     }
 }
 
+void Tour::floatingDocks()
+{
+    QRect all = m_driver->window().frameGeometry();
+    const auto floatBy = [](QDockWidget* dock) {
+        QTest::mouseClick(dock->findChild<QAbstractButton*>("qt_dockwidget_floatbutton"), Qt::LeftButton);
+    };
+    auto* const right = m_driver->child<QDockWidget>("dockWidgetRight");
+    auto* const bottom = m_driver->child<QDockWidget>("dockWidgetBottom");
+    for (QDockWidget* const dock : {right, bottom})
+        floatBy(dock);
+    right->move(all.topRight() + QPoint(20, 0));
+    bottom->move(all.bottomLeft() + QPoint(0, 20));
+    for (QDockWidget* const dock : {right, bottom}) {
+        waitFor("a floating dock", [&] { return dock->isFloating() && dock->isVisible(); });
+        all |= dock->frameGeometry();
+    }
+    waitForImages(2);
+    picture("floating-docks", all);
+    for (QDockWidget* const dock : {right, bottom})
+        floatBy(dock);
+}
+
 void Tour::pauseAndSnapshot()
 {
     m_driver->trigger("actionPause");
@@ -81,10 +108,29 @@ void Tour::pauseAndSnapshot()
     QDir::setCurrent(folder);
     qputenv("HOME", folder.toLocal8Bit());
     pictureOfModal("actionSnapshot", "snapshot");
+    saveInVain();
     qputenv("HOME", homeBefore);
     QDir::setCurrent(folderBefore);
     QDir().rmdir(folder);
     m_driver->trigger("actionPause");
+}
+
+void Tour::saveInVain()
+{
+    const bool came = m_driver->triggerModal("actionSnapshot", [this](QWidget& modal) {
+        if (auto* const dialog = qobject_cast<QFileDialog*>(&modal)) {
+            // Ends with the format's word, so the name stays; no format is called so.
+            dialog->findChild<QLineEdit*>("fileNameEdit")->setText("shot.notpng");
+            dialog->findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save)->click();
+        } else {
+            picture("save-failed");
+            modal.close();
+        }
+    });
+    if (!came || m_driver->log() != QStringList("Cannot save a file."))
+        endTour("a picture in an unknown format is saved");
+    picture("save-failed-log");
+    m_driver->clearLog();
 }
 
 void Tour::softwareTrigger()
@@ -93,11 +139,10 @@ void Tour::softwareTrigger()
     picture("stopped");
     if (opened::set("TriggerMode", "On") != 0 || opened::set("TriggerSource", "Software") != 0)
         endTour("the camera takes no software trigger");
-    const QString ratesBefore = m_driver->rates(); // they stay until the next report
     m_driver->start();
     m_driver->trigger("actionSoftwareTrigger");
     waitForImages(1);
-    waitFor("the rates of single images", [&] { return m_driver->rates() != ratesBefore; });
+    waitForRates();                                           // of single images
     FeatureHand(m_driver->window()).clickName("TriggerMode"); // unfolds its category
     picture("software-trigger");
     m_driver->stop();

@@ -29,8 +29,8 @@ Outcome AravisDevice::description(std::string& xml)
     return {};
 }
 
-Outcome AravisDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
-                                 std::unique_ptr<FrameSource>& source)
+Outcome AravisDevice::openSource(FrameSink& sink, const ImageMemory& /*memory*/,
+                                 const std::vector<FrameBuffer*>& buffers, std::unique_ptr<FrameSource>& source)
 {
     std::unique_ptr<Reception> reception;
     if (ARV_IS_UV_DEVICE(m_connection->device())) {

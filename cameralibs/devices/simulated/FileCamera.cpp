@@ -65,7 +65,7 @@ Outcome FileCamera::description(std::string& xml)
     return {};
 }
 
-Outcome FileCamera::openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
+Outcome FileCamera::openSource(FrameSink& sink, const ImageMemory& /*memory*/, const std::vector<FrameBuffer*>& buffers,
                                std::unique_ptr<FrameSource>& source)
 {
     source = std::make_unique<FileImages>(*m_nodes, m_acquisition, m_clock, sink, buffers);

@@ -25,8 +25,8 @@ Outcome SimulatedDevice::description(std::string& xml)
     return {};
 }
 
-Outcome SimulatedDevice::openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
-                                    std::unique_ptr<FrameSource>& source)
+Outcome SimulatedDevice::openSource(FrameSink& sink, const ImageMemory& /*memory*/,
+                                    const std::vector<FrameBuffer*>& buffers, std::unique_ptr<FrameSource>& source)
 {
     source = std::make_unique<FrameGenerator>(m_acquisition, m_clock, sink, buffers);
     return {};

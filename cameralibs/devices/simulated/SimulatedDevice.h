@@ -22,7 +22,8 @@ public:
     [[nodiscard]] const DeviceInfo& info() const override { return m_info; }
     [[nodiscard]] ArvDevice* registers() override { return m_arvDevice.get(); }
     [[nodiscard]] Outcome description(std::string& xml) override;
-    [[nodiscard]] Outcome openSource(FrameSink& sink, const std::vector<FrameBuffer*>& buffers,
+    [[nodiscard]] Outcome openSource(FrameSink& sink, const ImageMemory& memory,
+                                     const std::vector<FrameBuffer*>& buffers,
                                      std::unique_ptr<FrameSource>& source) override;
     void onRemoval(std::function<void()> handler) override { m_removed = std::move(handler); }
 

@@ -1,0 +1,30 @@
+// The program under the styles of other desktops, dark ones included.
+
+#include "tests/tour/Tour.h"
+
+#include "tests/support/FeatureHand.h"
+
+#include <QApplication>
+#include <QStyleFactory>
+
+#include <cstdio>
+
+void Tour::stylesChapter()
+{
+    for (const char* style : {"Breeze", "Adwaita-Dark"}) {
+        if (!QStyleFactory::keys().contains(style, Qt::CaseInsensitive)) {
+            std::printf("no pictures under %s, which is not installed\n", style);
+            continue;
+        }
+        const QString suffix = QString("-%1").arg(style).toLower();
+        QApplication::setStyle(style);
+        newWindow(); // a window that changes its style is laid out as no user sees it
+        openCamera("SIM-C1920");
+        m_driver->start();
+        waitForRates();
+        picture("live" + suffix);
+        m_driver->stop();
+        FeatureHand(m_driver->window()).clickTool("&levelGuru");
+        editors(suffix); // widgets without a frame look different everywhere
+    }
+}
