@@ -8,7 +8,6 @@
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
-#include <climits>
 #include <string_view>
 #include <utility>
 
@@ -19,6 +18,9 @@ using namespace Orvo;
 namespace {
 
 constexpr std::size_t kMaxName = 255;
+
+/// To read more takes too much time and memory before anybody can look at the clock.
+constexpr std::size_t kMaxSize = std::size_t{16} << 20;
 
 std::string nameOf(xmlNode* element)
 {
@@ -60,11 +62,11 @@ DescriptionReader::DescriptionReader(const std::string& xml)
 {
     // Cameras pad their files with zeros.
     const std::size_t length = xml.find_last_not_of(std::string_view("\0 \t\r\n", 5)) + 1;
-    if (length <= INT_MAX) {
-        xmlResetLastError();
-        m_document.reset(xmlReadMemory(xml.data(), static_cast<int>(length), nullptr, nullptr,
-                                       XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    }
+    if (length > kMaxSize)
+        throw Failure(CAM_API_STS_GENICAM_ERR, "The description has more than " + std::to_string(kMaxSize) + " bytes");
+    xmlResetLastError();
+    m_document.reset(xmlReadMemory(xml.data(), static_cast<int>(length), nullptr, nullptr,
+                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (m_document == nullptr)
         throw Failure(CAM_API_STS_XML_LOAD_ERR, "The description is not well-formed: " + parserMessage());
 }
