@@ -3,10 +3,12 @@
 #include "cameralibs/base/Log.h"
 #include "cameralibs/devices/aravis/AravisProvider.h"
 #include "cameralibs/devices/simulated/SimulatedProvider.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/TextOperations.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 
 namespace orvo {
@@ -14,6 +16,9 @@ namespace orvo {
 using namespace Orvo;
 
 namespace {
+
+/// Of processor time that the evaluation of a description may take when a camera is opened.
+constexpr std::chrono::milliseconds kOpeningLimit{2000};
 
 /// The process's one System, if any.
 struct Root {
@@ -185,6 +190,8 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
 
     std::string xml;
     throwIfFailed(device->description(xml));
+    EvaluationBudget budget(kOpeningLimit);
+    budget.begin();
     const auto camera =
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
     rememberUserName(*camera);

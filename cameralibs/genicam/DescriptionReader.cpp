@@ -1,6 +1,7 @@
 #include "DescriptionReader.h"
 
 #include "cameralibs/genicam/ElementTable.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/NodeProperties.h"
 #include "cameralibs/genicam/XmlElement.h"
@@ -90,6 +91,7 @@ std::shared_ptr<Description> DescriptionReader::read()
 void DescriptionReader::readChildren(xmlNode* parent)
 {
     for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        EvaluationBudget::check();
         if (!isElement(child))
             continue;
         const std::string name = elementName(child);
@@ -136,6 +138,7 @@ void DescriptionReader::readEntries(xmlNode* element, NodeId enumeration)
     for (xmlNode* child = element->children; child != nullptr; child = child->next) {
         if (!isElement(child) || elementName(child) != "EnumEntry")
             continue;
+        EvaluationBudget::check();
         DescribedNode entry;
         entry.element = Element::enumEntry;
         entry.type = NODE_TYPE_ENUM_ENTRY;

@@ -1,3 +1,4 @@
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/Validator.h"
 
@@ -65,8 +66,10 @@ void checkFormulas(Description& description)
         size += checkSize(node);
         if (size > kMaxAllFormulas)
             refuse(node, "The formulas up to here have more than " + std::to_string(kMaxAllFormulas) + " bytes");
-        for (const Formula& formula : node.formulas)
+        for (const Formula& formula : node.formulas) {
             checkFormula(node, formula);
+            EvaluationBudget::check();
+        }
     }
 }
 
