@@ -5,6 +5,7 @@
 #include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/NodeMap.h"
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -68,6 +69,9 @@ public:
     /// The stream to close first, if any; no other can be attached from now on.
     [[nodiscard]] std::shared_ptr<Stream> beginClosing();
     [[nodiscard]] bool closing() const;
+
+    /// Whatever waits for the device does so until `time` at most. Comes before release().
+    void closeBy(std::chrono::steady_clock::time_point time) { m_device->closeBy(time); }
 
     /// Closes the device.
     void release();

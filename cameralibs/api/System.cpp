@@ -1,9 +1,8 @@
 #include "System.h"
 
 #include "cameralibs/base/Log.h"
-#include "cameralibs/devices/aravis/AravisProvider.h"
 #include "cameralibs/devices/simulated/SimulatedProvider.h"
-#include "cameralibs/genicam/EvaluationBudget.h"
+#include "cameralibs/devices/transport/TransportProvider.h"
 #include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/TextOperations.h"
 
@@ -17,8 +16,8 @@ using namespace Orvo;
 
 namespace {
 
-/// Of processor time that the evaluation of a description may take when a camera is opened.
-constexpr std::chrono::milliseconds kOpeningLimit{2000};
+/// How long a camera is asked politely.
+constexpr std::chrono::milliseconds kClosing{700};
 
 /// The process's one System, if any.
 struct Root {
@@ -71,7 +70,7 @@ System::System(std::uint32_t layers)
     const bool usb = (layers & CAM_LAYER_USB3_VISION) != 0;
     const bool gige = (layers & CAM_LAYER_GIGE_VISION) != 0;
     if (usb || gige)
-        m_providers.push_back(makeAravisProvider(usb, gige));
+        m_providers.push_back(makeTransportProvider(usb, gige));
     if ((layers & CAM_LAYER_SIMULATED) == 0)
         return;
     m_providers.push_back(makeSimulatedProvider(environment("ORVO_SIMULATED_CAMERAS")));
@@ -182,16 +181,14 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
     if (signal != nullptr)
         signal->clear();
     auto removal = std::make_shared<Removal>(std::move(signal));
-    device->setLostQuery([removal] { return removal->noted(); });
-    device->onRemoval([removal, name = entry.info.logName()] {
-        log(Severity::warning, name, "lost: the connection to the camera ended");
+    device->onRemoval([removal, name = entry.info.logName()](const std::string& reason) {
+        if (!removal->noted())
+            log(Severity::warning, name, "lost: " + reason);
         removal->note();
     });
 
     std::string xml;
     throwIfFailed(device->description(xml));
-    EvaluationBudget budget(kOpeningLimit);
-    budget.begin();
     const auto camera =
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
     rememberUserName(*camera);
@@ -288,6 +285,7 @@ void System::rememberUserName(Camera& camera)
 
 void System::close(Camera& camera) noexcept
 {
+    camera.closeBy(std::chrono::steady_clock::now() + kClosing);
     if (const auto stream = camera.beginClosing(); stream != nullptr) {
         (void)m_streams.take(stream->handle());
         stream->close();
@@ -303,7 +301,13 @@ void System::close(Camera& camera) noexcept
 
 void System::shutDown()
 {
-    for (const auto& camera : m_cameras.close())
+    // All at once, so that several cameras that do not answer take no longer than one.
+    for (const auto& provider : m_providers)
+        provider->cancel();
+    const auto cameras = m_cameras.close();
+    for (const auto& camera : cameras)
+        camera->closeBy(std::chrono::steady_clock::now() + kClosing);
+    for (const auto& camera : cameras)
         close(*camera);
     {
         std::unique_lock lock(m_closingMutex);

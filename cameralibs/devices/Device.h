@@ -5,6 +5,7 @@
 
 #include "camera/OrvoCamApi.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -96,13 +97,11 @@ public:
                                              std::unique_ptr<FrameSource>& source) = 0;
 
     /// `handler` runs, on any thread, as soon as the device finds out by itself that it is gone: it only notes the
-    /// fact. Set before the first register access.
-    virtual void onRemoval(std::function<void()> handler) = 0;
+    /// fact, and the reason. Set before the first register access.
+    virtual void onRemoval(std::function<void(const std::string& reason)> handler) = 0;
 
-    /// `lost` tells whether anybody found out that the device is gone. From then on nothing that this device or its
-    /// sources are asked for waits for it, closing least of all.
-    // NOLINTNEXTLINE(performance-unnecessary-value-param): who overrides it keeps it
-    virtual void setLostQuery(std::function<bool()> /*lost*/) {}
+    /// Closing begins: whatever waits for the device, now or later, does so until `time` at most. Any thread.
+    virtual void closeBy(std::chrono::steady_clock::time_point /*time*/) {}
 };
 
 /// A kind of camera. Calls into all providers are serialised by the caller.
@@ -116,6 +115,9 @@ public:
     /// Errors: CAM_API_STS_CAMERA_NOT_RESPONDING where it is gone, CAM_API_STS_ACCESS_DENIED where another program
     /// controls it, CAM_API_STS_BUSY. A device that is back may be opened while the lost one is not destroyed yet.
     [[nodiscard]] virtual Outcome open(const std::string& id, std::unique_ptr<Device>& device) = 0;
+
+    /// Ends what the provider is waiting for, and lets it wait for nothing more. Any thread, while others call it.
+    virtual void cancel() {}
 };
 
 } // namespace orvo

@@ -27,7 +27,7 @@ public:
                                      std::unique_ptr<FrameSource>& source) override;
 
     /// It never leaves.
-    void onRemoval(std::function<void()>) override {}
+    void onRemoval(std::function<void(const std::string&)>) override {}
 
 private:
     [[nodiscard]] AccessResult read(std::uint64_t address, void* buffer, std::uint32_t size) override;

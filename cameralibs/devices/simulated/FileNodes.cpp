@@ -1,6 +1,5 @@
 #include "FileNodes.h"
 
-#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 
 #include <arv.h>
@@ -112,9 +111,7 @@ void FileNodes::powerUp(const std::string& model, const std::string& serial)
 std::optional<FrameSettings> FileNodes::settings() const
 {
     const std::lock_guard lock(m_mutex);
-    auto settings = readSettings();
-    EvaluationBudget::check();
-    return settings;
+    return readSettings();
 }
 
 void FileNodes::updatePayloadSize()

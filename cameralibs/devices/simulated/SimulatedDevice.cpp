@@ -37,7 +37,7 @@ void SimulatedDevice::unplug(unsigned replugAfter)
     m_attachment->unplug(replugAfter);
     m_acquisition.disconnect();
     if (m_removed)
-        m_removed();
+        m_removed("The camera was unplugged");
 }
 
 } // namespace orvo::simulated

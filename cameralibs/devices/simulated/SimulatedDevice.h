@@ -25,7 +25,7 @@ public:
     [[nodiscard]] Outcome openSource(FrameSink& sink, const ImageMemory& memory,
                                      const std::vector<FrameBuffer*>& buffers,
                                      std::unique_ptr<FrameSource>& source) override;
-    void onRemoval(std::function<void()> handler) override { m_removed = std::move(handler); }
+    void onRemoval(std::function<void(const std::string&)> handler) override { m_removed = std::move(handler); }
 
 private:
     void unplug(unsigned replugAfter);
@@ -37,7 +37,7 @@ private:
     DeviceClock m_clock;
     CameraRegisters m_registers;
     ArvDevicePtr m_arvDevice;
-    std::function<void()> m_removed;
+    std::function<void(const std::string&)> m_removed;
 };
 
 } // namespace orvo::simulated

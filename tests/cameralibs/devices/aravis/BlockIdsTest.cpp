@@ -1,4 +1,4 @@
-#include "cameralibs/devices/aravis/BlockIds.h"
+#include "cameralibs/devices/transport/BlockIds.h"
 
 #include <gtest/gtest.h>
 

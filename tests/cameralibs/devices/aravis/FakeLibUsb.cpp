@@ -1,31 +1,24 @@
-// What libusb answers on a bus with one USB3 Vision camera, or none.
+// What libusb answers in a transport, on a bus with one USB3 Vision camera, or none.
 
-#include "FakeUsb.h"
-#include "FakeUsbCamera.h"
+#include "FakeUsbBus.h"
 #include "LibUsb.h"
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace usb {
 
 using Clock = std::chrono::steady_clock;
 
+/// A camera of one generation; the unplugged ones too, as handles of them may be around.
 struct Device {
-    FakeCamera camera;
-    bool present = true;
-    Bytes answer; ///< to the last command, until it is fetched
-    Clock::time_point nextImage;
+    std::uint32_t generation;
 };
 
 struct Handle {
@@ -39,7 +32,7 @@ struct Context {
         void* userData;
     };
     std::vector<Listener> listeners;
-    std::vector<Device*> left; ///< what the listeners are still to be told
+    std::uint32_t told = 0; ///< the last camera whose removal the listeners know of
 };
 
 namespace {
@@ -67,157 +60,84 @@ constexpr InterfaceDescriptor kStreamInterface = {
 constexpr Interface kInterfaces[] = {{&kControlInterface, 1}, {&kStreamInterface, 1}};
 ConfigurationDescriptor theConfiguration = {9, 2, 0, 2, 1, 0, 0, 0, kInterfaces, nullptr, 0};
 
-std::string description()
-{
-    std::ifstream file(USB_CAMERA_DESCRIPTION);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// Everything, behind one lock.
-struct Bus {
-    Bus() { plugIn(); }
-
-    void plugIn() { devices.push_back(Device{FakeCamera(description()), true, {}, {}}); }
-
-    void unplug(Device& device)
-    {
-        if (!device.present)
-            return;
-        device.present = false;
-        for (Context* context : contexts) {
-            if (announced)
-                context->left.push_back(&device);
-        }
-        changed.notify_all();
-    }
-
+/// What this process has of the bus. Never destroyed: threads of Aravis may outlive the end of main.
+struct Local {
     std::mutex mutex;
-    std::condition_variable changed;
-    std::list<Device> devices; ///< the unplugged ones too, as handles of them may be around
-    std::vector<Context*> contexts;
-    bool announced = true;
-    bool answered = true;
-    int removalsTold = 0;
-    int commands = 0;
-    int commandsToUnplug = 0; ///< 0: it stays
+    std::map<std::uint32_t, Device> devices; ///< by generation
     int lastListener = 0;
 };
 
-/// Never destroyed: threads of Aravis may outlive the end of main.
-Bus& bus()
+Local& local()
 {
-    static auto& theBus = *std::make_unique<Bus>().release();
-    return theBus;
+    static auto& theLocal = *std::make_unique<Local>().release();
+    return theLocal;
 }
 
-thread_local bool thisThreadTells = false;
-
-int sendCommand(Device& device, const Bytes& command)
+Device* deviceOf(std::uint32_t generation)
 {
-    ++bus().commands;
-    if (bus().commandsToUnplug != 0 && --bus().commandsToUnplug == 0) {
-        bus().unplug(device);
+    const std::lock_guard lock(local().mutex);
+    return &local().devices.insert({generation, Device{generation}}).first->second;
+}
+
+bool isPresent(const LockedBus& bus, const Device& device)
+{
+    return bus->present != 0 && bus->generation == device.generation;
+}
+
+int sendCommand(LockedBus& bus, const Bytes& command)
+{
+    bus.pass(Moment::command);
+    ++bus->commands;
+    if (bus->commandsToUnplug != 0 && --bus->commandsToUnplug == 0) {
+        bus.unplug();
         return kNoDevice;
     }
-    if (bus().answered)
-        device.answer = device.camera.execute(command);
+    if (bus->answered == 0)
+        return 0;
+    const Bytes answer = bus.camera().execute(command);
+    std::copy(answer.begin(), answer.end(), bus->answer.begin());
+    bus->answerSize = static_cast<std::uint32_t>(answer.size());
     return 0;
 }
 
-int fetchAnswer(Device& device, std::uint8_t* to, std::size_t room, int* transferred)
+int fetchAnswer(LockedBus& bus, std::uint8_t* to, std::size_t room, int* transferred)
 {
-    if (device.answer.empty())
+    bus.pass(Moment::answer);
+    if (bus->answerSize == 0)
         return kTimeout;
-    const std::size_t size = std::min(device.answer.size(), room);
-    std::copy_n(device.answer.begin(), size, to);
+    const std::size_t size = std::min<std::size_t>(bus->answerSize, room);
+    std::copy_n(bus->answer.begin(), size, to);
     *transferred = static_cast<int>(size);
-    device.answer.clear();
-    if (device.camera.unplugs())
-        bus().unplug(device);
+    bus->answerSize = 0;
+    if (bus.camera().unplugs())
+        bus.unplug();
     return 0;
 }
 
-int fetchPacket(std::unique_lock<std::mutex>& lock, Device& device, std::uint8_t* to, std::size_t room,
-                int* transferred, Clock::time_point deadline)
+int fetchPacket(LockedBus& bus, const Device& device, std::uint8_t* to, std::size_t room, int* transferred,
+                Clock::time_point deadline)
 {
     for (;;) {
-        if (!device.present)
+        if (!isPresent(bus, device))
             return kNoDevice;
+        FakeCamera camera = bus.camera();
         const Clock::time_point now = Clock::now();
-        const bool imageBegins = device.camera.nextPart() == FakeCamera::Part::Leader;
-        const bool waits = imageBegins && now < device.nextImage;
-        if (device.camera.sends() && !waits) {
+        const bool imageBegins = camera.nextPart() == Part::Leader;
+        const bool waits = imageBegins && now.time_since_epoch().count() < bus->camera.nextImage;
+        if (camera.sends() && !waits) {
+            bus.pass(Moment::packet);
             if (imageBegins)
-                device.nextImage = now + kImagePeriod;
-            *transferred = static_cast<int>(device.camera.send(to, room));
+                bus->camera.nextImage = (now + kImagePeriod).time_since_epoch().count();
+            *transferred = static_cast<int>(camera.send(to, room));
             return *transferred == 0 ? kOverflow : 0;
         }
         if (now >= deadline)
             return kTimeout;
-        bus().changed.wait_until(lock, device.camera.sends() ? std::min(deadline, device.nextImage) : deadline);
+        bus.yield();
     }
 }
 
 } // namespace
-
-void plugIn()
-{
-    const std::lock_guard lock(bus().mutex);
-    bus().plugIn();
-}
-
-void unplug()
-{
-    const std::lock_guard lock(bus().mutex);
-    bus().unplug(bus().devices.back());
-}
-
-void unplugAtCommand(int n)
-{
-    const std::lock_guard lock(bus().mutex);
-    bus().commandsToUnplug = n;
-}
-
-void answerCommands(bool answered)
-{
-    const std::lock_guard lock(bus().mutex);
-    bus().answered = answered;
-}
-
-void announceRemoval(bool announced)
-{
-    const std::lock_guard lock(bus().mutex);
-    bus().announced = announced;
-}
-
-bool tellsOfRemoval()
-{
-    return thisThreadTells;
-}
-
-int removalsTold()
-{
-    const std::lock_guard lock(bus().mutex);
-    return bus().removalsTold;
-}
-
-std::uint32_t value(std::uint64_t address)
-{
-    const std::lock_guard lock(bus().mutex);
-    return bus().devices.back().camera.value(address);
-}
-
-void setValue(std::uint64_t address, std::uint32_t value)
-{
-    const std::lock_guard lock(bus().mutex);
-    bus().devices.back().camera.setValue(address, value);
-}
-
-int commands()
-{
-    const std::lock_guard lock(bus().mutex);
-    return bus().commands;
-}
 
 } // namespace usb
 
@@ -227,17 +147,12 @@ extern "C" {
 
 int libusb_init(Context** context)
 {
-    const std::lock_guard lock(bus().mutex);
     *context = std::make_unique<Context>().release();
-    bus().contexts.push_back(*context);
     return 0;
 }
 
 void libusb_exit(Context* context)
 {
-    const std::lock_guard lock(bus().mutex);
-    auto& contexts = bus().contexts;
-    contexts.erase(std::remove(contexts.begin(), contexts.end(), context), contexts.end());
     const std::unique_ptr<Context> owned(context);
 }
 
@@ -248,15 +163,14 @@ const char* libusb_error_name(int)
 
 ssize_t libusb_get_device_list(Context*, Device*** list)
 {
-    const std::lock_guard lock(bus().mutex);
-    auto devices = std::make_unique<Device*[]>(bus().devices.size() + 1);
-    ssize_t count = 0;
-    for (Device& device : bus().devices) {
-        if (device.present)
-            devices[static_cast<std::size_t>(count++)] = &device;
-    }
+    LockedBus bus;
+    bus.pass(Moment::listing);
+    auto devices = std::make_unique<Device*[]>(2);
+    const bool present = bus->present != 0;
+    if (present)
+        devices[0] = deviceOf(bus->generation);
     *list = devices.release();
-    return count;
+    return present ? 1 : 0;
 }
 
 void libusb_free_device_list(Device** list, int)
@@ -336,37 +250,37 @@ int libusb_clear_halt(Handle*, unsigned char)
 int libusb_bulk_transfer(Handle* handle, unsigned char endpoint, unsigned char* data, int length, int* transferred,
                          unsigned timeoutMs)
 {
-    std::unique_lock lock(bus().mutex);
+    LockedBus bus;
     *transferred = 0;
     Device& device = *handle->device;
     const auto size = static_cast<std::size_t>(length);
-    if (!device.present)
+    if (!isPresent(bus, device))
         return kNoDevice;
     if (endpoint == (kIn | kStreamEndpoint)) {
         const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-        return fetchPacket(lock, device, data, size, transferred, deadline);
+        return fetchPacket(bus, device, data, size, transferred, deadline);
     }
     if ((endpoint & kIn) != 0)
-        return fetchAnswer(device, data, size, transferred);
+        return fetchAnswer(bus, data, size, transferred);
     *transferred = length;
-    const int result = sendCommand(device, Bytes(data, data + size));
-    bus().changed.notify_all();
-    return result;
+    return sendCommand(bus, Bytes(data, data + size));
 }
 
 int libusb_hotplug_register_callback(Context* context, int, int, int, int, int, HotplugCallback callback,
                                      void* userData, int* id)
 {
-    const std::lock_guard lock(bus().mutex);
-    context->listeners.push_back({++bus().lastListener, callback, userData});
+    const LockedBus bus;
+    const std::lock_guard lock(local().mutex);
+    context->listeners.push_back({++local().lastListener, callback, userData});
+    context->told = bus->present != 0 ? bus->generation - 1 : bus->generation;
     if (id != nullptr)
-        *id = bus().lastListener;
+        *id = local().lastListener;
     return 0;
 }
 
 void libusb_hotplug_deregister_callback(Context* context, int id)
 {
-    const std::lock_guard lock(bus().mutex);
+    const std::lock_guard lock(local().mutex);
     auto& listeners = context->listeners;
     listeners.erase(std::remove_if(listeners.begin(), listeners.end(), [id](const auto& it) { return it.id == id; }),
                     listeners.end());
@@ -374,21 +288,22 @@ void libusb_hotplug_deregister_callback(Context* context, int id)
 
 int libusb_handle_events_timeout(Context* context, timeval* timeout)
 {
-    std::unique_lock lock(bus().mutex);
-    const auto time = std::chrono::seconds(timeout->tv_sec) + std::chrono::microseconds(timeout->tv_usec);
-    bus().changed.wait_for(lock, time, [&] { return !context->left.empty(); });
-    const std::vector<Device*> left = std::exchange(context->left, {});
+    const auto end = Clock::now() + std::chrono::seconds(timeout->tv_sec) + std::chrono::microseconds(timeout->tv_usec);
+    std::uint32_t left = 0;
+    {
+        LockedBus bus;
+        while (bus->left <= context->told && Clock::now() < end)
+            bus.yield();
+        left = bus->left;
+    }
+    if (left <= context->told)
+        return 0;
+    context->told = left;
+    std::unique_lock lock(local().mutex);
     const std::vector<Context::Listener> listeners = context->listeners;
     lock.unlock();
-    for (Device* device : left) {
-        thisThreadTells = true;
-        for (const auto& listener : listeners)
-            listener.callback(context, device, kDeviceLeft, listener.userData);
-        thisThreadTells = false;
-        lock.lock();
-        ++bus().removalsTold;
-        lock.unlock();
-    }
+    for (const auto& listener : listeners)
+        listener.callback(context, deviceOf(left), kDeviceLeft, listener.userData);
     return 0;
 }
 

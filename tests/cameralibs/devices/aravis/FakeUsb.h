@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// The bus of the fake libusb, with one camera on it from the start. Linked into a program, or preloaded, the library
-/// stands before the one that Aravis asks for USB devices.
+/// A bus with one USB3 Vision camera on it from the start. It is shared by the test and the transports that it starts:
+/// those get a libusb of our own, preloaded, that stands before the one which Aravis asks for USB devices.
 namespace usb {
 
 constexpr const char* kGuid = "FA4E00000001";
@@ -21,9 +21,14 @@ void answerCommands(bool answered);
 /// Whether the system tells of a device that leaves; else it is found out by a transfer that fails.
 void announceRemoval(bool announced);
 
-/// Whether the calling thread is just telling of a device that has left, and how often any has done so to its end.
-[[nodiscard]] bool tellsOfRemoval();
-[[nodiscard]] int removalsTold();
+/// What a transport does with the bus.
+enum class Moment : std::uint32_t { listing, command, answer, packet };
+
+/// The transport sends itself a signal at the n-th of these moments from now, counted from 1; 0: never.
+void signalAt(Moment moment, int n, int signal);
+
+/// Whether that has happened since it was asked for.
+[[nodiscard]] bool signalSent();
 
 /// Registers of the camera that was plugged in last.
 [[nodiscard]] std::uint32_t value(std::uint64_t address);

@@ -2,13 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 namespace usb {
 
 namespace {
-
-constexpr std::size_t kMemorySize = 0x31000;
 
 // The registers of every USB3 Vision device, and the tables they lead to.
 constexpr std::uint64_t kManufacturer = 0x4;
@@ -42,46 +39,60 @@ constexpr std::size_t kLeaderSize = 52;
 constexpr std::size_t kTrailerSize = 32;
 constexpr std::uint16_t kImagePayload = 1;
 
-template <typename Number> void put(Bytes& bytes, std::size_t offset, Number number)
+template <typename Container, typename Number> void put(Container& bytes, std::size_t offset, Number number)
 {
     std::memcpy(bytes.data() + offset, &number, sizeof number);
 }
 
-template <typename Number> Number get(const Bytes& bytes, std::size_t offset)
+template <typename Number, typename Container> Number get(const Container& bytes, std::size_t offset)
 {
     Number number = 0;
     std::memcpy(&number, bytes.data() + offset, sizeof number);
     return number;
 }
 
+template <typename Container> void put16(Container& bytes, std::size_t offset, std::uint16_t number)
+{
+    put(bytes, offset, number);
+}
+
+template <typename Container> void put32(Container& bytes, std::size_t offset, std::uint32_t number)
+{
+    put(bytes, offset, number);
+}
+
+template <typename Container> void put64(Container& bytes, std::size_t offset, std::uint64_t number)
+{
+    put(bytes, offset, number);
+}
+
 } // namespace
 
-FakeCamera::FakeCamera(std::string description)
-    : m_memory(kMemorySize)
-    , m_description(std::move(description))
+void FakeCamera::reset()
 {
+    m_state = {};
     setText(kManufacturer, "Fake Maker");
     setText(kModel, "U3V-Fake");
     setText(kSerial, "U01");
-    put<std::uint32_t>(m_memory, kResponseTime, 100);
-    put(m_memory, kManifestAddress, kManifest);
-    put(m_memory, kTechnologyAddress, kTechnology);
+    put32(m_state.memory, kResponseTime, 100);
+    put(m_state.memory, kManifestAddress, kManifest);
+    put(m_state.memory, kTechnologyAddress, kTechnology);
 
-    put<std::uint64_t>(m_memory, kManifest, 1);
-    put<std::uint32_t>(m_memory, kManifest + 0x0c, 0x01010000); // not compressed
-    put(m_memory, kManifest + 0x10, kDescription);
-    put<std::uint64_t>(m_memory, kManifest + 0x18, m_description.size());
+    put64(m_state.memory, kManifest, 1);
+    put32(m_state.memory, kManifest + 0x0c, 0x01010000); // not compressed
+    put(m_state.memory, kManifest + 0x10, kDescription);
+    put64(m_state.memory, kManifest + 0x18, m_description.size());
 
-    put<std::uint32_t>(m_memory, kTechnology + 0x14, kMaximumTransfer); // of a command
-    put<std::uint32_t>(m_memory, kTechnology + 0x18, kMaximumTransfer); // of an answer
-    put(m_memory, kTechnology + 0x20, kStream);
-    put(m_memory, kStreamInfo, kAlignment);
-    put<std::uint32_t>(m_memory, kStream + 0x10, kLeaderSize);
-    put<std::uint32_t>(m_memory, kStream + 0x14, kTrailerSize);
+    put32(m_state.memory, kTechnology + 0x14, kMaximumTransfer); // of a command
+    put32(m_state.memory, kTechnology + 0x18, kMaximumTransfer); // of an answer
+    put(m_state.memory, kTechnology + 0x20, kStream);
+    put(m_state.memory, kStreamInfo, kAlignment);
+    put32(m_state.memory, kStream + 0x10, kLeaderSize);
+    put32(m_state.memory, kStream + 0x14, kTrailerSize);
 
-    put<std::uint32_t>(m_memory, kWidth, 320);
-    put<std::uint32_t>(m_memory, kHeight, 240);
-    put(m_memory, kPixelFormat, kMono8);
+    put32(m_state.memory, kWidth, 320);
+    put32(m_state.memory, kHeight, 240);
+    put(m_state.memory, kPixelFormat, kMono8);
     updatePayload();
 }
 
@@ -89,7 +100,7 @@ Bytes FakeCamera::execute(const Bytes& command)
 {
     Bytes answer(kHeaderSize + 4);
     std::copy_n(command.begin(), kHeaderSize, answer.begin());
-    put<std::uint16_t>(answer, 4, 0);
+    put16(answer, 4, 0);
     const auto code = get<std::uint16_t>(command, 6);
     put(answer, 6, static_cast<std::uint16_t>(code + 1));
     const auto address = get<std::uint64_t>(command, kHeaderSize);
@@ -114,19 +125,19 @@ bool FakeCamera::sends() const
 
 std::size_t FakeCamera::send(std::uint8_t* to, std::size_t room)
 {
-    if (m_part == Part::Payload) {
-        const std::size_t size = std::min<std::size_t>(room, value(kPayloadSize) - m_sent);
+    if (m_state.part == Part::Payload) {
+        const std::size_t size = std::min<std::size_t>(room, value(kPayloadSize) - m_state.sent);
         for (std::size_t i = 0; i < size; ++i)
-            to[i] = static_cast<std::uint8_t>(m_image + m_sent + i);
-        m_sent += size;
-        if (m_sent == value(kPayloadSize))
-            m_part = Part::Trailer;
+            to[i] = static_cast<std::uint8_t>(m_state.image + m_state.sent + i);
+        m_state.sent += size;
+        if (m_state.sent == value(kPayloadSize))
+            m_state.part = Part::Trailer;
         return size;
     }
-    const Bytes packet = m_part == Part::Leader ? leader() : trailer();
-    m_sent = 0;
-    m_image += m_part == Part::Trailer ? 1 : 0;
-    m_part = m_part == Part::Leader ? Part::Payload : Part::Leader;
+    const Bytes packet = m_state.part == Part::Leader ? leader() : trailer();
+    m_state.sent = 0;
+    m_state.image += m_state.part == Part::Trailer ? 1 : 0;
+    m_state.part = m_state.part == Part::Leader ? Part::Payload : Part::Leader;
     if (packet.size() > room)
         return 0;
     std::copy(packet.begin(), packet.end(), to);
@@ -135,12 +146,12 @@ std::size_t FakeCamera::send(std::uint8_t* to, std::size_t room)
 
 std::uint32_t FakeCamera::value(std::uint64_t address) const
 {
-    return get<std::uint32_t>(m_memory, address);
+    return get<std::uint32_t>(m_state.memory, address);
 }
 
 void FakeCamera::setValue(std::uint64_t address, std::uint32_t value)
 {
-    put(m_memory, address, value);
+    put(m_state.memory, address, value);
 }
 
 bool FakeCamera::unplugs() const
@@ -153,8 +164,8 @@ Bytes FakeCamera::read(std::uint64_t address, std::size_t size) const
     Bytes data(size);
     for (std::size_t i = 0; i < size; ++i) {
         const std::uint64_t at = address + i;
-        if (at < m_memory.size()) {
-            data[i] = m_memory[at];
+        if (at < m_state.memory.size()) {
+            data[i] = m_state.memory[at];
         } else if (at >= kDescription && at - kDescription < m_description.size()) {
             data[i] = static_cast<std::uint8_t>(m_description[at - kDescription]);
         }
@@ -164,41 +175,41 @@ Bytes FakeCamera::read(std::uint64_t address, std::size_t size) const
 
 bool FakeCamera::write(std::uint64_t address, const std::uint8_t* data, std::size_t size)
 {
-    if (address > m_memory.size() || size > m_memory.size() - address)
+    if (address > m_state.memory.size() || size > m_state.memory.size() - address)
         return false;
-    std::copy_n(data, size, m_memory.data() + address);
+    std::copy_n(data, size, m_state.memory.data() + address);
     if (address == kWidth || address == kHeight)
         updatePayload();
     if (address == kStart || (address == kStreamControl && !sends())) {
-        m_part = Part::Leader;
-        m_image = 0;
-        m_sent = 0;
+        m_state.part = Part::Leader;
+        m_state.image = 0;
+        m_state.sent = 0;
     }
     if (address == kStop)
-        put<std::uint32_t>(m_memory, kStart, 0);
+        put32(m_state.memory, kStart, 0);
     return true;
 }
 
 void FakeCamera::setText(std::uint64_t address, const std::string& text)
 {
-    std::copy(text.begin(), text.end(), m_memory.data() + address);
+    std::copy(text.begin(), text.end(), m_state.memory.data() + address);
 }
 
 void FakeCamera::updatePayload()
 {
     const std::uint32_t size = value(kWidth) * value(kHeight);
-    put(m_memory, kPayloadSize, size);
-    put<std::uint64_t>(m_memory, kStreamPayload, size);
+    put(m_state.memory, kPayloadSize, size);
+    put64(m_state.memory, kStreamPayload, size);
 }
 
 Bytes FakeCamera::leader() const
 {
     Bytes packet(kLeaderSize);
     put(packet, 0, kLeaderMagic);
-    put<std::uint16_t>(packet, 6, kLeaderSize);
-    put(packet, 8, m_image);
+    put16(packet, 6, kLeaderSize);
+    put(packet, 8, m_state.image);
     put(packet, 18, kImagePayload);
-    put<std::uint64_t>(packet, 20, (m_image + 1) * 1'000'000);
+    put64(packet, 20, (m_state.image + 1) * 1'000'000);
     put(packet, 28, value(kPixelFormat));
     put(packet, 32, value(kWidth));
     put(packet, 36, value(kHeight));
@@ -209,9 +220,9 @@ Bytes FakeCamera::trailer() const
 {
     Bytes packet(kTrailerSize);
     put(packet, 0, kTrailerMagic);
-    put<std::uint16_t>(packet, 6, kTrailerSize);
-    put(packet, 8, m_image);
-    put<std::uint64_t>(packet, 20, value(kPayloadSize));
+    put16(packet, 6, kTrailerSize);
+    put(packet, 8, m_state.image);
+    put64(packet, 20, value(kPayloadSize));
     put(packet, 28, value(kHeight));
     return packet;
 }

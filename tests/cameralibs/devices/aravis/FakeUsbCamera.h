@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -19,10 +20,32 @@ constexpr std::uint64_t kPayloadSize = 0x30008; ///< and as the feature does
 constexpr std::uint64_t kPixelFormat = 0x3000c;
 constexpr std::uint64_t kTransportLayerLocked = 0x30018;
 
+constexpr std::size_t kMemorySize = 0x31000;
+
+/// What it sends next on the stream endpoint.
+enum class Part : std::uint32_t { Leader, Payload, Trailer };
+
+/// All that changes in a camera; without pointers, so that several processes can share it.
+struct CameraState {
+    std::array<std::uint8_t, kMemorySize> memory;
+    Part part;
+    std::uint64_t image;
+    std::uint64_t sent;     ///< bytes of the image
+    std::int64_t nextImage; ///< when it begins; nanoseconds of the steady clock
+};
+
 /// A USB3 Vision camera behind its two endpoints. Its images are Mono8: byte i of image n is the low byte of n + i.
 class FakeCamera {
 public:
-    explicit FakeCamera(std::string description);
+    /// Both outlive it.
+    FakeCamera(CameraState& state, const std::string& description)
+        : m_state(state)
+        , m_description(description)
+    {
+    }
+
+    /// As from its factory.
+    void reset();
 
     /// What comes back on the control endpoint.
     [[nodiscard]] Bytes execute(const Bytes& command);
@@ -30,8 +53,7 @@ public:
     /// Whether it has a packet to send on the stream endpoint.
     [[nodiscard]] bool sends() const;
 
-    enum class Part { Leader, Payload, Trailer };
-    [[nodiscard]] Part nextPart() const { return m_part; }
+    [[nodiscard]] Part nextPart() const { return m_state.part; }
 
     /// Writes the next packet, of the payload as much as there is room for. 0 where a packet does not fit, which is
     /// lost.
@@ -51,11 +73,8 @@ private:
     [[nodiscard]] Bytes leader() const;
     [[nodiscard]] Bytes trailer() const;
 
-    Bytes m_memory;
-    const std::string m_description;
-    Part m_part = Part::Leader;
-    std::uint64_t m_image = 0;
-    std::size_t m_sent = 0; ///< bytes of the image
+    CameraState& m_state;
+    const std::string& m_description;
 };
 
 } // namespace usb

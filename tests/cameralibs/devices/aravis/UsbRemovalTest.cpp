@@ -1,8 +1,5 @@
-#include "HeldUpNews.h"
 #include "UsbFixture.h"
 
-#include <chrono>
-#include <ctime>
 #include <functional>
 #include <thread>
 
@@ -41,23 +38,6 @@ const Leaving kLeavings[] = {
      }},
 };
 
-/// The share of a processor that the process takes while it has nothing to do.
-double idleLoad()
-{
-    const std::clock_t begin = std::clock();
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC / 0.5;
-}
-
-/// Far above what waiting takes, far below what is left on a busy machine for a thread that spins.
-constexpr double kIdle = 0.1;
-
-/// A thread that spins may take a moment until it is ended.
-bool becomesIdle()
-{
-    return becomes([] { return idleLoad() < kIdle; });
-}
-
 } // namespace
 
 TEST_F(UsbRemovalTest, CameraUnpluggedWhileStreaming)
@@ -72,46 +52,6 @@ TEST_F(UsbRemovalTest, CameraUnpluggedWhileStreaming)
         std::thread([&] { leaving.leave(m_camera, m_stream); }).join();
         EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
         ASSERT_NO_FATAL_FAILURE(replug());
-    }
-}
-
-// The thread that tells of it is the device's own: it must neither find the device gone nor be the last to hold it.
-TEST_F(UsbRemovalOpenTest, ClosedAtAnyMomentOfTheNews)
-{
-    bool held = true;
-    int moment = 0;
-    while (held) {
-        HeldUpNews news(++moment);
-        usb::unplug();
-        held = news.waitForMoment();
-        std::thread closing([&] { EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS); });
-        // Enough for closing, or to come to where it waits for the news.
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        news.goOn();
-        closing.join();
-        news.waitUntilTold();
-        ASSERT_NO_FATAL_FAILURE(replug());
-    }
-    EXPECT_GT(moment, 2);
-}
-
-TEST_F(UsbRemovalOpenTest, NewsOfACameraThatWasFoundGoneIsNotTakenForAnothers)
-{
-    bool held = true;
-    for (int moment = 1; held; ++moment) {
-        HeldUpNews news(moment);
-        const CAM_HANDLE gone = m_camera;
-        const CAM_NODE_HANDLE width = nodeOf(gone, "Width");
-        usb::unplug();
-        held = news.waitForMoment();
-        std::int64_t value = 0;
-        EXPECT_EQ(Nd_GetIntValue(gone, width, &value), kGone);
-        EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
-        ASSERT_NO_FATAL_FAILURE(replug());
-        news.goOn();
-        news.waitUntilTold();
-        EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT) << moment;
-        EXPECT_EQ(Cam_Close(gone), CAM_API_STS_SUCCESS);
     }
 }
 
@@ -150,34 +90,6 @@ TEST_F(UsbRemovalOpenTest, RegisterAccessFindsOutThatTheCameraIsGone)
     std::int64_t value = 0;
     EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone);
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS) << "set before the status is given";
-}
-
-TEST_F(UsbRemovalTest, UnpluggedBeforeItStartedKeepsNobodyBusy)
-{
-    usb::unplug();
-    ASSERT_EQ(Sys_WaitForSignal(m_signal, kPatienceMs), CAM_API_STS_SUCCESS);
-    EXPECT_TRUE(becomesIdle());
-    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
-}
-
-TEST_F(UsbRemovalTest, UnpluggedWhileStoppedKeepsNobodyBusy)
-{
-    start();
-    ASSERT_TRUE(m_recorder.waitForImages(3));
-    stop();
-    usb::unplug();
-    ASSERT_EQ(Sys_WaitForSignal(m_signal, kPatienceMs), CAM_API_STS_SUCCESS);
-    EXPECT_TRUE(becomesIdle());
-    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
-}
-
-TEST_F(UsbRemovalTest, UnpluggedWhileStreamingKeepsNobodyBusy)
-{
-    start();
-    ASSERT_TRUE(m_recorder.waitForImages(3));
-    usb::unplug();
-    ASSERT_EQ(Sys_WaitForSignal(m_signal, kPatienceMs), CAM_API_STS_SUCCESS);
-    EXPECT_TRUE(becomesIdle());
 }
 
 TEST_F(UsbRemovalTest, CameraThatIsBackOpensBesideTheLostOne)

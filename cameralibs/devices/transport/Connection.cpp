@@ -1,0 +1,330 @@
+#include "Connection.h"
+
+#include "cameralibs/base/Log.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace orvo {
+
+using namespace Orvo;
+using namespace transport;
+
+namespace {
+
+/// A busy machine takes its time to start a program.
+constexpr Connection::Limits kStart{std::chrono::seconds(10), std::chrono::seconds(10)};
+
+/// Several times as long as it is silent between two signs of life, and enough for a machine that swaps.
+constexpr std::chrono::seconds kSilence{4};
+
+/// Closing is over within a second, with what follows.
+constexpr std::chrono::milliseconds kFarewell{800};
+
+/// A transport that does not take what it is sent is given up.
+constexpr timeval kSendLimit{3, 0};
+
+constexpr std::size_t kMaxLine = 2 * kMaxText;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
+/// As Hello::log has it.
+std::uint32_t logLevel()
+{
+    if (!logs(Severity::warning))
+        return 0;
+    if (!logs(Severity::info))
+        return 1;
+    return logs(Severity::debug) ? 3 : 2;
+}
+
+std::string reasonOf(int error)
+{
+    return std::system_category().message(error);
+}
+
+} // namespace
+
+CAM_API_STATUS knownStatus(std::uint32_t status)
+{
+    constexpr std::array<CAM_API_STATUS, 12> kKnown = {
+        CAM_API_STS_SUCCESS,         CAM_API_STS_INVALID_PARAMETER,     CAM_API_STS_NO_MEMORY,
+        CAM_API_STS_NOT_IMPLEMENTED, CAM_API_STS_CAMERA_NOT_RESPONDING, CAM_API_STS_XML_LOAD_ERR,
+        CAM_API_STS_GENICAM_ERR,     CAM_API_STS_INVALID_ADDRESS,       CAM_API_STS_WRITE_PROTECT,
+        CAM_API_STS_BAD_ALIGNMENT,   CAM_API_STS_ACCESS_DENIED,         CAM_API_STS_BUSY};
+    return std::find(kKnown.begin(), kKnown.end(), status) == kKnown.end() ? CAM_API_STS_UNSUCCESSFUL : status;
+}
+
+Connection::Connection(std::string camera)
+    : m_camera(std::move(camera))
+    , m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{
+}
+
+Outcome Connection::open()
+{
+    std::string reason = start();
+    if (reason.empty())
+        reason = exchangeHello();
+    if (reason.empty())
+        return {};
+    return {CAM_API_STS_CAMERA_NOT_RESPONDING, std::move(reason)};
+}
+
+Connection::~Connection()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_closing = true;
+    }
+    endBy(Clock::now() + kFarewell);
+    (void)requestDone(Kind::close, Nothing{}, {kFarewell, kFarewell});
+    if (m_watcher.joinable())
+        m_watcher.join();
+}
+
+std::string Connection::start()
+{
+    Process::Ends ends;
+    std::array<int, 2> errors = {-1, -1};
+    if (!m_wake || !makeChannel(m_control, ends.control) || !makeChannel(m_events, ends.events))
+        return "There are no more descriptors: " + reasonOf(errno);
+    if (kSanitized) {
+        ends.errors = Descriptor(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)); // where reports are looked for
+    } else if (logLevel() != 0 && ::pipe2(errors.data(), O_CLOEXEC | O_NONBLOCK) == 0) {
+        m_errors = Descriptor(errors[0]);
+        ends.errors = Descriptor(errors[1]);
+    }
+    if (std::string reason = m_process.start(transportProgram(), ends); !reason.empty())
+        return reason;
+    try {
+        m_watcher = std::thread([this] { watch(); });
+    } catch (const std::system_error& error) {
+        m_process.kill();
+        return std::string("There are no more threads: ") + error.what();
+    }
+    return {};
+}
+
+std::string Connection::exchangeHello()
+{
+    Hello hello{};
+    setText(hello.build, ORVO_TRANSPORT_BUILD);
+    hello.log = logLevel();
+    std::string build;
+    const bool heard = request(Kind::hello, hello, kStart, [&](const Packet& reply) {
+        const auto theirs = reply.body<Hello>(Kind::hello);
+        build = theirs ? textOf(theirs->build) : "";
+        return theirs ? Heard::last : Heard::wrong;
+    });
+    if (!heard)
+        return transportProgram() + " does not run";
+    if (build != ORVO_TRANSPORT_BUILD) {
+        endNow("It is of another build");
+        return transportProgram() + " is of another build than the camera library";
+    }
+    return {};
+}
+
+bool Connection::endNow(const std::string& reason)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_reason.empty())
+            m_reason = reason;
+    }
+    m_gone.store(true, std::memory_order_release);
+    m_process.kill();
+    return false;
+}
+
+void Connection::endBy(Clock::time_point time)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_end = std::min(m_end, time);
+    }
+    const std::uint64_t one = 1;
+    if (m_wake)
+        (void)!::write(m_wake.get(), &one, sizeof one);
+}
+
+void Connection::onGone(std::function<void(const std::string& reason)> handler)
+{
+    std::string reason;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_told) {
+            m_goneHandler = std::move(handler);
+            return;
+        }
+        reason = m_reason;
+    }
+    handler(reason);
+}
+
+bool Connection::makeChannel(Channel& here, Descriptor& there)
+{
+    std::array<int, 2> ends = {-1, -1};
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
+        return false;
+    (void)::setsockopt(ends[0], SOL_SOCKET, SO_SNDTIMEO, &kSendLimit, sizeof kSendLimit);
+    here = Channel(Descriptor(ends[0]));
+    there = Descriptor(ends[1]);
+    return true;
+}
+
+bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
+{
+    const Clock::time_point end = Clock::now() + limits.total;
+    Clock::time_point silentUntil = Clock::now() + limits.silence;
+    for (;;) {
+        switch (m_control.receive(m_reply, std::min(silentUntil, end))) {
+        case Received::packet:
+            break;
+        case Received::timeout:
+            return endNow("The camera does not answer in time");
+        case Received::closed:
+            return endNow({});
+        case Received::malformed:
+            return endNow("It sends what is no packet");
+        }
+        if (const auto progress = m_reply.body<Progress>(Kind::progress)) {
+            if (progress->answer == Answer::useful)
+                silentUntil = Clock::now() + limits.silence;
+            if (progress->answer == Answer::pending && limits.pendingIsSign)
+                silentUntil = end;
+            continue;
+        }
+        switch (handler(m_reply)) {
+        case Heard::last:
+            return true;
+        case Heard::more:
+            break;
+        case Heard::wrong:
+            return endNow("It gives an answer that does not belong to the request");
+        }
+    }
+}
+
+Connection::Heard Connection::readDone(const Packet& reply, Outcome& outcome)
+{
+    const auto done = reply.body<Done>(Kind::done);
+    if (!done)
+        return Heard::wrong;
+    outcome = {knownStatus(done->status), std::string(reply.data().substr(0, kMaxText))};
+    return Heard::last;
+}
+
+void Connection::watch()
+{
+    Packet packet;
+    Clock::time_point silentUntil = Clock::now() + kSilence + kStart.total;
+    for (;;) {
+        Clock::time_point end;
+        {
+            const std::lock_guard lock(m_mutex);
+            end = std::min(m_end, silentUntil);
+        }
+        std::array<pollfd, 3> watched = {pollfd{m_events.descriptor(), POLLIN, 0}, pollfd{m_wake.get(), POLLIN, 0},
+                                         pollfd{m_errors.get(), POLLIN, 0}};
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        const int ready = ::poll(watched.data(), watched.size(), static_cast<int>(std::max<std::int64_t>(left, 0)));
+        if (ready == 0)
+            endNow("It gives no sign of life");
+        if (ready == 0 || (ready < 0 && errno != EINTR))
+            break;
+        if (watched[1].revents != 0) {
+            std::uint64_t count = 0;
+            (void)!::read(m_wake.get(), &count, sizeof count);
+        }
+        if (watched[2].revents != 0)
+            readErrors();
+        if (watched[0].revents != 0) {
+            if (!readEvent(packet))
+                break;
+            silentUntil = Clock::now() + kSilence;
+        }
+    }
+    m_gone.store(true, std::memory_order_release);
+    m_process.kill();
+    const std::string end = m_process.wait();
+    readErrors();
+    tellGone(end);
+}
+
+/// False where it was the last.
+bool Connection::readEvent(Packet& packet)
+{
+    if (m_events.receive(packet, Clock::time_point::min()) != Received::packet)
+        return false;
+    if (packet.body<Nothing>(Kind::alive))
+        return true;
+    if (packet.body<Nothing>(Kind::lost))
+        endNow(std::string(packet.data().substr(0, kMaxText)));
+    return false;
+}
+
+void Connection::readErrors()
+{
+    std::array<char, 4096> bytes{};
+    ssize_t size = 0;
+    while (m_errors && (size = ::read(m_errors.get(), bytes.data(), bytes.size())) > 0) {
+        for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(size))) {
+            if (byte != '\n' && m_line.size() < kMaxLine) {
+                m_line += byte;
+                continue;
+            }
+            logLine(m_line);
+            m_line.clear();
+        }
+    }
+    if (size == 0)
+        m_errors.reset();
+}
+
+/// What bears no priority comes of Aravis or GLib, which write what they are told to.
+void Connection::logLine(std::string_view line) const
+{
+    Severity severity = logs(Severity::info) ? Severity::info : Severity::warning;
+    if (line.size() > 3 && line[0] == '<' && line[2] == '>') {
+        const int priority = line[1] - '0';
+        severity = priority <= 4 ? Severity::warning : priority <= 6 ? Severity::info : Severity::debug;
+        line.remove_prefix(3);
+    }
+    log(severity, m_camera, std::string(line));
+}
+
+/// `end` tells how the process ended, where that tells anything.
+void Connection::tellGone(const std::string& end)
+{
+    std::function<void(const std::string&)> handler;
+    std::string reason;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_told = true;
+        if (m_closing)
+            return;
+        if (m_reason.empty())
+            m_reason = "Its process " + (end.empty() ? "is gone" : end);
+        reason = m_reason;
+        handler = std::move(m_goneHandler);
+    }
+    if (handler)
+        handler(reason);
+}
+
+} // namespace orvo

@@ -1,0 +1,169 @@
+#include "Process.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <system_error>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace orvo {
+
+using transport::Descriptor;
+
+namespace {
+
+/// Above every number that the child gets its descriptors under, so that none is overwritten before it is copied.
+constexpr int kAboveAll = 16;
+
+std::string reasonOf(int error)
+{
+    return std::system_category().message(error);
+}
+
+// The C library's header for it has no C++ linkage in some versions.
+int openProcess(pid_t pid)
+{
+    return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
+}
+
+class FileActions {
+public:
+    FileActions() { ::posix_spawn_file_actions_init(&m_actions); }
+    ~FileActions() { ::posix_spawn_file_actions_destroy(&m_actions); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+
+    void give(int descriptor, int as)
+    {
+        m_copies.at(m_count) = Descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, kAboveAll));
+        ::posix_spawn_file_actions_adddup2(&m_actions, m_copies.at(m_count).get(), as);
+        ++m_count;
+    }
+    void openNull(int as, int mode) { ::posix_spawn_file_actions_addopen(&m_actions, as, "/dev/null", mode, 0); }
+    void closeFrom(int descriptor) { ::posix_spawn_file_actions_addclosefrom_np(&m_actions, descriptor); }
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &m_actions; }
+
+private:
+    posix_spawn_file_actions_t m_actions{};
+    std::array<Descriptor, 3> m_copies;
+    std::size_t m_count = 0;
+};
+
+class Attributes {
+public:
+    Attributes()
+    {
+        sigset_t all;
+        sigset_t none;
+        ::sigfillset(&all);
+        ::sigemptyset(&none);
+        ::posix_spawnattr_init(&m_attributes);
+        ::posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+        ::posix_spawnattr_setsigdefault(&m_attributes, &all);
+        ::posix_spawnattr_setsigmask(&m_attributes, &none);
+    }
+    ~Attributes() { ::posix_spawnattr_destroy(&m_attributes); }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &m_attributes; }
+
+private:
+    posix_spawnattr_t m_attributes{};
+};
+
+std::string folderOf(const std::string& path)
+{
+    return path.substr(0, path.rfind('/'));
+}
+
+} // namespace
+
+Process::~Process()
+{
+    kill();
+    (void)wait();
+}
+
+std::string Process::start(const std::string& program, const Ends& ends)
+{
+    FileActions actions;
+    actions.openNull(STDIN_FILENO, O_RDONLY);
+    actions.openNull(STDOUT_FILENO, O_WRONLY);
+    if (ends.errors) {
+        actions.give(ends.errors.get(), STDERR_FILENO);
+    } else {
+        actions.openNull(STDERR_FILENO, O_WRONLY);
+    }
+    actions.give(ends.control.get(), transport::kControlDescriptor);
+    actions.give(ends.events.get(), transport::kEventDescriptor);
+    actions.closeFrom(transport::kEventDescriptor + 1);
+    const Attributes attributes;
+    std::string name = program;
+    std::array<char*, 2> arguments = {name.data(), nullptr};
+    const int error = ::posix_spawn(&m_pid, name.c_str(), actions.get(), attributes.get(), arguments.data(), environ);
+    if (error != 0) {
+        m_pid = -1;
+        return program + " cannot be started: " + reasonOf(error);
+    }
+    m_handle = Descriptor(openProcess(m_pid));
+    if (!m_handle) {
+        // Not yet waited for, so the number is still this child's.
+        (void)::kill(m_pid, SIGKILL);
+        return program + " cannot be watched: " + reasonOf(errno);
+    }
+    return {};
+}
+
+void Process::kill() const noexcept
+{
+    if (m_handle)
+        (void)::syscall(SYS_pidfd_send_signal, m_handle.get(), SIGKILL, nullptr, 0);
+}
+
+std::string Process::wait()
+{
+    if (m_pid <= 0)
+        return {};
+    int status = 0;
+    pid_t waited = -1;
+    do
+        waited = ::waitpid(m_pid, &status, 0);
+    while (waited < 0 && errno == EINTR);
+    // Where SIGCHLD is ignored, or the program waits for all its children, nothing is left to be told.
+    const bool told = waited == m_pid;
+    m_pid = -1;
+    if (told && WIFSIGNALED(status))
+        return "ended by signal " + std::to_string(WTERMSIG(status));
+    if (told && WIFEXITED(status) && WEXITSTATUS(status) != 0)
+        return "ended with status " + std::to_string(WEXITSTATUS(status));
+    return {};
+}
+
+std::string transportProgram()
+{
+    if (const char* const forTests = ::secure_getenv("ORVO_CAMERA_TRANSPORT"); forTests != nullptr)
+        return forTests;
+    Dl_info info{};
+    std::string library;
+    if (::dladdr(reinterpret_cast<const void*>(&transportProgram), &info) != 0 && info.dli_fname != nullptr) {
+        const std::unique_ptr<char, decltype(&std::free)> path(::realpath(info.dli_fname, nullptr), &std::free);
+        library = path == nullptr ? "" : path.get();
+    }
+    // From <prefix>/lib in the build tree, or from where libraries are installed.
+    for (const char* const libexec : {ORVO_LIBEXEC_FROM_LIBRARY, "../libexec"}) {
+        std::string candidate = folderOf(library) + "/" + libexec + "/orvocam-transport";
+        if (::access(candidate.c_str(), X_OK) == 0)
+            return candidate;
+    }
+    return "/usr/libexec/orvocam-transport";
+}
+
+} // namespace orvo

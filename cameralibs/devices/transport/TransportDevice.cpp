@@ -1,0 +1,222 @@
+#include "TransportDevice.h"
+
+#include "cameralibs/devices/transport/TransportSource.h"
+#include "cameralibs/genicam/ErrorStatus.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+using namespace orvo;
+using namespace orvo::transport;
+
+namespace {
+
+/// An access without an answer for that long makes the camera lost; one that a camera asks for patience with has
+/// longer.
+constexpr Connection::Limits kAccess{std::chrono::seconds(3), std::chrono::seconds(10)};
+
+// Instance memory comes zeroed from GObject, without constructors: plain members only.
+struct OrvoTransportDevice {
+    ArvDevice parent;
+    Connection* connection;
+};
+
+struct OrvoTransportDeviceClass {
+    ArvDeviceClass parent;
+};
+
+GType orvo_transport_device_get_type();
+
+G_DEFINE_TYPE(OrvoTransportDevice, orvo_transport_device, ARV_TYPE_DEVICE)
+
+Connection& connectionOf(ArvDevice* device)
+{
+    return *reinterpret_cast<OrvoTransportDevice*>(device)->connection;
+}
+
+/// How an access ends.
+struct Access {
+    bool done = false;
+    ArvDeviceError error = ARV_DEVICE_ERROR_NOT_CONNECTED;
+    std::string text = "The camera is not connected";
+
+    /// The bytes of a read go to `to`; those of a write have none.
+    [[nodiscard]] Connection::Heard readReply(const Packet& reply, char* to, std::size_t size)
+    {
+        const auto answer = reply.body<Done>(Kind::done);
+        if (!answer)
+            return Connection::Heard::wrong;
+        done = answer->status == 0;
+        if (done && reply.data().size() != size)
+            return Connection::Heard::wrong;
+        if (done) {
+            std::copy_n(reply.data().begin(), size, to);
+            return Connection::Heard::last;
+        }
+        // A number that Aravis does not know is one that means nothing.
+        const bool known = answer->status <= 1 + ARV_DEVICE_ERROR_PROTOCOL_ERROR_BUSY;
+        error = known ? static_cast<ArvDeviceError>(answer->status - 1) : ARV_DEVICE_ERROR_UNKNOWN;
+        text.assign(reply.data().substr(0, kMaxText));
+        return Connection::Heard::last;
+    }
+
+    /// What tells that the camera is gone is the end of its transport, too.
+    [[nodiscard]] gboolean finish(Connection& connection, GError** to) const
+    {
+        if (done)
+            return TRUE;
+        GError* failure = g_error_new_literal(ARV_DEVICE_ERROR, error, text.c_str());
+        if (takeError(g_error_copy(failure), Attempted::reading).status == Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
+            connection.endNow(text);
+        g_propagate_error(to, failure);
+        return FALSE;
+    }
+};
+
+// The callers are C functions, which no exception may pass through.
+template <typename Work> gboolean barrier(GError** error, Work&& work)
+{
+    try {
+        return work();
+    } catch (...) {
+        g_set_error_literal(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_UNKNOWN, "There is no more memory");
+        return FALSE;
+    }
+}
+
+gboolean readMemory(ArvDevice* device, guint64 address, guint32 size, void* buffer, GError** error)
+{
+    return barrier(error, [&] {
+        Connection& connection = connectionOf(device);
+        Access access;
+        access.done = true;
+        for (std::size_t at = 0; access.done && at < size; at += kMaxData) {
+            char* const to = static_cast<char*>(buffer) + at;
+            const std::size_t part = std::min<std::size_t>(size - at, kMaxData);
+            access.done = false;
+            (void)connection.request(Kind::read, Read{address + at, part}, kAccess,
+                                     [&](const Packet& reply) { return access.readReply(reply, to, part); });
+        }
+        return access.finish(connection, error);
+    });
+}
+
+// `Buffer` is void in older versions of Aravis and const void in newer ones.
+template <typename Buffer>
+gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, Buffer* buffer, GError** error)
+{
+    return barrier(error, [&] {
+        Connection& connection = connectionOf(device);
+        Access access;
+        access.done = true;
+        for (std::size_t at = 0; access.done && at < size; at += kMaxData) {
+            const std::string_view part(static_cast<const char*>(buffer) + at,
+                                        std::min<std::size_t>(size - at, kMaxData));
+            access.done = false;
+            (void)connection.request(
+                Kind::write, Write{address + at}, kAccess,
+                [&](const Packet& reply) { return access.readReply(reply, nullptr, 0); }, part);
+        }
+        return access.finish(connection, error);
+    });
+}
+
+// GigE Vision has them big-endian. What reaches a camera through a description goes through the two above.
+gboolean readRegister(ArvDevice* device, guint64 address, guint32* value, GError** error)
+{
+    return readMemory(device, address, sizeof *value, value, error);
+}
+
+gboolean writeRegister(ArvDevice* device, guint64 address, guint32 value, GError** error)
+{
+    return writeMemory<void>(device, address, sizeof value, &value, error);
+}
+
+// Whoever opens the camera makes the node map from its description.
+const char* noDescription(ArvDevice*, std::size_t* size)
+{
+    *size = 0;
+    return nullptr;
+}
+
+ArvGc* noNodeMap(ArvDevice*)
+{
+    return nullptr;
+}
+
+ArvStream* noStream(ArvDevice*, ArvStreamCallback, void*, GDestroyNotify, GError** error)
+{
+    g_set_error_literal(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_NO_STREAM_CHANNEL, "No stream channel");
+    return nullptr;
+}
+
+void orvo_transport_device_class_init(OrvoTransportDeviceClass* klass)
+{
+    ArvDeviceClass& device = klass->parent;
+    device.create_stream = noStream;
+    device.get_genicam_xml = noDescription;
+    device.get_genicam = noNodeMap;
+    device.read_memory = readMemory;
+    device.write_memory = writeMemory;
+    device.read_register = readRegister;
+    device.write_register = writeRegister;
+}
+
+void orvo_transport_device_init(OrvoTransportDevice*) {}
+
+ArvDevice* makeRegisters(Connection& connection)
+{
+    auto* const device = static_cast<OrvoTransportDevice*>(g_object_new(orvo_transport_device_get_type(), nullptr));
+    device->connection = &connection;
+    return &device->parent;
+}
+
+} // namespace
+
+namespace orvo {
+
+using namespace Orvo;
+
+TransportDevice::TransportDevice(DeviceInfo info, std::shared_ptr<Connection> connection)
+    : m_info(std::move(info))
+    , m_connection(std::move(connection))
+    , m_registers(makeRegisters(*m_connection))
+{
+}
+
+Outcome TransportDevice::description(std::string& xml)
+{
+    xml.clear();
+    std::uint64_t total = 0;
+    do {
+        const auto append = [&](const Packet& reply) {
+            const auto described = reply.body<Described>(Kind::described);
+            // Each part but the last is as large as can be, so that there is an end to it.
+            if (!described || (xml.empty() ? described->total > kMaxDescription : described->total != total) ||
+                reply.data().size() != std::min<std::uint64_t>(described->total - xml.size(), kMaxData))
+                return Connection::Heard::wrong;
+            total = described->total;
+            xml.append(reply.data());
+            return Connection::Heard::last;
+        };
+        if (!m_connection->request(Kind::describe, Describe{xml.size()}, kAccess, append))
+            return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
+    } while (xml.size() < total);
+    if (xml.empty())
+        return {CAM_API_STS_XML_LOAD_ERR, "The camera gives no description"};
+    return {};
+}
+
+Outcome TransportDevice::openSource(FrameSink& sink, const ImageMemory& memory,
+                                    const std::vector<FrameBuffer*>& buffers, std::unique_ptr<FrameSource>& source)
+{
+    Outcome outcome =
+        m_connection->requestDone(Kind::openSource, OpenSource{memory.size()}, kAccess, memory.descriptor());
+    if (outcome.ok())
+        source = std::make_unique<TransportSource>(m_connection, sink, memory, buffers);
+    return outcome;
+}
+
+} // namespace orvo

@@ -1,0 +1,127 @@
+#include "TransportSource.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace orvo {
+
+using namespace Orvo;
+using namespace transport;
+
+namespace {
+
+/// Both ask the camera several things.
+constexpr Connection::Limits kLimits{std::chrono::seconds(3), std::chrono::seconds(10)};
+
+/// One of those that images can have; the transport's word is not taken for it.
+CAM_API_STATUS imageStatusOf(std::uint32_t told)
+{
+    return told >= CAM_API_STS_REQUEST_TIMEOUT && told <= CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE
+               ? told
+               : CAM_API_STS_DATA_DISCARDED;
+}
+
+} // namespace
+
+TransportSource::TransportSource(std::shared_ptr<Connection> connection, FrameSink& sink, const ImageMemory& memory,
+                                 const std::vector<FrameBuffer*>& buffers)
+    : m_connection(std::move(connection))
+    , m_sink(sink)
+    , m_stride(memory.offset(1))
+    , m_lent(memory.count())
+{
+    for (FrameBuffer* buffer : buffers)
+        m_lent.at(buffer->offset / m_stride) = buffer;
+}
+
+TransportSource::~TransportSource()
+{
+    TransportSource::stop();
+}
+
+Outcome TransportSource::start()
+{
+    stop();
+    Descriptor there;
+    if (!Connection::makeChannel(m_channel, there))
+        return {CAM_API_STS_NO_MEMORY, "There are no more descriptors"};
+    Outcome outcome = m_connection->requestDone(Kind::start, Nothing{}, kLimits, there.get());
+    if (!outcome.ok()) {
+        m_channel = {};
+        return outcome;
+    }
+    m_blockIds = {};
+    for (const FrameBuffer* buffer : m_lent) {
+        if (buffer != nullptr && !lend(*buffer))
+            return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
+    }
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        stop();
+        return {CAM_API_STS_NO_MEMORY, "There are no more threads"};
+    }
+    return {};
+}
+
+void TransportSource::stop()
+{
+    if (m_channel.descriptor() < 0)
+        return;
+    m_channel.shutDown();
+    if (m_thread.joinable())
+        m_thread.join();
+    (void)m_connection->requestDone(Kind::stop, Nothing{}, kLimits);
+    m_channel = {};
+}
+
+void TransportSource::run()
+{
+    while (m_channel.receive(m_packet, Clock::time_point::max()) == Received::packet) {
+        if (!handle(m_packet)) {
+            m_connection->endNow("It fills buffers that are not its own");
+            return;
+        }
+    }
+}
+
+bool TransportSource::handle(const Packet& packet)
+{
+    if (const auto image = packet.body<Image>(Kind::image))
+        return deliver(*image);
+    const auto failed = packet.body<Failed>(Kind::failed);
+    if (failed)
+        m_sink.fail(imageStatusOf(failed->status));
+    return failed.has_value();
+}
+
+bool TransportSource::deliver(const Image& image)
+{
+    FrameBuffer** const lent = lentAt(image.offset);
+    if (lent == nullptr || *lent == nullptr || image.size > (*lent)->capacity)
+        return false;
+    FrameBuffer* const frame = std::exchange(*lent, nullptr);
+    frame->size = image.size;
+    frame->frameNumber = m_blockIds.next(image.blockId);
+    frame->timestampNs = image.timestampNs;
+    FrameBuffer* const free = m_sink.deliver(frame);
+    *lentAt(free->offset) = free;
+    // Without success the channel was shut down, which the next packet tells.
+    (void)lend(*free);
+    return true;
+}
+
+bool TransportSource::lend(const FrameBuffer& buffer) const
+{
+    return m_channel.send(Kind::free, Free{buffer.offset, buffer.capacity});
+}
+
+/// Null where no buffer begins.
+FrameBuffer** TransportSource::lentAt(std::uint64_t offset)
+{
+    const std::uint64_t place = offset / m_stride;
+    return offset % m_stride == 0 && place < m_lent.size() ? &m_lent[place] : nullptr;
+}
+
+} // namespace orvo

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "cameralibs/transport/Protocol.h"
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace orvo::transport {
+
+/// Owns a file descriptor, or none.
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int number) noexcept
+        : m_number(number)
+    {
+    }
+    ~Descriptor() { reset(); }
+    Descriptor(Descriptor&& other) noexcept
+        : m_number(std::exchange(other.m_number, -1))
+    {
+    }
+    Descriptor& operator=(Descriptor&& other) noexcept
+    {
+        std::swap(m_number, other.m_number);
+        return *this;
+    }
+
+    [[nodiscard]] int get() const noexcept { return m_number; }
+    [[nodiscard]] explicit operator bool() const noexcept { return m_number >= 0; }
+    void reset() noexcept;
+
+private:
+    int m_number = -1;
+};
+
+/// A received packet. Whoever asks for a body gets it only where kind and length are right.
+class Packet {
+public:
+    Packet();
+
+    [[nodiscard]] Kind kind() const noexcept { return m_header.kind; }
+
+    /// Nothing where the packet is of another kind or length.
+    template <class Body> [[nodiscard]] std::optional<Body> body(Kind kind) const
+    {
+        static_assert(std::is_trivially_copyable_v<Body>);
+        Body body;
+        if (m_header.kind != kind || !copyBody(&body, sizeof body))
+            return {};
+        return body;
+    }
+
+    /// What follows the body.
+    [[nodiscard]] std::string_view data() const noexcept;
+
+    /// The descriptor that came along, if any.
+    [[nodiscard]] Descriptor takeDescriptor() noexcept { return std::move(m_descriptor); }
+
+private:
+    friend class Channel;
+
+    [[nodiscard]] bool copyBody(void* body, std::size_t size) const noexcept;
+
+    Header m_header{};
+    std::vector<char> m_bytes; ///< room for the largest body and data; receiving takes no memory
+    std::size_t m_size = 0;
+    Descriptor m_descriptor;
+};
+
+using Clock = std::chrono::steady_clock;
+
+/// How waiting for a packet ended.
+enum class Received { packet, timeout, closed, malformed };
+
+/// One end of a socket pair. One thread sends at a time, and one receives; any may shut it down.
+class Channel {
+public:
+    Channel() = default;
+    explicit Channel(Descriptor socket) noexcept
+        : m_socket(std::move(socket))
+    {
+    }
+
+    [[nodiscard]] int descriptor() const noexcept { return m_socket.get(); }
+
+    /// False where the other side is gone or does not take the packet. `descriptor` goes along where it is one.
+    template <class Body>
+    [[nodiscard]] bool send(Kind kind, const Body& body, std::string_view data = {}, int descriptor = -1) const
+    {
+        static_assert(std::has_unique_object_representations_v<Body>, "padding would tell what lies in our memory");
+        return send(kind, &body, sizeof body, data, descriptor, 0);
+    }
+    [[nodiscard]] bool send(Kind kind) const { return send(kind, Nothing{}); }
+
+    /// The same, but never waits: a packet that has no room is dropped.
+    void sendOrDrop(Kind kind, std::string_view data = {}) const;
+
+    enum class Descriptors { refuse, accept };
+
+    /// Waits until `deadline`.
+    [[nodiscard]] Received receive(Packet& packet, Clock::time_point deadline,
+                                   Descriptors descriptors = Descriptors::refuse) const;
+
+    /// Both sides find it closed from now on, in calls under way too.
+    void shutDown() const noexcept;
+
+private:
+    [[nodiscard]] bool send(Kind kind, const void* body, std::size_t bodySize, std::string_view data, int descriptor,
+                            int flags) const;
+
+    Descriptor m_socket;
+};
+
+/// A text of fixed size in a body. Cut where it is too long.
+template <std::size_t size> void setText(char (&field)[size], std::string_view text)
+{
+    const std::size_t length = text.copy(field, size - 1);
+    field[length] = '\0';
+}
+
+/// What is in a received one, which need not end.
+template <std::size_t size> [[nodiscard]] std::string textOf(const char (&field)[size])
+{
+    const std::string_view text(field, size);
+    return std::string(text.substr(0, text.find('\0')));
+}
+
+} // namespace orvo::transport

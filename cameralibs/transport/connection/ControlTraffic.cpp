@@ -1,0 +1,140 @@
+#include "ControlTraffic.h"
+
+#include <gio/gio.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <iterator>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+#include <dlfcn.h>
+
+namespace orvo::transport {
+
+namespace {
+
+// A GigE Vision command: a key, flags, the command, a length and an id; an answer has a status in place of the first
+// two. All big-endian.
+constexpr std::size_t kHeaderSize = 8;
+constexpr std::uint8_t kCommandKey = 0x42;
+constexpr std::uint16_t kPendingAnswer = 0x0089;
+
+// USB3 Vision: a key, a status, the command, a length and an id, all little-endian.
+constexpr std::size_t kUsbHeaderSize = 12;
+constexpr std::string_view kUsbKey = "U3VC";
+constexpr std::uint8_t kUsbPendingAnswer[] = {0x05, 0x08};
+constexpr unsigned char kEndpointIn = 0x80;
+
+struct Traffic {
+    std::function<void(Answer)> handler;
+    std::atomic<std::int32_t> lastId{-1}; ///< of what was asked last
+
+    std::mutex mutex;
+    std::string refused;
+};
+
+Traffic& traffic()
+{
+    static Traffic theTraffic;
+    return theTraffic;
+}
+
+std::uint16_t number(const char* packet, std::size_t offset)
+{
+    const auto byte = [&](std::size_t at) { return static_cast<std::uint8_t>(packet[at]); };
+    return static_cast<std::uint16_t>(byte(offset) << 8U | byte(offset + 1));
+}
+
+void noteSent(const char* packet, std::size_t size)
+{
+    if (size >= kHeaderSize && static_cast<std::uint8_t>(packet[0]) == kCommandKey)
+        traffic().lastId = number(packet, 6);
+}
+
+void noteReceived(const char* packet, std::size_t size)
+{
+    if (size < kHeaderSize || number(packet, 6) != traffic().lastId || !traffic().handler)
+        return;
+    const bool pending = number(packet, 2) == kPendingAnswer;
+    traffic().handler(pending ? Answer::pending : Answer::useful);
+}
+
+void noteReceivedUsb(const unsigned char* packet, std::size_t size)
+{
+    if (size < kUsbHeaderSize || !std::equal(kUsbKey.begin(), kUsbKey.end(), packet) || !traffic().handler)
+        return;
+    const bool pending = std::equal(std::begin(kUsbPendingAnswer), std::end(kUsbPendingAnswer), packet + 6);
+    traffic().handler(pending ? Answer::pending : Answer::useful);
+}
+
+template <class Function> Function* original(const char* name)
+{
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+void onAnswer(std::function<void(Answer)> handler)
+{
+    traffic().handler = std::move(handler);
+}
+
+std::string refusedFile()
+{
+    const std::lock_guard lock(traffic().mutex);
+    return traffic().refused;
+}
+
+} // namespace orvo::transport
+
+using namespace orvo::transport;
+
+extern "C" {
+
+__attribute__((visibility("default"))) gssize g_socket_send_to(GSocket* socket, GSocketAddress* address,
+                                                               const gchar* buffer, gsize size,
+                                                               GCancellable* cancellable, GError** error)
+{
+    static const auto send = original<decltype(g_socket_send_to)>("g_socket_send_to");
+    noteSent(buffer, size);
+    return send(socket, address, buffer, size, cancellable, error);
+}
+
+__attribute__((visibility("default"))) gssize g_socket_receive(GSocket* socket, gchar* buffer, gsize size,
+                                                               GCancellable* cancellable, GError** error)
+{
+    static const auto receive = original<decltype(g_socket_receive)>("g_socket_receive");
+    const gssize received = receive(socket, buffer, size, cancellable, error);
+    if (received > 0)
+        noteReceived(buffer, static_cast<std::size_t>(received));
+    return received;
+}
+
+__attribute__((visibility("default"))) int libusb_bulk_transfer(void* device, unsigned char endpoint,
+                                                                unsigned char* data, int size, int* transferred,
+                                                                unsigned timeout)
+{
+    static const auto transfer = original<decltype(libusb_bulk_transfer)>("libusb_bulk_transfer");
+    const int result = transfer(device, endpoint, data, size, transferred, timeout);
+    if (result == 0 && (endpoint & kEndpointIn) != 0)
+        noteReceivedUsb(data, static_cast<std::size_t>(*transferred));
+    return result;
+}
+
+// A camera may name any file as its description.
+__attribute__((visibility("default"))) gboolean g_file_get_contents(const gchar* name, gchar** contents, gsize* size,
+                                                                    GError** error)
+{
+    const std::lock_guard lock(traffic().mutex);
+    traffic().refused = name;
+    *contents = nullptr;
+    if (size != nullptr)
+        *size = 0;
+    g_set_error_literal(error, G_FILE_ERROR, G_FILE_ERROR_ACCES, "Files of this machine are not read");
+    return FALSE;
+}
+
+} // extern "C"

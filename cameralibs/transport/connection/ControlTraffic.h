@@ -1,0 +1,24 @@
+#pragma once
+
+#include "cameralibs/transport/Protocol.h"
+
+#include <functional>
+#include <string>
+
+namespace orvo::transport {
+
+/// What Aravis does within calls that return only when all is done, seen where it calls others: the functions of GLib
+/// and libusb that it sends, receives and opens files with are replaced by ones in this program, which call them in
+/// turn. Checked against Aravis 0.8.26.
+///
+/// Where a version of Aravis takes other functions nothing is told: cameras that need long get less time, and files
+/// stay out of reach by Landlock alone.
+
+/// `handler` runs for each answer of a camera to what it was asked, on the thread that receives it. Set before any
+/// camera is opened.
+void onAnswer(std::function<void(Answer)> handler);
+
+/// The last file that Aravis was kept from opening; empty without one.
+[[nodiscard]] std::string refusedFile();
+
+} // namespace orvo::transport

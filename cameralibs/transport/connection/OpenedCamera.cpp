@@ -1,0 +1,170 @@
+#include "OpenedCamera.h"
+
+#include "cameralibs/genicam/ErrorStatus.h"
+#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/Restrictions.h"
+#include "cameralibs/transport/connection/ControlTraffic.h"
+#include "cameralibs/transport/discovery/Discovery.h"
+#include "cameralibs/transport/gige/GigeReception.h"
+#include "cameralibs/transport/gige/GigeStream.h"
+#include "cameralibs/transport/usb/UsbReception.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvo::transport {
+
+using namespace Orvo;
+
+namespace {
+
+/// GenICam: descriptions of an older schema want the registers of a GigE Vision camera read one by one.
+bool hasOldDescription(ArvDevice* device)
+{
+    ArvGc* const genicam = arv_device_get_genicam(device);
+    ArvGcNode* const node = genicam == nullptr ? nullptr : arv_gc_get_node(genicam, "RegisterDescription");
+    return ARV_IS_GC_REGISTER_DESCRIPTION_NODE(node) != FALSE &&
+           arv_gc_register_description_node_compare_schema_version(ARV_GC_REGISTER_DESCRIPTION_NODE(node), 1, 1, 0) < 0;
+}
+
+OpenedCamera::Access outcomeOf(bool done, GError* error)
+{
+    if (error == nullptr) {
+        // Some failures of USB devices come without a reason.
+        return done ? OpenedCamera::Access{} : OpenedCamera::Access{1 + ARV_DEVICE_ERROR_UNKNOWN, {}};
+    }
+    OpenedCamera::Access access{1 + ARV_DEVICE_ERROR_UNKNOWN, error->message};
+    if (error->domain == ARV_DEVICE_ERROR)
+        access.error = 1 + static_cast<std::uint32_t>(error->code);
+    g_error_free(error);
+    return access;
+}
+
+} // namespace
+
+Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
+{
+    enableKinds(link == CAM_LINK_USB3_VISION, link == CAM_LINK_GIGE_VISION);
+    GError* error = nullptr;
+    GObjectPointer<ArvDevice> opened(arv_open_device(name.c_str(), &error));
+    Outcome outcome = takeOpenError(error);
+    if (!outcome.ok() && !refusedFile().empty())
+        return {CAM_API_STS_XML_LOAD_ERR,
+                "The camera names a file of this machine as its description, which is refused: " + refusedFile()};
+    if (!outcome.ok())
+        return outcome;
+    if (opened == nullptr)
+        return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
+    const bool gige = ARV_IS_GV_DEVICE(opened.get()) != FALSE;
+    if (gige && arv_gv_device_is_controller(ARV_GV_DEVICE(opened.get())) == FALSE) {
+        // Never given back: that would give up a control which the camera never gave.
+        (void)opened.release();
+        return {CAM_API_STS_ACCESS_DENIED, "Another program controls the camera"};
+    }
+    g_signal_connect(opened.get(), "control-lost",
+                     G_CALLBACK(+[](ArvDevice*, void*) { leaveAsLost("Aravis has lost the camera"); }), nullptr);
+    if (gige) {
+        m_oldDescription = hasOldDescription(opened.get());
+        m_probe.emplace(ARV_GV_DEVICE(opened.get()));
+    }
+    m_device = std::move(opened);
+    return {};
+}
+
+std::string_view OpenedCamera::description() const
+{
+    std::size_t size = 0;
+    const char* const text = arv_device_get_genicam_xml(m_device.get(), &size);
+    return text == nullptr ? std::string_view{} : std::string_view(text, size);
+}
+
+OpenedCamera::Access OpenedCamera::read(std::uint64_t address, std::uint32_t size, char* to)
+{
+    GError* error = nullptr;
+    if (!takesRegistersFor(size)) {
+        const bool done = arv_device_read_memory(m_device.get(), address, size, to, &error) != FALSE;
+        return outcomeOf(done, error);
+    }
+    guint32 value = 0;
+    const bool done = arv_device_read_register(m_device.get(), address, &value, &error) != FALSE;
+    value = GUINT32_TO_BE(value);
+    std::copy_n(reinterpret_cast<const char*>(&value), sizeof value, to);
+    return outcomeOf(done, error);
+}
+
+OpenedCamera::Access OpenedCamera::write(std::uint64_t address, std::string_view bytes)
+{
+    GError* error = nullptr;
+    if (!takesRegistersFor(bytes.size())) {
+        std::string copy(bytes); // older versions of Aravis want to be able to write to it
+        const bool done = arv_device_write_memory(m_device.get(), address, static_cast<guint32>(copy.size()),
+                                                  copy.data(), &error) != FALSE;
+        return outcomeOf(done, error);
+    }
+    guint32 value = 0;
+    bytes.copy(reinterpret_cast<char*>(&value), sizeof value);
+    const bool done = arv_device_write_register(m_device.get(), address, GUINT32_FROM_BE(value), &error) != FALSE;
+    return outcomeOf(done, error);
+}
+
+Outcome OpenedCamera::openSource(const Descriptor& memory, std::uint64_t size)
+{
+    m_images.reset();
+    allowBuffers(size);
+    auto shared = std::make_unique<SharedMemory>(memory, size);
+    if (shared->empty())
+        return {CAM_API_STS_NO_MEMORY, "The image buffers cannot be mapped"};
+    std::unique_ptr<Reception> reception;
+    if (Outcome outcome = makeReception(reception); !outcome.ok())
+        return outcome;
+    m_images = std::make_unique<ImageSender>(std::move(reception), std::move(shared));
+    if (m_probe)
+        m_images->onImage = [this] { m_probe->noteNews(); };
+    return {};
+}
+
+Outcome OpenedCamera::start(Descriptor channel)
+{
+    if (m_images == nullptr)
+        return {CAM_API_STS_INVALID_PARAMETER, {}};
+    return m_images->start(std::move(channel));
+}
+
+void OpenedCamera::stop()
+{
+    if (m_images != nullptr)
+        m_images->stop();
+}
+
+void OpenedCamera::close()
+{
+    m_images.reset();
+    m_probe.reset();
+    m_device.reset();
+}
+
+Outcome OpenedCamera::makeReception(std::unique_ptr<Reception>& reception)
+{
+    if (ARV_IS_UV_DEVICE(m_device.get())) {
+        reception = std::make_unique<UsbReception>(m_device.get());
+        return {};
+    }
+    auto* const device = ARV_GV_DEVICE(m_device.get());
+    prepareGigeDevice(device);
+    GError* error = nullptr;
+    GObjectPointer<ArvStream> stream(arv_device_create_stream(m_device.get(), nullptr, nullptr, &error));
+    if (Outcome outcome = takeOpenError(error); !outcome.ok())
+        return outcome;
+    if (stream == nullptr)
+        return {CAM_API_STS_NOT_IMPLEMENTED, {}};
+    prepareGigeStream(device, ARV_GV_STREAM(stream.get()));
+    reception = std::make_unique<GigeReception>(std::move(stream));
+    return {};
+}
+
+bool OpenedCamera::takesRegistersFor(std::uint64_t size) const
+{
+    return m_oldDescription && size == sizeof(guint32);
+}
+
+} // namespace orvo::transport

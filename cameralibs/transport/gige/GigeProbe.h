@@ -1,0 +1,45 @@
+#pragma once
+
+#include "cameralibs/transport/Channel.h"
+
+#include <arv.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace orvo::transport {
+
+/// Finds out within 4 s that a GigE Vision camera is gone, which Aravis' own heartbeat does in 6: after a second
+/// without news it asks the camera itself, over a socket of its own. Silence of the stream alone is no removal, nor is
+/// a camera that hangs for less than 2 s. One that never answers such a question is left to the heartbeat.
+class GigeProbe {
+public:
+    explicit GigeProbe(ArvGvDevice* device);
+    ~GigeProbe();
+    GigeProbe(const GigeProbe&) = delete;
+    GigeProbe& operator=(const GigeProbe&) = delete;
+
+    /// The camera has sent something. Any thread.
+    void noteNews() noexcept { m_lastNews.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed); }
+
+private:
+    void run();
+    [[nodiscard]] bool hearsOfCamera();
+    [[nodiscard]] bool ask(std::uint16_t id) const;
+    [[nodiscard]] bool waitForAnswer(std::uint16_t firstId, std::uint16_t lastId) const;
+    [[nodiscard]] bool waitUntil(Clock::time_point time);
+    [[nodiscard]] Clock::time_point lastNews() const noexcept;
+
+    Descriptor m_socket; ///< none where the camera cannot be asked
+    std::uint16_t m_lastId = 0;
+    bool m_answersQuestions = false;
+    std::atomic<Clock::rep> m_lastNews;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_ended = false;
+    std::thread m_thread;
+};
+
+} // namespace orvo::transport

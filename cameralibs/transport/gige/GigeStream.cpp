@@ -1,0 +1,57 @@
+#include "GigeStream.h"
+
+#include "cameralibs/transport/Farewell.h"
+
+#include <cstdint>
+
+namespace orvo::transport {
+
+namespace {
+
+/// What packaging/system/60-orvocam-gige.conf lets a program have. A kernel that grants less cuts it; its default loses
+/// most packets.
+constexpr int kSocketBufferSize = 33'554'432;
+
+/// The GigE Vision register that tells what the control channel can do, and its bit for sending packets again.
+constexpr std::uint64_t kCapabilityRegister = 0x0934;
+constexpr std::uint32_t kResendBit = 1U << 2;
+
+bool sendsPacketsAgain(ArvGvDevice* device)
+{
+    guint32 capability = 0;
+    GError* error = nullptr;
+    arv_device_read_register(ARV_DEVICE(device), kCapabilityRegister, &capability, &error);
+    const bool answered = error == nullptr;
+    g_clear_error(&error);
+    return answered && (capability & kResendBit) != 0;
+}
+
+} // namespace
+
+void prepareGigeDevice(ArvGvDevice* device)
+{
+    // Packet sockets see nothing of a camera on this machine that is reached through another interface.
+    arv_gv_device_set_stream_options(device, ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
+    GError* error = nullptr;
+    arv_gv_device_auto_packet_size(device, &error);
+    if (error != nullptr)
+        note(Severity::warning, std::string("packet size not negotiated: ") + error->message);
+    g_clear_error(&error);
+    if (!logs(Severity::info))
+        return;
+    const guint size = arv_gv_device_get_packet_size(device, &error);
+    if (error == nullptr)
+        note(Severity::info, "packet size: " + std::to_string(size) + " bytes");
+    g_clear_error(&error);
+}
+
+void prepareGigeStream(ArvGvDevice* device, ArvGvStream* stream)
+{
+    g_object_set(stream, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size", kSocketBufferSize,
+                 nullptr);
+    // A frame that waits for packets that never come again holds up those behind it.
+    if (!sendsPacketsAgain(device))
+        g_object_set(stream, "packet-resend", ARV_GV_STREAM_PACKET_RESEND_NEVER, nullptr);
+}
+
+} // namespace orvo::transport

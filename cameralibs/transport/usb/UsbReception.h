@@ -1,0 +1,23 @@
+#pragma once
+
+#include "cameralibs/transport/connection/Reception.h"
+
+namespace orvo::transport {
+
+/// That of a USB3 Vision camera. A stream lives from begin to end, because as long as it does the camera's own stream
+/// is enabled. The device outlives it.
+class UsbReception : public Reception {
+public:
+    explicit UsbReception(ArvDevice* device);
+
+    /// Errors: CAM_API_STS_CAMERA_NOT_RESPONDING, CAM_API_STS_GENICAM_ERR where the camera tells of impossible images.
+    [[nodiscard]] Outcome begin() override;
+
+    /// Disables the camera's stream, too. One that is plugged in but does not answer is given up after some tries.
+    void end() override;
+
+private:
+    ArvDevice* const m_device;
+};
+
+} // namespace orvo::transport
