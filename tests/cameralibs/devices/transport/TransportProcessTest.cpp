@@ -1,0 +1,213 @@
+// How the library starts and ends its transports, in programs of every kind.
+
+#include "Transports.h"
+
+#include "tests/cameralibs/devices/aravis/UsbFixture.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Orvo;
+
+namespace {
+
+class TransportProcessTest : public ::testing::Test {
+protected:
+    TransportProcessTest()
+    {
+        usb::unplug();
+        usb::plugIn();
+    }
+    ~TransportProcessTest() override
+    {
+        (void)Sys_Terminate();
+        EXPECT_THAT(transports(), ::testing::IsEmpty());
+    }
+    TransportProcessTest(const TransportProcessTest&) = delete;
+    TransportProcessTest& operator=(const TransportProcessTest&) = delete;
+
+    [[nodiscard]] static bool open(CAM_HANDLE& camera)
+    {
+        std::uint32_t count = 0;
+        return Sys_Initialize(CAM_LAYER_USB3_VISION) == CAM_API_STS_SUCCESS &&
+               Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS && count == 1 &&
+               Cam_Open(0, &camera, 0, 1, nullptr, 1) == CAM_API_STS_SUCCESS;
+    }
+
+    static void expectWholeSession()
+    {
+        CAM_HANDLE camera = 0;
+        ASSERT_TRUE(open(camera));
+        EXPECT_EQ(intOf(camera, "Width"), 320);
+        CAM_STRM_HANDLE stream = 0;
+        ASSERT_EQ(Strm_OpenSimple(camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+        StreamRecorder recorder;
+        recorder.attachTo(stream);
+        ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+        EXPECT_TRUE(recorder.waitForImages(3));
+        EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    }
+};
+
+/// What a descriptor of another process leads to.
+std::vector<std::string> descriptorsOf(pid_t process)
+{
+    std::vector<std::string> targets;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd", error))
+        targets.push_back(std::filesystem::read_symlink(entry.path(), error));
+    return targets;
+}
+
+} // namespace
+
+TEST_F(TransportProcessTest, OneForEachCameraAndNoneWithout)
+{
+    CAM_HANDLE camera = 0;
+    ASSERT_TRUE(open(camera));
+    EXPECT_THAT(transports(), ::testing::SizeIs(1));
+    EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
+    EXPECT_THAT(transports(), ::testing::IsEmpty());
+}
+
+TEST_F(TransportProcessTest, ProgramMayIgnoreItsChildren)
+{
+    const auto before = std::signal(SIGCHLD, SIG_IGN);
+    ASSERT_NO_FATAL_FAILURE(expectWholeSession());
+    EXPECT_THAT(transports(), ::testing::IsEmpty());
+    (void)std::signal(SIGCHLD, before);
+}
+
+TEST_F(TransportProcessTest, ProgramsOwnChildrenAreLeftToIt)
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(7);
+    ASSERT_GT(child, 0);
+    ASSERT_NO_FATAL_FAILURE(expectWholeSession());
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+}
+
+TEST_F(TransportProcessTest, ProgramMayHaveManyDescriptorsAndKeepsThem)
+{
+    constexpr int kMany = 1000;
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit enough{std::max<rlim_t>(limit.rlim_cur, 2 * kMany), limit.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &enough), 0);
+    std::vector<int> descriptors;
+    for (int i = 0; i < kMany; ++i)
+        descriptors.push_back(::open("/dev/zero", O_RDONLY)); // inherited by whatever is started without care
+    CAM_HANDLE camera = 0;
+    ASSERT_TRUE(open(camera));
+    EXPECT_EQ(intOf(camera, "Width"), 320);
+    ASSERT_THAT(transports(), ::testing::SizeIs(1));
+    EXPECT_THAT(descriptorsOf(transports().front()), ::testing::Not(::testing::Contains("/dev/zero")));
+    for (const int descriptor : descriptors)
+        EXPECT_EQ(::close(descriptor), 0);
+}
+
+TEST_F(TransportProcessTest, ProgramMayHaveClosedItsStandardDescriptors)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            ::close(standard);
+        CAM_HANDLE camera = 0;
+        const bool opened = open(camera);
+        (void)Sys_Terminate();
+        ::_exit(opened ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(TransportProcessTest, ForkedProcessHasCamerasOfItsOwn)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        expectWholeSession();
+        ::_exit(HasFailure() ? 1 : 0);
+    }
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(TransportProcessTest, EndsWithTheProgramHoweverThatEnds)
+{
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        CAM_HANDLE camera = 0;
+        const bool opened = open(camera);
+        const std::vector<pid_t> started = transports();
+        const pid_t transport = opened && started.size() == 1 ? started.front() : -1;
+        (void)!::write(ends[1], &transport, sizeof transport);
+        for (;;)
+            ::pause();
+    }
+    pid_t transport = -1;
+    ASSERT_EQ(::read(ends[0], &transport, sizeof transport), static_cast<ssize_t>(sizeof transport));
+    ASSERT_GT(transport, 0);
+    EXPECT_EQ(::kill(transport, 0), 0);
+    ::kill(child, SIGKILL);
+    EXPECT_EQ(::waitpid(child, nullptr, 0), child);
+    // Its new parent may take its time to wait for it.
+    EXPECT_TRUE(becomes([&] { return descriptorsOf(transport).empty(); }));
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+TEST_F(TransportProcessTest, WithoutItNoRealCameraIsListedAndTheLogTellsWhy)
+{
+    ::setenv("ORVO_CAMERA_TRANSPORT", "/nowhere/orvocam-transport", 1); // NOLINT(concurrency-mt-unsafe)
+    ::setenv("ORVO_CAMERA_LOG", "warning", 1);                          // NOLINT(concurrency-mt-unsafe)
+    ::setenv("ORVO_SIMULATED_CAMERAS", "2", 1);                         // NOLINT(concurrency-mt-unsafe)
+    ::testing::internal::CaptureStderr();
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION | CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+    std::uint32_t count = 0;
+    EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(count, 2U);
+    CAM_HANDLE camera = 0;
+    EXPECT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(),
+                ::testing::HasSubstr("No real cameras are listed: /nowhere/orvocam-transport cannot be started"));
+    for (const char* variable : {"ORVO_CAMERA_TRANSPORT", "ORVO_CAMERA_LOG", "ORVO_SIMULATED_CAMERAS"})
+        ::unsetenv(variable); // NOLINT(concurrency-mt-unsafe)
+}
+
+TEST_F(TransportProcessTest, NothingGrowsOverManySessions)
+{
+    // The first ones bring what stays: types, caches, the memory of threads.
+    for (int i = 0; i < 10; ++i)
+        ASSERT_NO_FATAL_FAILURE(expectWholeSession());
+    const std::size_t descriptors = ownDescriptors();
+    const std::size_t threads = ownThreads();
+    const std::size_t memory = ownMemory();
+    for (int i = 0; i < 100; ++i)
+        ASSERT_NO_FATAL_FAILURE(expectWholeSession());
+    EXPECT_EQ(ownDescriptors(), descriptors);
+    EXPECT_TRUE(becomes([&] { return ownThreads() == threads; }));
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which keep what is freed
+    EXPECT_LE(ownMemory(), memory + (1U << 20));
+#else
+    (void)memory;
+#endif
+    EXPECT_THAT(transports(), ::testing::IsEmpty());
+}
