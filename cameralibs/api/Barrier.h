@@ -6,15 +6,17 @@
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/Stream.h"
 #include "cameralibs/api/System.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 
+#include <chrono>
 #include <initializer_list>
 #include <memory>
 #include <string>
 
 namespace orvo {
 
-/// The exported function that runs on this thread, for the diagnostic log.
+/// The exported function that runs on this thread: its name and camera for the diagnostic log, its budget of time.
 class Call {
 public:
     explicit Call(const char* function) noexcept;
@@ -32,8 +34,11 @@ public:
 private:
     void logFailure(Orvo::CAM_API_STATUS status, const std::string& text) const noexcept;
 
+    static constexpr std::chrono::milliseconds kLimit{50};
+
     const char* const m_function;
     Call* const m_outer; ///< a host program's log writer may call into the library
+    EvaluationBudget m_budget{kLimit};
     std::string m_camera;
 };
 

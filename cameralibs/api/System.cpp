@@ -3,6 +3,7 @@
 #include "cameralibs/base/Log.h"
 #include "cameralibs/devices/simulated/SimulatedProvider.h"
 #include "cameralibs/devices/transport/TransportProvider.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/TextOperations.h"
 
@@ -18,6 +19,9 @@ namespace {
 
 /// How long a camera is asked politely.
 constexpr std::chrono::milliseconds kClosing{700};
+
+/// Of processor time that the evaluation of a description may take when a camera is opened.
+constexpr std::chrono::milliseconds kOpeningLimit{2000};
 
 /// The process's one System, if any.
 struct Root {
@@ -189,6 +193,8 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
 
     std::string xml;
     throwIfFailed(device->description(xml));
+    EvaluationBudget budget(kOpeningLimit);
+    budget.begin();
     const auto camera =
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
     rememberUserName(*camera);

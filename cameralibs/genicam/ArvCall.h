@@ -1,18 +1,30 @@
 #pragma once
 
 #include "cameralibs/genicam/ErrorStatus.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 
 #include <arv.h>
 
+#include <utility>
+
 namespace orvo {
+
+/// What comes after each call of Aravis: an evaluation that took too long has no result, whatever came of it. Only that
+/// the camera is lost is told all the same.
+inline void finishArvCall(Outcome outcome)
+{
+    if (outcome.status != Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
+        EvaluationBudget::check();
+    throwIfFailed(std::move(outcome));
+}
 
 /// `call(GError**)` of Aravis, which reads; its error thrown as a Failure.
 template <class Call> auto arvRead(Call&& call)
 {
     GError* error = nullptr;
     const auto result = call(&error);
-    throwIfFailed(takeError(error, Attempted::reading));
+    finishArvCall(takeError(error, Attempted::reading));
     return result;
 }
 
@@ -21,7 +33,7 @@ template <class Call> void arvWrite(Call&& call)
 {
     GError* error = nullptr;
     static_cast<void>(call(&error));
-    throwIfFailed(takeError(error, Attempted::writing));
+    finishArvCall(takeError(error, Attempted::writing));
 }
 
 /// `call(GError**)` of Aravis, which reads, with `otherwise` where the description does not define what is asked for.
@@ -31,9 +43,10 @@ template <class Call, class Result> Result arvReadOr(Result otherwise, Call&& ca
     const Result result = call(&error);
     if (g_error_matches(error, ARV_GC_ERROR, ARV_GC_ERROR_PROPERTY_NOT_DEFINED) != FALSE) {
         g_error_free(error);
+        finishArvCall({});
         return otherwise;
     }
-    throwIfFailed(takeError(error, Attempted::reading));
+    finishArvCall(takeError(error, Attempted::reading));
     return result;
 }
 

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -61,6 +62,7 @@ struct Answerable {
     NodeId faulty = kNoNode;   ///< the node whose fault prevents it
     bool needsChecks = false;  ///< a node behind the answer may fail while it is evaluated
     bool checksItself = false; ///< this one may
+    std::uint64_t steps = 0;   ///< that Aravis takes to answer, at most
 };
 
 /// A node as its description tells it, without the device.

@@ -1,6 +1,7 @@
 #include "DescriptionReader.h"
 
 #include "cameralibs/genicam/ElementTable.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/NodeProperties.h"
 #include "cameralibs/genicam/XmlElement.h"
@@ -8,7 +9,6 @@
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
-#include <climits>
 #include <string_view>
 #include <utility>
 
@@ -19,6 +19,9 @@ using namespace Orvo;
 namespace {
 
 constexpr std::size_t kMaxName = 255;
+
+/// To read more takes too much time and memory before anybody can look at the clock.
+constexpr std::size_t kMaxSize = std::size_t{16} << 20;
 
 std::string nameOf(xmlNode* element)
 {
@@ -60,11 +63,11 @@ DescriptionReader::DescriptionReader(const std::string& xml)
 {
     // Cameras pad their files with zeros.
     const std::size_t length = xml.find_last_not_of(std::string_view("\0 \t\r\n", 5)) + 1;
-    if (length <= INT_MAX) {
-        xmlResetLastError();
-        m_document.reset(xmlReadMemory(xml.data(), static_cast<int>(length), nullptr, nullptr,
-                                       XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    }
+    if (length > kMaxSize)
+        throw Failure(CAM_API_STS_GENICAM_ERR, "The description has more than " + std::to_string(kMaxSize) + " bytes");
+    xmlResetLastError();
+    m_document.reset(xmlReadMemory(xml.data(), static_cast<int>(length), nullptr, nullptr,
+                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (m_document == nullptr)
         throw Failure(CAM_API_STS_XML_LOAD_ERR, "The description is not well-formed: " + parserMessage());
 }
@@ -88,6 +91,7 @@ std::shared_ptr<Description> DescriptionReader::read()
 void DescriptionReader::readChildren(xmlNode* parent)
 {
     for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        EvaluationBudget::check();
         if (!isElement(child))
             continue;
         const std::string name = elementName(child);
@@ -134,6 +138,7 @@ void DescriptionReader::readEntries(xmlNode* element, NodeId enumeration)
     for (xmlNode* child = element->children; child != nullptr; child = child->next) {
         if (!isElement(child) || elementName(child) != "EnumEntry")
             continue;
+        EvaluationBudget::check();
         DescribedNode entry;
         entry.element = Element::enumEntry;
         entry.type = NODE_TYPE_ENUM_ENTRY;

@@ -51,11 +51,21 @@ NodeId entryOf(const NodeMap& nodes, NodeId id, std::int64_t number)
     return chosen != candidates.end() ? *chosen : candidates.front();
 }
 
-void choose(NodeMap& nodes, ArvGcEnumeration* node, NodeId entry)
+/// Aravis looks at all of them before it writes.
+void expectEntries(const NodeMap& nodes, NodeId id)
+{
+    std::uint64_t steps = 0;
+    for (const NodeId entry : nodes.node(id).entries)
+        steps += nodes.node(entry).to(Question::value).steps + nodes.node(entry).to(Question::access).steps;
+    EvaluationBudget::expect(nodes.node(id).name, steps);
+}
+
+void choose(NodeMap& nodes, NodeId id, ArvGcEnumeration* node, NodeId entry)
 {
     throwUnless(entry != kNoNode && canBeChosen(nodes, entry), CAM_API_STS_INVALID_PARAMETER);
     nodes.check(entry, Question::value);
     const std::int64_t number = entryNumber(nodes, entry).value();
+    expectEntries(nodes, id);
     arvWrite([&](GError** error) { return arv_gc_enumeration_set_int_value(node, number, error); });
 }
 
@@ -85,7 +95,7 @@ void writeEnumerationNumber(NodeMap& nodes, NodeId id, std::int64_t value)
     ArvGcEnumeration* node = enumerationNode(nodes, id);
     requireWritable(nodes, id);
     nodes.check(id, Question::value);
-    choose(nodes, node, entryOf(nodes, id, value));
+    choose(nodes, id, node, entryOf(nodes, id, value));
 }
 
 void writeEnumerationName(NodeMap& nodes, NodeId id, const std::string& symbolic)
@@ -96,7 +106,7 @@ void writeEnumerationName(NodeMap& nodes, NodeId id, const std::string& symbolic
     const auto& entries = nodes.node(id).entries;
     const auto entry = std::find_if(entries.begin(), entries.end(),
                                     [&](NodeId candidate) { return nodes.node(candidate).symbolic == symbolic; });
-    choose(nodes, node, entry == entries.end() ? kNoNode : *entry);
+    choose(nodes, id, node, entry == entries.end() ? kNoNode : *entry);
 }
 
 } // namespace orvo

@@ -2,10 +2,13 @@
 
 #include <arv.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <map>
 #include <memory>
+#include <string_view>
 
 namespace orvo {
 
@@ -46,6 +49,24 @@ bool Formula::mayFail() const
     for (const auto& [name, expression] : expressions)
         all += expression;
     return all.find_first_of("/%") != std::string::npos && all.find('?') == std::string::npos;
+}
+
+std::size_t Formula::expandedSize() const
+{
+    std::map<std::string_view, std::size_t> sizes;
+    for (const auto& [name, expression] : expressions)
+        sizes[name] = std::max(sizes[name], expression.size());
+    std::size_t size = text.size();
+    const auto isNamePart = [](char c) { return g_ascii_isalnum(c) || c == '_' || c == '.'; };
+    for (auto at = text.begin(); at != text.end();) {
+        const auto begin = std::find_if(at, text.end(), isNamePart);
+        at = std::find_if_not(begin, text.end(), isNamePart);
+        const auto found = sizes.find(std::string_view(text).substr(static_cast<std::size_t>(begin - text.begin()),
+                                                                    static_cast<std::size_t>(at - begin)));
+        if (found != sizes.end())
+            size += found->second;
+    }
+    return size;
 }
 
 FormulaResult evaluate(const Formula& formula, double input, const std::function<double(const std::string&)>& variable)

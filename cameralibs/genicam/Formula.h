@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <utility>
@@ -21,6 +22,9 @@ struct Formula {
     /// Whether there are values for which it has no result. Not where it chooses: the evaluator computes what is not
     /// chosen as well, so that its error says nothing.
     [[nodiscard]] bool mayFail() const;
+
+    /// The bytes that the evaluator reads: with every expression in the place of its name.
+    [[nodiscard]] std::size_t expandedSize() const;
 };
 
 struct FormulaResult {

@@ -1,3 +1,5 @@
+#include "cameralibs/genicam/EvaluationBudget.h"
+#include "cameralibs/genicam/Failure.h"
 #include "cameralibs/genicam/Validator.h"
 
 #include <algorithm>
@@ -6,6 +8,30 @@
 namespace orvo {
 
 namespace {
+
+/// Aravis keeps more than a hundred bytes for each that it reads.
+constexpr std::size_t kMaxFormula = 65536;
+constexpr std::size_t kMaxAllFormulas = 16 * kMaxFormula;
+
+[[noreturn]] void refuse(const DescribedNode& node, const std::string& reason)
+{
+    throw Failure(Orvo::CAM_API_STS_GENICAM_ERR, "[" + node.name + "] " + reason);
+}
+
+/// The bytes of a node's formulas.
+std::size_t checkSize(const DescribedNode& node)
+{
+    std::size_t size = 0;
+    for (const Formula& formula : node.formulas) {
+        const std::size_t expanded = formula.expandedSize();
+        const bool longExpression = std::any_of(formula.expressions.begin(), formula.expressions.end(),
+                                                [](const auto& e) { return e.second.size() > kMaxFormula; });
+        if (expanded > kMaxFormula || longExpression)
+            refuse(node, "The formula has more than " + std::to_string(kMaxFormula) + " bytes");
+        size += expanded;
+    }
+    return size;
+}
 
 /// Names such as "A.Max" ask for more than a value. Aravis gives the value all the same.
 bool asksForLimits(const std::string& variable)
@@ -34,10 +60,16 @@ void checkFormula(DescribedNode& node, const Formula& formula)
 
 void checkFormulas(Description& description)
 {
+    std::size_t size = 0;
     for (NodeId id = 0; id < description.size(); ++id) {
         DescribedNode& node = description.node(id);
-        for (const Formula& formula : node.formulas)
+        size += checkSize(node);
+        if (size > kMaxAllFormulas)
+            refuse(node, "The formulas up to here have more than " + std::to_string(kMaxAllFormulas) + " bytes");
+        for (const Formula& formula : node.formulas) {
             checkFormula(node, formula);
+            EvaluationBudget::check();
+        }
     }
 }
 

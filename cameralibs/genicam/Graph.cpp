@@ -29,11 +29,13 @@ void leave(const Step& step, GraphReport& report)
 
 } // namespace
 
-GraphReport examineGraph(std::size_t vertices, const std::function<std::vector<std::size_t>(std::size_t)>& edges)
+GraphReport examineGraph(std::size_t vertices, const std::function<std::vector<std::size_t>(std::size_t)>& edges,
+                         const std::function<std::uint64_t(std::size_t)>& weight)
 {
     GraphReport report;
     report.depth.assign(vertices, 1);
-    report.reached.assign(vertices, 1);
+    for (std::size_t vertex = 0; vertex < vertices; ++vertex)
+        report.reached.push_back(std::min(weight(vertex), kMaxReached));
     std::vector<Mark> marks(vertices, Mark::unseen);
     std::vector<Step> path;
     for (std::size_t start = 0; start < vertices; ++start) {

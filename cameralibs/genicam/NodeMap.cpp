@@ -22,13 +22,10 @@ NodeMap::NodeMap(std::shared_ptr<const Description> description, ArvDevice* devi
 {
     if (m_gc == nullptr)
         throw Failure(CAM_API_STS_GENICAM_ERR, "The description cannot be evaluated");
-    for (NodeId id = 0; id < m_description->size(); ++id)
+    for (NodeId id = 0; id < m_description->size(); ++id) {
+        EvaluationBudget::check();
         bind(id);
-}
-
-NodeMap::~NodeMap()
-{
-    g_object_unref(m_gc);
+    }
 }
 
 void NodeMap::check(NodeId id, Question question) const
@@ -36,6 +33,7 @@ void NodeMap::check(NodeId id, Question question) const
     const Answerable& answerable = node(id).to(question);
     if (answerable.faulty != kNoNode)
         refuse(id, answerable.faulty, node(answerable.faulty).fault);
+    EvaluationBudget::expect(node(id).name, answerable.steps);
     if (!answerable.needsChecks)
         return;
     std::set<std::size_t> done;
@@ -82,6 +80,7 @@ void NodeMap::checkConversion(NodeId id, double value) const
         for (const Formula& formula : node(at).formulas) {
             if (formula.input != "FROM" || !formula.mayFail())
                 continue;
+            EvaluationBudget::expect(node(at).name, node(at).to(Question::value).steps);
             const FormulaResult result = evaluateNow(formula, value);
             if (!result.error.empty()) {
                 throw Failure(CAM_API_STS_GENICAM_ERR,
@@ -98,7 +97,7 @@ void NodeMap::bind(NodeId id)
     // Entries come with their enumeration; of nodes with one name only the last is in use.
     if (described.element == Element::enumEntry || m_description->find(described.name) != id)
         return;
-    ArvGcNode* const found = arv_gc_get_node(m_gc, described.name.c_str());
+    ArvGcNode* const found = arv_gc_get_node(m_gc.get(), described.name.c_str());
     if (!ARV_IS_GC_FEATURE_NODE(found))
         return;
     m_features[id] = ARV_GC_FEATURE_NODE(found);
@@ -119,6 +118,8 @@ void NodeMap::checkNow(NodeId asked, const Evaluation& evaluation, std::set<std:
         return;
     for (const Evaluation& behind : dependencies(*m_description, evaluation))
         checkNow(asked, behind, done);
+    // However cheap, for they are many.
+    EvaluationBudget::expect(node(evaluation.node).name, answerable.checksItself ? answerable.steps : 1);
     if (answerable.checksItself) {
         if (const std::string error = errorNow(evaluation.node); !error.empty())
             refuse(asked, evaluation.node, error);
@@ -149,7 +150,10 @@ std::string NodeMap::errorNow(NodeId id) const
 
 FormulaResult NodeMap::evaluateNow(const Formula& formula, double input) const
 {
-    return evaluate(formula, input, [this](const std::string& name) { return rawNumber(m_description->find(name)); });
+    FormulaResult result =
+        evaluate(formula, input, [this](const std::string& name) { return rawNumber(m_description->find(name)); });
+    EvaluationBudget::check();
+    return result;
 }
 
 } // namespace orvo

@@ -18,7 +18,6 @@ class NodeMap {
 public:
     /// The device outlives the map. Construct one at a time per process.
     NodeMap(std::shared_ptr<const Description> description, ArvDevice* device);
-    ~NodeMap();
     NodeMap(const NodeMap&) = delete;
     NodeMap& operator=(const NodeMap&) = delete;
 
@@ -47,8 +46,12 @@ private:
     [[nodiscard]] std::string errorNow(NodeId id) const;
     [[nodiscard]] FormulaResult evaluateNow(const Formula& formula, double input) const;
 
+    struct Unref {
+        void operator()(ArvGc* gc) const { g_object_unref(gc); }
+    };
+
     const std::shared_ptr<const Description> m_description;
-    ArvGc* m_gc = nullptr;
+    const std::unique_ptr<ArvGc, Unref> m_gc;
     std::vector<ArvGcFeatureNode*> m_features; ///< by NodeId; they belong to m_gc
 };
 

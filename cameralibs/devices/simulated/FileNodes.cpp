@@ -1,5 +1,6 @@
 #include "FileNodes.h"
 
+#include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 
 #include <arv.h>
@@ -111,7 +112,9 @@ void FileNodes::powerUp(const std::string& model, const std::string& serial)
 std::optional<FrameSettings> FileNodes::settings() const
 {
     const std::lock_guard lock(m_mutex);
-    return readSettings();
+    auto settings = readSettings();
+    EvaluationBudget::check();
+    return settings;
 }
 
 void FileNodes::updatePayloadSize()

@@ -1,0 +1,74 @@
+#include "EvaluationBudget.h"
+
+#include "cameralibs/genicam/Failure.h"
+
+#include <ctime>
+
+namespace orvo {
+
+namespace {
+
+/// Some tenths of a millisecond.
+constexpr std::uint64_t kUntimedSteps = 1024;
+
+thread_local EvaluationBudget* current = nullptr;
+
+std::chrono::nanoseconds processorTime()
+{
+    timespec time{};
+    (void)::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+} // namespace
+
+EvaluationBudget::EvaluationBudget(std::chrono::milliseconds limit) noexcept
+    : m_outer(current)
+    , m_limit(limit)
+{
+    current = this;
+}
+
+EvaluationBudget::~EvaluationBudget()
+{
+    current = m_outer;
+}
+
+void EvaluationBudget::begin()
+{
+    m_beganOnTheWall = Clock::now();
+    m_began = processorTime();
+}
+
+void EvaluationBudget::expect(const std::string& node, std::uint64_t steps)
+{
+    if (current == nullptr)
+        return;
+    if (steps > kUntimedSteps)
+        current->m_node = node;
+    if (current->m_began) {
+        current->checkTime();
+        return;
+    }
+    current->m_untimedSteps += steps;
+    if (current->m_untimedSteps > kUntimedSteps)
+        current->begin();
+}
+
+void EvaluationBudget::check()
+{
+    if (current != nullptr && current->m_began)
+        current->checkTime();
+}
+
+// A thread cannot have taken more processor time than has passed, and that clock is the cheaper one.
+void EvaluationBudget::checkTime() const
+{
+    if (Clock::now() - m_beganOnTheWall <= m_limit || processorTime() - *m_began <= m_limit)
+        return;
+    throw Failure(Orvo::CAM_API_STS_GENICAM_ERR, (m_node.empty() ? "" : "[" + m_node + "] ") +
+                                                     "The evaluation of the description takes more than " +
+                                                     std::to_string(m_limit.count()) + " ms of processor time");
+}
+
+} // namespace orvo
