@@ -124,8 +124,10 @@ TEST_P(FeatureWalkTest, ThereAreMany)
     EXPECT_GE(m_features.size() - categories, 250U);
     EXPECT_GE(categories, 30U);
     std::set<std::string> names;
-    for (const Feature& feature : m_features)
+    for (const Feature& feature : m_features) {
         EXPECT_TRUE(names.insert(feature.name).second) << feature.name << " stands in two categories";
+        EXPECT_LE(feature.name.size(), 40U) << feature.name << " pushes the other columns out of sight";
+    }
     EXPECT_THAT(names, IsSupersetOf({"DeviceVendorName", "Width", "Height", "OffsetX", "OffsetY", "PixelFormat",
                                      "BinningHorizontal", "ReverseX", "ExposureTime", "Gain", "BlackLevel",
                                      "AcquisitionFrameRate", "TestPattern", "TriggerMode", "TriggerSource",
@@ -251,6 +253,51 @@ TEST_P(FeatureWalkTest, NumbersAreWithinTheirRanges)
         EXPECT_EQ(Nd_GetFloatMax(camera(), feature.node, &greatest), CAM_API_STS_SUCCESS) << feature.name;
         EXPECT_THAT(value, AllOf(Ge(least), Le(greatest))) << feature.name;
     }
+}
+
+TEST_P(FeatureWalkTest, FloatsTakeTheirOwnLimits)
+{
+    int written = 0;
+    for (const Feature& feature : ofType(NODE_TYPE_FLOAT)) {
+        if (feature.access != NODE_ACCESS_MODE_RW)
+            continue;
+        ++written;
+        const double before = m_camera.real(feature.name);
+        for (const auto limit : {Nd_GetFloatMin, Nd_GetFloatMax}) {
+            double value = 0;
+            EXPECT_EQ(limit(camera(), feature.node, &value), CAM_API_STS_SUCCESS) << feature.name;
+            EXPECT_EQ(Nd_SetFloatValue(camera(), feature.node, value, true), CAM_API_STS_SUCCESS)
+                << feature.name << " " << value;
+            EXPECT_EQ(m_camera.real(feature.name), value) << feature.name;
+        }
+        EXPECT_EQ(Nd_SetFloatValue(camera(), feature.node, before, true), CAM_API_STS_SUCCESS) << feature.name;
+    }
+    EXPECT_GE(written, 10);
+}
+
+TEST_P(FeatureWalkTest, EntriesCanBeChosenAsTheirAccessModeSays)
+{
+    int refused = 0;
+    for (const Feature& feature : ofType(NODE_TYPE_ENUMERATION)) {
+        if (feature.access != NODE_ACCESS_MODE_RW || feature.name == "EnumerationEmpty")
+            continue;
+        const std::string before = m_camera.choice(feature.name);
+        const std::vector<std::string> entries = m_camera.entries(feature.name);
+        for (std::uint32_t i = 0; i < entries.size(); ++i) {
+            CAM_NODE_HANDLE entry = 0;
+            NodeAccessMode access = NODE_ACCESS_MODE_UNDEFINED;
+            EXPECT_EQ(Nd_GetEnumEntryByIndex(camera(), feature.node, i, &entry), CAM_API_STS_SUCCESS);
+            EXPECT_EQ(Nd_GetAccessMode(camera(), entry, &access), CAM_API_STS_SUCCESS);
+            const bool can = access == NODE_ACCESS_MODE_RO;
+            refused += can ? 0 : 1;
+            EXPECT_EQ(Nd_SetEnumStrValue(camera(), feature.node, entries[i].c_str(), true),
+                      can ? CAM_API_STS_SUCCESS : CAM_API_STS_INVALID_PARAMETER)
+                << feature.name << " " << entries[i];
+        }
+        EXPECT_EQ(Nd_SetEnumStrValue(camera(), feature.node, before.c_str(), true), CAM_API_STS_SUCCESS)
+            << feature.name;
+    }
+    EXPECT_GE(refused, 1);
 }
 
 TEST_P(FeatureWalkTest, ValuesOfEnumerationsAreAmongTheirEntries)
