@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cameralibs/util/PixelFormat.h"
+#include "cameralibs/base/PixelFormat.h"
 #include "cameralibs/util/conversion/RowKernels.h"
 
 #include <cstddef>
@@ -20,11 +20,10 @@ struct SourceImage {
 
     [[nodiscard]] std::uint64_t pixels() const noexcept { return std::uint64_t{width} * height; }
 
-    /// From the first sample of a row to that of the next: pairs and groups are completed per row. Of planar images
-    /// those of the first plane.
-    [[nodiscard]] std::uint64_t samplesPerRow() const noexcept;
+    [[nodiscard]] std::uint64_t samplesPerRow() const noexcept { return orvo::samplesPerRow(format, width); }
 
-    [[nodiscard]] std::uint64_t bytes() const noexcept;
+    /// No conversion reads beyond them.
+    [[nodiscard]] std::uint64_t bytes() const noexcept { return imageBytes(format, width, height); }
 
     /// Whether the rows can be taken for one row: nothing lies between them.
     [[nodiscard]] bool gapless() const noexcept;

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+/// The table of the pixel formats whose images are understood, and the one place that tells how large an image is.
+
 namespace orvo {
 
 /// What the samples of an image mean.
@@ -49,7 +51,25 @@ struct PixelFormat {
     return luminances == 0 ? 1 : luminances;
 }
 
-/// Null for a format that is not supported.
+/// Bits from one pixel to the next, as the value of a PFNC format tells them; of any format, in the table or not.
+[[nodiscard]] constexpr std::uint32_t bitsPerPixel(std::uint32_t value) noexcept
+{
+    return value >> 16 & 0xFF;
+}
+
+/// From the first sample of a row to that of the next: pairs and groups are completed in each row. In planar images the
+/// samples of the first plane.
+[[nodiscard]] std::uint64_t samplesPerRow(const PixelFormat& format, std::uint32_t width) noexcept;
+
+/// The bytes of an image, to the last one that a conversion reads. Whoever makes room for an image, sends one or
+/// converts one goes by this. More than 64 bits can tell become the largest number that they can.
+[[nodiscard]] std::uint64_t imageBytes(const PixelFormat& format, std::uint32_t width, std::uint32_t height) noexcept;
+
+/// The same for the value of any format: one that is not in the table is taken for a continuous run of bits.
+[[nodiscard]] std::uint64_t imageBytes(std::uint32_t value, std::uint32_t width, std::uint32_t height) noexcept;
+
+/// Null for a format that is not in the table.
 [[nodiscard]] const PixelFormat* findPixelFormat(std::uint32_t value) noexcept;
+[[nodiscard]] const PixelFormat* findPixelFormat(std::string_view name) noexcept;
 
 } // namespace orvo

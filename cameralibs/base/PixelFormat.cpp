@@ -1,7 +1,8 @@
-#include "cameralibs/util/PixelFormat.h"
+#include "cameralibs/base/PixelFormat.h"
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace orvo {
 
@@ -183,7 +184,7 @@ constexpr std::array<PixelFormat, 141> pixelFormats{{
     {"YCbCr420_8_YY_CrCb_Semiplanar", 0x020C0114, YCbCr, 8, Semiplanar, "YYYYVU"},
 }};
 
-constexpr unsigned bitsPerPixel(const PixelFormat& format)
+constexpr unsigned bitsInLayout(const PixelFormat& format)
 {
     const auto samples = static_cast<unsigned>(format.order.size());
     const unsigned pixels = pixelsPerGroup(format);
@@ -206,7 +207,7 @@ constexpr unsigned bitsPerPixel(const PixelFormat& format)
 constexpr bool valuesAgreeWithLayouts()
 {
     for (const PixelFormat& format : pixelFormats) {
-        if (((format.value >> 16) & 0xFF) != bitsPerPixel(format)) {
+        if (bitsPerPixel(format.value) != bitsInLayout(format)) {
             return false;
         }
     }
@@ -227,13 +228,83 @@ constexpr bool valuesAreUnique()
 }
 static_assert(valuesAreUnique());
 
+template <typename Key> const PixelFormat* find(Key key, Key PixelFormat::*field)
+{
+    const auto* const found = std::find_if(pixelFormats.begin(), pixelFormats.end(),
+                                           [&](const PixelFormat& format) { return format.*field == key; });
+    return found == pixelFormats.end() ? nullptr : found;
+}
+
+constexpr std::uint64_t beyondCounting = std::numeric_limits<std::uint64_t>::max();
+
+std::uint64_t times(std::uint64_t a, std::uint64_t b)
+{
+    return b != 0 && a > beyondCounting / b ? beyondCounting : a * b;
+}
+
+// A whole number of bytes for bits that fill them from the first to the last.
+std::uint64_t bytesFor(std::uint64_t samples, unsigned bits)
+{
+    const std::uint64_t total = times(samples, bits);
+    return total == beyondCounting ? total : total / 8 + (total % 8 != 0 ? 1 : 0);
+}
+
+std::uint64_t roundedUp(std::uint64_t number, std::uint64_t step)
+{
+    return (number + step - 1) / step * step;
+}
+
 } // namespace
+
+std::uint64_t samplesPerRow(const PixelFormat& format, std::uint32_t width) noexcept
+{
+    if (format.packing == SamplePacking::Pairs)
+        return roundedUp(width, 2);
+    if (format.family == PixelFamily::Mono || format.family == PixelFamily::Bayer ||
+        format.packing == SamplePacking::Planar || format.packing == SamplePacking::Semiplanar)
+        return width;
+    const unsigned group = pixelsPerGroup(format);
+    return roundedUp(width, group) / group * format.order.size();
+}
+
+std::uint64_t imageBytes(const PixelFormat& format, std::uint32_t width, std::uint32_t height) noexcept
+{
+    const std::uint64_t samples = times(samplesPerRow(format, width), height);
+    switch (format.packing) {
+    case SamplePacking::Unpacked:
+        return times(samples, format.bits > 8 ? 2 : 1);
+    case SamplePacking::Planar:
+        return times(samples, (format.bits > 8 ? 2 : 1) * format.order.size());
+    case SamplePacking::Semiplanar: {
+        // Rows of chroma have pairs; those of 4:2:0 belong to two rows of Y.
+        const std::uint64_t rows = pixelsPerGroup(format) == 4 ? roundedUp(height, 2) / 2 : height;
+        const std::uint64_t chroma = times(roundedUp(width, 2), rows);
+        return samples > beyondCounting - chroma ? beyondCounting : samples + chroma;
+    }
+    case SamplePacking::Bits:
+        return bytesFor(samples, format.bits);
+    case SamplePacking::Bits32:
+        return times(samples / 3, 4);
+    case SamplePacking::Pairs:
+        return times(samples / 2, 3);
+    }
+    return beyondCounting;
+}
+
+std::uint64_t imageBytes(std::uint32_t value, std::uint32_t width, std::uint32_t height) noexcept
+{
+    const PixelFormat* const format = findPixelFormat(value);
+    return format != nullptr ? imageBytes(*format, width, height) : bytesFor(times(width, height), bitsPerPixel(value));
+}
 
 const PixelFormat* findPixelFormat(std::uint32_t value) noexcept
 {
-    const auto* const found = std::find_if(pixelFormats.begin(), pixelFormats.end(),
-                                           [value](const PixelFormat& format) { return format.value == value; });
-    return found == pixelFormats.end() ? nullptr : found;
+    return find(value, &PixelFormat::value);
+}
+
+const PixelFormat* findPixelFormat(std::string_view name) noexcept
+{
+    return find(name, &PixelFormat::name);
 }
 
 } // namespace orvo
