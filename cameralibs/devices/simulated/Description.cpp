@@ -1,8 +1,8 @@
 #include "Description.h"
 
+#include "cameralibs/base/PixelFormat.h"
 #include "cameralibs/devices/simulated/CameraModel.h"
 #include "cameralibs/devices/simulated/DescriptionFragments.h"
-#include "cameralibs/devices/simulated/PixelFormat.h"
 #include "cameralibs/devices/simulated/RegisterTable.h"
 
 #include <cstddef>
@@ -73,8 +73,8 @@ void writePixelFormatEntries(std::ostream& out, const CameraModel& model)
     for (const std::string_view name : model.formats) {
         if (name.empty())
             break;
-        out << "<EnumEntry Name=\"" << name << "\"><ToolTip>" << name << "</ToolTip><Value>" << pixelFormat(name)->value
-            << "</Value></EnumEntry>\n";
+        out << "<EnumEntry Name=\"" << name << "\"><ToolTip>" << name << "</ToolTip><Value>"
+            << findPixelFormat(name)->value << "</Value></EnumEntry>\n";
     }
 }
 

@@ -1,5 +1,7 @@
 #include "FileNodes.h"
 
+#include "cameralibs/base/PixelFormat.h"
+#include "cameralibs/devices/simulated/ImageMaker.h"
 #include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/Failure.h"
 
@@ -65,25 +67,17 @@ void settleEnumeration(ArvGcEnumeration* node)
     g_free(values);
 }
 
-// The format itself, or one with as many bits, so that the size of the image is right whatever it shows.
-const PixelFormat* formatFor(std::uint32_t value)
+// That of the format itself, or one with as many bits that completes nothing in a row: its image is not larger.
+const PixelPacking* packingFor(std::uint32_t format)
 {
-    if (const PixelFormat* const known = pixelFormat(value))
+    if (const PixelPacking* const known = findPacking(format))
         return known;
-    switch (value >> 16 & 0xFF) {
-    case 8:
-        return pixelFormat("Mono8");
-    case 10:
-        return pixelFormat("Mono10p");
-    case 12:
-        return pixelFormat("Mono12p");
-    case 16:
-        return pixelFormat("Mono16");
-    case 24:
-        return pixelFormat("RGB8");
-    default:
-        return nullptr;
+    for (const std::string_view name : {"Mono8", "Mono10p", "Mono12p", "Mono16", "RGB8"}) {
+        const std::uint32_t value = findPixelFormat(name)->value;
+        if (bitsPerPixel(value) == bitsPerPixel(format))
+            return findPacking(value);
     }
+    return nullptr;
 }
 
 } // namespace
@@ -127,15 +121,14 @@ std::optional<FrameSettings> FileNodes::readSettings() const
 {
     const std::int64_t width = integer("Width").value_or(0);
     const std::int64_t height = integer("Height").value_or(0);
-    const PixelFormat* const format =
-        formatFor(static_cast<std::uint32_t>(integer("PixelFormat").value_or(pixelFormat("Mono8")->value)));
-    if (format == nullptr || width < 1 || height < 1 || width > kMaxPixels || height > kMaxPixels / width)
-        return std::nullopt;
-    if (width % format->group != 0)
+    const std::int64_t format = integer("PixelFormat").value_or(findPixelFormat("Mono8")->value);
+    const PixelPacking* const packing = packingFor(static_cast<std::uint32_t>(format));
+    if (packing == nullptr || width < 1 || height < 1 || width > kMaxPixels || height > kMaxPixels / width)
         return std::nullopt;
 
     FrameSettings settings;
-    settings.image.format = format;
+    settings.image.format = static_cast<std::uint32_t>(format);
+    settings.image.packing = packing;
     settings.image.width = settings.image.sensorWidth = static_cast<std::uint32_t>(width);
     settings.image.height = settings.image.sensorHeight = static_cast<std::uint32_t>(height);
     settings.image.color = true;
@@ -152,10 +145,8 @@ void FileNodes::fillPayloadSize()
 {
     if (!m_fillsPayloadSize)
         return;
-    if (const auto settings = readSettings()) {
-        const std::size_t pixels = static_cast<std::size_t>(settings->image.width) * settings->image.height;
-        setInteger("PayloadSize", static_cast<std::int64_t>(bytesOf(*settings->image.format, pixels)));
-    }
+    if (const auto settings = readSettings())
+        setInteger("PayloadSize", static_cast<std::int64_t>(ImageMaker::sizeOf(settings->image)));
 }
 
 std::optional<std::int64_t> FileNodes::integer(const char* name) const

@@ -2,7 +2,7 @@
 
 /// What the registers say about the images, as the thread that makes them needs it.
 
-#include "cameralibs/devices/simulated/PixelFormat.h"
+#include "cameralibs/devices/simulated/PixelPacking.h"
 
 #include <array>
 #include <cstdint>
@@ -28,7 +28,8 @@ struct ImageSettings {
     std::uint32_t sensorHeight = 0;
     bool color = false;
 
-    const PixelFormat* format = nullptr;
+    std::uint32_t format = 0;              ///< its value in the PFNC: how large the image is
+    const PixelPacking* packing = nullptr; ///< of that format, or of one with as many bits: what it looks like
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint32_t offsetX = 0;

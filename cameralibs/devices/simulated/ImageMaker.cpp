@@ -1,5 +1,6 @@
 #include "ImageMaker.h"
 
+#include "cameralibs/base/PixelFormat.h"
 #include "cameralibs/devices/simulated/FrameNumber.h"
 #include "cameralibs/devices/simulated/TestPatterns.h"
 
@@ -48,7 +49,7 @@ int groupBelow(int x)
 
 std::size_t ImageMaker::sizeOf(const ImageSettings& settings)
 {
-    return bytesOf(*settings.format, static_cast<std::size_t>(settings.width) * settings.height);
+    return static_cast<std::size_t>(imageBytes(settings.format, settings.width, settings.height));
 }
 
 void ImageMaker::make(const ImageSettings& settings, std::uint64_t frameNumber, double seconds, std::uint8_t* out)
@@ -69,6 +70,10 @@ void ImageMaker::prepare(const ImageSettings& settings)
     m_row.resize(static_cast<std::size_t>(settings.width) * settings.binningX);
     m_light.resize(m_row.size());
     m_still.clear();
+    const PixelFormat& packed = *findPixelFormat(settings.packing->format);
+    m_bitsPerPixel = bitsPerPixel(packed.value);
+    m_bitsPerRow = packed.packing == SamplePacking::Bits ? std::size_t{settings.width} * m_bitsPerPixel
+                                                         : imageBytes(packed, settings.width, 1) * 8;
     if (settings.pattern != TestPattern::Off)
         return;
 
@@ -107,18 +112,21 @@ void ImageMaker::makeScene(std::uint64_t frameNumber, double seconds, std::uint8
 
 void ImageMaker::makePattern(std::uint64_t frameNumber, std::uint8_t* out)
 {
-    const std::size_t rowBytes = bytesOf(*m_settings.format, m_settings.width);
+    // Rows that do not fill their last byte share it with the next row, and the format may take more than its packing.
+    const bool wholeBytes = m_bitsPerRow % 8 == 0;
+    const std::size_t rowBytes = m_bitsPerRow / 8;
+    const std::size_t filled = wholeBytes ? rowBytes * m_settings.height : 0;
+    std::memset(out + filled, 0, sizeOf(m_settings) - filled);
     std::array<const std::uint8_t*, kPatternRowKinds> made{};
     for (std::uint32_t y = 0; y < m_settings.height; ++y) {
-        std::uint8_t* const row = out + y * rowBytes;
         const std::uint8_t*& like = made[patternRowKind(m_settings, frameNumber, y)];
-        if (like != nullptr) {
-            std::memcpy(row, like, rowBytes);
+        if (like != nullptr && wholeBytes) {
+            std::memcpy(out + y * rowBytes, like, rowBytes);
             continue;
         }
         paintPattern(m_settings, frameNumber, y, m_row.data());
-        m_settings.format->pack(m_row.data(), m_settings.width, y, row);
-        like = row;
+        packSpan(0, static_cast<int>(y), static_cast<int>(m_settings.width), out);
+        like = out + y * rowBytes;
     }
 }
 
@@ -214,11 +222,9 @@ void ImageMaker::readSensor(int x, int y, int count, const Ball* ball, Sample* l
 
 void ImageMaker::packSpan(int x, int y, int count, std::uint8_t* image) const
 {
-    const auto width = static_cast<std::size_t>(m_settings.width);
-    const std::size_t begin =
-        bytesOf(*m_settings.format, static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x));
-    m_settings.format->pack(m_row.data(), static_cast<std::size_t>(count), static_cast<std::uint32_t>(y),
-                            image + begin);
+    const std::size_t begin = static_cast<std::size_t>(y) * m_bitsPerRow + static_cast<std::size_t>(x) * m_bitsPerPixel;
+    m_settings.packing->pack(m_row.data(), static_cast<std::size_t>(count), static_cast<std::uint32_t>(y),
+                             image + begin / 8, begin % 8);
 }
 
 } // namespace orvo::simulated

@@ -39,6 +39,8 @@ private:
     ImageSettings m_settings;
     std::array<std::vector<std::uint16_t>, 3> m_tone; ///< from light to pixel value, per channel
     std::vector<std::uint8_t> m_still;
+    std::size_t m_bitsPerPixel = 0; ///< as packed
+    std::size_t m_bitsPerRow = 0;
     std::vector<Sample> m_row;   ///< sensor pixels of one row or less, then pixels of the image
     std::vector<Sample> m_light; ///< a further row of the sensor, to be joined
 };

@@ -3,7 +3,7 @@
 /// What the built-in cameras look at: a chart of colours, greys and fine detail, and a ball that flies over it. Pure
 /// functions of the place on the sensor and of the time.
 
-#include "cameralibs/devices/simulated/PixelFormat.h"
+#include "cameralibs/devices/simulated/PixelPacking.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "SensorModel.h"
 
+#include "cameralibs/base/PixelFormat.h"
 #include "cameralibs/devices/simulated/CameraModel.h"
-#include "cameralibs/devices/simulated/PixelFormat.h"
 #include "cameralibs/devices/simulated/RegisterMemory.h"
 #include "cameralibs/devices/simulated/RegisterTable.h"
 #include "cameralibs/devices/simulated/SettingsReader.h"
@@ -74,7 +74,7 @@ void SensorModel::setFactoryDefaults()
     m_memory.setReal(registerNamed("SensorPixelHeight"), m_model.pixelPitch);
     m_memory.set(registerNamed("Width"), m_model.width);
     m_memory.set(registerNamed("Height"), m_model.height);
-    m_memory.set(kPixelFormat, pixelFormat(m_model.formats.front())->value);
+    m_memory.set(kPixelFormat, findPixelFormat(m_model.formats.front())->value);
     m_memory.setReal(kFrameRateWanted, m_model.defaultFrameRate);
     for (std::uint32_t value = 0; value < 256; ++value)
         m_memory.set(registerNamed("LUTValue"), value, value);
@@ -93,7 +93,7 @@ bool SensorModel::accepts(const RegisterEntry& entry, std::int64_t value) const
     if (&entry == &kPixelFormat) {
         const auto& names = m_model.formats;
         return std::any_of(names.begin(), names.end(), [&](std::string_view name) {
-            const PixelFormat* const format = pixelFormat(name);
+            const PixelFormat* const format = findPixelFormat(name);
             return format != nullptr && format->value == value;
         });
     }
@@ -165,14 +165,13 @@ void SensorModel::applyAutomatics()
 
 void SensorModel::updatePixels()
 {
-    const PixelFormat& format = *pixelFormat(static_cast<std::uint32_t>(m_memory.integer(kPixelFormat)));
-    const bool bayer = format.name.substr(0, 5) == "Bayer";
-    m_memory.set(registerNamed("PixelSize"), format.bitsPerPixel);
-    m_memory.set(registerNamed("PixelColorFilter"), bayer ? 1 : 0);
-    m_memory.set(registerNamed("PixelDynamicRangeMax"), (std::int64_t{1} << format.depth) - 1);
-    const std::int64_t pixels = m_memory.integer(registerNamed("Width")) * m_memory.integer(registerNamed("Height"));
-    const std::size_t size = bytesOf(format, static_cast<std::size_t>(pixels));
-    m_memory.set(registerNamed("PayloadSize"), static_cast<std::int64_t>(size));
+    const PixelFormat& format = *findPixelFormat(static_cast<std::uint32_t>(m_memory.integer(kPixelFormat)));
+    m_memory.set(registerNamed("PixelSize"), bitsPerPixel(format.value));
+    m_memory.set(registerNamed("PixelColorFilter"), format.family == PixelFamily::Bayer ? 1 : 0);
+    m_memory.set(registerNamed("PixelDynamicRangeMax"), (std::int64_t{1} << format.bits) - 1);
+    const auto width = static_cast<std::uint32_t>(m_memory.integer(registerNamed("Width")));
+    const auto height = static_cast<std::uint32_t>(m_memory.integer(registerNamed("Height")));
+    m_memory.set(registerNamed("PayloadSize"), static_cast<std::int64_t>(imageBytes(format, width, height)));
 }
 
 void SensorModel::updateFrameRate()

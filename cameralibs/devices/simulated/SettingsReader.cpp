@@ -33,7 +33,8 @@ void readGeometry(const RegisterMemory& memory, ImageSettings& image)
     image.sensorWidth = word(memory, registerNamed("SensorWidth"));
     image.sensorHeight = word(memory, registerNamed("SensorHeight"));
     image.color = memory.flag(registerNamed("ColorSensor"));
-    image.format = pixelFormat(word(memory, registerNamed("PixelFormat")));
+    image.format = word(memory, registerNamed("PixelFormat"));
+    image.packing = findPacking(image.format);
     image.width = word(memory, registerNamed("Width"));
     image.height = word(memory, registerNamed("Height"));
     image.offsetX = word(memory, registerNamed("OffsetX"));
