@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/ActionStates.h"
+#include "app/MessageLog.h"
 #include "camera/OrvoCamUtl.h"
 #include "camera/StatusName.h"
 #include "discovery/DiscoveryDlg.h"
@@ -10,7 +11,6 @@
 
 #include <QGuiApplication>
 #include <QScreen>
-#include <QTextCursor>
 
 namespace {
 
@@ -41,6 +41,7 @@ MainWindow::MainWindow(QWidget* parent)
     , ui(std::make_unique<Ui_MainWindow>())
 {
     ui->setupUi(this);
+    messageLog = new MessageLog(*ui->messageLogEdit);
     move(centredPosition(QGuiApplication::primaryScreen()->availableGeometry(), size()));
 
     // A failure leaves a window that can be looked at, with the actions as the form has them.
@@ -73,17 +74,8 @@ MainWindow::~MainWindow()
 
 void MainWindow::write_log(QString text)
 {
-    if (!logEnabled)
-        return;
-    // Not QTextEdit::append(), which would read markup into a text that a camera may have written.
-    QTextEdit& log = *ui->messageLogEdit;
-    QTextCursor end(log.document());
-    end.movePosition(QTextCursor::End);
-    if (!log.document()->isEmpty())
-        end.insertBlock();
-    end.insertText(text);
-    // The box scrolls to where its own cursor is.
-    log.setTextCursor(end);
+    if (logEnabled)
+        messageLog->append(text);
 }
 
 void MainWindow::set_error(CAM_API_STATUS status, QString title_str)
@@ -93,7 +85,7 @@ void MainWindow::set_error(CAM_API_STATUS status, QString title_str)
 
 void MainWindow::on_pushButtonClear_clicked()
 {
-    ui->messageLogEdit->clear();
+    messageLog->clear();
 }
 
 // --- State ----------------------------------------------------------------------------------------------------------

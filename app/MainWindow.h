@@ -17,6 +17,7 @@
 class DispThread;
 class FeatureView;
 class ImageView;
+class MessageLog;
 class Ui_MainWindow;
 
 /// The window of the program and the owner of the camera connection: one camera at a time, its stream, its display
@@ -127,5 +128,6 @@ private:
     ImageView* imageView = nullptr;
     MAIN_STATE state = MAIN_STATE_IDLE;
     bool logEnabled = true;
+    MessageLog* messageLog = nullptr; // belongs to the box of the log
     QString snapshotPath;
 };

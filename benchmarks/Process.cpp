@@ -8,14 +8,28 @@
 
 namespace process {
 
-double processorSeconds()
+namespace {
+
+double usedSeconds(int who)
 {
     rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
+    getrusage(who, &usage);
     const auto seconds = [](const timeval& time) {
         return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
     };
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+} // namespace
+
+double processorSeconds()
+{
+    return usedSeconds(RUSAGE_SELF);
+}
+
+double threadSeconds()
+{
+    return usedSeconds(RUSAGE_THREAD);
 }
 
 double residentMiB()

@@ -1,0 +1,176 @@
+// Does the window keep answering while a camera floods the message log?
+//
+// The real window with the real camera libraries and the first simulated colour camera, which sends 10,000 errors a
+// second for 10 s: in bursts of 10,000, in bursts of 1,000, and again with a full log. Prints the longest stall of the
+// event loop and the longest time from a callback to its line in the log, each beside its limit, and ends with status 1
+// where one is missed. Needs a screen:
+//
+//     tests/support/with-xvfb build/release/bin/message_log
+
+#include "benchmarks/Process.h"
+#include "camera/OrvoCamApi.h"
+#include "tests/support/OpenedCamera.h"
+#include "tests/support/ShownImages.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <QTimer>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+#include <vector>
+
+#include <dlfcn.h>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kLinesPerSecond = 10000;
+constexpr int kSeconds = 10;
+constexpr int kLines = kLinesPerSecond * kSeconds;
+
+// --- Lines, numbered by the status that they show -------------------------------------------------------------------
+
+struct Callback {
+    void* context = nullptr;
+    Orvo::CAM_IMAGE_ERROR_CALLBACK function = nullptr;
+};
+Callback viewerCallback;
+std::vector<Clock::time_point> sent(kLines);
+std::atomic<std::uint32_t> sentCount{0};
+
+void sendNumbered(Orvo::CAM_HANDLE camera, Orvo::CAM_STRM_HANDLE stream, std::uint32_t, std::uint32_t index, void*)
+{
+    const std::uint32_t number = sentCount.load();
+    sent.at(number) = Clock::now();
+    sentCount = number + 1;
+    viewerCallback.function(camera, stream, number + 1, index, viewerCallback.context);
+}
+
+} // namespace
+
+// Stands before the camera library's own, which it calls.
+extern "C" Orvo::CAM_API_STATUS Strm_SetCallbackImageError(Orvo::CAM_STRM_HANDLE stream, void* context,
+                                                           Orvo::CAM_IMAGE_ERROR_CALLBACK callback)
+{
+    static const auto next =
+        reinterpret_cast<decltype(&Orvo::Strm_SetCallbackImageError)>(dlsym(RTLD_NEXT, "Strm_SetCallbackImageError"));
+    viewerCallback = {context, callback};
+    return next(stream, nullptr, &sendNumbered);
+}
+
+namespace {
+
+[[noreturn]] void giveUp(const char* why)
+{
+    std::fprintf(stderr, "message_log: %s\n", why);
+    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): nobody else ends the program
+}
+
+double milliseconds(Clock::duration duration)
+{
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+
+/// The number that the newest line shows, 0 where there is none.
+std::uint32_t newestNumber(const QTextDocument& log)
+{
+    const QString line = log.lastBlock().text();
+    const int begin = line.indexOf("0x") + 2;
+    return begin < 2 ? 0 : line.mid(begin, line.size() - begin - 1).toUInt(nullptr, 16);
+}
+
+bool allMet = true;
+
+void report(const char* what, double measured)
+{
+    constexpr double limit = 200;
+    const bool met = measured <= limit;
+    std::printf("  %-40s %8.1f ms   limit %.0f ms   ratio %5.2f   %s\n", what, measured, limit, measured / limit,
+                met ? "met" : "MISSED");
+    allMet = allMet && met;
+}
+
+void flood(const char* what, int burst, const QTextDocument& log)
+{
+    constexpr int beatMs = 5;
+    sentCount = 0;
+    double latest = 0;
+    std::uint32_t arrived = 0;
+    const auto noteLines = [&] {
+        const Clock::time_point now = Clock::now();
+        for (const std::uint32_t newest = std::max(newestNumber(log), arrived); arrived < newest; ++arrived)
+            latest = std::max(latest, milliseconds(now - sent.at(arrived)));
+    };
+
+    double stall = 0;
+    double work = 0;
+    Clock::time_point lastBeat = Clock::now();
+    double lastWork = process::threadSeconds();
+    QTimer beat;
+    QObject::connect(&beat, &QTimer::timeout, &beat, [&] {
+        const Clock::time_point now = Clock::now();
+        const double nowWork = process::threadSeconds();
+        stall = std::max(stall, milliseconds(now - lastBeat) - beatMs);
+        work = std::max(work, 1000 * (nowWork - lastWork));
+        lastBeat = now;
+        lastWork = nowWork;
+    });
+    const auto noting = QObject::connect(&log, &QTextDocument::contentsChanged, &beat, noteLines);
+    const double processorBefore = process::processorSeconds();
+    QElapsedTimer wall;
+    wall.start();
+    beat.start(beatMs);
+
+    std::thread sender([burst] {
+        const Clock::time_point begin = Clock::now();
+        for (int count = 0; count < kLines; count += burst) {
+            std::this_thread::sleep_until(begin + std::chrono::microseconds(1000000LL * count / kLinesPerSecond));
+            if (opened::set("SimulationErrorBurst", burst) != Orvo::CAM_API_STS_SUCCESS)
+                giveUp("no burst");
+        }
+    });
+    const bool all = QTest::qWaitFor([&] { return arrived == kLines; }, 20 * 1000 * kSeconds);
+    const double share =
+        100 * (process::processorSeconds() - processorBefore) * 1000 / static_cast<double>(wall.elapsed());
+    sender.join();
+    QObject::disconnect(noting);
+    if (!all)
+        giveUp("lines are missing");
+    std::printf("%s: processor share %.0f %%, camera and drawing included; %d lines in the log\n", what, share,
+                log.blockCount());
+    std::printf("  %-40s %8.1f ms   (what a stall comes to with a processor for itself)\n", "most work in one go",
+                work);
+    report("longest stall", stall);
+    report("longest time to a line", latest);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    WindowDriver driver;
+    const ShownImages images(driver.window());
+    if (!driver.openModel("SIM-C1920"))
+        giveUp("no camera");
+    driver.start();
+    if (!images.waitForMore(1))
+        giveUp("no images");
+
+    const QTextDocument& log = *driver.child<QTextEdit>("messageLogEdit")->document();
+    flood("bursts of 10,000", 10000, log);
+    flood("bursts of 1,000, full log", 1000, log);
+    flood("bursts of 10,000, full log", 10000, log);
+    return allMet ? EXIT_SUCCESS : EXIT_FAILURE;
+}
