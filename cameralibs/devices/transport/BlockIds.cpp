@@ -1,16 +1,22 @@
 #include "BlockIds.h"
 
+#include <algorithm>
+
 namespace orvo {
 
 namespace {
 
 constexpr std::uint64_t kHighestShortId = 65535;
 
+/// No camera loses as many images. Numbers that jumped further could run over their highest, and fall.
+constexpr std::uint64_t kLargestStep = 1ULL << 32U;
+constexpr std::uint64_t kHighestFirst = 1ULL << 62U;
+
 /// How many images further `id` is; at least one, as no image comes twice.
 std::uint64_t step(std::uint64_t lastId, std::uint64_t id)
 {
     if (lastId > kHighestShortId || id > kHighestShortId)
-        return id > lastId ? id - lastId : 1;
+        return id > lastId && id - lastId <= kLargestStep ? id - lastId : 1;
     const auto distance = static_cast<std::int16_t>(id - lastId);
     if (distance < 1)
         return 1;
@@ -23,7 +29,7 @@ std::uint64_t step(std::uint64_t lastId, std::uint64_t id)
 
 std::uint64_t BlockIds::next(std::uint64_t id)
 {
-    m_number = m_lastId ? m_number + step(*m_lastId, id) : id;
+    m_number = m_lastId ? m_number + step(*m_lastId, id) : std::min(id, kHighestFirst);
     m_lastId = id;
     return m_number;
 }

@@ -48,11 +48,11 @@ struct Access {
         const auto answer = reply.body<Done>(Kind::done);
         if (!answer)
             return Connection::Heard::wrong;
-        done = answer->status == 0;
-        if (done && reply.data().size() != size)
-            return Connection::Heard::wrong;
-        if (done) {
+        if (answer->status == 0) {
+            if (reply.data().size() != size)
+                return Connection::Heard::wrong;
             std::copy_n(reply.data().begin(), size, to);
+            done = true;
             return Connection::Heard::last;
         }
         // A number that Aravis does not know is one that means nothing.

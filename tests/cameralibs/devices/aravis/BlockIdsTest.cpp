@@ -34,6 +34,8 @@ constexpr StepRow kSteps[] = {
     {kLong, kLong, 1, "the same long id again"},
     {kLong, kLong - 3, 1, "an earlier long id"},
     {kLong, 1, 1, "a short id after a long one"},
+    {1, ~0ULL, 1, "absurdly far"},
+    {~0ULL, 1, 1, "from the highest of all"},
 };
 
 } // namespace

@@ -47,6 +47,16 @@ std::string ChildProcess::readLine()
     return line;
 }
 
+void ChildProcess::stop() const
+{
+    ::kill(m_pid, SIGSTOP);
+}
+
+void ChildProcess::resume() const
+{
+    ::kill(m_pid, SIGCONT);
+}
+
 void ChildProcess::kill()
 {
     if (m_pid <= 0)

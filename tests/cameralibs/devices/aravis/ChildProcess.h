@@ -19,6 +19,10 @@ public:
     /// Ends it at once, as a pulled cable ends a camera.
     void kill();
 
+    /// Lets it hang, as firmware does, and go on.
+    void stop() const;
+    void resume() const;
+
 private:
     pid_t m_pid = -1;
     int m_input = -1;

@@ -1,0 +1,225 @@
+// A transport that says what none must say: how a real one might behave once a camera has taken it over. The library
+// gives it no arguments, so the environment tells which lie it is to tell; without one it is honest.
+
+#include "cameralibs/transport/Channel.h"
+
+#include "camera/OrvoCamApi.h"
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+using namespace orvo::transport;
+
+namespace {
+
+const std::string& lie()
+{
+    static const std::string theLie = [] {
+        const char* const told = std::getenv("ROGUE_LIE"); // NOLINT(concurrency-mt-unsafe)
+        return std::string(told == nullptr ? "" : told);
+    }();
+    return theLie;
+}
+
+constexpr std::uint32_t kWidth = 64;
+constexpr std::uint32_t kHeight = 32;
+
+std::string integerRegister(const std::string& name, unsigned address)
+{
+    return "<Integer Name=\"" + name + "\"><pValue>" + name + "Reg</pValue></Integer><IntReg Name=\"" + name +
+           "Reg\"><Address>" + std::to_string(address) +
+           "</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Sign>Unsigned</Sign>"
+           "<Endianess>LittleEndian</Endianess></IntReg>";
+}
+
+std::string description()
+{
+    return R"(<?xml version="1.0"?><RegisterDescription ModelName="Rogue" VendorName="Tests" SchemaMajorVersion="1"
+        SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+        StandardNameSpace="None" ProductGuid="0" VersionGuid="0" ToolTip=""
+        xmlns="http://www.genicam.org/GenApi/Version_1_1"><Category Name="Root"><pFeature>Width</pFeature>
+        <pFeature>Height</pFeature><pFeature>PayloadSize</pFeature></Category>)" +
+           integerRegister("Width", 0) + integerRegister("Height", 4) + integerRegister("PayloadSize", 8) +
+           R"(<Port Name="Device"/></RegisterDescription>)";
+}
+
+class Rogue {
+public:
+    int run()
+    {
+        std::thread([this] { tellEvents(); }).detach();
+        Packet packet;
+        while (m_control.receive(packet, Clock::time_point::max(), Channel::Descriptors::accept) == Received::packet) {
+            answer(packet);
+            if (packet.kind() == Kind::close)
+                break;
+        }
+        ::_exit(0);
+    }
+
+private:
+    void tellEvents()
+    {
+        for (;;) {
+            if (lie() == "garbage event") {
+                (void)!::send(kEventDescriptor, "x", 1, MSG_NOSIGNAL);
+            } else if (lie() == "unknown event") {
+                (void)m_events.send(Kind::image);
+            } else if (lie() != "no sign of life") {
+                (void)m_events.send(Kind::alive);
+            }
+            std::this_thread::sleep_for(kAlivePeriod);
+        }
+    }
+
+    void done(std::uint32_t status = 0, std::string_view data = {})
+    {
+        (void)m_control.send(Kind::done, Done{status, 0}, data);
+    }
+
+    void answer(Packet& packet)
+    {
+        switch (packet.kind()) {
+        case Kind::hello:
+            return answerHello();
+        case Kind::enumerate:
+            return answerEnumerate();
+        case Kind::open:
+            return done(lie() == "strange status" ? 12345 : 0, "It says so");
+        case Kind::describe:
+            return answerDescribe(packet.body<Describe>(Kind::describe)->offset);
+        case Kind::read:
+            return answerRead(*packet.body<Read>(Kind::read));
+        case Kind::openSource:
+            return done();
+        case Kind::start:
+            return start(packet.takeDescriptor());
+        default:
+            return done();
+        }
+    }
+
+    void answerHello()
+    {
+        Hello hello{};
+        setText(hello.build, lie() == "other build" ? "0.0.0" : ORVO_TRANSPORT_BUILD);
+        if (lie() == "ends at once")
+            ::_exit(3);
+        if (lie() == "short packet") {
+            (void)!::send(kControlDescriptor, "abc", 3, MSG_NOSIGNAL);
+        } else if (lie() == "data without end") {
+            const Header header{Kind::hello, 0xffffffff};
+            (void)!::send(kControlDescriptor, &header, sizeof header, MSG_NOSIGNAL);
+        } else if (lie() == "descriptor") {
+            (void)m_control.send(Kind::hello, hello, {}, STDIN_FILENO);
+        } else {
+            (void)m_control.send(Kind::hello, hello);
+        }
+    }
+
+    void answerEnumerate()
+    {
+        Listed camera{};
+        camera.link = lie() == "unknown kind" ? 77U : std::uint32_t{Orvo::CAM_LINK_USB3_VISION};
+        setText(camera.id, "rogue");
+        setText(camera.model, "Rogue");
+        if (lie() == "texts without end")
+            std::memset(camera.id, 'x', sizeof camera - sizeof camera.link);
+        for (int i = 0; lie() == "endless list" && m_control.send(Kind::listed, camera); ++i)
+            setText(camera.id, std::to_string(i));
+        (void)m_control.send(Kind::listed, camera);
+        done();
+    }
+
+    void answerDescribe(std::uint64_t offset)
+    {
+        const std::string text = description();
+        std::uint64_t total = text.size();
+        std::string_view part = std::string_view(text).substr(std::min<std::size_t>(offset, text.size()), kMaxData);
+        if (lie() == "huge description") {
+            total = ~0ULL;
+        } else if (lie() == "empty parts") {
+            part = {};
+        } else if (lie() == "no description") {
+            total = 0;
+            part = {};
+        } else if (lie() == "more than said") {
+            total = 10;
+        }
+        (void)m_control.send(Kind::described, Described{total}, part);
+    }
+
+    void answerRead(const Read& read)
+    {
+        const std::array<std::uint32_t, 3> registers = {kWidth, kHeight, kWidth * kHeight};
+        std::string bytes(read.size, '\0');
+        if (read.address < sizeof registers)
+            std::memcpy(bytes.data(), reinterpret_cast<const char*>(registers.data()) + read.address,
+                        std::min<std::size_t>(read.size, sizeof registers - read.address));
+        if (lie() == "short read") {
+            bytes.pop_back();
+        } else if (lie() == "long read") {
+            bytes.append(1000, 'x');
+        } else if (lie() == "strange error") {
+            return done(999, std::string(kMaxData, 'x'));
+        } else if (lie() == "other answer") {
+            return (void)m_control.send(Kind::described, Described{4}, bytes);
+        } else if (lie() == "endless progress") {
+            while (m_control.send(Kind::progress, Progress{Answer::pending, 0}))
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            return;
+        }
+        done(0, bytes);
+    }
+
+    void start(Descriptor channel)
+    {
+        done();
+        std::thread([this, images = Channel(std::move(channel))] { sendImages(images); }).detach();
+    }
+
+    void sendImages(const Channel& images)
+    {
+        Packet packet;
+        std::uint64_t blockId = 1;
+        while (images.receive(packet, Clock::time_point::max()) == Received::packet) {
+            const auto free = packet.body<Free>(Kind::free);
+            Image image{free->offset, free->capacity, blockId++, 1};
+            if (lie() == "foreign buffer") {
+                image.offset = 1ULL << 40U;
+            } else if (lie() == "odd offset") {
+                image.offset += 1;
+            } else if (lie() == "too large") {
+                image.size = free->capacity + 1;
+            } else if (lie() == "twice" || lie() == "far ids") {
+                image.blockId = lie() == "far ids" ? ~0ULL - blockId % 2 * (1ULL << 63U) : image.blockId;
+            } else if (lie() == "failed with success") {
+                (void)images.send(Kind::failed, Failed{0, 0});
+            } else if (lie() == "unknown packet") {
+                (void)images.send(Kind::listed);
+            }
+            if (!images.send(Kind::image, image))
+                return;
+            if (lie() == "twice")
+                (void)images.send(Kind::image, image);
+        }
+    }
+
+    const Channel m_control{Descriptor(kControlDescriptor)};
+    const Channel m_events{Descriptor(kEventDescriptor)};
+};
+
+} // namespace
+
+int main()
+{
+    return Rogue().run();
+}

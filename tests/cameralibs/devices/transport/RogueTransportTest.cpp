@@ -1,0 +1,162 @@
+// What the library does with a transport that a camera has taken over. Whatever that says, each operation ends in time
+// with a status of the interface, nothing is written or read beyond a buffer, and the next camera opens.
+
+#include "Transports.h"
+
+#include "tests/cameralibs/api/CameraAccess.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+using namespace Orvo;
+
+namespace {
+
+constexpr CAM_API_STATUS kGone = CAM_API_STS_CAMERA_NOT_RESPONDING;
+
+class RogueTransportTest : public ::testing::Test {
+protected:
+    RogueTransportTest()
+    {
+        ::setenv("ORVO_CAMERA_TRANSPORT", ROGUE_TRANSPORT, 1); // NOLINT(concurrency-mt-unsafe)
+        EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Sys_CreateSignal(&m_signal), CAM_API_STS_SUCCESS);
+        m_descriptors = ownDescriptors();
+    }
+    ~RogueTransportTest() override
+    {
+        tell("");
+        (void)Cam_Close(m_camera);
+        EXPECT_EQ(ownDescriptors(), m_descriptors);
+        EXPECT_EQ(list(), 1U);
+        EXPECT_EQ(open(), CAM_API_STS_SUCCESS) << "an honest one afterwards";
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+        EXPECT_THAT(transports(), ::testing::IsEmpty());
+        ::unsetenv("ORVO_CAMERA_TRANSPORT"); // NOLINT(concurrency-mt-unsafe)
+    }
+    RogueTransportTest(const RogueTransportTest&) = delete;
+    RogueTransportTest& operator=(const RogueTransportTest&) = delete;
+
+    static void tell(const char* lie) { ::setenv("ROGUE_LIE", lie, 1); } // NOLINT(concurrency-mt-unsafe)
+
+    [[nodiscard]] static std::uint32_t list()
+    {
+        std::uint32_t count = 0;
+        EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        return count;
+    }
+    [[nodiscard]] CAM_API_STATUS open() { return Cam_Open(0, &m_camera, m_signal, 1, nullptr, 1); }
+
+    [[nodiscard]] bool lost() const { return Sys_WaitForSignal(m_signal, 60'000) == CAM_API_STS_SUCCESS; }
+
+    CAM_SIGNAL_HANDLE m_signal = 0;
+    CAM_HANDLE m_camera = 0;
+    std::size_t m_descriptors = 0;
+};
+
+} // namespace
+
+TEST_F(RogueTransportTest, BeforeAnythingElse)
+{
+    for (const char* lie : {"other build", "ends at once", "short packet", "data without end", "descriptor"}) {
+        tell(lie);
+        EXPECT_EQ(list(), 0U) << lie;
+    }
+}
+
+TEST_F(RogueTransportTest, Listing)
+{
+    for (const char* lie : {"unknown kind", "endless list"}) {
+        tell(lie);
+        EXPECT_LE(list(), 1000U) << lie;
+    }
+    tell("texts without end");
+    ASSERT_EQ(list(), 1U);
+    CAM_INFO info = {};
+    EXPECT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(std::string(info.modelName), std::string(63, 'x'));
+}
+
+TEST_F(RogueTransportTest, Opening)
+{
+    ASSERT_EQ(list(), 1U);
+    struct Row {
+        const char* lie;
+        CAM_API_STATUS status;
+    };
+    for (const Row& row :
+         {Row{"strange status", CAM_API_STS_UNSUCCESSFUL}, Row{"huge description", kGone}, Row{"empty parts", kGone},
+          Row{"more than said", kGone}, Row{"no description", CAM_API_STS_XML_LOAD_ERR}, Row{"other build", kGone}}) {
+        tell(row.lie);
+        EXPECT_EQ(open(), row.status) << row.lie;
+    }
+}
+
+TEST_F(RogueTransportTest, Reading)
+{
+    ASSERT_EQ(list(), 1U);
+    for (const char* lie : {"short read", "long read", "other answer", "endless progress"}) {
+        tell(lie);
+        ASSERT_EQ(open(), CAM_API_STS_SUCCESS) << lie;
+        std::int64_t value = 0;
+        EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone) << lie;
+        EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    }
+    tell("strange error");
+    ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), CAM_API_STS_UNSUCCESSFUL);
+}
+
+TEST_F(RogueTransportTest, EventsAtAnyTime)
+{
+    ASSERT_EQ(list(), 1U);
+    for (const char* lie : {"garbage event", "unknown event", "no sign of life"}) {
+        tell(lie);
+        if (open() != CAM_API_STS_SUCCESS)
+            continue; // it was found out before
+        EXPECT_TRUE(lost()) << lie;
+        EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    }
+}
+
+TEST_F(RogueTransportTest, ImagesInBuffersThatAreNotItsOwn)
+{
+    ASSERT_EQ(list(), 1U);
+    for (const char* lie : {"foreign buffer", "odd offset", "too large", "twice", "unknown packet"}) {
+        tell(lie);
+        ASSERT_EQ(open(), CAM_API_STS_SUCCESS) << lie;
+        CAM_STRM_HANDLE stream = 0;
+        ASSERT_EQ(Strm_OpenSimple(m_camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+        (void)Strm_Start(stream, 8);
+        EXPECT_TRUE(lost()) << lie;
+        EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    }
+}
+
+TEST_F(RogueTransportTest, NumbersAndStatusesOfImagesAreThoseOfTheInterface)
+{
+    ASSERT_EQ(list(), 1U);
+    for (const char* lie : {"", "far ids", "failed with success"}) {
+        tell(lie);
+        ASSERT_EQ(open(), CAM_API_STS_SUCCESS) << lie;
+        CAM_STRM_HANDLE stream = 0;
+        ASSERT_EQ(Strm_OpenSimple(m_camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+        StreamRecorder recorder;
+        recorder.attachTo(stream);
+        ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+        EXPECT_TRUE(recorder.waitForImages(50));
+        EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+        const auto images = recorder.images();
+        for (std::size_t i = 1; i < images.size(); ++i)
+            EXPECT_GT(images[i].info.frameNumber, images[i - 1].info.frameNumber) << lie;
+        EXPECT_THAT(recorder.errors(), ::testing::Each(CAM_API_STS_DATA_DISCARDED));
+        EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    }
+}
