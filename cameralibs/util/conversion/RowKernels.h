@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cameralibs/base/PixelFormat.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -61,16 +63,14 @@ using BayerRows = std::array<const std::uint8_t*, 6>;
 constexpr std::size_t bayerMargin = 128;
 
 struct RowKernels {
-    // More than 8 bits are reduced to the upper 8.
+    /// Samples of more than 8 bits, reduced to the upper 8: words of two bytes whose bits above `bits` mean nothing,
+    /// runs of 10, 12 or 14 bits of which the first sample begins with a byte, or pairs in three bytes.
+    void (*bytesFromSamples)(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t samples,
+                             WritableBytes bytes);
 
-    /// Words of two bytes; bits above `bits` mean nothing.
-    void (*bytesFromWords)(ReadableBytes words, unsigned bits, std::size_t samples, WritableBytes bytes);
-
-    /// A run of 10, 12 or 14 bits, of which the first sample begins with a byte.
-    void (*bytesFromBits)(ReadableBytes run, unsigned bits, std::size_t samples, WritableBytes bytes);
-
-    /// Two samples in three bytes.
-    void (*bytesFromPairs)(ReadableBytes pairs, std::size_t samples, WritableBytes bytes);
+    /// The same, and pixels of them.
+    void (*bgraFromGraySamples)(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t pixels,
+                                WritableBytes bgra);
 
     // Bytes to B, G, R, 255.
 

@@ -15,24 +15,14 @@ SampleReader::SampleReader(const SourceImage& image) noexcept
 
 void SampleReader::copy(std::uint64_t first, std::size_t count, WritableBytes bytes) const noexcept
 {
-    switch (m_packing) {
-    case SamplePacking::Unpacked:
-    case SamplePacking::Planar:
-    case SamplePacking::Semiplanar:
-        if (m_bits == 8) {
-            std::memcpy(bytes.begin, m_image.begin + first, count);
-        } else {
-            m_kernels.bytesFromWords({m_image.begin + 2 * first, m_image.end}, m_bits, count, bytes);
-        }
-        break;
-    case SamplePacking::Bits:
+    if (m_packing == SamplePacking::Bits) {
         copyBits(first, count, bytes);
-        break;
-    case SamplePacking::Pairs:
-        m_kernels.bytesFromPairs({m_image.begin + first / 2 * 3, m_image.end}, count, bytes);
-        break;
-    case SamplePacking::Bits32:
-        break; // are converted where they are
+    } else if (m_packing == SamplePacking::Pairs) {
+        m_kernels.bytesFromSamples({m_image.begin + first / 2 * 3, m_image.end}, m_packing, m_bits, count, bytes);
+    } else if (m_bits == 8) {
+        std::memcpy(bytes.begin, m_image.begin + first, count);
+    } else {
+        m_kernels.bytesFromSamples({m_image.begin + 2 * first, m_image.end}, m_packing, m_bits, count, bytes);
     }
 }
 
@@ -54,15 +44,15 @@ void SampleReader::copyBits(std::uint64_t first, std::size_t count, WritableByte
     if (skipped != 0) {
         std::array<std::uint8_t, 64> samples{}; // room for a vector
         const std::size_t wanted = std::min(group - skipped, count);
-        m_kernels.bytesFromBits({run, m_image.end}, m_bits, skipped + wanted,
-                                {samples.data(), samples.data() + samples.size()});
+        m_kernels.bytesFromSamples({run, m_image.end}, m_packing, m_bits, skipped + wanted,
+                                   {samples.data(), samples.data() + samples.size()});
         std::memcpy(bytes.begin, samples.data() + skipped, wanted);
         run += group * m_bits / 8;
         bytes.begin += wanted;
         count -= wanted;
     }
     if (count > 0) {
-        m_kernels.bytesFromBits({run, m_image.end}, m_bits, count, bytes);
+        m_kernels.bytesFromSamples({run, m_image.end}, m_packing, m_bits, count, bytes);
     }
 }
 

@@ -1,4 +1,4 @@
-// Samples of more than 8 bits to bytes.
+// Samples of more than 8 bits to bytes, and to pixels of gray.
 #if defined(ORVO_SAMPLE_STEPS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef ORVO_SAMPLE_STEPS_INL_H
 #undef ORVO_SAMPLE_STEPS_INL_H
@@ -6,27 +6,25 @@
 #define ORVO_SAMPLE_STEPS_INL_H
 #endif
 
-#include "cameralibs/util/conversion/VectorSteps-inl.h"
+#include "cameralibs/util/conversion/BgraSteps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace orvo::HWY_NAMESPACE {
 
-class WordsStep {
+/// A vector of samples at a time, as bytes.
+class WordSamples {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = vectorBytes;
     static constexpr std::size_t inBytes = 2 * vectorBytes;
     static constexpr std::size_t inReach = inBytes;
-    static constexpr std::size_t outBytes = vectorBytes;
 
-    HWY_INLINE explicit WordsStep(unsigned bits)
+    HWY_INLINE explicit WordSamples(unsigned bits)
         : m_unusedBits(static_cast<int>(16 - bits))
     {
     }
 
-    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& words, std::uint8_t* bytes) const
+    [[nodiscard]] HWY_INLINE ByteVector read(const std::uint8_t* words) const
     {
-        store(halvesOfBlocksApart(packed(upperBits(words[0]), upperBits(words[0] + vectorBytes))), bytes);
+        return halvesOfBlocksApart(packed(upperBits(words), upperBits(words + vectorBytes)));
     }
 
 private:
@@ -56,18 +54,14 @@ template <unsigned Bits> struct RunLayout {
     static constexpr std::size_t startInBlock(std::size_t block) { return block * Bits % 4; }
 };
 
-template <unsigned Bits> class BitsStep {
+template <unsigned Bits> class RunSamples {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = vectorBytes;
     static constexpr std::size_t inBytes = 2 * RunLayout<Bits>::halfVectorBytes;
     static constexpr std::size_t inReach = RunLayout<Bits>::halfVectorBytes + vectorBytes;
-    static constexpr std::size_t outBytes = vectorBytes;
 
-    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& run, std::uint8_t* bytes) const
+    [[nodiscard]] HWY_INLINE ByteVector read(const std::uint8_t* run) const
     {
-        store(halvesOfBlocksApart(packed(upperBits(run[0]), upperBits(run[0] + RunLayout<Bits>::halfVectorBytes))),
-              bytes);
+        return halvesOfBlocksApart(packed(upperBits(run), upperBits(run + RunLayout<Bits>::halfVectorBytes)));
     }
 
 private:
@@ -101,19 +95,16 @@ private:
 };
 
 /// Laid out like samples of 12 bits, but the upper 8 are a byte of their own.
-class PairsStep {
+class PairSamples {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = vectorBytes;
     static constexpr std::size_t inBytes = 2 * RunLayout<12>::halfVectorBytes;
     static constexpr std::size_t inReach = RunLayout<12>::halfVectorBytes + vectorBytes;
-    static constexpr std::size_t outBytes = vectorBytes;
 
-    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& pairs, std::uint8_t* bytes) const
+    [[nodiscard]] HWY_INLINE ByteVector read(const std::uint8_t* pairs) const
     {
-        const ByteVector first = reordered(load(pairs[0]), RunLayout<12>::blocks);
-        const ByteVector second = reordered(load(pairs[0] + RunLayout<12>::halfVectorBytes), RunLayout<12>::blocks);
-        store(halvesOfBlocksApart(hn::Or(lookUp(first, repeated(toLower)), lookUp(second, repeated(toUpper)))), bytes);
+        const ByteVector first = reordered(load(pairs), RunLayout<12>::blocks);
+        const ByteVector second = reordered(load(pairs + RunLayout<12>::halfVectorBytes), RunLayout<12>::blocks);
+        return halvesOfBlocksApart(hn::Or(lookUp(first, repeated(toLower)), lookUp(second, repeated(toUpper))));
     }
 
 private:
@@ -123,29 +114,81 @@ private:
                                         0,        2,        3,        5,        6,        8,        9,        11};
 };
 
-void bytesFromWords(ReadableBytes words, unsigned bits, std::size_t samples, WritableBytes bytes)
-{
-    overRow(WordsStep(bits), {words}, samples, bytes);
-}
+template <typename Samples> class BytesStep {
+public:
+    static constexpr std::size_t planes = 1;
+    static constexpr std::size_t units = vectorBytes;
+    static constexpr std::size_t inBytes = Samples::inBytes;
+    static constexpr std::size_t inReach = Samples::inReach;
+    static constexpr std::size_t outBytes = vectorBytes;
 
-void bytesFromBits(ReadableBytes run, unsigned bits, std::size_t samples, WritableBytes bytes)
+    HWY_INLINE explicit BytesStep(const Samples& samples)
+        : m_samples(samples)
+    {
+    }
+
+    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& from, std::uint8_t* bytes) const
+    {
+        store(m_samples.read(from[0]), bytes);
+    }
+
+private:
+    Samples m_samples;
+};
+
+/// In one go: a buffer between two passes costs a quarter more where the images do not fit the caches, because stores
+/// to it wait for those of the pixels before.
+template <typename Samples> class GraySamplesStep {
+public:
+    static constexpr std::size_t planes = 1;
+    static constexpr std::size_t units = vectorBytes;
+    static constexpr std::size_t inBytes = Samples::inBytes;
+    static constexpr std::size_t inReach = Samples::inReach;
+    static constexpr std::size_t outBytes = vectorBytes * bytesPerBgra;
+
+    HWY_INLINE explicit GraySamplesStep(const Samples& samples)
+        : m_samples(samples)
+    {
+    }
+
+    HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& from, std::uint8_t* bgra) const
+    {
+        const ByteVector gray = m_samples.read(from[0]);
+        writePixels(gray, gray, gray, bgra);
+    }
+
+private:
+    Samples m_samples;
+};
+
+/// `Step` is one of the two above.
+template <template <typename> class Step>
+HWY_INLINE void overSamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t samples,
+                            WritableBytes to)
 {
-    switch (bits) {
-    case 10:
-        overRow(BitsStep<10>(), {run}, samples, bytes);
-        break;
-    case 12:
-        overRow(BitsStep<12>(), {run}, samples, bytes);
-        break;
-    default:
-        overRow(BitsStep<14>(), {run}, samples, bytes);
-        break;
+    if (packing == SamplePacking::Pairs) {
+        overRow(Step<PairSamples>(PairSamples()), {from}, samples, to);
+    } else if (packing != SamplePacking::Bits) {
+        overRow(Step<WordSamples>(WordSamples(bits)), {from}, samples, to);
+    } else if (bits == 10) {
+        overRow(Step<RunSamples<10>>(RunSamples<10>()), {from}, samples, to);
+    } else if (bits == 12) {
+        overRow(Step<RunSamples<12>>(RunSamples<12>()), {from}, samples, to);
+    } else {
+        overRow(Step<RunSamples<14>>(RunSamples<14>()), {from}, samples, to);
     }
 }
 
-void bytesFromPairs(ReadableBytes pairs, std::size_t samples, WritableBytes bytes)
+void bytesFromSamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t samples,
+                      WritableBytes bytes)
 {
-    overRow(PairsStep(), {pairs}, samples, bytes);
+    overSamples<BytesStep>(from, packing, bits, samples, bytes);
+}
+
+void bgraFromGraySamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t pixels,
+                         WritableBytes bgra)
+{
+    overSamples<GraySamplesStep>(from, packing, bits, pixels, bgra);
 }
 
 } // namespace orvo::HWY_NAMESPACE

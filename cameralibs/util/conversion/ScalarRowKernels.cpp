@@ -18,29 +18,33 @@ void writePixel(std::uint8_t blue, std::uint8_t green, std::uint8_t red, std::ui
 // --- Samples to bytes
 // ---------------------------------------------------------------------------------------------------
 
-void bytesFromWords(ReadableBytes words, unsigned bits, std::size_t samples, WritableBytes bytes)
+std::uint8_t upperBits(const std::uint8_t* from, SamplePacking packing, unsigned bits, std::size_t sample)
+{
+    if (packing == SamplePacking::Pairs) {
+        return from[sample / 2 * 3 + sample % 2 * 2];
+    }
+    // The last 8 bits of a sample, in a run of bits or in words of 16.
+    const std::size_t bit = packing == SamplePacking::Bits ? (sample + 1) * bits - 8 : 16 * sample + bits - 8;
+    const std::uint8_t* const byte = from + bit / 8;
+    const unsigned shift = bit % 8;
+    // The byte after a sample that ends with its byte may be past the end of the image.
+    return shift == 0 ? *byte : static_cast<std::uint8_t>(byte[0] >> shift | byte[1] << (8 - shift));
+}
+
+void bytesFromSamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t samples,
+                      WritableBytes bytes)
 {
     for (std::size_t i = 0; i < samples; ++i) {
-        const unsigned word = words.begin[2 * i] | unsigned{words.begin[2 * i + 1]} << 8;
-        bytes.begin[i] = static_cast<std::uint8_t>(word >> (bits - 8));
+        bytes.begin[i] = upperBits(from.begin, packing, bits, i);
     }
 }
 
-void bytesFromBits(ReadableBytes run, unsigned bits, std::size_t samples, WritableBytes bytes)
+void bgraFromGraySamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t pixels,
+                         WritableBytes bgra)
 {
-    for (std::size_t i = 0; i < samples; ++i) {
-        const std::size_t bit = i * bits + bits - 8;
-        const std::uint8_t* const byte = run.begin + bit / 8;
-        const unsigned shift = bit % 8;
-        // The byte after a sample that ends with its byte may be past the end of the image.
-        bytes.begin[i] = shift == 0 ? *byte : static_cast<std::uint8_t>(byte[0] >> shift | byte[1] << (8 - shift));
-    }
-}
-
-void bytesFromPairs(ReadableBytes pairs, std::size_t samples, WritableBytes bytes)
-{
-    for (std::size_t i = 0; i < samples; ++i) {
-        bytes.begin[i] = pairs.begin[i / 2 * 3 + i % 2 * 2];
+    for (std::size_t i = 0; i < pixels; ++i) {
+        const std::uint8_t level = upperBits(from.begin, packing, bits, i);
+        writePixel(level, level, level, bgra.begin + bytesPerBgra * i);
     }
 }
 
@@ -182,9 +186,9 @@ void bgraFromBayer(const BayerRows& rows, BayerRow first, std::size_t pixels, st
 
 const RowKernels& scalarRowKernels() noexcept
 {
-    static constexpr RowKernels kernels{bytesFromWords,     bytesFromBits,   bytesFromPairs, bgraFromGray,
-                                        bgraFromPixels,     bgraFromWords30, bgraFromPlanes, bgraFromGroups,
-                                        bgraFromSemiplanar, bgraFromBayer};
+    static constexpr RowKernels kernels{bytesFromSamples, bgraFromGraySamples, bgraFromGray,
+                                        bgraFromPixels,   bgraFromWords30,     bgraFromPlanes,
+                                        bgraFromGroups,   bgraFromSemiplanar,  bgraFromBayer};
     return kernels;
 }
 
