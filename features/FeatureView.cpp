@@ -61,6 +61,7 @@ void FeatureView::createTable()
 
     QHeaderView* const columns = m_tableView.horizontalHeader();
     columns->setStretchLastSection(true);
+    columns->setSectionsClickable(false); // a click would select the column; double clicks are told all the same
     columns->setToolTip(tr("Double-clicking column header will shows / hides Node-Type colmn."));
     updateClmNodeTypeVisible();
 

@@ -70,6 +70,7 @@ private slots:
     void theTypeColumnFollowsTheWidth();
     void theThresholdAppliesAtOnce();
     void headerDoubleClickTogglesTheTypeColumn();
+    void clicksOnTheHeaderSelectNothing();
     void theManualToggleHoldsUntilTheNextResize();
     void theNameOfTheQuestionIsTheOppositeOfItsAnswer();
 
@@ -397,6 +398,28 @@ void FeatureViewFoldingTest::headerDoubleClickTogglesTheTypeColumn()
         features.view().columnHeaderDoubleClicked();
         QVERIFY(!features.table().isColumnHidden(1));
     }
+}
+
+void FeatureViewFoldingTest::clicksOnTheHeaderSelectNothing()
+{
+    FeatureTable features(nested());
+    features.show();
+    features.view().changeCollapsedState(features.cell("Plain"));
+    QWidget* const header = features.table().horizontalHeader()->viewport();
+    const QPoint at = header->rect().center();
+    const QItemSelectionModel& selection = *features.table().selectionModel();
+    QTest::mouseClick(header, Qt::LeftButton, {}, at);
+    QTest::mouseDClick(header, Qt::LeftButton, {}, at);
+    QVERIFY(features.table().isColumnHidden(1));
+    QVERIFY(!selection.hasSelection());
+    QVERIFY(!selection.currentIndex().isValid());
+
+    features.table().setCurrentIndex(features.cell("A"));
+    QTest::mouseClick(header, Qt::LeftButton, {}, at);
+    QTest::mouseDClick(header, Qt::LeftButton, {}, at);
+    QVERIFY(!features.table().isColumnHidden(1));
+    QCOMPARE(selection.selectedIndexes(), QModelIndexList{features.cell("A")});
+    QCOMPARE(selection.currentIndex(), features.cell("A"));
 }
 
 void FeatureViewFoldingTest::theManualToggleHoldsUntilTheNextResize()
