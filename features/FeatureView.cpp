@@ -34,10 +34,11 @@ FeatureView::FeatureView(QWidget* parent)
 
 FeatureView::~FeatureView()
 {
-    // The table is destroyed when this is a feature view no longer, and its viewport when it is no table.
+    // The table outlives this destructor, and its viewport the table's: filters must not reach a half-destroyed view.
     m_tableView.removeEventFilter(this);
     m_tableView.viewport()->removeEventFilter(this);
     dropModel();
+    deleteItemsWithoutModel();
     m_toolBar->clear();
     m_items.clear();
 }

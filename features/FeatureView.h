@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QIcon>
 #include <QList>
+#include <QPointer>
 #include <QStandardItemModel>
 #include <QTableView>
 #include <QTimer>
@@ -54,7 +55,8 @@ public:
     /// no node map; the table stays as it was then.
     int SetCam(unsigned long hCam);
 
-    /// Makes the item of the node and, of a category, those of everything below it, and appends them to the list.
+    /// Makes the item of the node and, of a category, those of everything below it, and appends them to the list. Items
+    /// that are in no model when this view ends, or when the next camera is set, are deleted then.
     Orvo::CAM_API_STATUS registerItemsToList(unsigned long hNode);
 
     /// Takes the model, whose items replace those shown before; they are deleted. The rows keep the order of the model.
@@ -182,6 +184,7 @@ private:
 
     // FeatureViewTree.cpp
     Orvo::CAM_API_STATUS registerSubtree(Orvo::CAM_NODE_HANDLE node, int level);
+    void deleteItemsWithoutModel();
     void fillRow(QStandardItemModel& model, int row);
 
     void checkActions(); // FeatureViewToolBar.cpp
@@ -212,8 +215,9 @@ private:
     int m_opeLogLevel = 1;
     TableViewItemDelegate m_delegate;
     bool m_valuesWritten = false;
-    QList<GenAPINodeItem*> m_items;   // owned by the source model
-    std::vector<bool> m_categoryRows; // of the source model
+    QList<GenAPINodeItem*> m_items;                            // owned by the source model
+    std::vector<QPointer<GenAPINodeItem>> m_itemsWithoutModel; // unless a caller placed them
+    std::vector<bool> m_categoryRows;                          // of the source model
     FeatureFilterModel m_filterModel;
     QToolBar* m_toolBar = nullptr;
     std::array<std::unique_ptr<QAction>, ToolActionCount> m_actions;

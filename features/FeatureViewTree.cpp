@@ -21,6 +21,7 @@ int FeatureView::SetCam(unsigned long hCam)
 {
     m_camera = hCam;
     m_items.clear();
+    deleteItemsWithoutModel();
     if (m_opeLogLevel >= OpeLogWrite) {
         QString preamble = OperationLog::preamble();
         emit OpeLogAppended(preamble);
@@ -36,7 +37,7 @@ int FeatureView::SetCam(unsigned long hCam)
     for (std::uint32_t index = 0; index < count; ++index) {
         CAM_NODE_HANDLE child = 0;
         if (Orvo::Nd_GetFeatureByIndex(m_camera, root, index, &child) == Orvo::CAM_API_STS_SUCCESS)
-            registerItemsToList(child);
+            registerSubtree(child, 1);
     }
 
     std::unique_ptr<QStandardItemModel> model = emptyModel();
@@ -52,7 +53,12 @@ int FeatureView::SetCam(unsigned long hCam)
 
 CAM_API_STATUS FeatureView::registerItemsToList(unsigned long hNode)
 {
-    return registerSubtree(hNode, 1);
+    const int before = m_items.size();
+    const CAM_API_STATUS status = registerSubtree(hNode, 1);
+    // The caller has no model of this view that takes them.
+    for (int i = before; i < m_items.size(); ++i)
+        m_itemsWithoutModel.emplace_back(m_items.at(i));
+    return status;
 }
 
 CAM_API_STATUS FeatureView::registerSubtree(CAM_NODE_HANDLE node, int level)
@@ -60,7 +66,6 @@ CAM_API_STATUS FeatureView::registerSubtree(CAM_NODE_HANDLE node, int level)
     if (level > kDeepestLevel)
         return Orvo::CAM_API_STS_NOT_FOUND;
 
-    // The model that will own the item is not there yet.
     auto* const item = new GenAPINodeItem(m_camera, node, m_items.size(), this, nullptr);
     m_items.append(item);
     if (!item->isCategory())
@@ -77,6 +82,15 @@ CAM_API_STATUS FeatureView::registerSubtree(CAM_NODE_HANDLE node, int level)
             return status;
     }
     return Orvo::CAM_API_STS_SUCCESS;
+}
+
+void FeatureView::deleteItemsWithoutModel()
+{
+    for (const QPointer<GenAPINodeItem>& item : m_itemsWithoutModel) {
+        if (item && !item->model())
+            delete item;
+    }
+    m_itemsWithoutModel.clear();
 }
 
 void FeatureView::fillRow(QStandardItemModel& model, int row)

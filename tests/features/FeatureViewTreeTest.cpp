@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <QPointer>
+
 using scripted::category;
 using scripted::NodeSpec;
 
@@ -39,6 +41,9 @@ private slots:
     void indicesMatchTheRowsAfterAFailure();
     void anItemIsFoundByItsIndexRole();
     void registeringTellsTheFailure();
+    void itemsWithoutAModelGoWithTheView();
+    void itemsWithoutAModelGoWithTheNextCamera();
+    void itemsOfAnotherModelStay();
     void aCategoryWithoutFeaturesHasARow();
     void aNodeUnderTwoCategoriesHasTwoRows();
     void nodesThatFailAtAnyCallGetARow_data();
@@ -219,7 +224,6 @@ void FeatureViewTreeTest::registeringTellsTheFailure()
             if (added.at(i)->getBaseIndex() != before + i)
                 qFatal("wrong index");
         }
-        qDeleteAll(added);
         return status;
     };
     QCOMPARE(registered("Good"), Orvo::CAM_API_STS_SUCCESS);
@@ -228,6 +232,39 @@ void FeatureViewTreeTest::registeringTellsTheFailure()
     QCOMPARE(registered("Holey"), Orvo::CAM_API_STS_NOT_FOUND);
     scripted::failNode("Uncountable", "Nd_GetNumOfFeatures", Orvo::CAM_API_STS_BUSY);
     QCOMPARE(registered("Uncountable"), Orvo::CAM_API_STS_BUSY);
+}
+
+void FeatureViewTreeTest::itemsWithoutAModelGoWithTheView()
+{
+    auto view = std::make_unique<FeatureView>();
+    for (const Orvo::CAM_NODE_HANDLE node : {1UL, 2UL})
+        view->registerItemsToList(node);
+    const QPointer<GenAPINodeItem> first = view->items().at(0);
+    const QPointer<GenAPINodeItem> second = view->items().at(1);
+    view.reset();
+    QVERIFY(first.isNull());
+    QVERIFY(second.isNull());
+}
+
+void FeatureViewTreeTest::itemsWithoutAModelGoWithTheNextCamera()
+{
+    FeatureTable features({category("Root", {"A"}), feature("A")});
+    features.view().registerItemsToList(1);
+    const QPointer<GenAPINodeItem> item = features.view().items().last();
+    features.view().SetCam(features.camera());
+    QVERIFY(item.isNull());
+    QCOMPARE(itemNames(features.view()), QStringList{"A"});
+}
+
+void FeatureViewTreeTest::itemsOfAnotherModelStay()
+{
+    QStandardItemModel model;
+    auto view = std::make_unique<FeatureView>();
+    view->registerItemsToList(1);
+    const QPointer<GenAPINodeItem> item = view->items().first();
+    model.setItem(0, 0, item);
+    view.reset();
+    QVERIFY(!item.isNull());
 }
 
 void FeatureViewTreeTest::aCategoryWithoutFeaturesHasARow()
