@@ -15,7 +15,6 @@
 #include <QWidget>
 
 #include <array>
-#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -172,6 +171,8 @@ private:
         QVariant background;
         QVariant foreground;
     };
+    /// Null where the model has no such column.
+    using RowCells = std::array<QStandardItem*, ColumnCount>;
 
     // FeatureView.cpp
     [[nodiscard]] static std::unique_ptr<QStandardItemModel> emptyModel();
@@ -199,8 +200,7 @@ private:
     // FeatureViewColours.cpp
     void makeRowColours();
     [[nodiscard]] const RowColours& coloursOf(const GenAPINodeItem& item) const;
-    /// Of the cells that are there.
-    static void setColours(std::initializer_list<QStandardItem*> cells, const RowColours& colours);
+    static void setColours(const RowCells& cells, const RowColours& colours);
 
     // FeatureViewFolding.cpp
     [[nodiscard]] int sourceRow(int tableRow) const;

@@ -6,6 +6,7 @@
 
 #include <QColor>
 
+#include <algorithm>
 #include <iterator>
 #include <tuple>
 
@@ -60,7 +61,7 @@ const FeatureView::RowColours& FeatureView::coloursOf(const GenAPINodeItem& item
     return m_rowColours[pairOf(item)];
 }
 
-void FeatureView::setColours(std::initializer_list<QStandardItem*> cells, const RowColours& colours)
+void FeatureView::setColours(const RowCells& cells, const RowColours& colours)
 {
     for (QStandardItem* const cell : cells) {
         if (!cell)
@@ -74,16 +75,22 @@ void FeatureView::setCellColor(QStandardItemModel* model, int row)
 {
     if (!model || row < 0 || row >= m_items.size())
         return;
+    const auto cell = [&](Column column) {
+        QStandardItem* const item = model->item(row, column);
+        return item ? item : model->itemFromIndex(model->index(row, column)); // which makes the item
+    };
+    const RowCells cells = {cell(NameColumn), cell(TypeColumn), cell(ValueColumn)};
     const RowColours& colours = coloursOf(*m_items.at(row));
 
-    // The cells of a row change together, and no two pairs share a foreground: one look tells, for the thousands of
-    // rows where nothing changed.
-    QStandardItem* const name = model->item(row, NameColumn);
-    if (name && name->data(Qt::ForegroundRole) == colours.foreground)
+    // Most of the thousands of rows have their colours already, and to look is quicker than to tell of them.
+    if (std::all_of(cells.begin(), cells.end(), [&](const QStandardItem* item) {
+            return !item || (item->data(Qt::BackgroundRole) == colours.background &&
+                             item->data(Qt::ForegroundRole) == colours.foreground);
+        }))
         return;
 
     HeldChanges ofThisRow(model);
-    setColours({name, model->item(row, TypeColumn), model->item(row, ValueColumn)}, colours);
+    setColours(cells, colours);
     const bool heldAnyway = m_heldChanges && model == m_sourceModel.get();
     (heldAnyway ? *m_heldChanges : ofThisRow).note(row, NameColumn);
 }

@@ -20,6 +20,10 @@ private slots:
     void coloursByAccessMode();
     void aNodeWhoseAccessModeWasNotReadIsReadWrite();
     void rowsWithoutItemStayAsTheyAre();
+    void cellsWithoutItemAreColoured();
+    void everyWrongColourIsPutRight_data();
+    void everyWrongColourIsPutRight();
+    void rightColoursAreLeftAlone();
     void aGivenModelIsColoured();
     void anItemThatReadsItsAccessModeColoursItsRow();
 };
@@ -88,9 +92,54 @@ void FeatureViewColoursTest::rowsWithoutItemStayAsTheyAre()
     features.view().setCellColor(1);
     features.view().setCellColor(nullptr, 0);
     QStandardItemModel narrow(1, 1);
-    narrow.setItem(0, 0, new QStandardItem);
     features.view().setCellColor(&narrow, 0);
-    QCOMPARE(narrow.item(0)->data(Qt::BackgroundRole).value<QColor>(), QColor(255, 255, 255));
+    QCOMPARE(narrow.index(0, 0).data(Qt::BackgroundRole).value<QColor>(), QColor(255, 255, 255));
+    QStandardItemModel empty(0, 3);
+    features.view().setCellColor(&empty, 0);
+    QCOMPARE(empty.rowCount(), 0);
+}
+
+void FeatureViewColoursTest::cellsWithoutItemAreColoured()
+{
+    FeatureTable features({category("Root", {"A"}), feature("A", {}, Orvo::NODE_ACCESS_MODE_NI)});
+    QStandardItemModel bare(1, 3);
+    features.view().setCellColor(&bare, 0);
+    for (int column = 0; column < 3; ++column) {
+        QCOMPARE(bare.index(0, column).data(Qt::BackgroundRole).value<QColor>(), QColor(128, 128, 128));
+        QCOMPARE(bare.index(0, column).data(Qt::ForegroundRole).value<QColor>(), QColor(208, 208, 208));
+    }
+}
+
+void FeatureViewColoursTest::everyWrongColourIsPutRight_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<int>("role");
+    for (int column = 0; column < 3; ++column) {
+        QTest::addRow("background %d", column) << column << int{Qt::BackgroundRole};
+        QTest::addRow("foreground %d", column) << column << int{Qt::ForegroundRole};
+    }
+}
+
+void FeatureViewColoursTest::everyWrongColourIsPutRight()
+{
+    QFETCH(int, column);
+    QFETCH(int, role);
+    FeatureTable features({category("Root", {"A"}), feature("A")});
+    QStandardItem* const cell = features.view().sourceModel()->item(0, column);
+    const QColor right = cell->data(role).value<QColor>();
+    cell->setData(QColor(Qt::magenta), role);
+    const QSignalSpy told(features.view().sourceModel(), &QStandardItemModel::dataChanged);
+    features.view().setCellColor(0);
+    QCOMPARE(cell->data(role).value<QColor>(), right);
+    QCOMPARE(told.count(), 1);
+}
+
+void FeatureViewColoursTest::rightColoursAreLeftAlone()
+{
+    FeatureTable features({category("Root", {"A"}), feature("A")});
+    const QSignalSpy told(features.view().sourceModel(), &QStandardItemModel::dataChanged);
+    features.view().setCellColor(0);
+    QCOMPARE(told.count(), 0);
 }
 
 void FeatureViewColoursTest::aGivenModelIsColoured()
