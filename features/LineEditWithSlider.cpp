@@ -57,12 +57,11 @@ void LineEditWithSlider::setValue(GenAPINodeItem* item)
             return;
         }
     }
-    m_item = nullptr;
+    m_slider.setValue(m_slider.minimum()); // before the text, which follows a slider that is pressed
+    m_slider.setEnabled(false);
     m_lineEdit.clear();
     m_lineEdit.setToolTip(QString());
     m_lineEdit.setEnabled(false);
-    m_slider.setValue(m_slider.minimum());
-    m_slider.setEnabled(false);
 }
 
 void LineEditWithSlider::setValIntLinear(GenAPINodeItem* item)
@@ -77,15 +76,16 @@ void LineEditWithSlider::setValFloatLinear(GenAPINodeItem* item)
 
 void LineEditWithSlider::setValIntLog(GenAPINodeItem* item)
 {
-    loadInt(*item, loadIntLog);
+    loadInt(*item, [this](SliderMapping& mapping, long value) { return loadIntLog(mapping, isLogarithmic(), value); });
 }
 
 void LineEditWithSlider::setValFloatLog(GenAPINodeItem* item)
 {
-    loadFloat(*item, loadFloatLog);
+    loadFloat(*item,
+              [this](SliderMapping& mapping, double value) { return loadFloatLog(mapping, isLogarithmic(), value); });
 }
 
-void LineEditWithSlider::loadInt(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, std::int64_t))
+template <typename Load> void LineEditWithSlider::loadInt(GenAPINodeItem& item, Load load)
 {
     m_item = &item;
     m_mapping.minInt = item.getMinInt();
@@ -95,7 +95,7 @@ void LineEditWithSlider::loadInt(GenAPINodeItem& item, SliderPositions (*load)(S
     fill(load(m_mapping, value), m_mapping.minInt >= m_mapping.maxInt);
 }
 
-void LineEditWithSlider::loadFloat(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, double))
+template <typename Load> void LineEditWithSlider::loadFloat(GenAPINodeItem& item, Load load)
 {
     m_item = &item;
     m_mapping.minFloat = item.getMinFloat();

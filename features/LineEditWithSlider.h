@@ -23,11 +23,12 @@ public:
     ~LineEditWithSlider() override;
 
     /// Shows range and value of the item, which may be loaded again at any time; a press of the slider that is under
-    /// way ends. Anything but an Integer or Float node, null too, leaves an empty, disabled editor.
+    /// way ends. Anything but an Integer or Float node, null too, leaves an empty, disabled editor that keeps its item.
     void setValue(GenAPINodeItem* item);
 
     /// The four ways to load, each for a node of its type, not null. A range with one value, or none, disables the line
-    /// edit. None of them enables or disables the slider.
+    /// edit. None of them enables or disables the slider. The logarithmic ones place the slider by calcSliderVal(), so
+    /// linearly for a node that is not logarithmic.
     void setValIntLinear(GenAPINodeItem* item);
     void setValFloatLinear(GenAPINodeItem* item);
     void setValIntLog(GenAPINodeItem* item);
@@ -69,8 +70,8 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    void loadInt(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, std::int64_t));
-    void loadFloat(GenAPINodeItem& item, SliderPositions (*load)(SliderMapping&, double));
+    template <typename Load> void loadInt(GenAPINodeItem& item, Load load);
+    template <typename Load> void loadFloat(GenAPINodeItem& item, Load load);
     void fill(const SliderPositions& positions, bool isFixed);
     void writeText();
     void writePosition();

@@ -65,14 +65,14 @@ SliderPositions loadIntLinear(SliderMapping& mapping, std::int64_t value)
             doubleToInt(static_cast<double>(value) * mapping.scale)};
 }
 
-SliderPositions loadIntLog(SliderMapping& mapping, std::int64_t value)
+SliderPositions loadIntLog(SliderMapping& mapping, bool logarithmic, std::int64_t value)
 {
     mapping.scale = 1.0;
     if (isEmpty(mapping.minInt, mapping.maxInt))
         return {};
     mapping.logOffset = 1.0 - static_cast<double>(mapping.minInt);
     mapping.logRange = std::log(static_cast<double>(mapping.maxInt) + mapping.logOffset);
-    return {0, kLogPositions, intToPosition(mapping, true, value)};
+    return {0, kLogPositions, intToPosition(mapping, logarithmic, value)};
 }
 
 SliderPositions loadFloatLinear(SliderMapping& mapping, double value)
@@ -95,7 +95,7 @@ SliderPositions loadFloatLinear(SliderMapping& mapping, double value)
             doubleToInt(value * mapping.scale)};
 }
 
-SliderPositions loadFloatLog(SliderMapping& mapping, double value)
+SliderPositions loadFloatLog(SliderMapping& mapping, bool logarithmic, double value)
 {
     mapping.scale = 1.0;
     if (isEmpty(mapping.minFloat, mapping.maxFloat))
@@ -108,7 +108,7 @@ SliderPositions loadFloatLog(SliderMapping& mapping, double value)
     }
     mapping.logOffset = 1.0 - mapping.minFloat * mapping.scale;
     mapping.logRange = std::log(mapping.maxFloat * mapping.scale + mapping.logOffset);
-    return {0, kLogPositions, floatToPosition(mapping, true, value)};
+    return {0, kLogPositions, floatToPosition(mapping, logarithmic, value)};
 }
 
 int intToPosition(const SliderMapping& mapping, bool logarithmic, std::int64_t value)

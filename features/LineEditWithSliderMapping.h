@@ -28,10 +28,11 @@ struct SliderPositions {
 
 /// Each sets scale, offset and logarithmic range for the integer or float range in `mapping`, and tells where the
 /// slider is to stand. Of an empty range, where the minimum is not below the maximum, the position is the minimum's.
+/// The position of a logarithmic slider follows `logarithmic`, which is false where the node is not.
 [[nodiscard]] SliderPositions loadIntLinear(SliderMapping& mapping, std::int64_t value);
-[[nodiscard]] SliderPositions loadIntLog(SliderMapping& mapping, std::int64_t value);
+[[nodiscard]] SliderPositions loadIntLog(SliderMapping& mapping, bool logarithmic, std::int64_t value);
 [[nodiscard]] SliderPositions loadFloatLinear(SliderMapping& mapping, double value);
-[[nodiscard]] SliderPositions loadFloatLog(SliderMapping& mapping, double value);
+[[nodiscard]] SliderPositions loadFloatLog(SliderMapping& mapping, bool logarithmic, double value);
 
 [[nodiscard]] int intToPosition(const SliderMapping& mapping, bool logarithmic, std::int64_t value);
 [[nodiscard]] int floatToPosition(const SliderMapping& mapping, bool logarithmic, double value);

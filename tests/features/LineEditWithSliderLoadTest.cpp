@@ -34,6 +34,7 @@ private slots:
     void floatRange0To1Linear();
     void floatRange0To1Logarithmic();
     void integerLogRange1To1000000();
+    void logLoadersAskTheRepresentation();
     void floatIncrementIsSquared();
     void emptyRangeIsFixed_data();
     void emptyRangeIsFixed();
@@ -41,7 +42,8 @@ private slots:
     void extremes();
 
     void withoutItem();
-    void noItemAfterOneEditsNothing();
+    void nothingAfterAnItemLeavesThatStored();
+    void nothingWhileTheSliderIsPressedLeavesNoText();
     void otherNodeTypes_data();
     void otherNodeTypes();
     void loaderLeavesTheSliderDisabled();
@@ -164,6 +166,16 @@ void LineEditWithSliderLoadTest::integerLogRange1To1000000()
     QCOMPARE(m_editor->calcSliderVal(1L), 0);
     QCOMPARE(m_editor->calcSliderVal(1000000L), 10000);
     QCOMPARE(m_editor->convSliderValToInt(0), 1L);
+}
+
+void LineEditWithSliderLoadTest::logLoadersAskTheRepresentation()
+{
+    m_editor->setValIntLog(itemOf(features::linear(features::integer("Linear", 37, 0, 100))));
+    QCOMPARE(slider().maximum(), 10000);
+    QCOMPARE(slider().value(), 37);
+    m_editor->setValFloatLog(itemOf(features::linear(features::real("Linear", 500, 0, 1000))));
+    QCOMPARE(slider().maximum(), 10000);
+    QCOMPARE(slider().value(), 500);
 }
 
 // 1.0 is two steps of 0.5, and two steps are 2 x 0.25.
@@ -304,15 +316,27 @@ void LineEditWithSliderLoadTest::withoutItem()
     QVERIFY(!slider().isEnabled());
 }
 
-void LineEditWithSliderLoadTest::noItemAfterOneEditsNothing()
+void LineEditWithSliderLoadTest::nothingAfterAnItemLeavesThatStored()
 {
     m_editor->setValue(itemOf(features::percent()));
     m_editor->setValue(nullptr);
-    m_editor->getValue();
-    m_editor->lineEdit_EditingFinished();
-    QCOMPARE(written(), QStringList());
     QCOMPARE(lineEdit().text(), QString());
-    QCOMPARE(m_editor->calcSliderVal(37L), 0);
+    QVERIFY(!lineEdit().isEnabled());
+    QCOMPARE(slider().value(), 0);
+    QVERIFY(!slider().isEnabled());
+    QCOMPARE(m_editor->calcSliderVal(37L), 37);
+    m_editor->getValue(); // the empty text is no number
+    QCOMPARE(written(), QStringList());
+    QCOMPARE(lineEdit().text(), QString("37"));
+}
+
+void LineEditWithSliderLoadTest::nothingWhileTheSliderIsPressedLeavesNoText()
+{
+    m_editor->setValue(itemOf(features::percent()));
+    m_editor->slider_Pressed();
+    m_editor->setValue(nullptr);
+    QCOMPARE(lineEdit().text(), QString());
+    m_editor->slider_Released();
 }
 
 void LineEditWithSliderLoadTest::otherNodeTypes_data()

@@ -162,7 +162,7 @@ void SliderMappingTest::intLog()
     QFETCH(const qint64, maximum);
     QFETCH(const qint64, value);
     SliderMapping mapping = ofInts(minimum, maximum);
-    const SliderPositions positions = loadIntLog(mapping, value);
+    const SliderPositions positions = loadIntLog(mapping, true, value);
     QCOMPARE(mapping.scale, 1.0);
     QTEST(mapping.logOffset, "logOffset");
     QTEST(mapping.logRange, "logRange");
@@ -268,7 +268,7 @@ void SliderMappingTest::floatLog()
     QFETCH(const double, maximum);
     QFETCH(const double, value);
     SliderMapping mapping = ofFloats(minimum, maximum);
-    const SliderPositions positions = loadFloatLog(mapping, value);
+    const SliderPositions positions = loadFloatLog(mapping, true, value);
     QTEST(mapping.scale, "scale");
     QTEST(mapping.logOffset, "logOffset");
     QTEST(mapping.logRange, "logRange");
@@ -291,9 +291,9 @@ void SliderMappingTest::loadingStartsAnew()
     QCOMPARE(fraction.scale, 1000.0);
     static_cast<void>(loadFloatLinear(fraction, 0));
     QCOMPARE(fraction.scale, 1000.0);
-    static_cast<void>(loadFloatLog(fraction, 0));
+    static_cast<void>(loadFloatLog(fraction, true, 0));
     QCOMPARE(fraction.scale, 10000000.0);
-    static_cast<void>(loadFloatLog(fraction, 0));
+    static_cast<void>(loadFloatLog(fraction, true, 0));
     QCOMPARE(fraction.scale, 10000000.0);
 }
 
@@ -366,7 +366,7 @@ void SliderMappingTest::intOfPosition()
     QFETCH(const qint64, increment);
     QFETCH(const int, position);
     SliderMapping mapping = ofInts(minimum, maximum, increment);
-    static_cast<void>(logarithmic ? loadIntLog(mapping, 0) : loadIntLinear(mapping, 0));
+    static_cast<void>(logarithmic ? loadIntLog(mapping, true, 0) : loadIntLinear(mapping, 0));
     const qint64 value = positionToInt(mapping, logarithmic, position);
     QTEST(value, "value");
 }
@@ -403,7 +403,7 @@ void SliderMappingTest::floatOfPosition()
     QFETCH(const double, maximum);
     QFETCH(const int, position);
     SliderMapping mapping = ofFloats(minimum, maximum);
-    static_cast<void>(logarithmic ? loadFloatLog(mapping, 0) : loadFloatLinear(mapping, 0));
+    static_cast<void>(logarithmic ? loadFloatLog(mapping, true, 0) : loadFloatLinear(mapping, 0));
     const double value = positionToFloat(mapping, logarithmic, position);
     QTEST(value, "value");
 }
