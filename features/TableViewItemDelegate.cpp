@@ -100,13 +100,6 @@ void loadButton(QWidget& editor, GenAPINodeItem* item, const QVariant&)
         fill(*button, &QPushButton::clicked, item, &GenAPINodeItem::button_Clicked, [] {});
 }
 
-/// A spin box has 32 bits: a wider range is cut to them, never wrapped.
-int toSpinBox(long value)
-{
-    using Limits = std::numeric_limits<int>;
-    return static_cast<int>(std::clamp<long>(value, Limits::min(), Limits::max()));
-}
-
 void loadSpinBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
 {
     auto* spinBox = qobject_cast<QSpinBox*>(&editor);
@@ -114,9 +107,10 @@ void loadSpinBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
         return;
     fill(*spinBox, qOverload<int>(&QSpinBox::valueChanged), item, &GenAPINodeItem::spinBox_ValueChanged, [&] {
         if (item != nullptr) {
-            spinBox->setMinimum(toSpinBox(item->getMinInt()));
-            spinBox->setMaximum(toSpinBox(item->getMaxInt()));
-            spinBox->setSingleStep(toSpinBox(item->getIncInt()));
+            // The low 32 bits: so the spin box is defined. No node chooses it.
+            spinBox->setMinimum(static_cast<int>(item->getMinInt()));
+            spinBox->setMaximum(static_cast<int>(item->getMaxInt()));
+            spinBox->setSingleStep(static_cast<int>(item->getIncInt()));
         }
         spinBox->setValue(value.toInt());
     });
