@@ -6,6 +6,8 @@
 #include <QtTest>
 
 #include <QLineEdit>
+#include <QLocale>
+#include <QScopeGuard>
 #include <QSpinBox>
 
 namespace {
@@ -23,6 +25,7 @@ private slots:
     void lineEditLeft();
     void lineEditNonsense_data();
     void lineEditNonsense();
+    void numbersAreReadInTheCNotation();
     void lineEditOfAWriteOnlyFeature();
     void lineEditOfALongText();
     void lineEditStaysInViewAboveALongDescription();
@@ -108,6 +111,27 @@ void LineEditByHandTest::lineEditNonsense()
     QCOMPARE(bench.shown("Number"), QString("37"));
     QCOMPARE(scripted::node("Number").intValue, std::int64_t{37});
     QVERIFY(bench.editor() == nullptr);
+}
+
+void LineEditByHandTest::numbersAreReadInTheCNotation()
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German));
+    const auto putBack = qScopeGuard([&] { QLocale::setDefault(before); });
+    EditorBench bench({features::real("Time", 37, 0, 10000)});
+    QCOMPARE(bench.shown("Time"), QString("37.00"));
+
+    bench.openAs<QLineEdit>("Time");
+    EditorBench::type("1500,5");
+    EditorBench::press(Qt::Key_Return);
+    QCOMPARE(bench.written(), QStringList());
+    QCOMPARE(bench.shown("Time"), QString("37.00"));
+
+    bench.openAs<QLineEdit>("Time");
+    EditorBench::type("1500.5");
+    EditorBench::press(Qt::Key_Return);
+    QCOMPARE(bench.written(), QStringList{"Time = 1500.5"});
+    QCOMPARE(bench.shown("Time"), QString("1500.50"));
 }
 
 void LineEditByHandTest::lineEditOfAWriteOnlyFeature()
