@@ -46,16 +46,18 @@ Outcome TransportSource::start()
     Descriptor there;
     if (!Connection::makeChannel(m_channel, there))
         return {CAM_API_STS_NO_MEMORY, "There are no more descriptors"};
-    Outcome outcome = m_connection->requestDone(Kind::start, Nothing{}, kLimits, there.get());
+    // Before the start, so that the first image finds a buffer: they are a few, which the channel has room for.
+    bool lent = true;
+    for (const FrameBuffer* buffer : m_lent)
+        lent = lent && (buffer == nullptr || lend(*buffer));
+    Outcome outcome{CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
+    if (lent)
+        outcome = m_connection->requestDone(Kind::start, Nothing{}, kLimits, there.get());
     if (!outcome.ok()) {
         m_channel = {};
         return outcome;
     }
     m_blockIds = {};
-    for (const FrameBuffer* buffer : m_lent) {
-        if (buffer != nullptr && !lend(*buffer))
-            return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
-    }
     try {
         m_thread = std::thread([this] { run(); });
     } catch (const std::system_error&) {

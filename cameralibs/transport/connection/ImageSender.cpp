@@ -57,6 +57,11 @@ Outcome ImageSender::start(Descriptor channel)
     m_channel = Channel(std::move(channel));
     m_buffers.clear();
     m_pushed = 0;
+    // The first image may come as soon as the camera is told to send.
+    if (!takeFreeBuffers()) {
+        stop();
+        return {CAM_API_STS_INVALID_PARAMETER, "There are no buffers"};
+    }
     m_running = true;
     try {
         m_thread = std::thread([this] { run(); });
