@@ -187,7 +187,7 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
     auto removal = std::make_shared<Removal>(std::move(signal));
     device->onRemoval([removal, name = entry.info.logName()](const std::string& reason) {
         if (!removal->noted())
-            log(Severity::warning, name, "lost: " + reason);
+            logText(Severity::warning, name, [&] { return "lost: " + reason; });
         removal->note();
     });
 

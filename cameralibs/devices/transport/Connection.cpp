@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -111,7 +112,9 @@ std::string Connection::start()
     if (std::string reason = m_process.start(transportProgram(), ends); !reason.empty())
         return reason;
     try {
-        m_watcher = std::thread([this] { watch(); });
+        // All that the thread needs, so that it finds out about a loss without memory, too.
+        m_line.reserve(kMaxLine);
+        m_watcher = std::thread([this, packet = Packet()]() mutable { watch(packet); });
     } catch (const std::system_error& error) {
         m_process.kill();
         return std::string("There are no more threads: ") + error.what();
@@ -139,12 +142,14 @@ std::string Connection::exchangeHello()
     return {};
 }
 
-bool Connection::endNow(const std::string& reason)
+bool Connection::endNow(std::string_view reason) noexcept
 {
-    {
+    try {
         const std::lock_guard lock(m_mutex);
         if (m_reason.empty())
             m_reason = reason;
+    } catch (const std::bad_alloc&) {
+        // It ends without one.
     }
     m_gone.store(true, std::memory_order_release);
     m_process.kill();
@@ -229,9 +234,20 @@ Connection::Heard Connection::readDone(const Packet& reply, Outcome& outcome)
     return Heard::last;
 }
 
-void Connection::watch()
+void Connection::watch(Packet& packet) noexcept
 {
-    Packet packet;
+    try {
+        watchWhileItLives(packet);
+    } catch (const std::bad_alloc&) {
+        // What cannot be watched is ended.
+    }
+    m_gone.store(true, std::memory_order_release);
+    m_process.kill();
+    tellGone();
+}
+
+void Connection::watchWhileItLives(Packet& packet)
+{
     Clock::time_point silentUntil = Clock::now() + kSilence + kStart.total;
     for (;;) {
         Clock::time_point end;
@@ -259,11 +275,6 @@ void Connection::watch()
             silentUntil = Clock::now() + kSilence;
         }
     }
-    m_gone.store(true, std::memory_order_release);
-    m_process.kill();
-    const std::string end = m_process.wait();
-    readErrors();
-    tellGone(end);
 }
 
 /// False where it was the last.
@@ -274,7 +285,7 @@ bool Connection::readEvent(Packet& packet)
     if (packet.body<Nothing>(Kind::alive))
         return true;
     if (packet.body<Nothing>(Kind::lost))
-        endNow(std::string(packet.data().substr(0, kMaxText)));
+        endNow(packet.data().substr(0, kMaxText));
     return false;
 }
 
@@ -297,7 +308,7 @@ void Connection::readErrors()
 }
 
 /// What bears no priority comes of Aravis or GLib, which write what they are told to.
-void Connection::logLine(std::string_view line) const
+void Connection::logLine(std::string_view line) const noexcept
 {
     Severity severity = logs(Severity::info) ? Severity::info : Severity::warning;
     if (line.size() > 3 && line[0] == '<' && line[2] == '>') {
@@ -305,22 +316,28 @@ void Connection::logLine(std::string_view line) const
         severity = priority <= 4 ? Severity::warning : priority <= 6 ? Severity::info : Severity::debug;
         line.remove_prefix(3);
     }
-    log(severity, m_camera, std::string(line));
+    log(severity, m_camera, line);
 }
 
-/// `end` tells how the process ended, where that tells anything.
-void Connection::tellGone(const std::string& end)
+void Connection::tellGone() noexcept
 {
-    std::function<void(const std::string&)> handler;
     std::string reason;
+    try {
+        const std::string end = m_process.wait();
+        readErrors();
+        const std::lock_guard lock(m_mutex);
+        if (m_reason.empty())
+            m_reason = "Its process " + (end.empty() ? "is gone" : end);
+        reason = m_reason;
+    } catch (const std::bad_alloc&) {
+        // That it is gone is told all the same.
+    }
+    std::function<void(const std::string&)> handler;
     {
         const std::lock_guard lock(m_mutex);
         m_told = true;
         if (m_closing)
             return;
-        if (m_reason.empty())
-            m_reason = "Its process " + (end.empty() ? "is gone" : end);
-        reason = m_reason;
         handler = std::move(m_goneHandler);
     }
     if (handler)

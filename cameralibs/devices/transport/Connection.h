@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -68,7 +69,7 @@ public:
     [[nodiscard]] bool gone() const noexcept { return m_gone.load(std::memory_order_acquire); }
 
     /// Ends the process; `reason` is for the log. Always false.
-    bool endNow(const std::string& reason);
+    bool endNow(std::string_view reason) noexcept;
 
     /// Whatever waits for the transport does so until `time` at most.
     void endBy(transport::Clock::time_point time);
@@ -84,11 +85,12 @@ private:
     [[nodiscard]] std::string exchangeHello();
     [[nodiscard]] bool awaitReplies(const Limits& limits, const ReplyHandler& handler);
     [[nodiscard]] static Heard readDone(const transport::Packet& reply, Outcome& outcome);
-    void watch();
+    void watch(transport::Packet& packet) noexcept;
+    void watchWhileItLives(transport::Packet& packet);
     [[nodiscard]] bool readEvent(transport::Packet& packet);
     void readErrors();
-    void logLine(std::string_view line) const;
-    void tellGone(const std::string& end);
+    void logLine(std::string_view line) const noexcept;
+    void tellGone() noexcept;
 
     const std::string m_camera; ///< in the diagnostic log
     Process m_process;
