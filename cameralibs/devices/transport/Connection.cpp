@@ -42,6 +42,18 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
+/// How Aravis marks its lines, within their first bytes.
+struct AravisRow {
+    std::string_view mark;
+    Severity severity;
+};
+constexpr AravisRow kAravisRows[] = {
+    {"\U0001F186 ", Severity::warning},
+    {"\U0001F178 ", Severity::info},
+    {"\U0001F173 ", Severity::debug},
+};
+constexpr std::size_t kAravisPrefix = 24;
+
 /// As Hello::log has it.
 std::uint32_t logLevel()
 {
@@ -307,7 +319,7 @@ void Connection::readErrors()
         m_errors.reset();
 }
 
-/// What bears no priority comes of Aravis or GLib, which write what they are told to.
+/// A transport puts the priority first, Aravis "[time] mark "; what has neither comes of GLib or the C library.
 void Connection::logLine(std::string_view line) const noexcept
 {
     Severity severity = logs(Severity::info) ? Severity::info : Severity::warning;
@@ -315,6 +327,14 @@ void Connection::logLine(std::string_view line) const noexcept
         const int priority = line[1] - '0';
         severity = priority <= 4 ? Severity::warning : priority <= 6 ? Severity::info : Severity::debug;
         line.remove_prefix(3);
+    }
+    for (const AravisRow& row : kAravisRows) {
+        const std::size_t mark = line.substr(0, kAravisPrefix).find(row.mark);
+        if (mark == std::string_view::npos || line[0] != '[')
+            continue;
+        severity = row.severity;
+        line.remove_prefix(mark + row.mark.size());
+        break;
     }
     log(severity, m_camera, line);
 }

@@ -1,5 +1,9 @@
 #include "UsbFixture.h"
 
+#include "tests/cameralibs/api/MemoryLimit.h"
+
+#include <cstdlib>
+
 using namespace Orvo;
 
 using UsbCameraTest = ListedUsb;
@@ -46,4 +50,22 @@ TEST_F(UsbCameraOpenTest, ClosedCameraOpensAgain)
     ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     ASSERT_EQ(open(&again), CAM_API_STS_SUCCESS);
     EXPECT_EQ(intOf(again, "Width"), 320);
+}
+
+TEST_F(UsbCameraTest, LogTellsOfTheCameraWhatAravisSays)
+{
+    if (!MemoryLimit::kPossible)
+        GTEST_SKIP() << "with sanitizers, transports write to standard error by themselves";
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ::setenv("ORVO_CAMERA_LOG", "debug", 1); // NOLINT(concurrency-mt-unsafe)
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(enumerate(), 1U);
+    CAM_HANDLE camera = 0;
+    EXPECT_EQ(open(&camera), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    EXPECT_THAT(log, ::testing::ContainsRegex(
+                         "OrvoCamera-Message: [0-9:.]+: info: U3V-Fake U01: device> .*GUID .* FA4E00000001"));
 }
