@@ -211,7 +211,8 @@ typedef void (*CAM_BUFFER_BUSY_CALLBACK)(CAM_HANDLE camera, CAM_STRM_HANDLE stre
 /// between gives CAM_API_STS_ALREADY_INITIALIZED.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_Initialize(std::uint32_t mask);
 
-/// Closes every camera, stream and signal.
+/// Closes every camera, stream and signal. What is called on other threads meanwhile, Sys_Initialize included, answers
+/// CAM_API_STS_NOT_INITIALIZED.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_Terminate();
 
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_GetInformation(CAM_SYSTEM_INFO* info);

@@ -69,7 +69,18 @@ template <class Work>
 template <class Work>
 [[nodiscard]] Orvo::CAM_API_STATUS onSystem(Work&& work, const char* function = __builtin_FUNCTION()) noexcept
 {
-    return guarded([&] { work(*requireSystem()); }, function);
+    return guarded(
+        [&] {
+            const auto system = requireSystem();
+            try {
+                work(*system);
+            } catch (...) {
+                // Whoever terminates meanwhile takes the handles away one by one.
+                throwUnless(System::current() == system, Orvo::CAM_API_STS_NOT_INITIALIZED);
+                throw;
+            }
+        },
+        function);
 }
 
 /// `work(System&, Camera&)` on an attached camera.

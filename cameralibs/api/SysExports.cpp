@@ -76,7 +76,10 @@ CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE signal, std::uint32_t timeout
     return guarded([&] {
         // The system is not kept alive by a wait without end.
         const auto waited = requireSystem()->signals().find(signal);
-        throwUnless(waited != nullptr, CAM_API_STS_INVALID_EVENT_HANDLE);
+        if (waited == nullptr) {
+            (void)requireSystem(); // whoever terminates meanwhile has taken it away
+            throw Failure(CAM_API_STS_INVALID_EVENT_HANDLE);
+        }
         throwIfFailed({waited->wait(timeoutMs), {}});
     });
 }

@@ -91,6 +91,9 @@ std::shared_ptr<System> System::current()
 CAM_API_STATUS System::initialize(std::uint32_t layers)
 {
     const std::lock_guard lock(root().mutex);
+    // As every other call is answered meanwhile. To wait could be for ever, in a callback that termination waits for.
+    if (root().terminating)
+        return CAM_API_STS_NOT_INITIALIZED;
     if (root().system != nullptr)
         return CAM_API_STS_ALREADY_INITIALIZED;
     setLogLevel(environment("ORVO_CAMERA_LOG"));

@@ -6,9 +6,12 @@
 #include "tests/cameralibs/devices/DescriptionText.h"
 
 #include <atomic>
+#include <functional>
 #include <future>
+#include <iterator>
 #include <thread>
 #include <utility>
+#include <vector>
 
 using namespace Orvo;
 using ::testing::AnyOf;
@@ -209,4 +212,78 @@ TEST_F(ClosingTest, ACameraCountsAsOpenUntilItIsClosed)
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     EXPECT_EQ(again, CAM_API_STS_ALREADY_OPENED);
     openCamera();
+}
+
+TEST_F(ClosingTest, EveryCallAnswersAlikeWhileAnotherThreadTerminates)
+{
+    ASSERT_NO_FATAL_FAILURE(openCamera());
+    ASSERT_NO_FATAL_FAILURE(openStream());
+    CAM_SIGNAL_HANDLE signal = 0;
+    ASSERT_EQ(Sys_CreateSignal(&signal), CAM_API_STS_SUCCESS);
+    std::atomic<bool> inCallback{false};
+    std::atomic<bool> looked{false};
+    // Termination waits for the callback.
+    m_recorder.onImage = [&](const StreamRecorder::Image&) {
+        inCallback = true;
+        EXPECT_TRUE(becomes([&] { return looked.load(); }));
+    };
+    ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+    ASSERT_TRUE(becomes([&] { return inCallback.load(); }));
+    auto terminating = std::async(std::launch::async, [] { return Sys_Terminate(); });
+    CAM_SYSTEM_INFO system = {};
+    ASSERT_TRUE(becomes([&] { return Sys_GetInformation(&system) == CAM_API_STS_NOT_INITIALIZED; }));
+
+    CAM_NODE_HANDLE node = 0;
+    std::uint32_t index = 0;
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_EQ(Sys_WaitForSignal(signal, 0), CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_EQ(Nd_GetNode(m_camera, "Root", &node), CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &index), CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_NOT_INITIALIZED);
+
+    looked = true;
+    EXPECT_EQ(terminating.get(), CAM_API_STS_SUCCESS);
+    ASSERT_NO_FATAL_FAILURE(initialize());
+}
+
+TEST_F(ClosingTest, CallsUnderWayWhenAnotherThreadTerminatesSucceedOrFindTheLibraryEnded)
+{
+    std::atomic<int> wrong{0};
+    for (int round = 0; round < kRounds; ++round) {
+        ASSERT_NO_FATAL_FAILURE(openCamera());
+        ASSERT_NO_FATAL_FAILURE(openStream());
+        CAM_SIGNAL_HANDLE signal = 0;
+        ASSERT_EQ(Sys_CreateSignal(&signal), CAM_API_STS_SUCCESS);
+        CAM_NODE_HANDLE width = 0;
+        ASSERT_EQ(Nd_GetNode(m_camera, "Width", &width), CAM_API_STS_SUCCESS);
+        std::int64_t value = 0;
+        const std::function<CAM_API_STATUS()> calls[] = {
+            [&] { return Nd_GetIntValue(m_camera, width, &value); },
+            [&] { return Nd_SetIntValue(m_camera, width, 64, true); },
+            [&] { return Strm_SetCallbackImageError(m_stream, nullptr, nullptr); },
+            [&] {
+                const CAM_API_STATUS status = Sys_WaitForSignal(signal, 0);
+                return status == CAM_API_STS_TIMEOUT ? CAM_API_STS_SUCCESS : status;
+            },
+        };
+        std::atomic<int> going{0};
+        std::vector<std::thread> threads;
+        for (const auto& call : calls) {
+            threads.emplace_back([&] {
+                CAM_API_STATUS status = call();
+                ++going;
+                while (status == CAM_API_STS_SUCCESS)
+                    status = call();
+                wrong += status == CAM_API_STS_NOT_INITIALIZED ? 0 : 1;
+            });
+        }
+        EXPECT_TRUE(becomes([&] { return going == static_cast<int>(std::size(calls)); }));
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+        for (std::thread& thread : threads)
+            thread.join();
+        ASSERT_NO_FATAL_FAILURE(initialize());
+    }
+    EXPECT_EQ(wrong, 0);
 }
