@@ -103,6 +103,9 @@ void Tour::openCamera(const QString& model, bool pictured)
 
 int main(int argc, char* argv[])
 {
+    // The toolkit asks the X server about windows that the window manager has just told of, and writes a line where one
+    // is gone by then. That race is none of the viewer's; the program that the tour starts inherits the variable.
+    qputenv("QT_LOGGING_RULES", "qt.qpa.xcb.warning=false");
     const QApplication application(argc, argv);
     // As main() of the program has them: the title of boxes that have none of their own, and the icon.
     QApplication::setApplicationName("OrvoCamLinuxViewer");
