@@ -126,7 +126,7 @@ void FeatureViewColoursTest::everyWrongColourIsPutRight()
     QFETCH(int, role);
     FeatureTable features({category("Root", {"A"}), feature("A")});
     QStandardItem* const cell = features.view().sourceModel()->item(0, column);
-    const QColor right = cell->data(role).value<QColor>();
+    const auto right = cell->data(role).value<QColor>();
     cell->setData(QColor(Qt::magenta), role);
     const QSignalSpy told(features.view().sourceModel(), &QStandardItemModel::dataChanged);
     features.view().setCellColor(0);
