@@ -44,6 +44,9 @@ MainWindow::MainWindow(QWidget* parent)
     messageLog = new MessageLog(*ui->messageLogEdit);
     move(centredPosition(QGuiApplication::primaryScreen()->availableGeometry(), size()));
 
+    if (!operationLog.open())
+        set_error(Orvo::CAM_API_STS_FILE_OPEN_ERROR, operationLog.failure());
+
     // A failure leaves a window that can be looked at, with the actions as the form has them.
     CAM_API_STATUS status = Orvo::Sys_Initialize(kEveryLayer);
     if (status != Orvo::CAM_API_STS_SUCCESS) {
@@ -81,6 +84,12 @@ void MainWindow::write_log(QString text)
 void MainWindow::set_error(CAM_API_STATUS status, QString title_str)
 {
     write_log(QStringLiteral("ERROR: %1 [%2]").arg(title_str, QLatin1String(cameraStatusName(status))));
+}
+
+void MainWindow::write_operation(const QString& entry)
+{
+    if (!operationLog.append(entry))
+        set_error(Orvo::CAM_API_STS_FILE_WRITE_ERROR, operationLog.failure());
 }
 
 void MainWindow::on_pushButtonClear_clicked()
@@ -157,6 +166,8 @@ void MainWindow::open_camera()
 
     featureView = new FeatureView;
     ui->dockWidgetRight->setWidget(featureView);
+    // Before the camera is set, which makes the first entry.
+    connect(featureView, &FeatureView::OpeLogAppended, this, &MainWindow::write_operation);
     static_cast<void>(featureView->SetCam(camera)); // without a node map the browser stays empty
     connect(featureView, &FeatureView::checkSoftwareTriggerMode, this, &MainWindow::check_software_trigger_mode);
 

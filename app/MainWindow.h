@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/MainState.h"
+#include "app/OperationLogFile.h"
 #include "camera/CameraTypes.h"
 #include "display/ConversionBuffer.h"
 #include "display/KeptImages.h"
@@ -84,6 +85,7 @@ private:
     void change_state(MAIN_STATE newState);
     void scaleImage(double factor);
     void set_disp_image(bool paused);
+    void write_operation(const QString& entry);
 
     // MainWindowStream.cpp
     [[nodiscard]] bool get_camera_parameter(bool* changed);
@@ -129,5 +131,6 @@ private:
     MAIN_STATE state = MAIN_STATE_IDLE;
     bool logEnabled = true;
     MessageLog* messageLog = nullptr; // belongs to the box of the log
+    OperationLogFile operationLog;
     QString snapshotPath;
 };

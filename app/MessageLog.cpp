@@ -56,10 +56,11 @@ void MessageLog::clear()
 
 void MessageLog::timerEvent(QTimerEvent*)
 {
-    if (m_waiting.isEmpty())
+    if (m_waiting.isEmpty()) {
         m_atOnce = kAtOnce;
-    else
+    } else {
         writePortion();
+    }
 
     const int tooMany = m_box.document()->blockCount() - kKeptLines;
     if (tooMany <= 0 && m_atOnce > 0) {

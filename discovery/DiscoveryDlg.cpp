@@ -64,10 +64,11 @@ void DiscoveryDlg::keyPressEvent(QKeyEvent* event)
     // Enter means "Open", the default button. The other buttons take the focus by Tab only: Enter on such a one means
     // that button.
     auto* const button = qobject_cast<QPushButton*>(focusWidget());
-    if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+    if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
         button->click();
-    else
+    } else {
         QDialog::keyPressEvent(event);
+    }
 }
 
 void DiscoveryDlg::discovery_camera()

@@ -54,6 +54,8 @@ public:
     [[nodiscard]] bool crashed() const { return m_process.exitStatus() == QProcess::CrashExit; }
     [[nodiscard]] QString errors() { return QString::fromLocal8Bit(m_process.readAllStandardError()); }
 
+    [[nodiscard]] QString output() { return QString::fromLocal8Bit(m_process.readAllStandardOutput()); }
+
     /// The files mapped into the process.
     [[nodiscard]] QString maps() const
     {
@@ -74,6 +76,7 @@ private slots:
     void otherLibrariesTakeTheirPlace();
     void geometryGrowsWithTheTextAtHighResolution();
     void windowHasItsIcon();
+    void operationLogGoesToStandardOutput();
 
 private:
     [[nodiscard]] bool clickIcon(const char* name);
@@ -282,6 +285,23 @@ void EndToEndTest::windowHasItsIcon()
     const QImage expected(ICON_FOLDER "/Viewer_Main_icon_2.ico");
     QVERIFY(!expected.isNull());
     QCOMPARE(desktop.icon(kMainWindow), expected.convertToFormat(QImage::Format_ARGB32));
+}
+
+void EndToEndTest::operationLogGoesToStandardOutput()
+{
+    QProcessEnvironment extra;
+    extra.insert("ORVO_OPERATION_LOG", "-");
+    Viewer viewer(extra);
+    QVERIFY(open(Monochrome));
+    QString output;
+    QTRY_VERIFY_WITH_TIMEOUT((output += viewer.output()).endsWith("Orvo::CAM_NODE_HANDLE hNode = NULL;\n"),
+                             kPatienceMs);
+    QVERIFY2(output.startsWith("Orvo::CAM_API_STATUS status"), qPrintable(output));
+
+    desktop.closeWindow(kMainWindow);
+    QVERIFY(viewer.ended());
+    QCOMPARE(viewer.exitCode(), 0);
+    QCOMPARE(viewer.errors(), QString());
 }
 
 } // namespace

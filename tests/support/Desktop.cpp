@@ -50,7 +50,7 @@ QByteArray property(Display* display, Window window, const char* name, Atom want
         return {};
     }
     const unsigned long itemSize = format == 32 ? sizeof(long) : static_cast<unsigned long>(format) / 8;
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(items * itemSize));
+    QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(items * itemSize));
     XFree(data);
     return bytes;
 }

@@ -1,0 +1,47 @@
+#include "app/OperationLogFile.h"
+
+#include <QByteArray>
+#include <QFile>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+void OperationLogFile::Close::operator()(std::FILE* file) const
+{
+    // Every entry was flushed: nothing is left that could fail.
+    if (file != stdout)
+        static_cast<void>(std::fclose(file));
+}
+
+bool OperationLogFile::open()
+{
+    const QByteArray name = qgetenv("ORVO_OPERATION_LOG");
+    if (name.isEmpty())
+        return true;
+    m_name = QFile::decodeName(name);
+    m_file.reset(name == "-" ? stdout : std::fopen(name.constData(), "ae"));
+    if (!m_file)
+        return fail(errno);
+    // A pipe whose reader has gone is a failure to be told, not the end of the program.
+    std::signal(SIGPIPE, SIG_IGN);
+    return true;
+}
+
+bool OperationLogFile::append(const QString& entry)
+{
+    if (!m_file)
+        return true;
+    const QByteArray bytes = entry.toUtf8();
+    const auto size = static_cast<std::size_t>(bytes.size());
+    if (std::fwrite(bytes.constData(), 1, size, m_file.get()) == size && std::fflush(m_file.get()) == 0)
+        return true;
+    return fail(errno);
+}
+
+bool OperationLogFile::fail(int error)
+{
+    m_file.reset();
+    m_failure = QStringLiteral("Operation log %1: %2").arg(m_name, qt_error_string(error));
+    return false;
+}
