@@ -115,11 +115,11 @@ std::string Connection::start()
     std::array<int, 2> errors = {-1, -1};
     if (!m_wake || !makeChannel(m_control, ends.control) || !makeChannel(m_events, ends.events))
         return "There are no more descriptors: " + reasonOf(errno);
-    if (kSanitized) {
-        ends.errors = Descriptor(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)); // where reports are looked for
-    } else if (logLevel() != 0 && ::pipe2(errors.data(), O_CLOEXEC | O_NONBLOCK) == 0) {
+    if (logLevel() != 0 && ::pipe2(errors.data(), O_CLOEXEC | O_NONBLOCK) == 0) {
         m_errors = Descriptor(errors[0]);
         ends.errors = Descriptor(errors[1]);
+    } else if (kSanitized) {
+        ends.errors = Descriptor(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)); // where reports are looked for
     }
     if (std::string reason = m_process.start(transportProgram(), ends); !reason.empty())
         return reason;

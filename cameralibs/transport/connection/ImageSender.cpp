@@ -74,6 +74,8 @@ Outcome ImageSender::start(Descriptor channel)
 
 void ImageSender::stop()
 {
+    if (m_channel.descriptor() < 0)
+        return;
     m_running = false;
     // The thread may be waiting for room in a channel that nobody reads any more.
     m_channel.shutDown();
