@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <csignal>
+
 namespace {
 
 class UsbViewerTest : public QObject {
@@ -15,6 +17,8 @@ class UsbViewerTest : public QObject {
 private slots:
     void cameraUnpluggedWhileLive();
     void cameraUnpluggedWhileStopped();
+    void transportDiesWhileLive_data();
+    void transportDiesWhileLive();
 };
 
 void UsbViewerTest::cameraUnpluggedWhileLive()
@@ -49,6 +53,31 @@ void UsbViewerTest::cameraUnpluggedWhileStopped()
              qPrintable(driver.log().join('\n')));
     QVERIFY(driver.enabled("actionOpen"));
     usb::plugIn();
+}
+
+void UsbViewerTest::transportDiesWhileLive_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("killed") << SIGKILL;
+    QTest::newRow("crashed") << SIGSEGV;
+    QTest::newRow("stopped") << SIGSTOP;
+}
+
+// For the window that is a camera that was unplugged.
+void UsbViewerTest::transportDiesWhileLive()
+{
+    QFETCH(int, signal);
+    WindowDriver driver;
+    ShownImages images(driver.window());
+    driver.open();
+    driver.start();
+    QVERIFY(images.waitForMore(3));
+    usb::signalAt(usb::Moment::packet, 1, signal);
+    QVERIFY(QTest::qWaitFor([&] { return driver.log().contains("A camera has been Removed."); }, kPatienceMs));
+    QVERIFY(QTest::qWaitFor([&] { return driver.enabled("actionOpen"); }, kPatienceMs));
+    driver.open();
+    driver.start();
+    QVERIFY(images.waitForMore(3));
 }
 
 } // namespace

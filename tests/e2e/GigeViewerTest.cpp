@@ -1,0 +1,216 @@
+// The real window with the real camera libraries, and a GigE Vision camera on a network of its own.
+
+#include "camera/OrvoCamUtl.h"
+#include "tests/cameralibs/devices/aravis/ChildProcess.h"
+#include "tests/support/FeatureHand.h"
+#include "tests/support/OpenedCamera.h"
+#include "tests/support/Patience.h"
+#include "tests/support/ShownImages.h"
+#include "tests/support/WindowDriver.h"
+
+#include <QtTest>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace Orvo;
+
+namespace {
+
+class GigeViewerTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void streams_data();
+    void streams();
+    void formatAndSizeChangeBetweenStarts();
+    void softwareTriggerBringsAnImage();
+    void incompleteImagesAreToldAndNotShown_data();
+    void incompleteImagesAreToldAndNotShown();
+    void cameraOfAnotherProgramIsRefused();
+    void cameraKilledWhileLive();
+    void cameraKilledWhileIdle();
+    void cameraKilledWhileBrowsing();
+
+private:
+    void plugIn(const std::vector<std::string>& options = {})
+    {
+        std::vector<std::string> command = {"arv-fake-gv-camera-0.8", "-i", "127.0.0.1"};
+        command.insert(command.end(), options.begin(), options.end());
+        m_camera = std::make_unique<ChildProcess>(command);
+    }
+
+    /// A search that the camera misses while it starts finds nothing.
+    void open()
+    {
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                if (m_window->enabled("actionOpen"))
+                    m_window->open();
+                return m_window->enabled("actionStart");
+            },
+            kPatienceMs));
+    }
+
+    std::unique_ptr<ChildProcess> m_camera;
+    std::unique_ptr<WindowDriver> m_window;
+    std::unique_ptr<ShownImages> m_images;
+};
+
+void GigeViewerTest::init()
+{
+    plugIn();
+    m_window = std::make_unique<WindowDriver>();
+    m_window->window().show();
+    QVERIFY(QTest::qWaitForWindowActive(&m_window->window(), kPatienceMs));
+    m_images = std::make_unique<ShownImages>(m_window->window(), ShownImages::Keep::Last);
+}
+
+void GigeViewerTest::cleanup()
+{
+    m_window.reset();
+    m_images.reset();
+    m_camera.reset();
+}
+
+void GigeViewerTest::streams_data()
+{
+    QTest::addColumn<double>("rate");
+    QTest::newRow("slowly") << 25.0;
+    QTest::newRow("fast") << 500.0;
+}
+
+void GigeViewerTest::streams()
+{
+    QFETCH(double, rate);
+    open();
+    // A feature that this camera's tree leaves out.
+    CAM_NODE_HANDLE node = 0;
+    QCOMPARE(Nd_GetNode(opened::camera(), "AcquisitionFrameRate", &node), CAM_API_STS_SUCCESS);
+    QCOMPARE(Nd_SetFloatValue(opened::camera(), node, rate), CAM_API_STS_SUCCESS);
+    m_window->start();
+    QVERIFY(m_images->waitForMore(30));
+    QCOMPARE(m_images->last().size(), QSize(512, 512));
+    QVERIFY(QTest::qWaitFor([&] { return m_window->rates() != WindowDriver::noRates(); }, kPatienceMs));
+    m_window->stop();
+    m_window->close();
+    QVERIFY(m_window->enabled("actionOpen"));
+}
+
+void GigeViewerTest::formatAndSizeChangeBetweenStarts()
+{
+    open();
+    FeatureHand hand(m_window->window());
+    for (const auto& [width, format] : {std::pair(256, "Mono8"), std::pair(640, "RGB8"), std::pair(128, "BayerBG8")}) {
+        hand.type("Width", QString::number(width));
+        hand.choose("PixelFormat", format);
+        m_window->start();
+        QVERIFY(m_images->waitForMore(3));
+        QCOMPARE(m_images->last().size(), QSize(width, 512));
+        m_window->stop();
+    }
+}
+
+void GigeViewerTest::softwareTriggerBringsAnImage()
+{
+    open();
+    FeatureHand hand(m_window->window());
+    hand.choose("TriggerMode", "On");
+    hand.choose("TriggerSource", "Software");
+    m_window->start();
+    QVERIFY2(!m_images->waitForMore(1, 300), "without a trigger");
+    for (int i = 0; i < 3; ++i) {
+        // On a busy machine an image may be incomplete.
+        const auto bringsOne = [&] {
+            m_window->trigger("actionSoftwareTrigger");
+            return m_images->waitForMore(1, 3000);
+        };
+        QVERIFY2(QTest::qWaitFor(bringsOne, kPatienceMs), qPrintable(m_window->log().join('\n')));
+    }
+}
+
+void GigeViewerTest::incompleteImagesAreToldAndNotShown_data()
+{
+    QTest::addColumn<QString>("perThousand");
+    QTest::newRow("few packets are lost") << "10";
+    QTest::newRow("many packets are lost") << "100";
+}
+
+void GigeViewerTest::incompleteImagesAreToldAndNotShown()
+{
+    QFETCH(QString, perThousand);
+    m_camera.reset();
+    plugIn({"-r", perThousand.toStdString()});
+    open();
+    FeatureHand hand(m_window->window());
+    hand.type("Width", "64"); // so that some images are whole
+    hand.type("Height", "64");
+    m_window->start();
+    QVERIFY(m_images->waitForMore(3));
+    const auto told = [&] { return m_window->log().join('\n').contains("CallBackErrorImage. (status = 0x100A)"); };
+    QVERIFY(QTest::qWaitFor(told, kPatienceMs));
+    QVERIFY(m_window->enabled("actionStop"));
+}
+
+void GigeViewerTest::cameraOfAnotherProgramIsRefused()
+{
+    ChildProcess other({CAMERA_HOLDER});
+    QCOMPARE(other.readLine(), std::string("0"));
+    m_window->open();
+    QVERIFY2(m_window->log().join('\n').contains("[CAM_API_STS_ACCESS_DENIED]"),
+             qPrintable(m_window->log().join('\n')));
+    QVERIFY(m_window->enabled("actionOpen"));
+}
+
+void GigeViewerTest::cameraKilledWhileLive()
+{
+    for (int round = 0; round < 2; ++round) {
+        open();
+        m_window->start();
+        QVERIFY(m_images->waitForMore(3));
+        m_camera->kill();
+        QVERIFY(QTest::qWaitFor([&] { return m_window->log().contains("A camera has been Removed."); }, kPatienceMs));
+        QVERIFY(QTest::qWaitFor([&] { return m_window->enabled("actionOpen"); }, kPatienceMs));
+        m_window->clearLog();
+        plugIn();
+    }
+}
+
+// Without a display thread nobody looks for the removal; the next operation tells.
+void GigeViewerTest::cameraKilledWhileIdle()
+{
+    open();
+    m_camera->kill();
+    m_window->start();
+    QVERIFY2(m_window->log().join('\n').contains("[CAM_API_STS_CAMERA_NOT_RESPONDING]"),
+             qPrintable(m_window->log().join('\n')));
+    QVERIFY(m_window->enabled("actionOpen"));
+    plugIn();
+    open();
+    m_window->start();
+    QVERIFY(m_images->waitForMore(3));
+}
+
+void GigeViewerTest::cameraKilledWhileBrowsing()
+{
+    open();
+    FeatureHand hand(m_window->window());
+    m_camera->kill();
+    hand.type("Width", "256");
+    std::uint32_t index = 0;
+    QCOMPARE(GetCamIndexFromCamHandle(opened::camera(), &index), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    m_window->close();
+    plugIn();
+    open();
+    QCOMPARE(hand.shown("Width"), QString("512"));
+}
+
+} // namespace
+
+QTEST_MAIN(GigeViewerTest)
+#include "GigeViewerTest.moc"
