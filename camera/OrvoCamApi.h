@@ -143,7 +143,7 @@ struct CAM_IMAGE_INFO {
     std::uint64_t timestampNs;
     std::uint8_t reserved16[16];
     std::uint64_t frameNumber; ///< rises strictly within one start; a step above 1 means that images were lost
-    void* data;                ///< the raw image, in the camera's pixel format
+    void* data;                ///< the raw image, in the camera's pixel format; see Strm_Start
     std::uint64_t dataSize;    ///< bytes behind `data`
     std::uint8_t reserved56[8];
     std::uint32_t status; ///< a CAM_API_STATUS; 0 = complete
@@ -248,7 +248,8 @@ ORVO_CAM_EXPORT CAM_API_STATUS Misc_GetLastGenICamError(const char** text);
 
 // --- Stream ---------------------------------------------------------------------------------------------------------
 
-/// `maxImageSize` (may be null) receives the bytes of the largest image. One stream per camera.
+/// `maxImageSize` (may be null) receives the bytes of the largest image. One stream per camera. Buffers of 4 GiB or
+/// more in all are refused with CAM_API_STS_INVALID_PARAMETER, here and by Strm_Start.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_OpenSimple(CAM_HANDLE camera, CAM_STRM_HANDLE* stream, std::uint32_t* maxImageSize,
                                                void* reserved1, std::uint32_t bufferCount, void* reserved2);
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_Close(CAM_STRM_HANDLE stream);
@@ -260,6 +261,9 @@ ORVO_CAM_EXPORT CAM_API_STATUS Strm_SetCallbackImageError(CAM_STRM_HANDLE stream
                                                           CAM_IMAGE_ERROR_CALLBACK callback);
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_SetCallbackBufferBusy(CAM_STRM_HANDLE stream, void* context,
                                                           CAM_BUFFER_BUSY_CALLBACK callback);
+
+/// From now on the data of every slot is readable memory for an image of the largest width, the largest height and the
+/// widest pixel format that were told of the camera since it was opened; bytes that the camera does not send are zero.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_Start(CAM_STRM_HANDLE stream, std::uint32_t requestCount);
 
 /// No callback runs after it returned. 0 where the stream is not started.

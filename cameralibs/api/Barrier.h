@@ -127,20 +127,30 @@ template <class Work>
         function);
 }
 
-/// `work(NodeMap&, NodeId)` with the camera's node map to itself.
+/// `work(Camera&, NodeMap&, NodeId)` with the camera's node map to itself.
 template <class Work>
-[[nodiscard]] Orvo::CAM_API_STATUS onNode(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
-                                          std::initializer_list<const void*> pointers, Work&& work,
-                                          const char* function = __builtin_FUNCTION()) noexcept
+[[nodiscard]] Orvo::CAM_API_STATUS onNodeOfCamera(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
+                                                  std::initializer_list<const void*> pointers, Work&& work,
+                                                  const char* function = __builtin_FUNCTION()) noexcept
 {
     return onCamera(
         handle,
         [&](System&, Camera& camera) {
             const NodeId id = camera.nodeOf(node);
             requirePointers(pointers);
-            camera.evaluate([&](NodeMap& nodes) { work(nodes, id); });
+            camera.evaluate([&](NodeMap& nodes) { work(camera, nodes, id); });
         },
         function);
+}
+
+/// The same without the camera: `work(NodeMap&, NodeId)`.
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS onNode(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
+                                          std::initializer_list<const void*> pointers, Work&& work,
+                                          const char* function = __builtin_FUNCTION()) noexcept
+{
+    return onNodeOfCamera(
+        handle, node, pointers, [&](Camera&, NodeMap& nodes, NodeId id) { work(nodes, id); }, function);
 }
 
 } // namespace orvo

@@ -21,6 +21,7 @@ Camera::Camera(std::uint32_t index, DeviceInfo info, std::shared_ptr<Removal> re
     , m_firstNode(newHandles(m_description->size()))
     , m_device(std::move(device))
     , m_nodes(std::make_unique<NodeMap>(m_description, m_device->registers()))
+    , m_toldImages(*m_description)
 {
 }
 

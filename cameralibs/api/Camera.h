@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameralibs/api/ImageBounds.h"
 #include "cameralibs/api/Removal.h"
 #include "cameralibs/devices/Device.h"
 #include "cameralibs/genicam/Failure.h"
@@ -58,6 +59,10 @@ public:
         }
     }
 
+    /// What the library has told of the camera's images since it was opened. For the work of evaluate() and
+    /// withDevice().
+    [[nodiscard]] ImageBounds& toldImages() noexcept { return m_toldImages; }
+
     /// Null without one.
     [[nodiscard]] std::shared_ptr<Stream> stream() const;
 
@@ -89,9 +94,10 @@ private:
     const Orvo::CAM_NODE_HANDLE m_firstNode;
     std::atomic<bool> m_released{false};
 
-    std::mutex m_mutex; ///< guards the device and its node map
+    std::mutex m_mutex; ///< guards the device, its node map and what was told
     std::unique_ptr<Device> m_device;
     std::unique_ptr<NodeMap> m_nodes;
+    ImageBounds m_toldImages;
 
     mutable std::mutex m_streamMutex;
     std::shared_ptr<Stream> m_stream;

@@ -5,6 +5,8 @@
 #include "cameralibs/genicam/IntegerOperations.h"
 #include "cameralibs/genicam/TextOperations.h"
 
+#include <string>
+
 using namespace orvo;
 
 namespace Orvo {
@@ -20,20 +22,35 @@ CAM_API_STATUS give(CAM_HANDLE camera, CAM_NODE_HANDLE node, Result (*read)(cons
         camera, node, {value}, [&](NodeMap& nodes, NodeId id) { *value = read(nodes, id); }, function);
 }
 
-CAM_API_STATUS giveReadText(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::string (*read)(const NodeMap&, NodeId),
-                            char* buffer, std::uint32_t* size, const char* function = __builtin_FUNCTION())
-{
-    return onNode(
-        camera, node, {size}, [&](NodeMap& nodes, NodeId id) { giveText(read(nodes, id), buffer, size); }, function);
-}
-
 } // namespace
 
 extern "C" {
 
+// The values by which a program reads images are noted: there is memory for as much in every buffer.
+
 CAM_API_STATUS Nd_GetIntValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::int64_t* value)
 {
-    return give(camera, node, readInteger, value);
+    return onNodeOfCamera(camera, node, {value}, [&](Camera& opened, NodeMap& nodes, NodeId id) {
+        *value = readInteger(nodes, id);
+        opened.toldImages().note(id, *value);
+    });
+}
+
+CAM_API_STATUS Nd_GetEnumIntValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::int64_t* value)
+{
+    return onNodeOfCamera(camera, node, {value}, [&](Camera& opened, NodeMap& nodes, NodeId id) {
+        *value = readEnumerationNumber(nodes, id);
+        opened.toldImages().note(id, *value);
+    });
+}
+
+CAM_API_STATUS Nd_GetEnumStrValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, char* buffer, std::uint32_t* size)
+{
+    return onNodeOfCamera(camera, node, {size}, [&](Camera& opened, NodeMap& nodes, NodeId id) {
+        const std::string entry = readEnumerationName(nodes, id);
+        opened.toldImages().note(id, entry);
+        giveText(entry, buffer, size);
+    });
 }
 
 CAM_API_STATUS Nd_GetIntMin(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::int64_t* value)
@@ -81,19 +98,10 @@ CAM_API_STATUS Nd_GetBoolValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool* va
     return give(camera, node, readBoolean, value);
 }
 
-CAM_API_STATUS Nd_GetEnumIntValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::int64_t* value)
-{
-    return give(camera, node, readEnumerationNumber, value);
-}
-
 CAM_API_STATUS Nd_GetStrValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, char* buffer, std::uint32_t* size)
 {
-    return giveReadText(camera, node, readText, buffer, size);
-}
-
-CAM_API_STATUS Nd_GetEnumStrValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, char* buffer, std::uint32_t* size)
-{
-    return giveReadText(camera, node, readEnumerationName, buffer, size);
+    return onNode(camera, node, {size},
+                  [&](NodeMap& nodes, NodeId id) { giveText(readText(nodes, id), buffer, size); });
 }
 
 CAM_API_STATUS Nd_SetIntValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::int64_t value, bool verify)

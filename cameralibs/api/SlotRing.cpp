@@ -14,44 +14,48 @@ namespace {
 
 std::size_t roomFor(const SlotRing::ImageSize& size)
 {
-    return std::max(size.payload, size.pixels);
+    return std::max(size.payload, size.image);
+}
+
+/// For images that arrive while the callback of an earlier one runs.
+std::size_t sparesOf(std::size_t room)
+{
+    constexpr std::size_t kLargeImage = 4'000'000;
+    constexpr std::size_t kMostBytes = std::size_t{1} << 30;
+    const std::size_t wanted = room > kLargeImage ? 4 : 8;
+    return std::clamp<std::size_t>(kMostBytes / room, 1, wanted);
 }
 
 } // namespace
 
-SlotRing::SlotRing(std::uint32_t slots, std::size_t spares, const ImageSize& size)
-    : m_pixels(size.pixels)
-    , m_buffers(slots + spares)
+SlotRing::SlotRing(std::uint32_t slots, const ImageSize& size)
+    : m_size(size)
     , m_slots(slots)
 {
-    for (std::size_t i = 0; i < m_slots.size(); ++i)
-        m_slots[i].buffer = &m_buffers[i];
-    useMemory(std::make_shared<ImageMemory>(m_buffers.size(), roomFor(size)), size.payload);
+    useNewMemory(roomFor(size), size.payload);
 }
 
 std::size_t SlotRing::payload() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_payload;
+    return m_size.payload;
 }
 
 bool SlotRing::holds(const ImageSize& size) const
 {
     const std::lock_guard lock(m_mutex);
-    return size.payload <= m_payload && roomFor(size) <= m_memory->bytesOfEach();
+    return size.payload <= m_capacity && roomFor(size) <= m_memory->bytesOfEach();
 }
 
 void SlotRing::grow(const ImageSize& size)
 {
     const std::lock_guard lock(m_mutex);
-    const std::size_t room = std::max(roomFor(size), m_memory->bytesOfEach());
-    auto memory = std::make_shared<ImageMemory>(m_buffers.size(), room);
     for (Slot& slot : m_slots) {
         // Whoever holds a lock goes on reading where the image was.
         if (slot.locks != 0)
             slot.left.push_back(m_memory);
     }
-    useMemory(std::move(memory), std::max(size.payload, m_payload));
+    useNewMemory(std::max(roomFor(size), m_memory->bytesOfEach()), std::max(size.payload, m_capacity));
 }
 
 const ImageMemory& SlotRing::memory() const
@@ -65,17 +69,21 @@ std::vector<FrameBuffer*> SlotRing::spares()
     const std::lock_guard lock(m_mutex);
     std::vector<FrameBuffer*> spares;
     for (FrameBuffer& buffer : m_buffers) {
-        if (!inSlot(buffer))
+        if (std::none_of(m_slots.begin(), m_slots.end(), [&](const Slot& slot) { return slot.buffer == &buffer; }))
             spares.push_back(&buffer);
     }
     return spares;
 }
 
-void SlotRing::beginStart(std::size_t pixels)
+void SlotRing::beginStart(const ImageSize& size)
 {
     const std::lock_guard lock(m_mutex);
     m_current.reset();
-    m_pixels = pixels;
+    m_size = size;
+    for (Slot& slot : m_slots) {
+        if (slot.filled)
+            clearBehindImage(slot);
+    }
 }
 
 SlotRing::Placed SlotRing::place(FrameBuffer& filled)
@@ -84,18 +92,16 @@ SlotRing::Placed SlotRing::place(FrameBuffer& filled)
     Slot& slot = m_slots[m_next];
     if (slot.locks != 0)
         return {&filled, m_next, false, {}};
-    // What the camera did not send is not left from an earlier image.
-    const std::size_t end = std::min(filled.capacity, m_pixels);
-    if (filled.size < end)
-        std::memset(filled.data + filled.size, 0, end - filled.size);
     slot.info = {};
     slot.info.timestampNs = filled.timestampNs;
     slot.info.frameNumber = filled.frameNumber;
     slot.info.data = filled.data;
-    slot.info.dataSize = filled.size;
+    slot.info.dataSize = std::min(filled.size, filled.capacity);
     slot.info.status = CAM_API_STS_SUCCESS;
     slot.filled = true;
+    slot.clearedTo = 0;
     const Placed placed{std::exchange(slot.buffer, &filled), m_next, true, slot.info};
+    clearBehindImage(slot);
     m_current = m_next;
     m_next = (m_next + 1) % static_cast<std::uint32_t>(m_slots.size());
     return placed;
@@ -133,27 +139,39 @@ void SlotRing::unlock(std::uint32_t index)
         slot.left.clear();
 }
 
-/// Moves the images there.
-void SlotRing::useMemory(std::shared_ptr<const ImageMemory> memory, std::size_t payload)
+/// The images in the slots move there.
+void SlotRing::useNewMemory(std::size_t room, std::size_t capacity)
 {
-    for (std::size_t i = 0; i < m_buffers.size(); ++i) {
-        m_buffers[i].data = memory->data(i);
-        m_buffers[i].offset = memory->offset(i);
-        m_buffers[i].capacity = payload;
+    const auto memory = std::make_shared<const ImageMemory>(m_slots.size() + sparesOf(room), room);
+    std::vector<FrameBuffer> buffers(memory->count());
+    for (std::size_t i = 0; i < buffers.size(); ++i) {
+        buffers[i].data = memory->data(i);
+        buffers[i].offset = memory->offset(i);
+        buffers[i].capacity = capacity;
     }
-    for (Slot& slot : m_slots) {
+    for (std::size_t i = 0; i < m_slots.size(); ++i) {
+        Slot& slot = m_slots[i];
+        slot.buffer = &buffers[i];
         if (!slot.filled)
             continue;
         std::memcpy(slot.buffer->data, slot.info.data, slot.info.dataSize);
         slot.info.data = slot.buffer->data;
+        slot.clearedTo = room; // fresh memory
     }
-    m_memory = std::move(memory);
-    m_payload = payload;
+    m_buffers = std::move(buffers);
+    m_memory = memory;
+    m_capacity = capacity;
 }
 
-bool SlotRing::inSlot(const FrameBuffer& buffer) const
+/// What the camera did not send is not left from an earlier image. Beyond the capacity nobody has ever written.
+void SlotRing::clearBehindImage(Slot& slot) const
 {
-    return std::any_of(m_slots.begin(), m_slots.end(), [&](const Slot& slot) { return slot.buffer == &buffer; });
+    const std::size_t begin = std::max<std::size_t>(slot.info.dataSize, slot.clearedTo);
+    const std::size_t end = std::min(slot.buffer->capacity, m_size.image);
+    if (begin >= end)
+        return;
+    std::memset(slot.buffer->data + begin, 0, end - begin);
+    slot.clearedTo = end;
 }
 
 } // namespace orvo

@@ -18,28 +18,30 @@ namespace orvo {
 /// writes into it. Any thread.
 class SlotRing {
 public:
-    /// The bytes of an image: those that the camera sends, and those that its pixels take. Who reads the image may go
-    /// by the pixels, so there is memory for both, and what was not sent is zero.
+    /// The bytes that the camera sends for an image, and those of the largest image that a reader may take it for.
+    /// There is memory for both in every slot; of the latter, what was not sent is zero.
     struct ImageSize {
         std::size_t payload;
-        std::size_t pixels;
+        std::size_t image;
     };
 
-    SlotRing(std::uint32_t slots, std::size_t spares, const ImageSize& size);
+    SlotRing(std::uint32_t slots, const ImageSize& size);
 
+    /// Of the current start.
     [[nodiscard]] std::size_t payload() const;
+
     [[nodiscard]] bool holds(const ImageSize& size) const;
 
     /// New memory in which every buffer has at least this size; the images in the slots move there. Without a source:
-    /// what an earlier one held is nobody's now. On failure nothing has changed.
+    /// what an earlier one held is nobody's now.
     void grow(const ImageSize& size);
 
-    // For the source of the current payload: the memory, and the buffers that it may fill.
+    // For a source: the memory, and the buffers that it may fill.
     [[nodiscard]] const ImageMemory& memory() const;
     [[nodiscard]] std::vector<FrameBuffer*> spares();
 
-    /// No image of this start yet. Each has this many bytes of pixels.
-    void beginStart(std::size_t pixels);
+    /// There is no image of this start yet, and room for this size.
+    void beginStart(const ImageSize& size);
 
     struct Placed {
         FrameBuffer* free; ///< for the source to fill next
@@ -61,17 +63,18 @@ private:
     struct Slot {
         FrameBuffer* buffer = nullptr;
         bool filled = false;
+        std::size_t clearedTo = 0; ///< behind the image, nothing but zeros up to here
         std::uint32_t locks = 0;
         std::vector<std::shared_ptr<const ImageMemory>> left; ///< where its image was when it was locked
         Orvo::CAM_IMAGE_INFO info = {};
     };
 
-    void useMemory(std::shared_ptr<const ImageMemory> memory, std::size_t payload);
-    [[nodiscard]] bool inSlot(const FrameBuffer& buffer) const;
+    void useNewMemory(std::size_t room, std::size_t capacity);
+    void clearBehindImage(Slot& slot) const;
 
     mutable std::mutex m_mutex;
-    std::size_t m_payload = 0;
-    std::size_t m_pixels;
+    ImageSize m_size;           ///< of the current start
+    std::size_t m_capacity = 0; ///< the largest payload so far: what a source may write of each buffer
     std::shared_ptr<const ImageMemory> m_memory;
     std::vector<FrameBuffer> m_buffers; ///< one for each of the memory's
     std::vector<Slot> m_slots;

@@ -2,7 +2,7 @@
 
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/HandleTable.h"
-#include "cameralibs/api/ImageSize.h"
+#include "cameralibs/api/ImageBounds.h"
 #include "cameralibs/genicam/IntegerOperations.h"
 #include "cameralibs/genicam/TextOperations.h"
 
@@ -15,11 +15,6 @@ using namespace Orvo;
 namespace {
 
 constexpr std::uint32_t kMaxBuffers = 1024;
-
-/// Images that may arrive while the callback of an earlier one runs.
-constexpr std::size_t kSpares = 8;
-constexpr std::size_t kSparesOfLargeImages = 4;
-constexpr std::size_t kLargeImage = 4'000'000;
 
 thread_local int callbackDepth = 0;
 
@@ -59,9 +54,8 @@ void Stream::open(std::uint32_t bufferCount)
     }
     try {
         m_camera->withDevice([&](Device& device, NodeMap& nodes) {
-            const SlotRing::ImageSize size = readImageSize(nodes);
-            const bool large = size.payload > kLargeImage;
-            m_ring = std::make_unique<SlotRing>(bufferCount, large ? kSparesOfLargeImages : kSpares, size);
+            m_bufferCount = bufferCount;
+            m_ring = std::make_unique<SlotRing>(bufferCount, imageSize(nodes));
             throwIfFailed(device.openSource(*this, m_ring->memory(), m_ring->spares(), m_source));
         });
     } catch (...) {
@@ -181,6 +175,11 @@ void Stream::fail(CAM_API_STATUS status)
         error.function(m_camera->handle(), m_handle, status, m_ring->nextSlot(), error.context);
 }
 
+SlotRing::ImageSize Stream::imageSize(const NodeMap& nodes) const
+{
+    return readImageSize(nodes, m_camera->toldImages(), m_bufferCount);
+}
+
 // A larger image needs other buffers, and a source that knows them.
 void Stream::prepareSource(const SlotRing::ImageSize& size, Device& device)
 {
@@ -195,9 +194,9 @@ void Stream::prepareSource(const SlotRing::ImageSize& size, Device& device)
 void Stream::startDevice()
 {
     m_camera->withDevice([&](Device& device, NodeMap& nodes) {
-        const SlotRing::ImageSize size = readImageSize(nodes);
+        const SlotRing::ImageSize size = imageSize(nodes);
         prepareSource(size, device);
-        m_ring->beginStart(size.pixels);
+        m_ring->beginStart(size);
     });
     lockTransportLayer(true);
     m_tally.start(m_camera->name());

@@ -11,6 +11,7 @@
 namespace orvo {
 
 class Camera;
+class NodeMap;
 
 /// The image stream of a camera. Any thread; the callbacks run on the source's thread, with no lock held.
 class Stream : private FrameSink {
@@ -52,6 +53,7 @@ private:
     [[nodiscard]] FrameBuffer* deliver(FrameBuffer* filled) override;
     void fail(Orvo::CAM_API_STATUS status) override;
 
+    [[nodiscard]] SlotRing::ImageSize imageSize(const NodeMap& nodes) const;
     void prepareSource(const SlotRing::ImageSize& size, Device& device);
     void startDevice();
     void stopDevice();
@@ -69,6 +71,7 @@ private:
     std::condition_variable m_stateChanged;
     State m_state = State::stopped;
 
+    std::uint32_t m_bufferCount = 0;
     std::unique_ptr<SlotRing> m_ring;
     std::unique_ptr<FrameSource> m_source;
     ImageTally m_tally;

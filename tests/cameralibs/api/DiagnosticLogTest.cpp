@@ -12,6 +12,7 @@
 
 using namespace Orvo;
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
@@ -118,6 +119,20 @@ TEST_F(DiagnosticLogTest, LevelsAddToOneAnother)
         EXPECT_EQ(::testing::Matches(opening)(lines), row.opening) << row.level;
         EXPECT_EQ(::testing::Matches(failedLookUp)(lines), row.failedLookUp) << row.level;
     }
+}
+
+TEST_F(DiagnosticLogTest, TellsWhyImagesAreTooLarge)
+{
+    Log log("warning");
+    {
+        const DescribedCamera camera(describe(constant("PayloadSize", 1 << 30)));
+        CAM_STRM_HANDLE stream = 0;
+        EXPECT_EQ(Strm_OpenSimple(camera.handle(), &stream, nullptr, nullptr, 4, nullptr),
+                  CAM_API_STS_INVALID_PARAMETER);
+    }
+    EXPECT_THAT(ours(log.end()),
+                ElementsAre(HasSubstr("warning: Described XML-1: Strm_OpenSimple: 13 CAM_API_STS_INVALID_PARAMETER: "
+                                      "4 buffers of 1073741824 bytes each would take 4 GiB or more")));
 }
 
 TEST_F(DiagnosticLogTest, IsReadWhenTheLibraryStarts)

@@ -79,11 +79,23 @@ TEST_F(StreamFailureTest, ACameraThatRefusesToStopIsNotLeftLocked)
     EXPECT_EQ(locked(), 0);
 }
 
+TEST_F(StreamFailureTest, StartsAgainAfterPayloadsOfFourGigabytesInAll)
+{
+    for (const std::int64_t payload : {0x40000000LL, 0xFFFFFFFFLL}) {
+        setInt(m_camera, "PayloadSize", payload);
+        EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_INVALID_PARAMETER);
+        EXPECT_EQ(locked(), 0);
+    }
+    setInt(m_camera, "PayloadSize", 0x3FFFFFFF);
+    EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
+}
+
 TEST_F(StreamFailureTest, StartsAgainAfterImagesThatNoMemoryHolds)
 {
     if (!MemoryLimit::kPossible)
         GTEST_SKIP() << "no limit with a sanitizer";
-    setInt(m_camera, "PayloadSize", 0xFFFFFFFF);
+    setInt(m_camera, "PayloadSize", 0x3FFFFFFF);
     {
         const MemoryLimit limit(1U << 30);
         EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_NO_MEMORY);
