@@ -32,11 +32,6 @@ bool writable(std::uint32_t address, std::size_t size)
     return size == 4 && std::find(kWritable.begin(), kWritable.end(), address) != kWritable.end();
 }
 
-std::uint32_t bytesPerPixel(std::uint32_t pixelFormat)
-{
-    return (pixelFormat >> 16 & 0xffU) / 8;
-}
-
 /// What the camera takes for its own registers. The standard's are not looked at, as the camera gives them no meaning
 /// beyond their use.
 bool acceptable(std::uint32_t address, std::uint32_t value)
@@ -113,8 +108,14 @@ std::uint16_t CameraMemory::write(std::uint32_t address, const Bytes& data)
         return kInvalidParameter;
     std::copy(data.begin(), data.end(), m_registers.begin() + address);
     if (address == kWidth || address == kHeight || address == kPixelFormat)
-        setValue(kPayloadSize, value(kWidth) * value(kHeight) * bytesPerPixel(value(kPixelFormat)));
+        setValue(kPayloadSize, static_cast<std::uint32_t>(imageSize()));
     return kSuccess;
+}
+
+std::size_t CameraMemory::imageSize() const
+{
+    const std::size_t bytesPerPixel = (value(kPixelFormat) >> 16U & 0xffU) / 8;
+    return std::size_t{value(kWidth)} * value(kHeight) * bytesPerPixel;
 }
 
 void CameraMemory::setText(std::uint32_t address, const std::string& text, std::size_t size)

@@ -42,6 +42,9 @@ public:
     [[nodiscard]] std::uint32_t value(std::uint32_t address) const { return get<std::uint32_t>(m_registers, address); }
     void setValue(std::uint32_t address, std::uint32_t value) { put(m_registers, address, value); }
 
+    /// Bytes that width, height and pixel format make.
+    [[nodiscard]] std::size_t imageSize() const;
+
     /// Fills the rest of the field with zeros.
     void setText(std::uint32_t address, const std::string& text, std::size_t size);
 

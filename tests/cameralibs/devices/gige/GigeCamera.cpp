@@ -1,4 +1,5 @@
 #include "GigeCamera.h"
+#include "ZipFile.h"
 
 #include <poll.h>
 
@@ -12,7 +13,11 @@ namespace gige {
 namespace {
 
 constexpr std::uint32_t kBroadcast = 0xffffffff;
-constexpr std::size_t kKeptImages = 16;
+constexpr std::size_t kKeptImages = 4;
+
+// However absurd its registers are.
+constexpr std::size_t kLargestImage = 16'000'000;
+constexpr std::size_t kSmallestPacket = 576;
 
 /// How often the camera looks at its heartbeat when nothing else wakes it.
 constexpr std::chrono::milliseconds kIdle{200};
@@ -40,6 +45,10 @@ GigeCamera::GigeCamera(const CameraSettings& settings, Behaviour& behaviour)
     , m_foreignStream({addressOf(settings.foreignAddress), 0})
 {
     m_memory.setValue(kStreamSourcePort, m_stream.port());
+    if (m_settings.zipped)
+        m_memory.setDescription(zip("gv-test.xml", m_memory.description()).bytes, "gv-test.zip");
+    if (!m_settings.url.empty())
+        m_memory.setText(kFirstUrl, m_settings.url, kUrlSize);
     m_behaviour.prepare(m_memory);
 }
 
@@ -311,9 +320,9 @@ std::vector<Packet> GigeCamera::imagePackets() const
     put(leader, kHeightOffset, m_memory.value(kHeight));
     packets.push_back({std::move(leader)});
 
-    const std::size_t payload = m_memory.value(kPayloadSize);
+    const std::size_t payload = std::min(m_memory.imageSize(), kLargestImage);
     const std::size_t packetSize = m_memory.value(kStreamPacketSize) & kPacketSizeMask;
-    const std::size_t room = std::max(packetSize, kIpHeadersSize + kHeaderSize + 1) - kIpHeadersSize - kHeaderSize;
+    const std::size_t room = std::max(packetSize, kSmallestPacket) - kIpHeadersSize - kHeaderSize;
     std::uint32_t id = 1;
     for (std::size_t sent = 0; sent < payload; sent += room) {
         const std::size_t size = std::min(room, payload - sent);

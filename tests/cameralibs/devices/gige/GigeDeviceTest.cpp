@@ -20,16 +20,17 @@ protected:
     GigeDeviceTest() { EXPECT_EQ(Sys_Initialize(CAM_LAYER_GIGE_VISION), CAM_API_STS_SUCCESS); }
     ~GigeDeviceTest() override { (void)Sys_Terminate(); }
 
-    void list(const std::vector<std::string>& options = {})
+    /// Until so many cameras are found.
+    void list(const std::vector<std::string>& options = {}, std::uint32_t cameras = 1)
     {
         std::vector<std::string> command = {GIGE_CAMERA};
         command.insert(command.end(), options.begin(), options.end());
         m_device = std::make_unique<ChildProcess>(command);
         ASSERT_EQ(m_device->readLine(), "honest");
         // A busy machine may miss the answer.
-        ASSERT_TRUE(becomes([] {
+        ASSERT_TRUE(becomes([cameras] {
             std::uint32_t count = 0;
-            return Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS && count == 1;
+            return Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS && count == cameras;
         }));
     }
 
@@ -92,6 +93,12 @@ TEST_F(GigeDeviceTest, FeaturesAreReadAndWritten)
     double value = 0;
     EXPECT_EQ(Nd_GetFloatValue(m_camera, rate, &value), CAM_API_STS_SUCCESS);
     EXPECT_EQ(value, 12.5);
+}
+
+TEST_F(GigeDeviceTest, ZippedDescriptionIsRead)
+{
+    open({"--description", "zip"});
+    EXPECT_EQ(intOf(m_camera, "Width"), 512);
 }
 
 TEST_F(GigeDeviceTest, ImagesAreThoseThatItSends)
