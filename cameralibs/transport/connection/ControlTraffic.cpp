@@ -129,7 +129,9 @@ __attribute__((visibility("default"))) gboolean g_file_get_contents(const gchar*
                                                                     GError** error)
 {
     const std::lock_guard lock(traffic().mutex);
-    traffic().refused = name;
+    // Aravis makes no name of a second URL that is empty: the first one is the reason then.
+    if (name != nullptr)
+        traffic().refused = name;
     *contents = nullptr;
     if (size != nullptr)
         *size = 0;

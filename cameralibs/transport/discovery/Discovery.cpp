@@ -4,8 +4,12 @@
 
 #include <arv.h>
 
+#include <atomic>
+#include <chrono>
 #include <optional>
 #include <string>
+
+#include <dlfcn.h>
 
 namespace orvo::transport {
 
@@ -15,6 +19,14 @@ namespace {
 
 constexpr const char* kUsb = "USB3Vision";
 constexpr const char* kGige = "GigEVision";
+
+using Clock = std::chrono::steady_clock;
+
+/// Cameras have a second to answer; the rest of what comes is made up.
+constexpr std::chrono::seconds kListening{2};
+
+/// Nothing is heard any more from then on.
+std::atomic<Clock::time_point> s_deafFrom{Clock::time_point::max()};
 
 std::string orEmpty(const char* text)
 {
@@ -46,7 +58,9 @@ void enableKinds(bool usb, bool gige)
 std::vector<Listed> listCameras(bool usb, bool gige)
 {
     enableKinds(usb, gige);
+    s_deafFrom = Clock::now() + kListening;
     arv_update_device_list();
+    s_deafFrom = Clock::time_point::max();
     std::vector<Listed> found;
     for (unsigned i = 0; i < arv_get_n_devices(); ++i) {
         const auto link = linkOf(orEmpty(arv_get_device_protocol(i)));
@@ -66,3 +80,10 @@ std::vector<Listed> listCameras(bool usb, bool gige)
 }
 
 } // namespace orvo::transport
+
+// Aravis listens until nothing has come for a second: one that never stops talking would hide every other camera.
+extern "C" __attribute__((visibility("default"))) gint g_poll(GPollFD* descriptors, guint count, gint timeout)
+{
+    static const auto poll = reinterpret_cast<decltype(&g_poll)>(::dlsym(RTLD_NEXT, "g_poll"));
+    return orvo::transport::Clock::now() < orvo::transport::s_deafFrom.load() ? poll(descriptors, count, timeout) : 0;
+}

@@ -75,6 +75,13 @@ TEST_F(GigeDeviceTest, InformationTellsTheCamera)
     EXPECT_STREQ(info.serialNumber, "S-17");
 }
 
+TEST_F(GigeDeviceTest, CameraThatNeverStopsAnsweringHidesNoOther)
+{
+    const ChildProcess endless({GIGE_CAMERA, "--address", "127.0.0.2", "--foreign-address", "127.0.0.4", "--serial",
+                                "END", "--liar", "1", "--lie", "discovery-endless"});
+    list({"--serial", "T1"}, 2);
+}
+
 TEST_F(GigeDeviceTest, FeaturesAreReadAndWritten)
 {
     open();
@@ -99,6 +106,14 @@ TEST_F(GigeDeviceTest, ZippedDescriptionIsRead)
 {
     open({"--description", "zip"});
     EXPECT_EQ(intOf(m_camera, "Width"), 512);
+}
+
+TEST_F(GigeDeviceTest, FileOfThisMachineIsNoDescription)
+{
+    for (const std::string scheme : {"File:", "file:", "File://"}) {
+        ASSERT_NO_FATAL_FAILURE(list({"--url", scheme + GIGE_CAMERA_DESCRIPTION}));
+        EXPECT_EQ(tryToOpen(), CAM_API_STS_XML_LOAD_ERR) << scheme;
+    }
 }
 
 TEST_F(GigeDeviceTest, ImagesAreThoseThatItSends)
