@@ -9,7 +9,11 @@ using namespace Orvo;
 
 namespace {
 
-class InitializationTest : public ::testing::Test {};
+class InitializationTest : public ::testing::Test {
+protected:
+    /// Whatever cameras the tests before have asked for.
+    InitializationTest() { ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); } // NOLINT(concurrency-mt-unsafe)
+};
 
 } // namespace
 
