@@ -12,16 +12,36 @@ HWY_BEFORE_NAMESPACE();
 namespace orvo::HWY_NAMESPACE {
 
 static_assert(bayerMargin >= vectorBytes + 3);
+static_assert(bayerImageWidth >= 2 * vectorBytes);
 
 /// Every second column, as words.
-HWY_INLINE SignedVector evenColumns(const std::uint8_t* row)
+HWY_INLINE SignedVector evenColumns(ByteVector columns)
 {
-    return hn::And(hn::BitCast(SignedWords(), load(row)), hn::Set(SignedWords(), std::int16_t{0xFF}));
+    return hn::And(hn::BitCast(SignedWords(), columns), hn::Set(SignedWords(), std::int16_t{0xFF}));
 }
 
-HWY_INLINE SignedVector oddColumns(const std::uint8_t* row)
+HWY_INLINE SignedVector oddColumns(ByteVector columns)
 {
-    return hn::BitCast(SignedWords(), hn::ShiftRight<8>(hn::BitCast(Words(), load(row))));
+    return hn::BitCast(SignedWords(), hn::ShiftRight<8>(hn::BitCast(Words(), columns)));
+}
+
+/// What stands beside the columns of a step: more of the row, or at an edge of the image the mirrored columns.
+enum class Beside { Columns, LeftEdge, RightEdge };
+
+/// The columns from `Offset` (-2, 0 or 2) after `row` on.
+template <Beside Place, std::ptrdiff_t Offset> HWY_INLINE ByteVector columnsAt(const std::uint8_t* row)
+{
+    if constexpr (Place == Beside::LeftEdge && Offset == -2) {
+        static constexpr BlockTable mirror{2, 1};
+        const ByteVector mirrored = lookUp(load(row), repeated(mirror));
+        return hn::IfThenElse(hn::FirstN(Bytes(), 2), mirrored, load(row + Offset));
+    } else if constexpr (Place == Beside::RightEdge && Offset == 2) {
+        static constexpr BlockTable mirror{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 14, 13};
+        const ByteVector mirrored = lookUp(load(row), repeated(mirror));
+        return hn::IfThenElse(hn::FirstN(Bytes(), vectorBytes - 2), load(row + Offset), mirrored);
+    } else {
+        return load(row + Offset);
+    }
 }
 
 /// What the columns of the sites themselves give to the filters: the sites of both rows, and sums of those above and
@@ -111,78 +131,113 @@ template <bool AtGreen> HWY_INLINE Colours coloursAt(const Site& site)
 
 /// A vector of pixels of both rows. In one of them green comes first, and one has red. The second row is stored first:
 /// see RowKernels. The order of the work keeps few vectors alive at a time.
-template <bool GreenFirst, bool RedFirst>
+template <bool GreenFirst, bool RedFirst, Beside Place>
 HWY_INLINE void bayerStep(const BayerRows& rows, std::size_t x, std::uint8_t* first, std::uint8_t* second)
 {
-    const auto even = [&](std::size_t row, std::ptrdiff_t offset)
-                          HWY_ATTR { return evenColumns(rows[row] + x + offset); };
-    const auto odd = [&](std::size_t row, std::ptrdiff_t offset)
-                         HWY_ATTR { return oddColumns(rows[row] + x + offset); };
-    const OwnColumns e = ownColumns(even(0, 0), even(1, 0), even(2, 0), even(3, 0), even(4, 0), even(5, 0));
-    const OwnColumns o = ownColumns(odd(0, 0), odd(1, 0), odd(2, 0), odd(3, 0), odd(4, 0), odd(5, 0));
+    const auto even = [&](std::size_t row) HWY_ATTR { return evenColumns(load(rows[row] + x)); };
+    const auto odd = [&](std::size_t row) HWY_ATTR { return oddColumns(load(rows[row] + x)); };
+    const auto before = [&](std::size_t row) HWY_ATTR { return columnsAt<Place, -2>(rows[row] + x); };
+    const auto after = [&](std::size_t row) HWY_ATTR { return columnsAt<Place, 2>(rows[row] + x); };
+    const OwnColumns e = ownColumns(even(0), even(1), even(2), even(3), even(4), even(5));
+    const OwnColumns o = ownColumns(odd(0), odd(1), odd(2), odd(3), odd(4), odd(5));
 
     // The columns beside even ones are odd ones, from the one before on.
-    const SignedVector before2 = odd(2, -2);
-    const SignedVector before3 = odd(3, -2);
-    const Colours even0 =
-        coloursAt<GreenFirst>({e.here0, hn::Add(before2, o.here0), e.near0, hn::Add(even(2, -2), even(2, 2)), e.far0,
-                               hn::Add(hn::Add(odd(1, -2), before3), o.near0)});
-    const Colours even1 =
-        coloursAt<!GreenFirst>({e.here1, hn::Add(before3, o.here1), e.near1, hn::Add(even(3, -2), even(3, 2)), e.far1,
-                                hn::Add(hn::Add(before2, odd(4, -2)), o.near1)});
+    const ByteVector before2 = before(2);
+    const ByteVector before3 = before(3);
+    const ByteVector after2 = after(2);
+    const ByteVector after3 = after(3);
+    const SignedVector oddBefore2 = oddColumns(before2);
+    const SignedVector oddBefore3 = oddColumns(before3);
+    const SignedVector evenAfter2 = evenColumns(after2);
+    const SignedVector evenAfter3 = evenColumns(after3);
+    const Colours even0 = coloursAt<GreenFirst>({e.here0, hn::Add(oddBefore2, o.here0), e.near0,
+                                                 hn::Add(evenColumns(before2), evenAfter2), e.far0,
+                                                 hn::Add(hn::Add(oddColumns(before(1)), oddBefore3), o.near0)});
+    const Colours even1 = coloursAt<!GreenFirst>({e.here1, hn::Add(oddBefore3, o.here1), e.near1,
+                                                  hn::Add(evenColumns(before3), evenAfter3), e.far1,
+                                                  hn::Add(hn::Add(oddBefore2, oddColumns(before(4))), o.near1)});
 
-    const SignedVector after2 = even(2, 2);
-    const SignedVector after3 = even(3, 2);
-    const Colours odd1 = coloursAt<GreenFirst>({o.here1, hn::Add(e.here1, after3), o.near1, hn::Add(before3, odd(3, 2)),
-                                                o.far1, hn::Add(e.near1, hn::Add(after2, even(4, 2)))});
+    const Colours odd1 =
+        coloursAt<GreenFirst>({o.here1, hn::Add(e.here1, evenAfter3), o.near1, hn::Add(oddBefore3, oddColumns(after3)),
+                               o.far1, hn::Add(e.near1, hn::Add(evenAfter2, evenColumns(after(4))))});
     writeColours<!RedFirst>(even1, odd1, second);
     const Colours odd0 =
-        coloursAt<!GreenFirst>({o.here0, hn::Add(e.here0, after2), o.near0, hn::Add(before2, odd(2, 2)), o.far0,
-                                hn::Add(e.near0, hn::Add(even(1, 2), after3))});
+        coloursAt<!GreenFirst>({o.here0, hn::Add(e.here0, evenAfter2), o.near0, hn::Add(oddBefore2, oddColumns(after2)),
+                                o.far0, hn::Add(e.near0, hn::Add(evenColumns(after(1)), evenAfter3))});
     writeColours<RedFirst>(even0, odd0, first);
 }
 
-template <bool GreenFirst, bool RedFirst>
-HWY_INLINE void overBayerRows(const BayerRows& rows, std::size_t pixels, std::uint8_t* first, std::uint8_t* second)
+template <bool GreenFirst, bool RedFirst> struct OverLines {
+    HWY_INLINE static void run(const BayerRows& rows, std::size_t pixels, std::uint8_t* first, std::uint8_t* second)
+    {
+        std::size_t x = 0;
+        for (; x + vectorBytes <= pixels; x += vectorBytes) {
+            bayerStep<GreenFirst, RedFirst, Beside::Columns>(rows, x, first + bytesPerBgra * x,
+                                                             second + bytesPerBgra * x);
+        }
+        if (x == pixels) {
+            return;
+        }
+        // The last step overlaps the one before. It begins with an even column, so that its last one may lie outside.
+        x = pixels < vectorBytes ? 0 : (pixels - vectorBytes + 1) / 2 * 2;
+        if (x + vectorBytes == pixels) {
+            bayerStep<GreenFirst, RedFirst, Beside::Columns>(rows, x, first + bytesPerBgra * x,
+                                                             second + bytesPerBgra * x);
+        } else {
+            std::array<std::uint8_t, bytesPerBgra * vectorBytes> firstBuffer;
+            std::array<std::uint8_t, bytesPerBgra * vectorBytes> secondBuffer;
+            bayerStep<GreenFirst, RedFirst, Beside::Columns>(rows, x, firstBuffer.data(), secondBuffer.data());
+            std::memcpy(second + bytesPerBgra * x, secondBuffer.data(), bytesPerBgra * (pixels - x));
+            std::memcpy(first + bytesPerBgra * x, firstBuffer.data(), bytesPerBgra * (pixels - x));
+        }
+    }
+};
+
+template <bool GreenFirst, bool RedFirst> struct InImage {
+    HWY_INLINE static void run(const BayerRows& rows, std::size_t pixels, std::uint8_t* first, std::uint8_t* second)
+    {
+        bayerStep<GreenFirst, RedFirst, Beside::LeftEdge>(rows, 0, first, second);
+        const std::size_t last = pixels - vectorBytes;
+        for (std::size_t x = vectorBytes; x < last; x += vectorBytes) {
+            bayerStep<GreenFirst, RedFirst, Beside::Columns>(rows, x, first + bytesPerBgra * x,
+                                                             second + bytesPerBgra * x);
+        }
+        bayerStep<GreenFirst, RedFirst, Beside::RightEdge>(rows, last, first + bytesPerBgra * last,
+                                                           second + bytesPerBgra * last);
+    }
+};
+
+template <template <bool, bool> class Way>
+HWY_INLINE void overBayerRows(const BayerRows& rows, BayerRow first, std::size_t pixels, std::uint8_t* firstBgra,
+                              std::uint8_t* secondBgra)
 {
     const BayerRows localRows = rows; // which no store can change
-    std::size_t x = 0;
-    for (; x + vectorBytes <= pixels; x += vectorBytes) {
-        bayerStep<GreenFirst, RedFirst>(localRows, x, first + bytesPerBgra * x, second + bytesPerBgra * x);
-    }
-    if (x == pixels) {
-        return;
-    }
-    // The last step overlaps the one before. It begins with an even column, so that its last one may lie outside.
-    x = pixels < vectorBytes ? 0 : (pixels - vectorBytes + 1) / 2 * 2;
-    if (x + vectorBytes == pixels) {
-        bayerStep<GreenFirst, RedFirst>(localRows, x, first + bytesPerBgra * x, second + bytesPerBgra * x);
-    } else {
-        std::array<std::uint8_t, bytesPerBgra * vectorBytes> firstBuffer;
-        std::array<std::uint8_t, bytesPerBgra * vectorBytes> secondBuffer;
-        bayerStep<GreenFirst, RedFirst>(localRows, x, firstBuffer.data(), secondBuffer.data());
-        std::memcpy(second + bytesPerBgra * x, secondBuffer.data(), bytesPerBgra * (pixels - x));
-        std::memcpy(first + bytesPerBgra * x, firstBuffer.data(), bytesPerBgra * (pixels - x));
+    switch (first) {
+    case BayerRow::RedGreen:
+        Way<false, true>::run(localRows, pixels, firstBgra, secondBgra);
+        break;
+    case BayerRow::GreenRed:
+        Way<true, true>::run(localRows, pixels, firstBgra, secondBgra);
+        break;
+    case BayerRow::BlueGreen:
+        Way<false, false>::run(localRows, pixels, firstBgra, secondBgra);
+        break;
+    case BayerRow::GreenBlue:
+        Way<true, false>::run(localRows, pixels, firstBgra, secondBgra);
+        break;
     }
 }
 
 void bgraFromBayer(const BayerRows& rows, BayerRow first, std::size_t pixels, std::uint8_t* firstBgra,
                    std::uint8_t* secondBgra)
 {
-    switch (first) {
-    case BayerRow::RedGreen:
-        overBayerRows<false, true>(rows, pixels, firstBgra, secondBgra);
-        break;
-    case BayerRow::GreenRed:
-        overBayerRows<true, true>(rows, pixels, firstBgra, secondBgra);
-        break;
-    case BayerRow::BlueGreen:
-        overBayerRows<false, false>(rows, pixels, firstBgra, secondBgra);
-        break;
-    case BayerRow::GreenBlue:
-        overBayerRows<true, false>(rows, pixels, firstBgra, secondBgra);
-        break;
-    }
+    overBayerRows<OverLines>(rows, first, pixels, firstBgra, secondBgra);
+}
+
+void bgraFromBayerImage(const BayerRows& rows, BayerRow first, std::size_t pixels, std::uint8_t* firstBgra,
+                        std::uint8_t* secondBgra)
+{
+    overBayerRows<InImage>(rows, first, pixels, firstBgra, secondBgra);
 }
 
 } // namespace orvo::HWY_NAMESPACE

@@ -53,27 +53,56 @@ public:
         const std::int64_t height = m_image.height;
         m_x = x;
         m_end = std::min(x + stripWidth, std::int64_t{m_image.width});
-        for (std::int64_t y = -filterReach; y < filterReach; ++y) {
-            readLine(y);
-        }
+        m_nextLine = -filterReach;
         for (std::int64_t y = 0; y < height; y += 2) {
-            readLine(y + filterReach);
-            readLine(y + filterReach + 1);
             const auto place = [&](std::int64_t row) {
                 return bgra + static_cast<std::uint64_t>(row * m_image.width + x) * bytesPerBgra;
             };
-            BayerRows rows{};
-            for (std::size_t i = 0; i < rows.size(); ++i) {
-                rows[i] = line(y - filterReach + static_cast<std::int64_t>(i));
-            }
             // A last row without a second one gives its place to it.
-            m_kernels.bgraFromBayer(rows, m_firstRow, static_cast<std::size_t>(m_end - x), place(y),
-                                    place(std::min(y + 1, height - 1)));
+            std::uint8_t* const second = place(std::min(y + 1, height - 1));
+            const auto pixels = static_cast<std::size_t>(m_end - x);
+            if (inImage(y)) {
+                m_kernels.bgraFromBayerImage(rowsOfImage(y), m_firstRow, pixels, place(y), second);
+            } else {
+                m_kernels.bgraFromBayer(lines(y), m_firstRow, pixels, place(y), second);
+            }
         }
     }
 
 private:
     static constexpr std::size_t lineBytes = bayerMargin + stripWidth + bayerMargin;
+
+    // Whether the rows around y can be read where they are, and beside.
+    [[nodiscard]] bool inImage(std::int64_t y) const
+    {
+        const bool wide = m_image.width >= bayerImageWidth && m_image.width <= stripWidth;
+        return m_kernels.bgraFromBayerImage != nullptr && m_image.format.bits == 8 && wide && m_image.width % 2 == 0 &&
+               y > filterReach && y + filterReach + 2 < m_image.height;
+    }
+
+    [[nodiscard]] BayerRows rowsOfImage(std::int64_t y) const
+    {
+        BayerRows rows{};
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            rows[i] = m_image.data + (y - filterReach + static_cast<std::int64_t>(i)) * m_image.width;
+        }
+        return rows;
+    }
+
+    // The rows around y, mirrored at the edges.
+    [[nodiscard]] BayerRows lines(std::int64_t y)
+    {
+        BayerRows rows{};
+        const std::int64_t first = y - filterReach;
+        const auto end = first + static_cast<std::int64_t>(rows.size());
+        for (m_nextLine = std::max(m_nextLine, first); m_nextLine < end; ++m_nextLine) {
+            readLine(m_nextLine);
+        }
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            rows[i] = line(first + static_cast<std::int64_t>(i));
+        }
+        return rows;
+    }
 
     // Column m_x of a row.
     std::uint8_t* line(std::int64_t y)
@@ -106,6 +135,7 @@ private:
     BayerRow m_firstRow;
     std::int64_t m_x = 0;
     std::int64_t m_end = 0;
+    std::int64_t m_nextLine = 0;
     std::array<std::array<std::uint8_t, lineBytes>, std::tuple_size_v<BayerRows>> m_lines; // in turn
 };
 

@@ -61,6 +61,7 @@ enum class BayerRow : std::uint8_t { RedGreen, GreenRed, BlueGreen, GreenBlue };
 /// the first pixel to `bayerMargin` after the last one.
 using BayerRows = std::array<const std::uint8_t*, 6>;
 constexpr std::size_t bayerMargin = 128;
+constexpr std::size_t bayerImageWidth = 128;
 
 struct RowKernels {
     /// Samples of more than 8 bits, reduced to the upper 8: words of two bytes whose bits above `bits` mean nothing,
@@ -95,6 +96,11 @@ struct RowKernels {
     /// written; where both rows are to go to one place, the first one stays.
     void (*bgraFromBayer)(const BayerRows& rows, BayerRow first, std::size_t pixels, std::uint8_t* firstBgra,
                           std::uint8_t* secondBgra);
+
+    /// The same for rows where they are, in the middle of an image of bytes: what stands beside them is readable, but
+    /// belongs to other rows. The width is even and at least `bayerImageWidth`. Null for kernels that want lines.
+    void (*bgraFromBayerImage)(const BayerRows& rows, BayerRow first, std::size_t pixels, std::uint8_t* firstBgra,
+                               std::uint8_t* secondBgra);
 };
 
 [[nodiscard]] const RowKernels& scalarRowKernels() noexcept;

@@ -186,9 +186,9 @@ void bgraFromBayer(const BayerRows& rows, BayerRow first, std::size_t pixels, st
 
 const RowKernels& scalarRowKernels() noexcept
 {
-    static constexpr RowKernels kernels{bytesFromSamples, bgraFromGraySamples, bgraFromGray,
-                                        bgraFromPixels,   bgraFromWords30,     bgraFromPlanes,
-                                        bgraFromGroups,   bgraFromSemiplanar,  bgraFromBayer};
+    static constexpr RowKernels kernels{
+        bytesFromSamples, bgraFromGraySamples, bgraFromGray,       bgraFromPixels, bgraFromWords30,
+        bgraFromPlanes,   bgraFromGroups,      bgraFromSemiplanar, bgraFromBayer,  nullptr};
     return kernels;
 }
 

@@ -21,9 +21,9 @@ namespace orvo::HWY_NAMESPACE {
 const RowKernels* kernelsOfTarget()
 {
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128 && !HWY_HAVE_SCALABLE
-    static constexpr RowKernels kernels{bytesFromSamples, bgraFromGraySamples, bgraFromGray,
-                                        bgraFromPixels,   bgraFromWords30,     bgraFromPlanes,
-                                        bgraFromGroups,   bgraFromSemiplanar,  bgraFromBayer};
+    static constexpr RowKernels kernels{bytesFromSamples, bgraFromGraySamples, bgraFromGray,   bgraFromPixels,
+                                        bgraFromWords30,  bgraFromPlanes,      bgraFromGroups, bgraFromSemiplanar,
+                                        bgraFromBayer,    bgraFromBayerImage};
     return &kernels;
 #else
     return &scalarRowKernels();

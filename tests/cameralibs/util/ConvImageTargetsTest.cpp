@@ -88,6 +88,19 @@ TEST_P(ConvImageTargets, GiveTheSameAtEveryWidth)
     }
 }
 
+// Rows that have others two above and two below them.
+TEST_P(ConvImageTargets, GiveTheSameInTheMiddleOfImages)
+{
+    for (std::uint32_t width = 120; width <= widest; width += width < 140 ? 1 : 9) {
+        for (const std::uint32_t height : {9U, 12U}) {
+            check(width, height);
+            if (HasFatalFailure()) {
+                return;
+            }
+        }
+    }
+}
+
 // Wider than what is reduced to bytes in one go, and than the lines that Bayer images are read into.
 TEST_P(ConvImageTargets, GiveTheSameForWideImages)
 {
