@@ -6,7 +6,7 @@
 #include "camera/StatusName.h"
 #include "discovery/DiscoveryDlg.h"
 #include "display/DispThread.h"
-#include "features/FeatureView.h"
+#include "features/view/FeatureView.h"
 #include "ui_MainWindow.h"
 
 #include <QGuiApplication>

@@ -8,7 +8,7 @@
 #include "display/DispThread.h"
 #include "display/ImageLoan.h"
 #include "display/ImageView.h"
-#include "features/FeatureView.h"
+#include "features/view/FeatureView.h"
 #include "ui_MainWindow.h"
 
 #include <QMutexLocker>

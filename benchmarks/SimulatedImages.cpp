@@ -1,8 +1,8 @@
 // What does an image of a simulated camera cost? Processor time of one core, against the limit of 3 ms for 1920 x 1200.
 
 #include "cameralibs/base/PixelFormat.h"
-#include "cameralibs/devices/simulated/CameraModel.h"
-#include "cameralibs/devices/simulated/ImageMaker.h"
+#include "cameralibs/devices/simulated/images/ImageMaker.h"
+#include "cameralibs/devices/simulated/registers/CameraModel.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -15,7 +15,7 @@
 
 namespace {
 
-using namespace orvo::simulated;
+using namespace cameralibs::simulated;
 
 constexpr double kLimitMs = 3.0;
 constexpr double kLimitPixels = 1920.0 * 1200.0;
@@ -55,7 +55,7 @@ ImageSettings settingsOf(const CameraModel& model, std::string_view format)
     settings.sensorWidth = settings.width = model.width;
     settings.sensorHeight = settings.height = model.height;
     settings.color = model.color;
-    settings.format = orvo::findPixelFormat(format)->value;
+    settings.format = cameralibs::findPixelFormat(format)->value;
     settings.packing = findPacking(settings.format);
     return settings;
 }

@@ -9,8 +9,8 @@
 
 #include "benchmarks/feature_table/InstantCamera.h"
 #include "benchmarks/feature_table/PlainTable.h"
-#include "features/FeatureView.h"
-#include "features/GenAPINodeItem.h"
+#include "features/item/GenAPINodeItem.h"
+#include "features/view/FeatureView.h"
 
 #include <QApplication>
 #include <QSignalBlocker>

@@ -1,7 +1,7 @@
 #include "benchmarks/feature_table/PlainTable.h"
 
-#include "features/FeatureView.h"
-#include "features/GenAPINodeItem.h"
+#include "features/item/GenAPINodeItem.h"
+#include "features/view/FeatureView.h"
 
 #include <QColor>
 #include <QHeaderView>

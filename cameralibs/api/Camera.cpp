@@ -1,4 +1,4 @@
-#include "Camera.h"
+#include "cameralibs/api/Camera.h"
 
 #include "cameralibs/api/HandleTable.h"
 #include "cameralibs/api/Stream.h"
@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 
@@ -98,4 +98,4 @@ void Camera::noteFailure(const Failure& failure)
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -2,16 +2,16 @@
 
 #include "cameralibs/api/ImageBounds.h"
 #include "cameralibs/api/Removal.h"
+#include "cameralibs/base/Outcome.h"
 #include "cameralibs/devices/Device.h"
-#include "cameralibs/genicam/Failure.h"
-#include "cameralibs/genicam/NodeMap.h"
+#include "cameralibs/genicam/nodes/NodeMap.h"
 
 #include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
 
-namespace orvo {
+namespace cameralibs {
 
 class Stream;
 
@@ -104,4 +104,4 @@ private:
     bool m_closing = false;
 };
 
-} // namespace orvo
+} // namespace cameralibs

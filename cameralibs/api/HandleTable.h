@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvo {
+namespace cameralibs {
 
 using Handle = std::uint64_t;
 
@@ -80,4 +80,4 @@ private:
     bool m_closed = false;
 };
 
-} // namespace orvo
+} // namespace cameralibs

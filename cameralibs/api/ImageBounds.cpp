@@ -1,15 +1,15 @@
-#include "ImageBounds.h"
+#include "cameralibs/api/ImageBounds.h"
 
+#include "cameralibs/base/Outcome.h"
 #include "cameralibs/base/PixelFormat.h"
-#include "cameralibs/genicam/EnumerationOperations.h"
-#include "cameralibs/genicam/Failure.h"
-#include "cameralibs/genicam/IntegerOperations.h"
+#include "cameralibs/genicam/nodes/EnumerationOperations.h"
+#include "cameralibs/genicam/nodes/IntegerOperations.h"
 
 #include <algorithm>
 #include <limits>
 #include <string>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 
@@ -99,4 +99,4 @@ SlotRing::ImageSize readImageSize(const NodeMap& nodes, const ImageBounds& told,
     return {static_cast<std::size_t>(payload), static_cast<std::size_t>(image)};
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "cameralibs/api/SlotRing.h"
-#include "cameralibs/genicam/NodeMap.h"
+#include "cameralibs/genicam/nodes/NodeMap.h"
 
 #include <cstdint>
 #include <set>
 #include <string_view>
 
-namespace orvo {
+namespace cameralibs {
 
 /// The largest width, the largest height and the pixel formats of a camera's images, noted one by one. Who reads an
 /// image may go by any of them, whenever he was told.
@@ -41,4 +41,4 @@ private:
 /// without a payload size there are no images, and of 4 GiB or more in all CAM_API_STS_INVALID_PARAMETER.
 [[nodiscard]] SlotRing::ImageSize readImageSize(const NodeMap& nodes, const ImageBounds& told, std::uint32_t buffers);
 
-} // namespace orvo
+} // namespace cameralibs

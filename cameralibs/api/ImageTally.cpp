@@ -1,4 +1,4 @@
-#include "ImageTally.h"
+#include "cameralibs/api/ImageTally.h"
 
 #include "camera/StatusName.h"
 #include "cameralibs/base/Log.h"
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 void ImageTally::start(std::string camera)
 {
@@ -46,4 +46,4 @@ void ImageTally::end() noexcept
     });
 }
 
-} // namespace orvo
+} // namespace cameralibs

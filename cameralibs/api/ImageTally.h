@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace orvo {
+namespace cameralibs {
 
 /// What became of the images of one start, for the diagnostic log. On the source's thread, but for start and end, when
 /// the source is stopped.
@@ -29,4 +29,4 @@ private:
     std::uint64_t m_lastNumber = 0;
 };
 
-} // namespace orvo
+} // namespace cameralibs

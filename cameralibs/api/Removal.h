@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 /// Whether a camera is gone. Its own object, because whoever finds out may outlive the camera. Any thread.
 class Removal {
@@ -34,4 +34,4 @@ private:
     std::atomic<bool> m_noted{false};
 };
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,8 +1,8 @@
-#include "Signal.h"
+#include "cameralibs/api/Signal.h"
 
 #include <chrono>
 
-namespace orvo {
+namespace cameralibs {
 
 void Signal::set()
 {
@@ -48,4 +48,4 @@ Orvo::CAM_API_STATUS Signal::wait(std::uint32_t milliseconds)
     return m_set ? Orvo::CAM_API_STS_SUCCESS : Orvo::CAM_API_STS_TIMEOUT;
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -6,7 +6,7 @@
 #include <condition_variable>
 #include <mutex>
 
-namespace orvo {
+namespace cameralibs {
 
 /// A flag to wait for: once set it stays set until it is cleared. Any thread.
 class Signal {
@@ -34,4 +34,4 @@ private:
     Orvo::CAM_API_STATUS m_closedStatus = Orvo::CAM_API_STS_SUCCESS;
 };
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,12 +1,12 @@
-#include "SlotRing.h"
+#include "cameralibs/api/SlotRing.h"
 
-#include "cameralibs/genicam/Failure.h"
+#include "cameralibs/base/Outcome.h"
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 
@@ -174,4 +174,4 @@ void SlotRing::clearBehindImage(Slot& slot) const
     slot.clearedTo = end;
 }
 
-} // namespace orvo
+} // namespace cameralibs

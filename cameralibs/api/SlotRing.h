@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-namespace orvo {
+namespace cameralibs {
 
 /// The buffers of a stream as its user sees them: a ring of slots, each with the newest image that came its turn.
 ///
@@ -82,4 +82,4 @@ private:
     std::optional<std::uint32_t> m_current;
 };
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,14 +1,14 @@
-#include "Stream.h"
+#include "cameralibs/api/Stream.h"
 
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/HandleTable.h"
 #include "cameralibs/api/ImageBounds.h"
-#include "cameralibs/genicam/IntegerOperations.h"
-#include "cameralibs/genicam/TextOperations.h"
+#include "cameralibs/genicam/nodes/IntegerOperations.h"
+#include "cameralibs/genicam/nodes/TextOperations.h"
 
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 
@@ -269,4 +269,4 @@ void Stream::setState(State state)
     m_stateChanged.notify_all();
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -8,7 +8,7 @@
 #include <memory>
 #include <mutex>
 
-namespace orvo {
+namespace cameralibs {
 
 class Camera;
 class NodeMap;
@@ -82,4 +82,4 @@ private:
     Callback<Orvo::CAM_BUFFER_BUSY_CALLBACK> m_busyCallback;
 };
 
-} // namespace orvo
+} // namespace cameralibs

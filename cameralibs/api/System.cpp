@@ -1,17 +1,17 @@
-#include "System.h"
+#include "cameralibs/api/System.h"
 
 #include "cameralibs/base/Log.h"
+#include "cameralibs/base/Outcome.h"
 #include "cameralibs/devices/simulated/SimulatedProvider.h"
 #include "cameralibs/devices/transport/TransportProvider.h"
 #include "cameralibs/genicam/EvaluationBudget.h"
-#include "cameralibs/genicam/Failure.h"
-#include "cameralibs/genicam/TextOperations.h"
+#include "cameralibs/genicam/nodes/TextOperations.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 
@@ -330,4 +330,4 @@ void System::shutDown()
     m_ended = true;
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvo {
+namespace cameralibs {
 
 /// The root object, alive between Sys_Initialize and Sys_Terminate. Any thread.
 class System {
@@ -81,4 +81,4 @@ private:
     HandleTable<Stream> m_streams;
 };
 
-} // namespace orvo
+} // namespace cameralibs

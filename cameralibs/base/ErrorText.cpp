@@ -1,9 +1,9 @@
-#include "ErrorText.h"
+#include "cameralibs/base/ErrorText.h"
 
 #include <cstddef>
 #include <string_view>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -28,4 +28,4 @@ std::string errorText(std::string text)
     return text.append(kCutMark);
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -2,9 +2,9 @@
 
 #include <string>
 
-namespace orvo {
+namespace cameralibs {
 
 /// A text that tells of an error, cut to 1,000 bytes with its closing NUL. UTF-8 stays UTF-8.
 [[nodiscard]] std::string errorText(std::string text);
 
-} // namespace orvo
+} // namespace cameralibs

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-namespace orvo {
+namespace cameralibs {
 
 struct GObjectUnref {
     void operator()(void* object) const noexcept { g_object_unref(object); }
@@ -13,4 +13,4 @@ struct GObjectUnref {
 /// Owns one reference of a GObject.
 template <class T> using GObjectPointer = std::unique_ptr<T, GObjectUnref>;
 
-} // namespace orvo
+} // namespace cameralibs

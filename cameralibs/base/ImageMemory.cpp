@@ -11,7 +11,7 @@
 #include <sanitizer/asan_interface.h>
 #endif
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -77,4 +77,4 @@ void ImageMemory::release() noexcept
         ::close(m_descriptor);
 }
 
-} // namespace orvo
+} // namespace cameralibs

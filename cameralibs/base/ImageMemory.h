@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace orvo {
+namespace cameralibs {
 
 /// The buffers of a stream in one piece of memory that can be shared with another process: that process receives a copy
 /// of the descriptor, maps `size()` bytes of it and finds each buffer at its `offset()`.
@@ -41,4 +41,4 @@ private:
     std::uint8_t* m_begin = nullptr;
 };
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,4 +1,4 @@
-#include "Log.h"
+#include "cameralibs/base/Log.h"
 
 #include "cameralibs/base/ErrorText.h"
 
@@ -10,7 +10,7 @@
 #include <iterator>
 #include <string>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -91,4 +91,4 @@ void log(Severity severity, std::string_view camera, std::string_view text) noex
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

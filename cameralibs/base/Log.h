@@ -3,7 +3,7 @@
 #include <exception>
 #include <string_view>
 
-namespace orvo {
+namespace cameralibs {
 
 enum class Severity { warning, info, debug };
 
@@ -33,4 +33,4 @@ template <class Compose> void logText(Severity severity, std::string_view camera
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -4,7 +4,7 @@
 #include <array>
 #include <limits>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -307,4 +307,4 @@ const PixelFormat* findPixelFormat(std::string_view name) noexcept
     return find(name, &PixelFormat::name);
 }
 
-} // namespace orvo
+} // namespace cameralibs

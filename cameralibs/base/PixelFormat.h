@@ -6,7 +6,7 @@
 
 /// The table of the pixel formats whose images are understood, and the one place that tells how large an image is.
 
-namespace orvo {
+namespace cameralibs {
 
 /// What the samples of an image mean.
 enum class PixelFamily : std::uint8_t {
@@ -72,4 +72,4 @@ struct PixelFormat {
 [[nodiscard]] const PixelFormat* findPixelFormat(std::uint32_t value) noexcept;
 [[nodiscard]] const PixelFormat* findPixelFormat(std::string_view name) noexcept;
 
-} // namespace orvo
+} // namespace cameralibs

@@ -4,6 +4,7 @@
 /// behind a GenICam description, and a source of images.
 
 #include "camera/OrvoCamApi.h"
+#include "cameralibs/base/Outcome.h"
 
 #include <chrono>
 #include <cstddef>
@@ -15,7 +16,7 @@
 
 typedef struct _ArvDevice ArvDevice; // NOLINT(bugprone-reserved-identifier): the name that Aravis gave it
 
-namespace orvo {
+namespace cameralibs {
 
 class ImageMemory;
 
@@ -30,14 +31,6 @@ struct DeviceInfo {
 
     /// What the diagnostic log calls it.
     [[nodiscard]] std::string logName() const { return model + " " + serial; }
-};
-
-/// A status with the text behind it, empty where there is none.
-struct Outcome {
-    Orvo::CAM_API_STATUS status = Orvo::CAM_API_STS_SUCCESS;
-    std::string text;
-
-    [[nodiscard]] bool ok() const noexcept { return status == Orvo::CAM_API_STS_SUCCESS; }
 };
 
 /// Memory for one image. The stream owns the buffers; a source borrows those it is given.
@@ -120,4 +113,4 @@ public:
     virtual void cancel() {}
 };
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,10 +1,10 @@
-#include "EvaluationBudget.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
 
-#include "cameralibs/genicam/Failure.h"
+#include "cameralibs/base/Outcome.h"
 
 #include <ctime>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -71,4 +71,4 @@ void EvaluationBudget::checkTime() const
                                                      std::to_string(m_limit.count()) + " ms of processor time");
 }
 
-} // namespace orvo
+} // namespace cameralibs

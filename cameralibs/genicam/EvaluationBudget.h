@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace orvo {
+namespace cameralibs {
 
 /// How much processor time the calling thread may take to evaluate a description while this lives; an inner one stands
 /// in for an outer one. What a busy machine or a slow camera makes the thread wait does not count.
@@ -45,4 +45,4 @@ private:
     Clock::time_point m_beganOnTheWall;
 };
 
-} // namespace orvo
+} // namespace cameralibs

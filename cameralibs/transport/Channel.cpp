@@ -1,4 +1,4 @@
-#include "Channel.h"
+#include "cameralibs/transport/Channel.h"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +11,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 namespace {
 
@@ -137,4 +137,4 @@ void Channel::shutDown() const noexcept
     (void)::shutdown(m_socket.get(), SHUT_RDWR);
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// Owns a file descriptor, or none.
 class Descriptor {
@@ -132,4 +132,4 @@ template <std::size_t size> [[nodiscard]] std::string textOf(const char (&field)
     return std::string(text.substr(0, text.find('\0')));
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,4 +1,4 @@
-#include "Farewell.h"
+#include "cameralibs/transport/Farewell.h"
 
 #include "cameralibs/transport/Channel.h"
 
@@ -7,7 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 namespace {
 
@@ -47,4 +47,4 @@ void leaveAsLost(const std::string& reason)
     ::_exit(0);
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

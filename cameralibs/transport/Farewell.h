@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// A line for the log of whoever started the transport, which decides what it takes. Any thread.
 void note(Severity severity, const std::string& text);
@@ -13,4 +13,4 @@ void note(Severity severity, const std::string& text);
 /// and nothing of Aravis' is given back, which would ask the camera and wait for it.
 [[noreturn]] void leaveAsLost(const std::string& reason);
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -16,7 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 // Where a transport finds its ends of the first two.
 constexpr int kControlDescriptor = 3;
@@ -148,4 +148,4 @@ struct Free {
     std::uint64_t capacity;
 };
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,4 +1,4 @@
-#include "Restrictions.h"
+#include "cameralibs/transport/Restrictions.h"
 
 #include "cameralibs/transport/Channel.h"
 #include "cameralibs/transport/Farewell.h"
@@ -21,7 +21,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 namespace {
 
@@ -266,4 +266,4 @@ void allowBuffers(std::uint64_t bytes)
         noteFailure("There is no room for the image buffers");
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

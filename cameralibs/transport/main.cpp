@@ -1,11 +1,11 @@
 #include "cameralibs/transport/Restrictions.h"
-#include "cameralibs/transport/Session.h"
+#include "cameralibs/transport/connection/Session.h"
 
 #include <cstdio>
 
 #include <sys/socket.h>
 
-using namespace orvo::transport;
+using namespace cameralibs::transport;
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "display/DispThread.h"
 #include "display/GraphicsView.h"
 #include "display/ImageView.h"
-#include "features/FeatureView.h"
+#include "features/view/FeatureView.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"

@@ -1,6 +1,6 @@
 // The operation log in the file that ORVO_OPERATION_LOG names.
 
-#include "features/FeatureView.h"
+#include "features/view/FeatureView.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"

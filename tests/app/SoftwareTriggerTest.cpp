@@ -1,6 +1,6 @@
 // When the software trigger is offered, and what it does.
 
-#include "features/FeatureView.h"
+#include "features/view/FeatureView.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"

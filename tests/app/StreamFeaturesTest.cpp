@@ -1,7 +1,7 @@
 // What the feature browser does when the stream starts and stops.
 
-#include "features/FeatureView.h"
-#include "features/GenAPINodeItem.h"
+#include "features/item/GenAPINodeItem.h"
+#include "features/view/FeatureView.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/Patience.h"
 #include "tests/support/Recorded.h"

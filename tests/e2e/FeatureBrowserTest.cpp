@@ -1,7 +1,7 @@
 // The real window with the real camera libraries: features are changed in the table, and image and table follow.
 
-#include "features/DescBox.h"
-#include "features/FeatureView.h"
+#include "features/description/DescBox.h"
+#include "features/view/FeatureView.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ShownImages.h"

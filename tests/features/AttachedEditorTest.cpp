@@ -1,6 +1,6 @@
 // Which editor an item takes for its own, when and of what kind.
 
-#include "features/TableViewItemDelegate.h"
+#include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/EditorBench.h"
 
 #include <QtTest>

@@ -1,6 +1,6 @@
 // The description of the chosen node.
 
-#include "features/DescBox.h"
+#include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "features/LineEditWithSlider.h"
+#include "features/editors/LineEditWithSlider.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/FeatureHand.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "features/FeatureView.h"
-#include "features/GenAPINodeItem.h"
+#include "features/item/GenAPINodeItem.h"
+#include "features/view/FeatureView.h"
 #include "tests/support/ScriptedCamera.h"
 
 #include <QIcon>

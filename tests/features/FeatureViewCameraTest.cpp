@@ -1,7 +1,7 @@
 // A camera comes to the feature view, and another one after it.
 
-#include "features/DescBox.h"
-#include "features/FeatureView.h"
+#include "features/description/DescBox.h"
+#include "features/view/FeatureView.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

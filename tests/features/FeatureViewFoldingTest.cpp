@@ -1,6 +1,6 @@
 // Folding categories, clicks on rows and on the header, and the node-type column.
 
-#include "features/DescBox.h"
+#include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

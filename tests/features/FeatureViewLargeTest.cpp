@@ -1,6 +1,6 @@
 // Twenty thousand features.
 
-#include "features/DescBox.h"
+#include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

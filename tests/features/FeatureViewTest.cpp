@@ -1,7 +1,7 @@
 // The feature view as it is made, and with rows that no camera gave.
 
-#include "features/FeatureView.h"
-#include "features/DescBox.h"
+#include "features/view/FeatureView.h"
+#include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

@@ -1,6 +1,6 @@
 // The tool bar of the feature view.
 
-#include "features/FeatureView.h"
+#include "features/view/FeatureView.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

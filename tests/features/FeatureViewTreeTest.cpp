@@ -1,7 +1,7 @@
 // From a camera's node map to the rows of the feature view.
 
-#include "features/DescBox.h"
-#include "features/FeatureView.h"
+#include "features/description/DescBox.h"
+#include "features/view/FeatureView.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

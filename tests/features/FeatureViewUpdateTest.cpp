@@ -1,6 +1,6 @@
 // Reading every value anew: when, how often, and what is shown afterwards.
 
-#include "features/DescBox.h"
+#include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

@@ -1,6 +1,6 @@
 // What a model tells of cells that changed while it was kept quiet.
 
-#include "features/HeldChanges.h"
+#include "features/view/HeldChanges.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // What kind of editor a node gets, and how its type reads.
 
-#include "features/NodeEditor.h"
+#include "features/item/NodeEditor.h"
 
 #include <QtTest>
 

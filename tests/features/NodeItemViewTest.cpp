@@ -1,6 +1,6 @@
 // An item and its view: the flags that a write sets, the re-reading that follows it, the colours of the row.
 
-#include "features/TableViewItemDelegate.h"
+#include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/features/NodeBench.h"
 

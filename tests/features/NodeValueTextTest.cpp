@@ -1,6 +1,6 @@
 // How values of nodes read, and what typed texts mean.
 
-#include "features/NodeValueText.h"
+#include "features/item/NodeValueText.h"
 
 #include <QtTest>
 

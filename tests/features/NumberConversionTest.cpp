@@ -1,6 +1,6 @@
 // Conversions that the language leaves open: out-of-range doubles, and 64-bit ranges wider than their numbers.
 
-#include "features/NumberConversion.h"
+#include "features/item/NumberConversion.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // The fragments of the operation log, byte for byte.
 
-#include "features/OperationLog.h"
+#include "features/item/OperationLog.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // A label that scrolls what does not fit.
 
-#include "features/ScrollingLabel.h"
+#include "features/description/ScrollingLabel.h"
 #include "tests/support/Patience.h"
 #include "tests/support/Wheel.h"
 

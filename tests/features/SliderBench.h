@@ -1,7 +1,7 @@
 #pragma once
 
-#include "features/GenAPINodeItem.h"
-#include "features/LineEditWithSlider.h"
+#include "features/editors/LineEditWithSlider.h"
+#include "features/item/GenAPINodeItem.h"
 #include "tests/support/ScriptedCamera.h"
 
 #include <QLineEdit>

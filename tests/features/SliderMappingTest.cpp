@@ -1,6 +1,6 @@
 // The arithmetic between node values and slider positions, with ranges that a camera should not have among them.
 
-#include "features/LineEditWithSliderMapping.h"
+#include "features/editors/LineEditWithSliderMapping.h"
 
 #include <QtTest>
 

@@ -1,8 +1,8 @@
 // The delegate of the value column, called as a view calls it.
 
-#include "features/TableViewItemDelegate.h"
+#include "features/editors/TableViewItemDelegate.h"
 
-#include "features/DescBox.h"
+#include "features/description/DescBox.h"
 #include "tests/features/EditorBench.h"
 
 #include <QtTest>

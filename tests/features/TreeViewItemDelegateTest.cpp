@@ -1,6 +1,6 @@
 // The delegate that is keyed by editor names, over a model of plain items.
 
-#include "features/TreeViewItemDelegate.h"
+#include "features/editors/TreeViewItemDelegate.h"
 
 #include <QtTest>
 

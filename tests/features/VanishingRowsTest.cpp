@@ -1,7 +1,7 @@
 // Rows that go while one of them is read: who hears of a reading may show another camera.
 
-#include "features/DescBox.h"
-#include "features/TableViewItemDelegate.h"
+#include "features/description/DescBox.h"
+#include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
 

@@ -1,6 +1,6 @@
 #include "tests/support/FeatureHand.h"
 
-#include "features/FeatureView.h"
+#include "features/view/FeatureView.h"
 
 #include <QApplication>
 #include <QComboBox>

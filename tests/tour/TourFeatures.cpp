@@ -2,8 +2,8 @@
 
 #include "tests/tour/Tour.h"
 
-#include "features/DescBox.h"
-#include "features/FeatureView.h"
+#include "features/description/DescBox.h"
+#include "features/view/FeatureView.h"
 #include "tests/support/FeatureHand.h"
 
 #include <QApplication>

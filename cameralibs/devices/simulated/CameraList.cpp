@@ -1,6 +1,6 @@
-#include "CameraList.h"
+#include "cameralibs/devices/simulated/CameraList.h"
 
-#include "cameralibs/devices/simulated/CameraModel.h"
+#include "cameralibs/devices/simulated/registers/CameraModel.h"
 
 #include <charconv>
 #include <cstdio>
@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace orvo::simulated {
+namespace cameralibs::simulated {
 
 namespace {
 
@@ -55,4 +55,4 @@ CameraList readCameraList(const char* value)
     }
 }
 
-} // namespace orvo::simulated
+} // namespace cameralibs::simulated

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "cameralibs/devices/simulated/DescriptionFile.h"
+#include "cameralibs/devices/simulated/file/DescriptionFile.h"
 
 #include <cstddef>
 #include <vector>
 
-namespace orvo::simulated {
+namespace cameralibs::simulated {
 
 /// The simulated cameras that a value of ORVO_SIMULATED_CAMERAS asks for.
 struct CameraList {
@@ -16,4 +16,4 @@ struct CameraList {
 /// `value` may be null. Says on standard error which part cannot be understood or read.
 [[nodiscard]] CameraList readCameraList(const char* value);
 
-} // namespace orvo::simulated
+} // namespace cameralibs::simulated

@@ -3,9 +3,9 @@
 #include <string_view>
 #include <vector>
 
-namespace orvo::simulated {
+namespace cameralibs::simulated {
 
 /// The files description/*.xml, compiled in: each is a Group of nodes.
 [[nodiscard]] const std::vector<std::string_view>& descriptionFragments();
 
-} // namespace orvo::simulated
+} // namespace cameralibs::simulated

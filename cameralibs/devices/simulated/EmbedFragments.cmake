@@ -6,7 +6,7 @@ foreach(file IN LISTS FRAGMENTS)
 endforeach()
 file(WRITE ${OUTPUT} "#include \"cameralibs/devices/simulated/DescriptionFragments.h\"
 
-namespace orvo::simulated {
+namespace cameralibs::simulated {
 
 const std::vector<std::string_view>& descriptionFragments()
 {
@@ -15,5 +15,5 @@ ${literals}};
     return kFragments;
 }
 
-} // namespace orvo::simulated
+} // namespace cameralibs::simulated
 ")

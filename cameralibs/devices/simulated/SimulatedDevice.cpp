@@ -1,13 +1,13 @@
-#include "SimulatedDevice.h"
+#include "cameralibs/devices/simulated/SimulatedDevice.h"
 
-#include "cameralibs/devices/simulated/Attachment.h"
-#include "cameralibs/devices/simulated/CameraModel.h"
-#include "cameralibs/devices/simulated/Description.h"
-#include "cameralibs/devices/simulated/FrameGenerator.h"
+#include "cameralibs/devices/simulated/SimulatedDescription.h"
+#include "cameralibs/devices/simulated/images/FrameGenerator.h"
+#include "cameralibs/devices/simulated/registers/Attachment.h"
+#include "cameralibs/devices/simulated/registers/CameraModel.h"
 
 #include <utility>
 
-namespace orvo::simulated {
+namespace cameralibs::simulated {
 
 SimulatedDevice::SimulatedDevice(const CameraModel& model, DeviceInfo info, std::shared_ptr<Attachment> attachment)
     : m_info(std::move(info))
@@ -40,4 +40,4 @@ void SimulatedDevice::unplug(unsigned replugAfter)
         m_removed("The camera was unplugged");
 }
 
-} // namespace orvo::simulated
+} // namespace cameralibs::simulated

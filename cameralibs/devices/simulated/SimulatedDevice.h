@@ -1,15 +1,15 @@
 #pragma once
 
 #include "cameralibs/devices/Device.h"
-#include "cameralibs/devices/simulated/Acquisition.h"
-#include "cameralibs/devices/simulated/CameraRegisters.h"
-#include "cameralibs/devices/simulated/DeviceClock.h"
-#include "cameralibs/devices/simulated/RegisterDevice.h"
+#include "cameralibs/devices/simulated/images/Acquisition.h"
+#include "cameralibs/devices/simulated/images/DeviceClock.h"
+#include "cameralibs/devices/simulated/registers/CameraRegisters.h"
+#include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 
 #include <memory>
 #include <string>
 
-namespace orvo::simulated {
+namespace cameralibs::simulated {
 
 class Attachment;
 struct CameraModel;
@@ -40,4 +40,4 @@ private:
     std::function<void(const std::string&)> m_removed;
 };
 
-} // namespace orvo::simulated
+} // namespace cameralibs::simulated

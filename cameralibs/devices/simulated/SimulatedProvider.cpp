@@ -1,15 +1,15 @@
-#include "SimulatedProvider.h"
+#include "cameralibs/devices/simulated/SimulatedProvider.h"
 
-#include "cameralibs/devices/simulated/Attachment.h"
 #include "cameralibs/devices/simulated/CameraList.h"
-#include "cameralibs/devices/simulated/CameraModel.h"
-#include "cameralibs/devices/simulated/FileCamera.h"
 #include "cameralibs/devices/simulated/SimulatedDevice.h"
+#include "cameralibs/devices/simulated/file/FileCamera.h"
+#include "cameralibs/devices/simulated/registers/Attachment.h"
+#include "cameralibs/devices/simulated/registers/CameraModel.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -87,4 +87,4 @@ std::unique_ptr<DeviceProvider> makeSimulatedProvider(const char* environmentVal
     return std::make_unique<SimulatedProvider>(readCameraList(environmentValue));
 }
 
-} // namespace orvo
+} // namespace cameralibs

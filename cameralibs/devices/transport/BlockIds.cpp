@@ -1,8 +1,8 @@
-#include "BlockIds.h"
+#include "cameralibs/devices/transport/BlockIds.h"
 
 #include <algorithm>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -34,4 +34,4 @@ std::uint64_t BlockIds::next(std::uint64_t id)
     return m_number;
 }
 
-} // namespace orvo
+} // namespace cameralibs

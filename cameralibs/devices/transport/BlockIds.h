@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace orvo {
+namespace cameralibs {
 
 /// Frame numbers from the block ids of a camera. The ids of GigE Vision 1 have 16 bits and go from 65535 to 1; the
 /// numbers rise on, by as much as images were sent.
@@ -16,4 +16,4 @@ private:
     std::uint64_t m_number = 0;
 };
 
-} // namespace orvo
+} // namespace cameralibs

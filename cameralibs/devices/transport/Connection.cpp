@@ -1,4 +1,4 @@
-#include "Connection.h"
+#include "cameralibs/devices/transport/Connection.h"
 
 #include "cameralibs/base/Log.h"
 
@@ -15,7 +15,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 using namespace transport;
@@ -364,4 +364,4 @@ void Connection::tellGone() noexcept
         handler(reason);
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-namespace orvo {
+namespace cameralibs {
 
 /// A transport of one's own, and what is said to it. It is gone when its process has ended, has said that it lost its
 /// camera, has said what it must not say, or has kept anybody waiting for longer than it may. From then on nothing that
@@ -117,4 +117,4 @@ private:
 /// A status that a transport tells, as far as the camera API knows it.
 [[nodiscard]] Orvo::CAM_API_STATUS knownStatus(std::uint32_t status);
 
-} // namespace orvo
+} // namespace cameralibs

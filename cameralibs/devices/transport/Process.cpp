@@ -1,4 +1,4 @@
-#include "Process.h"
+#include "cameralibs/devices/transport/Process.h"
 
 #include <array>
 #include <cerrno>
@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace orvo {
+namespace cameralibs {
 
 using transport::Descriptor;
 
@@ -166,4 +166,4 @@ std::string transportProgram()
     return "/usr/libexec/orvocam-transport";
 }
 
-} // namespace orvo
+} // namespace cameralibs

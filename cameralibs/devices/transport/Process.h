@@ -6,7 +6,7 @@
 
 #include <sys/types.h>
 
-namespace orvo {
+namespace cameralibs {
 
 /// A child that was started with descriptors of its own and nothing else of this process: a session of its own, so that
 /// no signal of a terminal reaches it, every signal as at its default, and no other descriptor.
@@ -44,4 +44,4 @@ private:
 /// orvocam-transport, as it belongs to this library: in the build tree or where it is installed.
 [[nodiscard]] std::string transportProgram();
 
-} // namespace orvo
+} // namespace cameralibs

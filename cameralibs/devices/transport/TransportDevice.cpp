@@ -1,15 +1,15 @@
-#include "TransportDevice.h"
+#include "cameralibs/devices/transport/TransportDevice.h"
 
+#include "cameralibs/base/ErrorStatus.h"
 #include "cameralibs/devices/transport/TransportSource.h"
-#include "cameralibs/genicam/ErrorStatus.h"
 
 #include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <utility>
 
-using namespace orvo;
-using namespace orvo::transport;
+using namespace cameralibs;
+using namespace cameralibs::transport;
 
 namespace {
 
@@ -175,7 +175,7 @@ ArvDevice* makeRegisters(Connection& connection)
 
 } // namespace
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 
@@ -219,4 +219,4 @@ Outcome TransportDevice::openSource(FrameSink& sink, const ImageMemory& memory,
     return outcome;
 }
 
-} // namespace orvo
+} // namespace cameralibs

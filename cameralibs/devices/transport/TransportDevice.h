@@ -8,7 +8,7 @@
 
 #include <memory>
 
-namespace orvo {
+namespace cameralibs {
 
 /// A USB3 Vision or GigE Vision camera that a transport controls.
 class TransportDevice : public Device {
@@ -34,4 +34,4 @@ private:
     const GObjectPointer<ArvDevice> m_registers;
 };
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,4 +1,4 @@
-#include "TransportProvider.h"
+#include "cameralibs/devices/transport/TransportProvider.h"
 
 #include "cameralibs/base/Log.h"
 #include "cameralibs/devices/transport/Connection.h"
@@ -10,7 +10,7 @@
 #include <tuple>
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 using namespace transport;
@@ -136,4 +136,4 @@ std::unique_ptr<DeviceProvider> makeTransportProvider(bool usb, bool gige)
     return std::make_unique<TransportProvider>(usb, gige);
 }
 
-} // namespace orvo
+} // namespace cameralibs

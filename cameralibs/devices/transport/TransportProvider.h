@@ -4,10 +4,10 @@
 
 #include <memory>
 
-namespace orvo {
+namespace cameralibs {
 
 /// USB3 Vision and GigE Vision cameras, either kind where it is wanted; every search and every opened camera in a
 /// process of its own. Looking for GigE Vision cameras takes a second.
 [[nodiscard]] std::unique_ptr<DeviceProvider> makeTransportProvider(bool usb, bool gige);
 
-} // namespace orvo
+} // namespace cameralibs

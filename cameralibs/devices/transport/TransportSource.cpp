@@ -1,10 +1,10 @@
-#include "TransportSource.h"
+#include "cameralibs/devices/transport/TransportSource.h"
 
 #include <algorithm>
 #include <system_error>
 #include <utility>
 
-namespace orvo {
+namespace cameralibs {
 
 using namespace Orvo;
 using namespace transport;
@@ -126,4 +126,4 @@ FrameBuffer** TransportSource::lentAt(std::uint64_t offset)
     return offset % m_stride == 0 && place < m_lent.size() ? &m_lent[place] : nullptr;
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-namespace orvo {
+namespace cameralibs {
 
 /// The images that a transport receives into the stream's memory.
 class TransportSource : public FrameSource {
@@ -41,4 +41,4 @@ private:
     BlockIds m_blockIds;
 };
 
-} // namespace orvo
+} // namespace cameralibs

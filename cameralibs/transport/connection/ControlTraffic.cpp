@@ -1,4 +1,4 @@
-#include "ControlTraffic.h"
+#include "cameralibs/transport/connection/ControlTraffic.h"
 
 #include <gio/gio.h>
 
@@ -12,7 +12,7 @@
 
 #include <dlfcn.h>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 namespace {
 
@@ -88,9 +88,9 @@ std::string refusedFile()
     return traffic().refused;
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport
 
-using namespace orvo::transport;
+using namespace cameralibs::transport;
 
 extern "C" {
 

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// What Aravis does within calls that return only when all is done, seen where it calls others: the functions of GLib
 /// and libusb that it sends, receives and opens files with are replaced by ones in this program, which call them in
@@ -21,4 +21,4 @@ void onAnswer(std::function<void(Answer)> handler);
 /// The last file that Aravis was kept from opening; empty without one.
 [[nodiscard]] std::string refusedFile();
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,4 +1,4 @@
-#include "ImageSender.h"
+#include "cameralibs/transport/connection/ImageSender.h"
 
 #include "cameralibs/transport/connection/ImageStatus.h"
 
@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 using namespace Orvo;
 
@@ -147,4 +147,4 @@ void ImageSender::push(ArvBuffer* buffer)
     ++m_pushed;
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

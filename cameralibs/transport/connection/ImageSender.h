@@ -2,7 +2,7 @@
 
 #include "cameralibs/base/GObjectPointer.h"
 #include "cameralibs/transport/Channel.h"
-#include "cameralibs/transport/connection/Reception.h"
+#include "cameralibs/transport/Reception.h"
 #include "cameralibs/transport/connection/SharedMemory.h"
 
 #include <atomic>
@@ -11,7 +11,7 @@
 #include <thread>
 #include <unordered_map>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// Receives images into the library's buffers. The stream is made without a callback of its own: what a callback does
 /// there holds up the reception, so a thread takes the images out.
@@ -46,4 +46,4 @@ private:
     std::atomic<bool> m_running{false};
 };
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,6 +1,6 @@
-#include "ImageStatus.h"
+#include "cameralibs/transport/connection/ImageStatus.h"
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 using namespace Orvo;
 
@@ -24,4 +24,4 @@ CAM_API_STATUS imageStatus(ArvBufferStatus status, int rowPadding)
     }
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,6 +1,6 @@
-#include "OpenedCamera.h"
+#include "cameralibs/transport/connection/OpenedCamera.h"
 
-#include "cameralibs/genicam/ErrorStatus.h"
+#include "cameralibs/base/ErrorStatus.h"
 #include "cameralibs/transport/Farewell.h"
 #include "cameralibs/transport/Restrictions.h"
 #include "cameralibs/transport/connection/ControlTraffic.h"
@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 using namespace Orvo;
 
@@ -167,4 +167,4 @@ bool OpenedCamera::takesRegistersFor(std::uint64_t size) const
     return m_oldDescription && size == sizeof(guint32);
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -3,8 +3,8 @@
 #include "cameralibs/base/GObjectPointer.h"
 #include "cameralibs/devices/Device.h"
 #include "cameralibs/transport/Protocol.h"
+#include "cameralibs/transport/Reception.h"
 #include "cameralibs/transport/connection/ImageSender.h"
-#include "cameralibs/transport/connection/Reception.h"
 #include "cameralibs/transport/gige/GigeProbe.h"
 
 #include <arv.h>
@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// The one camera that this process controls. Where it finds out that the camera is gone, the process ends.
 class OpenedCamera {
@@ -55,4 +55,4 @@ private:
     std::unique_ptr<ImageSender> m_images;
 };
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

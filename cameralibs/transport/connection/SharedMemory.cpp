@@ -1,10 +1,10 @@
-#include "SharedMemory.h"
+#include "cameralibs/transport/connection/SharedMemory.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 SharedMemory::SharedMemory(const Descriptor& memory, std::uint64_t size)
 {
@@ -32,4 +32,4 @@ std::uint8_t* SharedMemory::buffer(std::uint64_t offset, std::uint64_t capacity)
     return capacity != 0 && offset < m_size && capacity <= m_size - offset ? m_begin + offset : nullptr;
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

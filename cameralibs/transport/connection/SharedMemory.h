@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// The memory of a stream's buffers, which belongs to the library.
 class SharedMemory {
@@ -27,4 +27,4 @@ private:
     std::uint64_t m_size = 0;
 };
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

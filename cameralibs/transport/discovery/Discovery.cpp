@@ -1,4 +1,4 @@
-#include "Discovery.h"
+#include "cameralibs/transport/discovery/Discovery.h"
 
 #include "cameralibs/transport/Channel.h"
 
@@ -11,7 +11,7 @@
 
 #include <dlfcn.h>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 using namespace Orvo;
 
@@ -79,11 +79,13 @@ std::vector<Listed> listCameras(bool usb, bool gige)
     return found;
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport
 
 // Aravis listens until nothing has come for a second: one that never stops talking would hide every other camera.
 extern "C" __attribute__((visibility("default"))) gint g_poll(GPollFD* descriptors, guint count, gint timeout)
 {
     static const auto poll = reinterpret_cast<decltype(&g_poll)>(::dlsym(RTLD_NEXT, "g_poll"));
-    return orvo::transport::Clock::now() < orvo::transport::s_deafFrom.load() ? poll(descriptors, count, timeout) : 0;
+    return cameralibs::transport::Clock::now() < cameralibs::transport::s_deafFrom.load()
+               ? poll(descriptors, count, timeout)
+               : 0;
 }

@@ -1,4 +1,4 @@
-#include "GigeProbe.h"
+#include "cameralibs/transport/gige/GigeProbe.h"
 
 #include "cameralibs/transport/Farewell.h"
 
@@ -10,7 +10,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 namespace {
 
@@ -152,4 +152,4 @@ Clock::time_point GigeProbe::lastNews() const noexcept
     return Clock::time_point(Clock::duration(m_lastNews.load(std::memory_order_relaxed)));
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

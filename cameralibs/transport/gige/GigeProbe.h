@@ -9,7 +9,7 @@
 #include <mutex>
 #include <thread>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// Finds out within 4 s that a GigE Vision camera is gone, which Aravis' own heartbeat does in 6: after a second
 /// without news it asks the camera itself, over a socket of its own. Silence of the stream alone is no removal, nor is
@@ -42,4 +42,4 @@ private:
     std::thread m_thread;
 };
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

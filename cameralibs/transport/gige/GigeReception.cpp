@@ -1,11 +1,11 @@
-#include "GigeReception.h"
+#include "cameralibs/transport/gige/GigeReception.h"
 
 #include "cameralibs/transport/Farewell.h"
 
 #include <string>
 #include <utility>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 GigeReception::GigeReception(GObjectPointer<ArvStream> stream)
 {
@@ -55,4 +55,4 @@ void GigeReception::noteLosses()
                                                                      std::to_string(newlyResent) + " were sent again");
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "cameralibs/transport/connection/Reception.h"
+#include "cameralibs/transport/Reception.h"
 
 #include <cstdint>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// That of a GigE Vision camera. Its stream lives as long as this, because the camera is asked a lot for each; only its
 /// thread starts anew.
@@ -27,4 +27,4 @@ private:
     bool m_receiving = true;     ///< as Aravis makes every stream
 };
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,10 +1,10 @@
-#include "GigeStream.h"
+#include "cameralibs/transport/gige/GigeStream.h"
 
 #include "cameralibs/transport/Farewell.h"
 
 #include <cstdint>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 namespace {
 
@@ -54,4 +54,4 @@ void prepareGigeStream(ArvGvDevice* device, ArvGvStream* stream)
         g_object_set(stream, "packet-resend", ARV_GV_STREAM_PACKET_RESEND_NEVER, nullptr);
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,10 +1,10 @@
-#include "UsbReception.h"
+#include "cameralibs/transport/usb/UsbReception.h"
 
-#include "cameralibs/genicam/ErrorStatus.h"
+#include "cameralibs/base/ErrorStatus.h"
 
 #include <cstdint>
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 using namespace Orvo;
 
@@ -80,4 +80,4 @@ void UsbReception::end()
     m_stream.reset();
 }
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "cameralibs/transport/connection/Reception.h"
+#include "cameralibs/transport/Reception.h"
 
-namespace orvo::transport {
+namespace cameralibs::transport {
 
 /// That of a USB3 Vision camera. A stream lives from begin to end, because as long as it does the camera's own stream
 /// is enabled. The device outlives it.
@@ -20,4 +20,4 @@ private:
     ArvDevice* const m_device;
 };
 
-} // namespace orvo::transport
+} // namespace cameralibs::transport

@@ -9,7 +9,7 @@
 #include "cameralibs/util/conversion/BgraSteps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace orvo::HWY_NAMESPACE {
+namespace cameralibs::HWY_NAMESPACE {
 
 static_assert(bayerMargin >= vectorBytes + 3);
 static_assert(bayerImageWidth >= 2 * vectorBytes);
@@ -240,7 +240,7 @@ void bgraFromBayerImage(const BayerRows& rows, BayerRow first, std::size_t pixel
     overBayerRows<InImage>(rows, first, pixels, firstBgra, secondBgra);
 }
 
-} // namespace orvo::HWY_NAMESPACE
+} // namespace cameralibs::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif // per target

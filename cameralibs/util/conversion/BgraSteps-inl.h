@@ -9,7 +9,7 @@
 #include "cameralibs/util/conversion/VectorSteps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace orvo::HWY_NAMESPACE {
+namespace cameralibs::HWY_NAMESPACE {
 
 constexpr std::size_t vectorPixels = vectorBytes / bytesPerBgra;
 
@@ -194,7 +194,7 @@ void bgraFromPlanes(ReadableBytes blue, ReadableBytes green, ReadableBytes red, 
     overRow(PlanesStep(), {blue, green, red}, pixels, bgra);
 }
 
-} // namespace orvo::HWY_NAMESPACE
+} // namespace cameralibs::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif // per target

@@ -13,31 +13,31 @@ CAM_API_STATUS PrepareLUT()
 CAM_API_STATUS ConvImage(std::uint32_t dstFormat, std::uint32_t srcPixelFormat, std::uint32_t /*option*/, void* dst,
                          const void* src, std::uint32_t width, std::uint32_t height)
 {
-    const orvo::PixelFormat* const format = orvo::findPixelFormat(srcPixelFormat);
+    const cameralibs::PixelFormat* const format = cameralibs::findPixelFormat(srcPixelFormat);
     if (dstFormat != 0 || format == nullptr) {
         return CAM_API_STS_NOT_IMPLEMENTED;
     }
-    const orvo::SourceImage image{*format, static_cast<const std::uint8_t*>(src), width, height};
-    constexpr std::uint64_t pixelLimit = (std::uint64_t{1} << 32) / orvo::bytesPerBgra;
+    const cameralibs::SourceImage image{*format, static_cast<const std::uint8_t*>(src), width, height};
+    constexpr std::uint64_t pixelLimit = (std::uint64_t{1} << 32) / cameralibs::bytesPerBgra;
     if (image.pixels() == 0 || image.pixels() >= pixelLimit || dst == nullptr || src == nullptr) {
         return CAM_API_STS_INVALID_PARAMETER;
     }
 
     auto* const bgra = static_cast<std::uint8_t*>(dst);
     switch (format->family) {
-    case orvo::PixelFamily::Mono:
-        orvo::convertMono(image, bgra);
+    case cameralibs::PixelFamily::Mono:
+        cameralibs::convertMono(image, bgra);
         break;
-    case orvo::PixelFamily::Bayer:
-        orvo::convertBayer(image, bgra);
+    case cameralibs::PixelFamily::Bayer:
+        cameralibs::convertBayer(image, bgra);
         break;
-    case orvo::PixelFamily::Rgb:
-        orvo::convertRgb(image, bgra);
+    case cameralibs::PixelFamily::Rgb:
+        cameralibs::convertRgb(image, bgra);
         break;
-    case orvo::PixelFamily::YCbCr:
-    case orvo::PixelFamily::YCbCr601:
-    case orvo::PixelFamily::YCbCr709:
-        orvo::convertYCbCr(image, bgra);
+    case cameralibs::PixelFamily::YCbCr:
+    case cameralibs::PixelFamily::YCbCr601:
+    case cameralibs::PixelFamily::YCbCr709:
+        cameralibs::convertYCbCr(image, bgra);
         break;
     }
     return CAM_API_STS_SUCCESS;

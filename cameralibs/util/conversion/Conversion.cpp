@@ -1,6 +1,6 @@
 #include "cameralibs/util/conversion/Conversion.h"
 
-namespace orvo {
+namespace cameralibs {
 
 bool SourceImage::gapless() const noexcept
 {
@@ -16,4 +16,4 @@ bool SourceImage::gapless() const noexcept
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -9,7 +9,7 @@
 /// The conversions behind ConvImage, one for each family of formats. Each reads the samples as bytes, a piece at a time
 /// in a buffer on the stack where they have more than 8 bits, and writes B, G, R, 255.
 
-namespace orvo {
+namespace cameralibs {
 
 /// Width and height are at least 1, and the pixels fewer than 2^30.
 struct SourceImage {
@@ -20,7 +20,7 @@ struct SourceImage {
 
     [[nodiscard]] std::uint64_t pixels() const noexcept { return std::uint64_t{width} * height; }
 
-    [[nodiscard]] std::uint64_t samplesPerRow() const noexcept { return orvo::samplesPerRow(format, width); }
+    [[nodiscard]] std::uint64_t samplesPerRow() const noexcept { return cameralibs::samplesPerRow(format, width); }
 
     /// No conversion reads beyond them.
     [[nodiscard]] std::uint64_t bytes() const noexcept { return imageBytes(format, width, height); }
@@ -60,4 +60,4 @@ template <typename Convert> void forEachPiece(const SourceImage& image, std::uin
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

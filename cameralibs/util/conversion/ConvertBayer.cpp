@@ -5,7 +5,7 @@
 #include <array>
 #include <tuple>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -149,4 +149,4 @@ void convertBayer(const SourceImage& image, std::uint8_t* bgra) noexcept
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

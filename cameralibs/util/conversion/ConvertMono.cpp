@@ -1,6 +1,6 @@
 #include "cameralibs/util/conversion/Conversion.h"
 
-namespace orvo {
+namespace cameralibs {
 
 void convertMono(const SourceImage& image, std::uint8_t* bgra) noexcept
 {
@@ -21,4 +21,4 @@ void convertMono(const SourceImage& image, std::uint8_t* bgra) noexcept
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -57,4 +57,4 @@ void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

@@ -1,7 +1,7 @@
 #include "cameralibs/util/conversion/Conversion.h"
 #include "cameralibs/util/conversion/SampleReader.h"
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -101,4 +101,4 @@ void convertYCbCr(const SourceImage& image, std::uint8_t* bgra) noexcept
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

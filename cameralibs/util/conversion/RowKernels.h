@@ -9,7 +9,7 @@
 /// The inner loops of ConvImage. Each exists twice: as plain code that reads like its formula, and as vector code for
 /// every instruction set that pays. Both give the same bytes.
 
-namespace orvo {
+namespace cameralibs {
 
 constexpr std::size_t bytesPerBgra = 4;
 
@@ -108,4 +108,4 @@ struct RowKernels {
 /// The fastest ones that the processor has.
 [[nodiscard]] const RowKernels& rowKernels() noexcept;
 
-} // namespace orvo
+} // namespace cameralibs

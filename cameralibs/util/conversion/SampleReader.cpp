@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace orvo {
+namespace cameralibs {
 
 SampleReader::SampleReader(const SourceImage& image) noexcept
     : m_kernels(rowKernels())
@@ -56,4 +56,4 @@ void SampleReader::copyBits(std::uint64_t first, std::size_t count, WritableByte
     }
 }
 
-} // namespace orvo
+} // namespace cameralibs

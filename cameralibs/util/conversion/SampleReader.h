@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace orvo {
+namespace cameralibs {
 
 /// Reads the samples of an image as bytes: of samples with more than 8 bits the upper 8. Samples are numbered in the
 /// order in which they are stored; where they are packed in pairs, the first one asked for is the first of a pair.
@@ -38,4 +38,4 @@ private:
     std::array<std::uint8_t, SamplesPerPixel * pixelsPerPiece> m_bytes;
 };
 
-} // namespace orvo
+} // namespace cameralibs

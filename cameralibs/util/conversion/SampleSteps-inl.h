@@ -9,7 +9,7 @@
 #include "cameralibs/util/conversion/BgraSteps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace orvo::HWY_NAMESPACE {
+namespace cameralibs::HWY_NAMESPACE {
 
 /// A vector of samples at a time, as bytes.
 class WordSamples {
@@ -191,7 +191,7 @@ void bgraFromGraySamples(ReadableBytes from, SamplePacking packing, unsigned bit
     overSamples<GraySamplesStep>(from, packing, bits, pixels, bgra);
 }
 
-} // namespace orvo::HWY_NAMESPACE
+} // namespace cameralibs::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif // per target

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace orvo {
+namespace cameralibs {
 
 namespace {
 
@@ -192,4 +192,4 @@ const RowKernels& scalarRowKernels() noexcept
     return kernels;
 }
 
-} // namespace orvo
+} // namespace cameralibs

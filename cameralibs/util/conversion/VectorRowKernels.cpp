@@ -16,7 +16,7 @@
 #endif
 
 HWY_BEFORE_NAMESPACE();
-namespace orvo::HWY_NAMESPACE {
+namespace cameralibs::HWY_NAMESPACE {
 
 const RowKernels* kernelsOfTarget()
 {
@@ -30,12 +30,12 @@ const RowKernels* kernelsOfTarget()
 #endif
 }
 
-} // namespace orvo::HWY_NAMESPACE
+} // namespace cameralibs::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-namespace orvo {
+namespace cameralibs {
 
 HWY_EXPORT(kernelsOfTarget);
 
@@ -44,6 +44,6 @@ const RowKernels& rowKernels() noexcept
     return *HWY_DYNAMIC_DISPATCH(kernelsOfTarget)();
 }
 
-} // namespace orvo
+} // namespace cameralibs
 
 #endif

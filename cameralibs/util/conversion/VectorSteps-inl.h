@@ -17,7 +17,7 @@
 #include <cstring>
 
 HWY_BEFORE_NAMESPACE();
-namespace orvo::HWY_NAMESPACE {
+namespace cameralibs::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -153,7 +153,7 @@ HWY_INLINE void overRow(const Step& step, std::array<ReadableBytes, Step::planes
     }
 }
 
-} // namespace orvo::HWY_NAMESPACE
+} // namespace cameralibs::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif // per target

@@ -9,7 +9,7 @@
 #include "cameralibs/util/conversion/BgraSteps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace orvo::HWY_NAMESPACE {
+namespace cameralibs::HWY_NAMESPACE {
 
 /// Pixels in words: half a vector of bytes. A block of results is made of four pixels of the first half of them and
 /// four of the second, so that two vectors of results come out in order.
@@ -320,7 +320,7 @@ void bgraFromSemiplanar(ReadableBytes luma, ReadableBytes chroma, const ChromaLa
     overRow(ChromaStep<SemiplanarChroma>(layout, weights), {luma, chroma}, pixels, bgra);
 }
 
-} // namespace orvo::HWY_NAMESPACE
+} // namespace cameralibs::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif // per target

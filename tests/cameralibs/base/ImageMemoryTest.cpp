@@ -16,7 +16,7 @@
 #include <sanitizer/asan_interface.h>
 #endif
 
-using orvo::ImageMemory;
+using cameralibs::ImageMemory;
 
 TEST(ImageMemoryTest, EveryBufferBeginsWithZeros)
 {

@@ -10,7 +10,7 @@
 #include <map>
 #include <string>
 
-using namespace orvo;
+using namespace cameralibs;
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Images of simulated cameras whose rows are no whole number of bytes or groups of pixels.
 
-#include "cameralibs/devices/simulated/ImageMaker.h"
+#include "cameralibs/devices/simulated/images/ImageMaker.h"
 
 #include "cameralibs/base/PixelFormat.h"
 #include "tests/cameralibs/util/ReferenceConversion.h"
@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-using namespace orvo;
-using namespace orvo::simulated;
+using namespace cameralibs;
+using namespace cameralibs::simulated;
 
 namespace {
 

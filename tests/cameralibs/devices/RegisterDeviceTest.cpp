@@ -1,17 +1,17 @@
 // The registers of simulated cameras as Aravis reaches them.
 
-#include "cameralibs/devices/simulated/RegisterDevice.h"
+#include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 
-#include "cameralibs/devices/simulated/RegisterSpace.h"
-#include "cameralibs/genicam/ErrorStatus.h"
+#include "cameralibs/base/ErrorStatus.h"
+#include "cameralibs/devices/simulated/registers/RegisterSpace.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <new>
 
-using namespace orvo;
-using namespace orvo::simulated;
+using namespace cameralibs;
+using namespace cameralibs::simulated;
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "cameralibs/genicam/EvaluationBudget.h"
 
-#include "cameralibs/genicam/ArvCall.h"
-#include "cameralibs/genicam/Failure.h"
+#include "cameralibs/base/Outcome.h"
+#include "cameralibs/genicam/nodes/ArvCall.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 #include <ctime>
 #include <thread>
 
-using namespace orvo;
+using namespace cameralibs;
 using namespace std::chrono_literals;
 
 namespace {

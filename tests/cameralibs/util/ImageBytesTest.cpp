@@ -23,7 +23,7 @@ TEST_P(ImageBytes, AreThoseOfTheReferenceAndConversionsReadNoMore)
     const PfncFormat& format = GetParam();
     for (std::uint32_t width = 1; width <= 70; ++width) {
         for (std::uint32_t height = 1; height <= 70; ++height) {
-            const std::uint64_t bytes = orvo::imageBytes(format.value, width, height);
+            const std::uint64_t bytes = cameralibs::imageBytes(format.value, width, height);
             ASSERT_EQ(bytes, ReferenceConversion(format.name, width, height).sourceBytes()) << width << " x " << height;
             // Blocks exactly as large as needed: the address sanitizer sees who leaves them.
             const auto source = std::make_unique<std::uint8_t[]>(bytes);
@@ -36,10 +36,10 @@ TEST_P(ImageBytes, AreThoseOfTheReferenceAndConversionsReadNoMore)
 TEST_P(ImageBytes, OfTheLargestImagesDoNotWrapRound)
 {
     constexpr std::uint32_t largest = std::numeric_limits<std::uint32_t>::max();
-    const std::uint64_t bytes = orvo::imageBytes(GetParam().value, largest, largest);
+    const std::uint64_t bytes = cameralibs::imageBytes(GetParam().value, largest, largest);
     EXPECT_GE(bytes, std::uint64_t{largest} * largest);
-    EXPECT_GE(orvo::imageBytes(GetParam().value, largest, 1), largest);
-    EXPECT_GE(orvo::imageBytes(GetParam().value, 1, largest), largest);
+    EXPECT_GE(cameralibs::imageBytes(GetParam().value, largest, 1), largest);
+    EXPECT_GE(cameralibs::imageBytes(GetParam().value, 1, largest), largest);
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, ImageBytes, testing::ValuesIn(pfncFormats),
@@ -47,22 +47,22 @@ INSTANTIATE_TEST_SUITE_P(Formats, ImageBytes, testing::ValuesIn(pfncFormats),
 
 TEST(ImageBytesTest, FormatsThatAreNotInTheTableAreRunsOfBits)
 {
-    EXPECT_EQ(orvo::imageBytes(0x01040039, 3, 3), 5U) << "4 bits"; // Mono4p
-    EXPECT_EQ(orvo::imageBytes(0x01080002, 5, 7), 35U);            // Mono8s
-    EXPECT_EQ(orvo::imageBytes(0xFFFFFFFF, 1, 1), 32U);
-    EXPECT_EQ(orvo::imageBytes(0, 100, 100), 0U) << "nothing is known of it";
+    EXPECT_EQ(cameralibs::imageBytes(0x01040039, 3, 3), 5U) << "4 bits"; // Mono4p
+    EXPECT_EQ(cameralibs::imageBytes(0x01080002, 5, 7), 35U);            // Mono8s
+    EXPECT_EQ(cameralibs::imageBytes(0xFFFFFFFF, 1, 1), 32U);
+    EXPECT_EQ(cameralibs::imageBytes(0, 100, 100), 0U) << "nothing is known of it";
 }
 
 TEST(ImageBytesTest, FormatsAreFoundByValueAndByName)
 {
     for (const PfncFormat& format : pfncFormats) {
-        const orvo::PixelFormat* const found = orvo::findPixelFormat(format.value);
+        const cameralibs::PixelFormat* const found = cameralibs::findPixelFormat(format.value);
         ASSERT_NE(found, nullptr) << format.name;
         EXPECT_EQ(found->name, format.name);
-        EXPECT_EQ(orvo::findPixelFormat(format.name), found);
+        EXPECT_EQ(cameralibs::findPixelFormat(format.name), found);
     }
-    EXPECT_EQ(orvo::findPixelFormat("Mono8s"), nullptr);
-    EXPECT_EQ(orvo::findPixelFormat(""), nullptr);
+    EXPECT_EQ(cameralibs::findPixelFormat("Mono8s"), nullptr);
+    EXPECT_EQ(cameralibs::findPixelFormat(""), nullptr);
 }
 
 } // namespace

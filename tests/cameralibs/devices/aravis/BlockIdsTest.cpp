@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-using orvo::BlockIds;
+using cameralibs::BlockIds;
 
 namespace {
 

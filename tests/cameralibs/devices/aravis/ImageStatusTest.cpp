@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-using orvo::transport::imageStatus;
+using cameralibs::transport::imageStatus;
 
 namespace {
 

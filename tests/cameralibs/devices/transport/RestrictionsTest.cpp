@@ -20,7 +20,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-using namespace orvo::transport;
+using namespace cameralibs::transport;
 
 namespace {
 

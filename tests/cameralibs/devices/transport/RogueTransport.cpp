@@ -16,7 +16,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-using namespace orvo::transport;
+using namespace cameralibs::transport;
 
 namespace {
 

@@ -1,0 +1,121 @@
+#include "cameralibs/api/exports/Barrier.h"
+
+#include "camera/StatusName.h"
+#include "cameralibs/api/exports/LastError.h"
+#include "cameralibs/base/Log.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+
+namespace cameralibs {
+
+using namespace Orvo;
+
+namespace {
+
+thread_local Call* current = nullptr;
+
+/// What is asked over and over until it is no longer so.
+bool isNoFailure(CAM_API_STATUS status)
+{
+    return status == CAM_API_STS_TIMEOUT || status == CAM_API_STS_NOT_READY;
+}
+
+} // namespace
+
+Call::Call(const char* function) noexcept
+    : m_function(function)
+    , m_outer(current)
+{
+    current = this;
+}
+
+Call::~Call()
+{
+    current = m_outer;
+}
+
+void Call::setCamera(const std::string& name)
+{
+    if (logs(Severity::warning))
+        current->m_camera = name;
+}
+
+// Where there is no reason, the status says it all to whoever called.
+void Call::logFailure(CAM_API_STATUS status, const std::string& text) const noexcept
+{
+    if (isNoFailure(status))
+        return;
+    // One feature that fails is no reason to worry about the camera.
+    const bool ofNode = std::strncmp(m_function, "Nd_", 3) == 0;
+    const Severity withReason = ofNode ? Severity::info : Severity::warning;
+    logText(text.empty() ? Severity::debug : withReason, m_camera, [&] {
+        return std::string(m_function) + ": " + std::to_string(status) + " " + cameraStatusName(status) +
+               (text.empty() ? "" : ": ") + text;
+    });
+}
+
+CAM_API_STATUS Call::statusOfException() const noexcept
+{
+    try {
+        throw;
+    } catch (const Failure& failure) {
+        logFailure(failure.status(), failure.text());
+        if (failure.status() == CAM_API_STS_GENICAM_ERR || failure.status() == CAM_API_STS_XML_LOAD_ERR) {
+            try {
+                setLastGenICamError(failure.text());
+            } catch (const std::bad_alloc&) {
+                return CAM_API_STS_NO_MEMORY;
+            }
+        }
+        return failure.status();
+    } catch (const std::bad_alloc&) {
+        return CAM_API_STS_NO_MEMORY;
+    } catch (const std::length_error&) {
+        return CAM_API_STS_NO_MEMORY;
+    } catch (...) {
+        return CAM_API_STS_UNSUCCESSFUL;
+    }
+}
+
+std::shared_ptr<System> requireSystem()
+{
+    std::shared_ptr<System> system = System::current();
+    throwUnless(system != nullptr, CAM_API_STS_NOT_INITIALIZED);
+    return system;
+}
+
+std::shared_ptr<Camera> requireCamera(const System& system, CAM_HANDLE handle)
+{
+    std::shared_ptr<Camera> camera = system.cameras().find(handle);
+    throwUnless(camera != nullptr, CAM_API_STS_INVALID_CAMERA_HANDLE);
+    Call::setCamera(camera->name());
+    return camera;
+}
+
+std::shared_ptr<Stream> requireStream(const System& system, CAM_STRM_HANDLE handle)
+{
+    std::shared_ptr<Stream> stream = system.streams().find(handle);
+    throwUnless(stream != nullptr, CAM_API_STS_INVALID_STREAM_HANDLE);
+    Call::setCamera(stream->camera().name());
+    return stream;
+}
+
+void requireAttached(const Camera& camera)
+{
+    throwUnless(!camera.removed(), CAM_API_STS_CAMERA_NOT_RESPONDING);
+}
+
+void requirePointers(std::initializer_list<const void*> pointers)
+{
+    throwUnless(std::find(pointers.begin(), pointers.end(), nullptr) == pointers.end(), CAM_API_STS_INVALID_PARAMETER);
+}
+
+void refuseInsideCallback()
+{
+    throwUnless(!Stream::insideCallback(), CAM_API_STS_INVALID_PARAMETER);
+}
+
+} // namespace cameralibs

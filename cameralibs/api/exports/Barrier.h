@@ -1,0 +1,156 @@
+#pragma once
+
+/// What every exported function does before and after its own work, and nobody else does: the library's state, handles
+/// and pointers in the documented order, exceptions to statuses, the text of the last GenICam error.
+
+#include "cameralibs/api/Camera.h"
+#include "cameralibs/api/Stream.h"
+#include "cameralibs/api/System.h"
+#include "cameralibs/base/Outcome.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
+
+#include <chrono>
+#include <initializer_list>
+#include <memory>
+#include <string>
+
+namespace cameralibs {
+
+/// The exported function that runs on this thread: its name and camera for the diagnostic log, its budget of time.
+class Call {
+public:
+    explicit Call(const char* function) noexcept;
+    ~Call();
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+    /// What the call is about, as soon as that is known.
+    static void setCamera(const std::string& name);
+
+    /// To be called in a catch block: the status of the exception. Its text is kept for Misc_GetLastGenICamError, where
+    /// it belongs there, and logged.
+    [[nodiscard]] Orvo::CAM_API_STATUS statusOfException() const noexcept;
+
+private:
+    void logFailure(Orvo::CAM_API_STATUS status, const std::string& text) const noexcept;
+
+    static constexpr std::chrono::milliseconds kLimit{50};
+
+    const char* const m_function;
+    Call* const m_outer; ///< a host program's log writer may call into the library
+    EvaluationBudget m_budget{kLimit};
+    std::string m_camera;
+};
+
+[[nodiscard]] std::shared_ptr<System> requireSystem();
+[[nodiscard]] std::shared_ptr<Camera> requireCamera(const System& system, Orvo::CAM_HANDLE camera);
+[[nodiscard]] std::shared_ptr<Stream> requireStream(const System& system, Orvo::CAM_STRM_HANDLE stream);
+void requireAttached(const Camera& camera);
+void requirePointers(std::initializer_list<const void*> pointers);
+
+/// For the operations that would wait for the callback that calls them.
+void refuseInsideCallback();
+
+// The last parameter of each is the name of the exported function: that of the caller, by default.
+
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS guarded(Work&& work, const char* function = __builtin_FUNCTION()) noexcept
+{
+    const Call call(function);
+    try {
+        work();
+        return Orvo::CAM_API_STS_SUCCESS;
+    } catch (...) {
+        return call.statusOfException();
+    }
+}
+
+/// `work(System&)` on the initialised library.
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS onSystem(Work&& work, const char* function = __builtin_FUNCTION()) noexcept
+{
+    return guarded(
+        [&] {
+            const auto system = requireSystem();
+            try {
+                work(*system);
+            } catch (...) {
+                // Whoever terminates meanwhile takes the handles away one by one.
+                throwUnless(System::current() == system, Orvo::CAM_API_STS_NOT_INITIALIZED);
+                throw;
+            }
+        },
+        function);
+}
+
+/// `work(System&, Camera&)` on an attached camera.
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS onCamera(Orvo::CAM_HANDLE handle, Work&& work,
+                                            const char* function = __builtin_FUNCTION()) noexcept
+{
+    return onSystem(
+        [&](System& system) {
+            const auto camera = requireCamera(system, handle);
+            requireAttached(*camera);
+            work(system, *camera);
+        },
+        function);
+}
+
+/// `work(Stream&)` on a stream of an attached camera.
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS onStream(Orvo::CAM_STRM_HANDLE handle, Work&& work,
+                                            const char* function = __builtin_FUNCTION()) noexcept
+{
+    return onSystem(
+        [&](System& system) {
+            const auto stream = requireStream(system, handle);
+            requireAttached(stream->camera());
+            work(*stream);
+        },
+        function);
+}
+
+/// `work(const Camera&, NodeId)`: what the description tells without the device, so it waits for nobody.
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS onDescribedNode(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
+                                                   std::initializer_list<const void*> pointers, Work&& work,
+                                                   const char* function = __builtin_FUNCTION()) noexcept
+{
+    return onCamera(
+        handle,
+        [&](System&, const Camera& camera) {
+            const NodeId id = camera.nodeOf(node);
+            requirePointers(pointers);
+            work(camera, id);
+        },
+        function);
+}
+
+/// `work(Camera&, NodeMap&, NodeId)` with the camera's node map to itself.
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS onNodeOfCamera(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
+                                                  std::initializer_list<const void*> pointers, Work&& work,
+                                                  const char* function = __builtin_FUNCTION()) noexcept
+{
+    return onCamera(
+        handle,
+        [&](System&, Camera& camera) {
+            const NodeId id = camera.nodeOf(node);
+            requirePointers(pointers);
+            camera.evaluate([&](NodeMap& nodes) { work(camera, nodes, id); });
+        },
+        function);
+}
+
+/// The same without the camera: `work(NodeMap&, NodeId)`.
+template <class Work>
+[[nodiscard]] Orvo::CAM_API_STATUS onNode(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
+                                          std::initializer_list<const void*> pointers, Work&& work,
+                                          const char* function = __builtin_FUNCTION()) noexcept
+{
+    return onNodeOfCamera(
+        handle, node, pointers, [&](Camera&, NodeMap& nodes, NodeId id) { work(nodes, id); }, function);
+}
+
+} // namespace cameralibs

@@ -1,0 +1,61 @@
+#include "cameralibs/api/exports/Barrier.h"
+#include "cameralibs/api/exports/TextResult.h"
+
+using namespace cameralibs;
+
+namespace Orvo {
+
+namespace {
+
+CAM_INFO cameraInfo(const DeviceInfo& device, std::uint32_t index)
+{
+    CAM_INFO info = {};
+    info.link = device.link;
+    giveAsciiField(device.vendor, info.vendorName, sizeof info.vendorName);
+    giveAsciiField(device.model, info.modelName, sizeof info.modelName);
+    giveAsciiField(device.serial, info.serialNumber, sizeof info.serialNumber);
+    giveAsciiField(device.userName, info.userDefinedName, sizeof info.userDefinedName);
+    info.cameraIndex = index;
+    return info;
+}
+
+} // namespace
+
+extern "C" {
+
+CAM_API_STATUS Cam_GetInformation(CAM_HANDLE camera, std::uint32_t cameraIndex, CAM_INFO* info)
+{
+    if (camera != 0) {
+        return onCamera(camera, [&](System& system, const Camera& opened) {
+            requirePointers({info});
+            *info = cameraInfo(system.infoOf(opened), system.indexOf(opened));
+        });
+    }
+    return onSystem([&](System& system) {
+        const DeviceInfo device = system.listedCamera(cameraIndex);
+        requirePointers({info});
+        *info = cameraInfo(device, cameraIndex);
+    });
+}
+
+CAM_API_STATUS Cam_Open(std::uint32_t cameraIndex, CAM_HANDLE* camera, CAM_SIGNAL_HANDLE removalSignal, std::uint32_t,
+                        void*, std::uint32_t)
+{
+    return onSystem([&](System& system) {
+        Call::setCamera(system.listedCamera(cameraIndex).logName());
+        system.openCamera(cameraIndex, removalSignal, camera);
+    });
+}
+
+CAM_API_STATUS Cam_Close(CAM_HANDLE camera)
+{
+    return onSystem([&](System& system) {
+        (void)requireCamera(system, camera);
+        refuseInsideCallback();
+        throwUnless(system.closeCamera(camera), CAM_API_STS_INVALID_CAMERA_HANDLE);
+    });
+}
+
+} // extern "C"
+
+} // namespace Orvo

@@ -1,0 +1,97 @@
+#include "cameralibs/api/exports/Barrier.h"
+#include "cameralibs/api/exports/LastError.h"
+#include "cameralibs/api/exports/TextResult.h"
+
+#include <arv.h>
+
+#include <cstring>
+#include <string>
+
+using namespace cameralibs;
+
+namespace Orvo {
+
+extern "C" {
+
+CAM_API_STATUS Sys_Initialize(std::uint32_t mask)
+{
+    CAM_API_STATUS status = CAM_API_STS_SUCCESS;
+    const CAM_API_STATUS failure = guarded([&] { status = System::initialize(mask); });
+    return failure != CAM_API_STS_SUCCESS ? failure : status;
+}
+
+CAM_API_STATUS Sys_Terminate()
+{
+    return guarded([] {
+        (void)requireSystem();
+        refuseInsideCallback();
+        throwIfFailed({System::terminate(), {}});
+    });
+}
+
+CAM_API_STATUS Sys_GetInformation(CAM_SYSTEM_INFO* info)
+{
+    return onSystem([&](System&) {
+        requirePointers({info});
+        const std::string aravis = "Aravis " + std::to_string(arv_get_major_version()) + "." +
+                                   std::to_string(arv_get_minor_version()) + "." +
+                                   std::to_string(arv_get_micro_version());
+        *info = {};
+        giveAsciiField(aravis, info->driverVersion, sizeof info->driverVersion);
+        giveAsciiField(aravis, info->u3vApi2Version, sizeof info->u3vApi2Version);
+        giveAsciiField(ORVO_LIBRARY_VERSION, info->u3vCamApiVersion, sizeof info->u3vCamApiVersion);
+        giveAsciiField(ORVO_LIBRARY_VERSION, info->camApiVersion, sizeof info->camApiVersion);
+    });
+}
+
+CAM_API_STATUS Sys_GetNumOfCameras(std::uint32_t* count)
+{
+    return onSystem([&](System& system) {
+        requirePointers({count});
+        *count = system.enumerate();
+    });
+}
+
+CAM_API_STATUS Sys_CreateSignal(CAM_SIGNAL_HANDLE* signal)
+{
+    return onSystem([&](System& system) {
+        requirePointers({signal});
+        const Handle handle = newHandles();
+        throwUnless(system.signals().add(handle, std::make_shared<Signal>()), CAM_API_STS_NOT_INITIALIZED);
+        *signal = handle;
+    });
+}
+
+CAM_API_STATUS Sys_CloseSignal(CAM_SIGNAL_HANDLE signal)
+{
+    return onSystem([&](System& system) {
+        const auto closed = system.signals().take(signal);
+        throwUnless(closed != nullptr, CAM_API_STS_INVALID_EVENT_HANDLE);
+        closed->close(CAM_API_STS_INVALID_EVENT_HANDLE);
+    });
+}
+
+CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE signal, std::uint32_t timeoutMs)
+{
+    return guarded([&] {
+        // The system is not kept alive by a wait without end.
+        const auto waited = requireSystem()->signals().find(signal);
+        if (waited == nullptr) {
+            (void)requireSystem(); // whoever terminates meanwhile has taken it away
+            throw Failure(CAM_API_STS_INVALID_EVENT_HANDLE);
+        }
+        throwIfFailed({waited->wait(timeoutMs), {}});
+    });
+}
+
+CAM_API_STATUS Misc_GetLastGenICamError(const char** text)
+{
+    return guarded([&] {
+        requirePointers({text});
+        *text = lastGenICamError();
+    });
+}
+
+} // extern "C"
+
+} // namespace Orvo

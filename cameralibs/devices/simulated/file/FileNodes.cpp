@@ -1,0 +1,225 @@
+#include "cameralibs/devices/simulated/file/FileNodes.h"
+
+#include "cameralibs/base/Outcome.h"
+#include "cameralibs/base/PixelFormat.h"
+#include "cameralibs/devices/simulated/images/ImageMaker.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
+
+#include <arv.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace cameralibs::simulated {
+
+namespace {
+
+constexpr std::int64_t kDefaultWidth = 1280;
+constexpr std::int64_t kDefaultHeight = 960;
+constexpr std::int64_t kMaxPixels = 1 << 27;
+constexpr double kDefaultRate = 30;
+constexpr double kMaxRate = 200;
+
+/// Takes the error of a call and frees it. Features that cannot be read or set are left as they are.
+class Attempt {
+public:
+    Attempt() = default;
+    ~Attempt() { g_clear_error(&m_error); }
+    Attempt(const Attempt&) = delete;
+    Attempt& operator=(const Attempt&) = delete;
+
+    [[nodiscard]] GError** error() { return &m_error; }
+    [[nodiscard]] bool ok() const { return m_error == nullptr; }
+
+private:
+    GError* m_error = nullptr;
+};
+
+void settleInteger(ArvGcInteger* node)
+{
+    Attempt attempt;
+    const gint64 value = arv_gc_integer_get_value(node, attempt.error());
+    const gint64 low = attempt.ok() ? arv_gc_integer_get_min(node, attempt.error()) : value;
+    const gint64 high = attempt.ok() ? arv_gc_integer_get_max(node, attempt.error()) : value;
+    if (attempt.ok() && low <= high && (value < low || value > high))
+        arv_gc_integer_set_value(node, std::clamp(value, low, high), attempt.error());
+}
+
+void settleFloat(ArvGcFloat* node)
+{
+    Attempt attempt;
+    const double value = arv_gc_float_get_value(node, attempt.error());
+    const double low = attempt.ok() ? arv_gc_float_get_min(node, attempt.error()) : value;
+    const double high = attempt.ok() ? arv_gc_float_get_max(node, attempt.error()) : value;
+    if (attempt.ok() && low <= high && !(value >= low && value <= high))
+        arv_gc_float_set_value(node, low, attempt.error());
+}
+
+void settleEnumeration(ArvGcEnumeration* node)
+{
+    Attempt attempt;
+    const gint64 value = arv_gc_enumeration_get_int_value(node, attempt.error());
+    guint count = 0;
+    gint64* const values =
+        attempt.ok() ? arv_gc_enumeration_dup_available_int_values(node, &count, attempt.error()) : nullptr;
+    if (attempt.ok() && count > 0 && std::find(values, values + count, value) == values + count)
+        arv_gc_enumeration_set_int_value(node, values[0], attempt.error());
+    g_free(values);
+}
+
+// That of the format itself, or one with as many bits that completes nothing in a row: its image is not larger.
+const PixelPacking* packingFor(std::uint32_t format)
+{
+    if (const PixelPacking* const known = findPacking(format))
+        return known;
+    for (const std::string_view name : {"Mono8", "Mono10p", "Mono12p", "Mono16", "RGB8"}) {
+        const std::uint32_t value = findPixelFormat(name)->value;
+        if (bitsPerPixel(value) == bitsPerPixel(format))
+            return findPacking(value);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+FileNodes::FileNodes(RegisterSpace& memory, const std::string& xml)
+    : m_device(makeRegisterDevice(memory, xml))
+    , m_nodes(readDescription(xml), m_device.get())
+{
+}
+
+void FileNodes::powerUp(const std::string& model, const std::string& serial)
+{
+    const std::lock_guard lock(m_mutex);
+    for (const char* const name : {"SensorWidth", "WidthMax", "Width"})
+        setInteger(name, kDefaultWidth);
+    for (const char* const name : {"SensorHeight", "HeightMax", "Height"})
+        setInteger(name, kDefaultHeight);
+    setText("DeviceModelName", model);
+    setText("DeviceSerialNumber", serial);
+    setText("DeviceVendorName", "Simulated");
+    settle(m_nodes.description().find("Root"));
+    m_fillsPayloadSize = integer("PayloadSize").value_or(1) == 0;
+    fillPayloadSize();
+}
+
+std::optional<FrameSettings> FileNodes::settings() const
+{
+    const std::lock_guard lock(m_mutex);
+    auto settings = readSettings();
+    EvaluationBudget::check();
+    return settings;
+}
+
+void FileNodes::updatePayloadSize()
+{
+    const std::lock_guard lock(m_mutex);
+    fillPayloadSize();
+}
+
+std::optional<FrameSettings> FileNodes::readSettings() const
+{
+    const std::int64_t width = integer("Width").value_or(0);
+    const std::int64_t height = integer("Height").value_or(0);
+    const std::int64_t format = integer("PixelFormat").value_or(findPixelFormat("Mono8")->value);
+    const PixelPacking* const packing = packingFor(static_cast<std::uint32_t>(format));
+    if (packing == nullptr || width < 1 || height < 1 || width > kMaxPixels || height > kMaxPixels / width)
+        return std::nullopt;
+
+    FrameSettings settings;
+    settings.image.format = static_cast<std::uint32_t>(format);
+    settings.image.packing = packing;
+    settings.image.width = settings.image.sensorWidth = static_cast<std::uint32_t>(width);
+    settings.image.height = settings.image.sensorHeight = static_cast<std::uint32_t>(height);
+    settings.image.color = true;
+    double rate = 0;
+    if (ArvGcFeatureNode* const node = feature("AcquisitionFrameRate"); ARV_IS_GC_FLOAT(node)) {
+        Attempt attempt;
+        rate = arv_gc_float_get_value(ARV_GC_FLOAT(node), attempt.error());
+    }
+    settings.period = 1 / (rate >= 1 && rate <= kMaxRate ? rate : kDefaultRate);
+    return settings;
+}
+
+void FileNodes::fillPayloadSize()
+{
+    if (!m_fillsPayloadSize)
+        return;
+    if (const auto settings = readSettings())
+        setInteger("PayloadSize", static_cast<std::int64_t>(ImageMaker::sizeOf(settings->image)));
+}
+
+std::optional<std::int64_t> FileNodes::integer(const char* name) const
+{
+    ArvGcFeatureNode* const node = feature(name);
+    if (!ARV_IS_GC_INTEGER(node))
+        return std::nullopt;
+    Attempt attempt;
+    const gint64 value = arv_gc_integer_get_value(ARV_GC_INTEGER(node), attempt.error());
+    return attempt.ok() ? std::optional<std::int64_t>(value) : std::nullopt;
+}
+
+void FileNodes::setInteger(const char* name, std::int64_t value)
+{
+    ArvGcFeatureNode* const node = feature(name);
+    if (!ARV_IS_GC_INTEGER(node))
+        return;
+    Attempt attempt;
+    arv_gc_integer_set_value(ARV_GC_INTEGER(node), value, attempt.error());
+}
+
+void FileNodes::setText(const char* name, const std::string& value)
+{
+    ArvGcFeatureNode* const node = feature(name);
+    if (!ARV_IS_GC_STRING(node))
+        return;
+    Attempt attempt;
+    arv_gc_string_set_value(ARV_GC_STRING(node), value.c_str(), attempt.error());
+}
+
+void FileNodes::settle(NodeId category)
+{
+    for (const NodeId id : m_nodes.node(category).features)
+        settleFeature(id);
+}
+
+void FileNodes::settleFeature(NodeId id)
+{
+    if (m_nodes.node(id).type == Orvo::NODE_TYPE_CATEGORY) {
+        settle(id);
+        return;
+    }
+    ArvGcFeatureNode* const node = feature(id);
+    // An enumeration is an integer, too.
+    if (ARV_IS_GC_ENUMERATION(node)) {
+        settleEnumeration(ARV_GC_ENUMERATION(node));
+    } else if (ARV_IS_GC_INTEGER(node)) {
+        settleInteger(ARV_GC_INTEGER(node));
+    } else if (ARV_IS_GC_FLOAT(node)) {
+        settleFloat(ARV_GC_FLOAT(node));
+    }
+}
+
+ArvGcFeatureNode* FileNodes::feature(const char* name) const
+{
+    const NodeId id = m_nodes.description().find(name);
+    return id == kNoNode ? nullptr : feature(id);
+}
+
+// Null for one that cannot be evaluated without harm.
+ArvGcFeatureNode* FileNodes::feature(NodeId id) const
+{
+    try {
+        m_nodes.check(id, Question::value);
+        m_nodes.check(id, Question::range);
+        for (const NodeId entry : m_nodes.node(id).entries) {
+            m_nodes.check(entry, Question::value);
+            m_nodes.check(entry, Question::access);
+        }
+        return m_nodes.feature(id);
+    } catch (const Failure&) {
+        return nullptr;
+    }
+}
+
+} // namespace cameralibs::simulated

@@ -1,0 +1,104 @@
+#include "cameralibs/devices/simulated/images/FrameGenerator.h"
+
+#include "cameralibs/devices/simulated/images/DeviceClock.h"
+
+#include <chrono>
+#include <exception>
+
+namespace cameralibs::simulated {
+
+namespace {
+
+bool isNth(std::uint64_t number, std::uint32_t every)
+{
+    return every != 0 && number % every == 0;
+}
+
+} // namespace
+
+FrameGenerator::FrameGenerator(Acquisition& acquisition, const DeviceClock& clock, FrameSink& sink,
+                               const std::vector<FrameBuffer*>& buffers)
+    : m_acquisition(acquisition)
+    , m_clock(clock)
+    , m_sink(sink)
+    , m_buffer(buffers.front())
+{
+}
+
+FrameGenerator::~FrameGenerator()
+{
+    FrameGenerator::stop();
+}
+
+Outcome FrameGenerator::start()
+{
+    m_frameNumber = 0;
+    m_acquisition.openSource();
+    m_thread = std::thread([this] { run(); });
+    return {};
+}
+
+void FrameGenerator::stop()
+{
+    if (!m_thread.joinable())
+        return;
+    m_acquisition.closeSource();
+    m_thread.join();
+}
+
+void FrameGenerator::run()
+{
+    for (;;) {
+        const Acquisition::Next next = m_acquisition.waitForNext();
+        switch (next.task) {
+        case Acquisition::Task::End:
+            return;
+        case Acquisition::Task::Error:
+            m_sink.fail(Orvo::CAM_API_STS_PACKET_STATUS_ERROR);
+            break;
+        case Acquisition::Task::Image:
+            sendImage(next.settings);
+            break;
+        }
+    }
+}
+
+void FrameGenerator::sendImage(const FrameSettings& settings)
+{
+    ++m_frameNumber;
+    if (isNth(m_frameNumber, settings.loseEvery))
+        return;
+    if (isNth(m_frameNumber, settings.incompleteEvery)) {
+        m_sink.fail(Orvo::CAM_API_STS_MISSING_PACKETS);
+        return;
+    }
+    const std::size_t size = ImageMaker::sizeOf(settings.image);
+    if (m_buffer->capacity < size) {
+        m_sink.fail(Orvo::CAM_API_STS_BUFFER_FULL);
+        return;
+    }
+    m_buffer->timestampNs = static_cast<std::uint64_t>(m_clock.nanoseconds());
+    if (!makeImage(settings)) {
+        m_sink.fail(Orvo::CAM_API_STS_NO_MEMORY);
+        return;
+    }
+    m_buffer->size = size;
+    m_buffer->frameNumber = m_frameNumber;
+    m_buffer = m_sink.deliver(m_buffer);
+}
+
+/// False where there is no memory to make it in, as for the rows that a description may ask for.
+bool FrameGenerator::makeImage(const FrameSettings& settings)
+{
+    // The scene has a time of its own: it does not stop with the camera, nor jump when the clock is reset.
+    const std::chrono::duration<double> sceneTime = Acquisition::Clock::now().time_since_epoch();
+    try {
+        m_maker.make(settings.image, m_frameNumber, sceneTime.count(), m_buffer->data);
+        return true;
+    } catch (const std::exception&) {
+        m_maker = ImageMaker(); // it may have been interrupted anywhere
+        return false;
+    }
+}
+
+} // namespace cameralibs::simulated

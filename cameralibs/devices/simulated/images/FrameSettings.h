@@ -1,0 +1,69 @@
+#pragma once
+
+/// What the registers say about the images, as the thread that makes them needs it.
+
+#include "cameralibs/devices/simulated/images/PixelPacking.h"
+
+#include <array>
+#include <cstdint>
+
+namespace cameralibs::simulated {
+
+/// In the order of the description's entries.
+enum class TestPattern : std::uint8_t {
+    Off,
+    Black,
+    White,
+    GreyHorizontalRamp,
+    GreyVerticalRamp,
+    GreyHorizontalRampMoving,
+    GreyVerticalRampMoving,
+    HorizontalLineMoving,
+    VerticalLineMoving,
+    ColorBar,
+};
+
+struct ImageSettings {
+    std::uint32_t sensorWidth = 0;
+    std::uint32_t sensorHeight = 0;
+    bool color = false;
+
+    std::uint32_t format = 0;              ///< its value in the PFNC: how large the image is
+    const PixelPacking* packing = nullptr; ///< of that format, or of one with as many bits: what it looks like
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint32_t offsetX = 0;
+    std::uint32_t offsetY = 0;
+    std::uint32_t binningX = 1;
+    std::uint32_t binningY = 1;
+    bool reverseX = false;
+    bool reverseY = false;
+    TestPattern pattern = TestPattern::Off;
+
+    // From the light of the scene to the value of a pixel.
+    double red = 1; ///< factors of the light
+    double green = 1;
+    double blue = 1;
+    double blackLevel = 0; ///< fraction of the full scale
+    double gamma = 1;
+    bool useTable = false;
+    std::array<std::uint8_t, 256> table{}; ///< look-up table, of and to values of 8 bits
+
+    [[nodiscard]] bool operator==(const ImageSettings& other) const;
+    [[nodiscard]] bool operator!=(const ImageSettings& other) const { return !(*this == other); }
+};
+
+enum class TriggerKind : std::uint8_t { None, Software, NeverComing };
+
+struct FrameSettings {
+    ImageSettings image;
+    double period = 1;   ///< seconds between the starts of two images
+    double exposure = 0; ///< seconds
+    TriggerKind trigger = TriggerKind::None;
+    double triggerDelay = 0;        ///< seconds
+    std::uint32_t framesToSend = 0; ///< images of one acquisition, 0 = without end
+    std::uint32_t loseEvery = 0;
+    std::uint32_t incompleteEvery = 0;
+};
+
+} // namespace cameralibs::simulated

@@ -1,0 +1,230 @@
+#include "cameralibs/devices/simulated/images/ImageMaker.h"
+
+#include "cameralibs/base/PixelFormat.h"
+#include "cameralibs/devices/simulated/images/FrameNumber.h"
+#include "cameralibs/devices/simulated/images/TestPatterns.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <numeric>
+
+namespace cameralibs::simulated {
+
+namespace {
+
+Sample luma(const Sample& light)
+{
+    const auto level = static_cast<std::uint16_t>((77U * light.red + 150U * light.green + 29U * light.blue) >> 8);
+    return {level, level, level};
+}
+
+// Sixteen joined pixels, the most there are, stay within 16 bits.
+static_assert(16 * kFullLight <= std::numeric_limits<std::uint16_t>::max());
+
+Sample sum(const Sample& a, const Sample& b)
+{
+    const auto add = [](std::uint16_t x, std::uint16_t y) { return static_cast<std::uint16_t>(x + y); };
+    return {add(a.red, b.red), add(a.green, b.green), add(a.blue, b.blue)};
+}
+
+// Between the values of the table, so that more than 8 bits keep their steps.
+double lookUp(const std::array<std::uint8_t, 256>& table, double value)
+{
+    const double place = value * 255;
+    const auto below = static_cast<std::size_t>(place);
+    const std::size_t above = std::min<std::size_t>(below + 1, 255);
+    const double part = place - static_cast<double>(below);
+    return (table[below] * (1 - part) + table[above] * part) / 255;
+}
+
+int groupBelow(int x)
+{
+    constexpr int kGroup = kPixelGroup;
+    return x / kGroup * kGroup;
+}
+
+} // namespace
+
+std::size_t ImageMaker::sizeOf(const ImageSettings& settings)
+{
+    return static_cast<std::size_t>(imageBytes(settings.format, settings.width, settings.height));
+}
+
+void ImageMaker::make(const ImageSettings& settings, std::uint64_t frameNumber, double seconds, std::uint8_t* out)
+{
+    if (settings != m_settings)
+        prepare(settings);
+    if (m_settings.pattern == TestPattern::Off) {
+        makeScene(frameNumber, seconds, out);
+    } else {
+        makePattern(frameNumber, out);
+    }
+}
+
+void ImageMaker::prepare(const ImageSettings& settings)
+{
+    m_settings = settings;
+    m_scene = Scene(settings.sensorWidth, settings.sensorHeight);
+    m_row.resize(static_cast<std::size_t>(settings.width) * settings.binningX);
+    m_light.resize(m_row.size());
+    m_still.clear();
+    const PixelFormat& packed = *findPixelFormat(settings.packing->format);
+    m_bitsPerPixel = bitsPerPixel(packed.value);
+    m_bitsPerRow = packed.packing == SamplePacking::Bits ? std::size_t{settings.width} * m_bitsPerPixel
+                                                         : imageBytes(packed, settings.width, 1) * 8;
+    if (settings.pattern != TestPattern::Off)
+        return;
+
+    buildTone();
+    m_still.resize(sizeOf(settings));
+    const int width = static_cast<int>(settings.width);
+    for (int y = 0; y < static_cast<int>(settings.height); ++y) {
+        renderSpan(0, y, width, nullptr);
+        packSpan(0, y, width, m_still.data());
+    }
+}
+
+void ImageMaker::buildTone()
+{
+    const std::array factors{m_settings.red, m_settings.green, m_settings.blue};
+    for (std::size_t channel = 0; channel < factors.size(); ++channel) {
+        const double factor = factors[channel];
+        auto& tone = m_tone[channel];
+        tone.resize(kFullLight + 1);
+        for (std::size_t light = 0; light < tone.size(); ++light) {
+            const double linear = static_cast<double>(light) / kFullLight * factor + m_settings.blackLevel;
+            double value = std::pow(std::clamp(linear, 0.0, 1.0), m_settings.gamma);
+            if (m_settings.useTable)
+                value = lookUp(m_settings.table, value);
+            tone[light] = static_cast<std::uint16_t>(std::lround(value * std::numeric_limits<std::uint16_t>::max()));
+        }
+    }
+}
+
+void ImageMaker::makeScene(std::uint64_t frameNumber, double seconds, std::uint8_t* out)
+{
+    std::memcpy(out, m_still.data(), m_still.size());
+    drawBall(seconds, out);
+    drawNumber(frameNumber, out);
+}
+
+void ImageMaker::makePattern(std::uint64_t frameNumber, std::uint8_t* out)
+{
+    // Rows that do not fill their last byte share it with the next row, and the format may take more than its packing.
+    const bool wholeBytes = m_bitsPerRow % 8 == 0;
+    const std::size_t rowBytes = m_bitsPerRow / 8;
+    const std::size_t filled = wholeBytes ? rowBytes * m_settings.height : 0;
+    std::memset(out + filled, 0, sizeOf(m_settings) - filled);
+    std::array<const std::uint8_t*, kPatternRowKinds> made{};
+    for (std::uint32_t y = 0; y < m_settings.height; ++y) {
+        const std::uint8_t*& like = made[patternRowKind(m_settings, frameNumber, y)];
+        if (like != nullptr && wholeBytes) {
+            std::memcpy(out + y * rowBytes, like, rowBytes);
+            continue;
+        }
+        paintPattern(m_settings, frameNumber, y, m_row.data());
+        packSpan(0, static_cast<int>(y), static_cast<int>(m_settings.width), out);
+        like = out + y * rowBytes;
+    }
+}
+
+void ImageMaker::drawBall(double seconds, std::uint8_t* out)
+{
+    const Ball ball = m_scene.ballAt(seconds);
+    const Rect onSensor = ball.bounds();
+
+    // From the sensor to the image: what ReverseX and ReverseY mirror, what the offset cuts, what binning joins.
+    const auto toImage = [](int low, int high, bool reversed, std::uint32_t sensor, std::uint32_t binning,
+                            std::uint32_t offset, std::uint32_t size, int& first, int& last) {
+        const int end = static_cast<int>(sensor);
+        if (reversed) {
+            std::swap(low, high);
+            low = end - low;
+            high = end - high;
+        }
+        const int step = static_cast<int>(binning);
+        first = std::clamp(low / step - static_cast<int>(offset) - 1, 0, static_cast<int>(size));
+        last = std::clamp(high / step - static_cast<int>(offset) + 1, 0, static_cast<int>(size));
+    };
+    const ImageSettings& s = m_settings;
+    Rect area;
+    toImage(onSensor.left, onSensor.right, s.reverseX, s.sensorWidth, s.binningX, s.offsetX, s.width, area.left,
+            area.right);
+    toImage(onSensor.top, onSensor.bottom, s.reverseY, s.sensorHeight, s.binningY, s.offsetY, s.height, area.top,
+            area.bottom);
+
+    const int left = groupBelow(area.left);
+    const int whole = groupBelow(area.right - left + static_cast<int>(kPixelGroup) - 1);
+    const int count = std::min(whole, static_cast<int>(s.width) - left);
+    for (int y = area.top; y < area.bottom; ++y) {
+        renderSpan(left, y, count, &ball);
+        packSpan(left, y, count, out);
+    }
+}
+
+void ImageMaker::drawNumber(std::uint64_t frameNumber, std::uint8_t* out)
+{
+    const FrameNumber number(frameNumber, m_settings.width, m_settings.height);
+    const Rect box = number.box();
+    for (int y = box.top; y < box.bottom; ++y) {
+        number.paint(y, m_row.data());
+        packSpan(box.left, y, box.right - box.left, out);
+    }
+}
+
+void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
+{
+    const int stepX = static_cast<int>(m_settings.binningX);
+    const int stepY = static_cast<int>(m_settings.binningY);
+    const int sensorCount = count * stepX;
+    int sensorX = (x + static_cast<int>(m_settings.offsetX)) * stepX;
+    if (m_settings.reverseX)
+        sensorX = static_cast<int>(m_settings.sensorWidth) - sensorX - sensorCount;
+    const int sensorY = (y + static_cast<int>(m_settings.offsetY)) * stepY;
+
+    readSensor(sensorX, sensorY, sensorCount, ball, m_row.data());
+    if (stepX * stepY > 1) {
+        for (int row = 1; row < stepY; ++row) {
+            readSensor(sensorX, sensorY + row, sensorCount, ball, m_light.data());
+            std::transform(m_light.begin(), m_light.begin() + sensorCount, m_row.begin(), m_row.begin(), sum);
+        }
+        joinColumns(count, stepX, stepX * stepY);
+    }
+    for (int i = 0; i < count; ++i) {
+        Sample& pixel = m_row[static_cast<std::size_t>(i)];
+        pixel = {m_tone[0][pixel.red], m_tone[1][pixel.green], m_tone[2][pixel.blue]};
+    }
+}
+
+void ImageMaker::joinColumns(int count, int columns, int joined)
+{
+    const auto mean = [&](std::uint16_t light) { return static_cast<std::uint16_t>(light / joined); };
+    const Sample* first = m_row.data();
+    for (int i = 0; i < count; ++i, first += columns) {
+        const Sample total = std::accumulate(first, first + columns, Sample{}, sum);
+        m_row[static_cast<std::size_t>(i)] = {mean(total.red), mean(total.green), mean(total.blue)};
+    }
+}
+
+void ImageMaker::readSensor(int x, int y, int count, const Ball* ball, Sample* light) const
+{
+    const int row = m_settings.reverseY ? static_cast<int>(m_settings.sensorHeight) - 1 - y : y;
+    m_scene.render(x, row, count, light);
+    if (ball != nullptr)
+        ball->paint(x, row, count, light);
+    if (!m_settings.color)
+        std::transform(light, light + count, light, luma);
+    if (m_settings.reverseX)
+        std::reverse(light, light + count);
+}
+
+void ImageMaker::packSpan(int x, int y, int count, std::uint8_t* image) const
+{
+    const std::size_t begin = static_cast<std::size_t>(y) * m_bitsPerRow + static_cast<std::size_t>(x) * m_bitsPerPixel;
+    m_settings.packing->pack(m_row.data(), static_cast<std::size_t>(count), static_cast<std::uint32_t>(y),
+                             image + begin / 8, begin % 8);
+}
+
+} // namespace cameralibs::simulated

@@ -1,0 +1,144 @@
+#include "cameralibs/devices/simulated/registers/RegisterDevice.h"
+
+#include "cameralibs/devices/simulated/registers/RegisterSpace.h"
+
+#include <cstddef>
+#include <iterator>
+
+namespace {
+
+using cameralibs::simulated::AccessResult;
+using cameralibs::simulated::RegisterSpace;
+
+// Instance memory comes zeroed from GObject, without constructors: plain members only.
+struct OrvoRegisterDevice {
+    ArvDevice parent;
+    RegisterSpace* space;
+    const char* description;
+    std::size_t descriptionSize;
+};
+
+struct OrvoRegisterDeviceClass {
+    ArvDeviceClass parent;
+};
+
+GType orvo_register_device_get_type();
+
+G_DEFINE_TYPE(OrvoRegisterDevice, orvo_register_device, ARV_TYPE_DEVICE)
+
+OrvoRegisterDevice* self(ArvDevice* device)
+{
+    return reinterpret_cast<OrvoRegisterDevice*>(device);
+}
+
+struct Failure {
+    ArvDeviceError code;
+    const char* text;
+};
+
+// Indexed by AccessResult; Done has none.
+constexpr Failure kFailures[] = {
+    {ARV_DEVICE_ERROR_UNKNOWN, ""},
+    {ARV_DEVICE_ERROR_NOT_CONNECTED, "The camera is not connected"},
+    {ARV_DEVICE_ERROR_PROTOCOL_ERROR_INVALID_ADDRESS, "There is no register at this address"},
+    {ARV_DEVICE_ERROR_PROTOCOL_ERROR_WRITE_PROTECT, "The register cannot be written"},
+    {ARV_DEVICE_ERROR_PROTOCOL_ERROR_ACCESS_DENIED, "The camera refuses register accesses"},
+    {ARV_DEVICE_ERROR_PROTOCOL_ERROR_INVALID_PARAMETER, "The camera refuses this value"},
+    {ARV_DEVICE_ERROR_UNKNOWN, "The camera has a fault of its own"},
+};
+
+gboolean answer(AccessResult result, GError** error)
+{
+    if (result == AccessResult::Done)
+        return TRUE;
+    const Failure& failure = kFailures[static_cast<std::size_t>(result)];
+    g_set_error_literal(error, ARV_DEVICE_ERROR, failure.code, failure.text);
+    return FALSE;
+}
+
+// The callers are C functions, which no exception may pass through.
+template <typename Access> gboolean answerOf(Access&& access, GError** error)
+{
+    AccessResult result = AccessResult::Failed;
+    try {
+        result = access();
+    } catch (...) {
+        // Such as want of memory for a page of registers.
+    }
+    return answer(result, error);
+}
+
+gboolean readMemory(ArvDevice* device, guint64 address, guint32 size, void* buffer, GError** error)
+{
+    return answerOf([&] { return self(device)->space->read(address, buffer, size); }, error);
+}
+
+// `Buffer` is void in older versions of Aravis and const void in newer ones.
+template <typename Buffer>
+gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, Buffer* buffer, GError** error)
+{
+    return answerOf([&] { return self(device)->space->write(address, buffer, size); }, error);
+}
+
+gboolean readRegister(ArvDevice* device, guint64 address, guint32* value, GError** error)
+{
+    return readMemory(device, address, sizeof *value, value, error);
+}
+
+gboolean writeRegister(ArvDevice* device, guint64 address, guint32 value, GError** error)
+{
+    return writeMemory<void>(device, address, sizeof value, &value, error);
+}
+
+const char* description(ArvDevice* device, std::size_t* size)
+{
+    *size = self(device)->descriptionSize;
+    return self(device)->description;
+}
+
+// Whoever browses the camera makes the node map from the description.
+ArvGc* noNodeMap(ArvDevice*)
+{
+    return nullptr;
+}
+
+// Images come from the camera's own source.
+ArvStream* noStream(ArvDevice*, ArvStreamCallback, void*, GDestroyNotify, GError** error)
+{
+    g_set_error_literal(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_NO_STREAM_CHANNEL, "No stream channel");
+    return nullptr;
+}
+
+void orvo_register_device_class_init(OrvoRegisterDeviceClass* klass)
+{
+    ArvDeviceClass& device = klass->parent;
+    device.create_stream = noStream;
+    device.get_genicam_xml = description;
+    device.get_genicam = noNodeMap;
+    device.read_memory = readMemory;
+    device.write_memory = writeMemory;
+    device.read_register = readRegister;
+    device.write_register = writeRegister;
+}
+
+void orvo_register_device_init(OrvoRegisterDevice*) {}
+
+} // namespace
+
+namespace cameralibs::simulated {
+
+void UnrefDevice::operator()(ArvDevice* device) const
+{
+    g_object_unref(device);
+}
+
+ArvDevicePtr makeRegisterDevice(RegisterSpace& space, std::string_view description)
+{
+    auto* const device = static_cast<OrvoRegisterDevice*>(g_object_new(orvo_register_device_get_type(), nullptr));
+    device->space = &space;
+    device->description = description.data();
+    device->descriptionSize = description.size();
+    return ArvDevicePtr(&device->parent);
+}
+
+} // namespace cameralibs::simulated

@@ -1,0 +1,298 @@
+#pragma once
+
+/// Every register of the built-in cameras. A feature "Width" of the description refers to the register "Width" by the
+/// node name "WidthReg". What differs between the cameras is set when one of them is switched on (CameraModel.h).
+
+#include "cameralibs/devices/simulated/registers/RegisterRows.h"
+
+#include <stdexcept>
+
+namespace cameralibs::simulated {
+
+namespace rows {
+
+constexpr auto kTable = laidOut(std::array{
+    // Device
+    choice("DeviceType", 2).readOnly(),
+    choice("DeviceScanType", 2).readOnly(),
+    text("DeviceVendorName", RO, 32, "Simulated"),
+    text("DeviceModelName", RO, 32),
+    text("DeviceFamilyName", RO, 32, "Simulated cameras"),
+    text("DeviceManufacturerInfo", RO, 64, "A program, not a camera"),
+    text("DeviceSerialNumber", RO, 32),
+    text("DeviceUserID", RW, 64).notStored(),
+    text("DeviceVersion", RO, 32, "1.0"),
+    text("DeviceFirmwareVersion", RO, 32, "1.0.0"),
+    u32("DeviceSFNCVersionMajor", RO, 2),
+    u32("DeviceSFNCVersionMinor", RO, 7),
+    u32("DeviceSFNCVersionSubMinor", RO, 0),
+    command("DeviceReset"),
+    choice("DeviceTemperatureSelector", 2),
+    real("DeviceTemperature", RO).times(2, "DeviceTemperatureSelector"),
+    u32("DeviceUpTime", RO),
+    choice("DeviceIndicatorMode", 3, 1),
+    choice("DeviceCharacterSet", 2).readOnly(),
+    i64("Timestamp", RO),
+    command("TimestampLatch"),
+    i64("TimestampLatchValue", RO),
+    command("TimestampReset"),
+    choice("DeviceClockSelector", 3),
+    real("DeviceClockFrequency", RO, 74.25e6).times(3, "DeviceClockSelector"),
+    choice("DeviceTLType", 5, 4).readOnly(),
+    u32("DeviceLinkSelector", RW).between(0, 0),
+    i64("DeviceLinkSpeed", RO, 500000000),
+    i64("DeviceMaxThroughput", RO),
+    choice("DeviceLinkThroughputLimitMode", 2),
+    i64("DeviceLinkThroughputLimit", RW, 400000000).between(1000000, 500000000),
+    choice("DeviceLinkHeartbeatMode", 2),
+    real("DeviceLinkHeartbeatTimeout", RW, 3e6).between(500000, 60000000),
+
+    // Image format
+    text("SensorName", RO, 32),
+    u32("SensorWidth", RO),
+    u32("SensorHeight", RO),
+    flag("ColorSensor", RO),
+    real("SensorPixelWidth", RO),
+    real("SensorPixelHeight", RO),
+    choice("SensorShutterMode", 2).readOnly(),
+    choice("RegionSelector", 1),
+    choice("RegionMode", 2, 1).readOnly(),
+    u32("WidthMax", RO),
+    u32("HeightMax", RO),
+    u32("Width", RW),
+    u32("Height", RW),
+    u32("OffsetX", RW),
+    u32("OffsetY", RW),
+    choice("BinningSelector", 1),
+    choice("BinningHorizontalMode", 2, 1),
+    u32("BinningHorizontal", RW, 1).between(1, 4),
+    choice("BinningVerticalMode", 2, 1),
+    u32("BinningVertical", RW, 1).between(1, 4),
+    flag("ReverseX", RW),
+    flag("ReverseY", RW),
+    u32("PixelFormat", RW),
+    u32("PixelSize", RO),
+    choice("PixelColorFilter", 2).readOnly(),
+    u32("PixelDynamicRangeMin", RO),
+    u32("PixelDynamicRangeMax", RO),
+    choice("TestPatternGeneratorSelector", 1),
+    choice("TestPattern", 10),
+
+    // Acquisition
+    choice("AcquisitionMode", 3, 2),
+    command("AcquisitionStart"),
+    command("AcquisitionStop"),
+    command("AcquisitionAbort"),
+    u32("AcquisitionFrameCount", RW, 10).between(1, 65535),
+    flag("AcquisitionFrameRateEnable", RW, true),
+    real("AcquisitionFrameRate", RW).between(0.1, 1000),
+    real("AcquisitionFrameRateWanted", RW).between(0.1, 1000), // what was written, whatever the exposure allows
+    real("AcquisitionFrameRateMax", RO),
+    real("AcquisitionResultingFrameRate", RO),
+    choice("AcquisitionStatusSelector", 2),
+    flag("AcquisitionStatus", RO).times(2, "AcquisitionStatusSelector"),
+    choice("TriggerSelector", 1),
+    choice("TriggerMode", 2),
+    choice("TriggerSource", 3),
+    command("TriggerSoftware"),
+    choice("TriggerActivation", 3),
+    choice("TriggerOverlap", 2, 1),
+    real("TriggerDelay", RW).between(0, 1000000),
+    choice("ExposureMode", 2),
+    real("ExposureTime", RW, 10000).between(10, 10000000),
+    choice("ExposureAuto", 3),
+
+    // Analog, look-up table
+    choice("GainSelector", 1),
+    real("Gain", RW).between(0, 24),
+    choice("GainAuto", 3),
+    choice("BlackLevelSelector", 1),
+    real("BlackLevel", RW).between(0, 64),
+    choice("BalanceRatioSelector", 3),
+    real("BalanceRatio", RW, 1).times(3, "BalanceRatioSelector").between(0.25, 4),
+    choice("BalanceWhiteAuto", 2),
+    real("Gamma", RW, 1).between(0.25, 4),
+    choice("LUTSelector", 1),
+    flag("LUTEnable", RW),
+    u32("LUTIndex", RW).between(0, 255),
+    u32("LUTValue", RW).times(256, "LUTIndex").between(0, 255),
+
+    // Lines, counters, events
+    choice("LineSelector", 4),
+    choice("LineMode", 2).readOnly().times(4, "LineSelector"),
+    choice("LineFormat", 2).readOnly().times(4, "LineSelector"),
+    choice("LineSource", 4).times(4, "LineSelector"),
+    flag("LineInverter", RW).times(4, "LineSelector"),
+    flag("LineStatus", RO).times(4, "LineSelector"),
+    u32("LineStatusAll", RO),
+    choice("UserOutputSelector", 2),
+    flag("UserOutputValue", RW).times(2, "UserOutputSelector"),
+    u32("UserOutputValueAll", RW).between(0, 3),
+    choice("CounterSelector", 2),
+    choice("CounterEventSource", 2).times(2, "CounterSelector"),
+    u32("CounterValue", RO).times(2, "CounterSelector"),
+    command("CounterReset"),
+    u32("CounterDuration", RW, 1000000).times(2, "CounterSelector").between(1, 4294967295),
+    choice("EventSelector", 1),
+    choice("EventNotification", 2),
+
+    // User sets; they outlive the power, and so does the choice of the first
+    choice("UserSetSelector", 3).notStored(),
+    text("UserSetDescription", RW, 64).times(3, "UserSetSelector").notStored(),
+    command("UserSetLoad"),
+    command("UserSetSave"),
+    choice("UserSetDefault", 3).notStored(),
+
+    // Transport
+    i64("PayloadSize", RO),
+    flag("TLParamsLocked", RW).notStored(),
+    i64("GevMACAddress", RO, 0x020000000001),
+    flag("GevCurrentIPConfigurationDHCP", RW),
+    u32("GevCurrentIPAddress", RO, 0xC0000201),
+    u32("GevCurrentSubnetMask", RO, 0xFFFFFF00),
+    u32("GevCurrentDefaultGateway", RO, 0xC00002FE),
+    u32("GevPersistentIPAddress", RW, 0xC0000201),
+    u32("GevPersistentSubnetMask", RW, 0xFFFFFF00),
+    u32("GevPersistentDefaultGateway", RW, 0xC00002FE),
+    u32("GevSCPSPacketSize", RW, 1500).between(220, 16000),
+    u32("GevSCPD", RW).between(0, 100000),
+
+    // Faults on demand
+    command("SimulationUnplug"),
+    u32("SimulationReplugAfter", RW).between(0, 3600).notStored(),
+    u32("SimulationLoseEvery", RW).between(0, 1000000).notStored(),
+    u32("SimulationIncompleteEvery", RW).between(0, 1000000).notStored(),
+    u32("SimulationAccessDelay", RW).between(0, 1000000).notStored(),
+    u32("SimulationErrorBurst", RW).between(0, 1000000).notStored(),
+    flag("SimulationRefuseAccess", RW).notStored(),
+
+    // Gallery: integers
+    u32("IntegerLinear", RW, 100).between(0, 255),
+    u32("IntegerLogarithmic", RW, 1000).between(1, 1000000),
+    flag("IntegerBoolean", RW, true),
+    u32("IntegerPureNumber", RW, 12345).between(0, 1000000),
+    u32("IntegerHexNumber", RW, 0xCAFE).between(0, 0xFFFF),
+    u32("IntegerIPV4Address", RW, 0x7F000001),
+    i64("IntegerMACAddress", RW, 0x02AABBCCDDEE).between(0, 0xFFFFFFFFFFFF),
+    i32("IntegerNoRepresentation", RW, -1),
+    i32("IntegerNegative", RW, -15).between(-100, 100),
+    u32("IntegerOffGrid", RW, 10).between(3, 100),
+    integer("IntegerByte", RegisterKind::Signed, 1, RW, -7).between(-128, 127),
+    integer("IntegerWord", RegisterKind::Unsigned, 2, RW, 0xBEEF).between(0, 65535),
+    i64("IntegerInt64", RW, 1LL << 53),
+    i64("IntegerInt64Slider", RW, -1),
+    i64("IntegerInt64Minimum", RO, kLeastInteger),
+    i64("IntegerInt64Maximum", RO, kGreatestInteger),
+    u32("IntegerSingleValue", RW, 5).between(5, 5),
+    i32("IntegerDynamicMinimum", RW, -10).between(-1000, 0),
+    i32("IntegerDynamicMaximum", RW, 10).between(0, 1000),
+    i32("IntegerDynamicIncrement", RW, 2).between(1, 10),
+    i32("IntegerDynamic", RW).between(-1000, 1000),
+    u32("IntegerBits", RW, 0x00FEDCBA),
+    bytes("IntegerBigEndian", RW, 4),
+    u32("IntegerConvertedBase", RW, 8).between(0, 1000),
+    u32("IntegerIndex", RW, 1).between(0, 9),
+
+    // Gallery: floats
+    real("FloatLinear", RW, 12.5).between(0, 100),
+    real("FloatLogarithmic", RW, 0.001).between(1e-6, 1000),
+    real("FloatPureNumber", RW, 3.25).between(-1000, 1000),
+    real("FloatNoRange", RW, -0.5),
+    real("FloatAutomatic", RW, 1234.5).between(-1e12, 1e12),
+    real("FloatFixed", RW, 1234.5).between(-1e12, 1e12),
+    real("FloatScientific", RW, 1234.5).between(-1e12, 1e12),
+    real("FloatPrecision0", RW, 1234.5).between(-1e12, 1e12),
+    real("FloatPrecision15", RW, 1.0 / 3).between(-10, 10),
+    real("FloatIncrement", RW, 0.75).between(-1, 10),
+    single("FloatSingle", RW, 0.1).between(-0x1p100, 0x1p100), // numbers that four bytes do not round
+    real("FloatLargest", RW, 1.7976931348623157e308),
+    real("FloatSmallest", RW, 1e-305).between(0, 1e-300),
+    real("FloatNotANumber", RO, kNotANumber),
+    real("FloatInfinite", RO, kInfinite),
+    real("FloatDynamicMaximum", RW, 50).between(0, 1000),
+    real("FloatDynamic", RW, 20).between(0, 1000),
+    real("FloatConvertedBase", RW, 10).between(0, 100),
+
+    // Gallery: booleans and enumerations
+    flag("BooleanPlain", RW, true),
+    flag("BooleanInverted", RW, true),
+    u32("BooleanOddValues", RW, 85),
+    flag("BooleanReadOnly", RO, true),
+    choice("EnumerationPlain", 3),
+    flag("EnumerationSecondAvailable", RW, true),
+    flag("EnumerationThirdImplemented", RW),
+    choice("EnumerationChanging", 3),
+    u32("EnumerationEmpty", RW),
+    choice("EnumerationOneAvailable", 3),
+    u32("EnumerationSparse", RW, 7),
+    choice("EnumerationReadOnly", 2, 1).readOnly(),
+    choice("EnumerationLong", 64, 21),
+
+    // Gallery: strings, registers and texts
+    text("StringPlain", RW, 32, "Plain text"),
+    text("StringEmpty", RW, 32),
+    text("StringUnicode", RW, 128, "Grüße, καλημέρα, привет, 你好, こんにちは, مرحبا 🎥"),
+    text("StringMarkup", RW, 128, R"(<b>Bold</b> &amp; <img src="x"> %1 %2 \n)"),
+    text("StringReadOnly", RO, 32, "Cannot be written"),
+    text("StringWriteOnly", WO, 32),
+    text("StringLong", RW, 65536).notStored(),
+    bytes("Register4", RW, 4),
+    bytes("Register16", RW, 16),
+    bytes("Register1024", RW, 1024),
+    bytes("RegisterReadOnly", RO, 8),
+    bytes("RegisterWriteOnly", WO, 8),
+    u32("TextLooksLikeMarkup", RW),
+    u32("TextLong", RW),
+    u32("TextManyLines", RW),
+    u32("TextUnicode", RW),
+    u32("TextNameOfAsManyLettersAsAreStillAllowed", RW),
+    u32("T", RW),
+
+    // Gallery: commands, access, selectors, visibilities, nesting
+    command("CommandPlain"),
+    u32("CommandCount", RO),
+    flag("CommandArmed", RW),
+    command("CommandWhenArmed"),
+    u32("AccessReadWrite", RW, 1).between(0, 100),
+    u32("AccessReadOnly", RO, 2),
+    u32("AccessImposedReadOnly", RW, 3),
+    u32("AccessWriteOnly", WO).between(0, 100),
+    real("AccessWriteOnlyFloat", WO).between(0, 1),
+    flag("AccessWriteOnlyBoolean", WO),
+    u32("AccessWriteOnlyEnumeration", WO).between(0, 1),
+    u32("AccessNotAvailable", RW),
+    u32("AccessNotImplemented", RW),
+    u32("AccessLockedWhileStreaming", RW, 50).between(0, 100),
+    choice("AccessSwitch", 4, 3),
+    u32("AccessSwitched", RW, 4).between(0, 10),
+    text("AccessSwitchedText", RW, 32, "Now you see me"),
+    choice("SelectorRow", 4),
+    u32("SelectorColumn", RW).between(0, 2),
+    u32("SelectorCell", RW).times(12, "").between(0, 1000),
+    text("SelectorRowName", RW, 32).times(4, "SelectorRow"),
+    u32("VisibilityBeginner", RW, 1).between(0, 10),
+    u32("VisibilityExpert", RW, 2).between(0, 10),
+    u32("VisibilityGuru", RW, 3).between(0, 10),
+    u32("VisibilityInvisible", RW, 4).between(0, 10),
+    u32("NestingValue1", RW, 1).between(0, 10),
+    u32("NestingValue2", RW, 2).between(0, 10),
+    u32("NestingValue3", RW, 3).between(0, 10),
+    u32("NestingValue4", RW, 4).between(0, 10),
+    u32("NestingValue5", RW, 5).between(0, 10),
+});
+
+} // namespace rows
+
+inline constexpr auto kRegisters = rows::kTable;
+
+/// In a constant expression a name that is not in the table does not compile.
+constexpr const RegisterEntry& registerNamed(std::string_view name)
+{
+    for (const RegisterEntry& row : kRegisters) {
+        if (row.name == name)
+            return row;
+    }
+    throw std::out_of_range("no such register");
+}
+
+} // namespace cameralibs::simulated

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "cameralibs/devices/simulated/registers/RegisterSpace.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <mutex>
+
+namespace cameralibs::simulated {
+
+/// Memory for registers wherever a description puts them: every address can be written, and what never was is zero.
+class SparseMemory : public RegisterSpace {
+public:
+    [[nodiscard]] AccessResult read(std::uint64_t address, void* buffer, std::uint32_t size) override;
+    [[nodiscard]] AccessResult write(std::uint64_t address, const void* buffer, std::uint32_t size) override;
+
+private:
+    static constexpr std::size_t kPageSize = 4096;
+    using Page = std::array<std::uint8_t, kPageSize>;
+
+    std::mutex m_mutex;
+    std::map<std::uint64_t, Page> m_pages; ///< by address / kPageSize
+};
+
+} // namespace cameralibs::simulated

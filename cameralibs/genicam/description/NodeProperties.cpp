@@ -1,0 +1,224 @@
+#include "cameralibs/genicam/description/NodeProperties.h"
+
+#include "cameralibs/genicam/description/ElementTable.h"
+#include "cameralibs/genicam/description/XmlElement.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+namespace cameralibs {
+
+using namespace Orvo;
+
+namespace {
+
+template <class Value> struct Token {
+    const char* text;
+    Value value;
+};
+
+constexpr Token<TC_NODE_VISIBILITY> kVisibilities[] = {
+    {"Beginner", NODE_VISIBILITY_BEGINNER},
+    {"Expert", NODE_VISIBILITY_EXPERT},
+    {"Guru", NODE_VISIBILITY_GURU},
+    {"Invisible", NODE_VISIBILITY_INVISIBLE},
+};
+constexpr Token<NodeRepresentation> kRepresentations[] = {
+    {"Linear", NODE_REPRESENTATION_LINEAR},          {"Logarithmic", NODE_REPRESENTATION_LOGARITHMIC},
+    {"Boolean", NODE_REPRESENTATION_BOOLEAN},        {"PureNumber", NODE_REPRESENTATION_PURE_NUMBER},
+    {"HexNumber", NODE_REPRESENTATION_HEX_NUMBER},   {"IPV4Address", NODE_REPRESENTATION_IPV4_ADDRESS},
+    {"MACAddress", NODE_REPRESENTATION_MAC_ADDRESS},
+};
+constexpr Token<FloatDisplayNotation> kNotations[] = {
+    {"Automatic", FLOAT_DISPLAY_NOTATION_AUTOMATIC},
+    {"Fixed", FLOAT_DISPLAY_NOTATION_FIXED},
+    {"Scientific", FLOAT_DISPLAY_NOTATION_SCIENTIFIC},
+};
+constexpr Token<NodeAccessMode> kAccessModes[] = {
+    {"RO", NODE_ACCESS_MODE_RO},
+    {"WO", NODE_ACCESS_MODE_WO},
+    {"RW", NODE_ACCESS_MODE_RW},
+};
+constexpr std::string_view kKeptWhiteSpace[] = {"ToolTip", "Description", "DisplayName", "DocuURL", "Comment", "Value"};
+constexpr std::string_view kNumbers[] = {"Length", "LSB", "MSB", "Bit"};
+
+template <std::size_t N> bool contains(const std::string_view (&names)[N], const std::string& name)
+{
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+/// `value` is left as it is by a text that is not in the table.
+template <class Value, std::size_t N>
+void assignToken(const Token<Value> (&table)[N], const std::string& text, Value& value)
+{
+    const auto row = std::find_if(std::begin(table), std::end(table), [&](const auto& r) { return text == r.text; });
+    if (row != std::end(table))
+        value = row->value;
+}
+
+/// Elements such as pValue; all of them, known or not, name a node.
+bool isReference(const std::string& name)
+{
+    return name.size() > 1 && name[0] == 'p' && name[1] >= 'A' && name[1] <= 'Z';
+}
+
+void readReference(xmlNode* element, const std::string& text, DescribedNode& node)
+{
+    Reference reference{elementName(element), text};
+    if (long long index = 0; toInteger(attribute(element, "Index"), index))
+        reference.index = index;
+    node.references.push_back(std::move(reference));
+    if (const std::string offset = attribute(element, "pOffset"); !offset.empty())
+        node.references.push_back({"pOffset", offset});
+}
+
+void readTextOrToken(const std::string& name, const std::string& text, DescribedNode& node)
+{
+    if (name == "ToolTip") {
+        node.toolTip = text;
+    } else if (name == "Description") {
+        node.description = text;
+    } else if (name == "Unit") {
+        node.unit = text;
+    } else if (name == "Symbolic") {
+        node.symbolic = text;
+    } else if (name == "Visibility") {
+        assignToken(kVisibilities, text, node.visibility);
+    } else if (name == "Representation") {
+        assignToken(kRepresentations, text, node.representation);
+    } else if (name == "DisplayNotation") {
+        assignToken(kNotations, text, node.notation);
+    } else if (name == "AccessMode") {
+        assignToken(kAccessModes, text, node.ownAccess);
+    } else if (name == "ImposedAccessMode") {
+        assignToken(kAccessModes, text, node.imposedAccess);
+    } else if (name == "ChunkID" || name == "EventID") {
+        node.carriedByImages = true;
+    } else if (contains(kNumbers, name)) {
+        node.numbers[name] = text;
+    }
+}
+
+void readNumber(const std::string& name, const std::string& text, DescribedNode& node)
+{
+    long long number = 0;
+    if (!toInteger(trimmed(text), number))
+        return;
+    if (name == "DisplayPrecision") {
+        node.precision = number;
+    } else if (name == "OnValue") {
+        node.onValue = number;
+    } else if (name == "OffValue") {
+        node.offValue = number;
+    } else if (name == "Value" && node.element == Element::enumEntry) {
+        node.entryValue = number;
+    }
+}
+
+/// Aravis knows truth by numbers only.
+void readTruth(xmlNode* element, const std::string& text)
+{
+    if (trimmed(text) == "true") {
+        setElementText(element, "1");
+    } else if (trimmed(text) == "false") {
+        setElementText(element, "0");
+    }
+}
+
+/// What the formulas of one element share, and what each has.
+struct FormulaParts {
+    Formula common;
+    std::string formula;
+    std::string to;
+    std::string from;
+
+    void read(xmlNode* element, const std::string& text)
+    {
+        const std::string name = elementName(element);
+        if (name == "pVariable") {
+            common.variables.emplace_back(attribute(element, "Name"), text);
+        } else if (name == "Constant") {
+            common.constants.emplace_back(attribute(element, "Name"), text);
+        } else if (name == "Expression") {
+            common.expressions.emplace_back(attribute(element, "Name"), text);
+        } else if (name == "Formula") {
+            formula = text;
+        } else if (name == "FormulaTo") {
+            to = text;
+        } else if (name == "FormulaFrom") {
+            from = text;
+        }
+    }
+
+    void addTo(DescribedNode& node, Element element)
+    {
+        const bool integer = element == Element::intSwissKnife || element == Element::intConverter;
+        common.kind = integer ? Formula::Kind::integer : Formula::Kind::floating;
+        if (element == Element::intSwissKnife || element == Element::swissKnife)
+            add(node, formula, "");
+        if (element == Element::intConverter || element == Element::converter) {
+            add(node, to, "FROM");
+            add(node, from, "TO");
+        }
+    }
+
+private:
+    void add(DescribedNode& node, const std::string& text, const char* input) const
+    {
+        node.formulas.push_back(common);
+        node.formulas.back().text = text;
+        node.formulas.back().input = input;
+    }
+};
+
+/// The text of an element, in the element itself too without the white space that says nothing.
+std::string readText(xmlNode* element)
+{
+    std::string text = elementText(element);
+    if (contains(kKeptWhiteSpace, elementName(element)))
+        return text;
+    std::string shorter = trimmed(text);
+    if (shorter != text)
+        setElementText(element, shorter);
+    return shorter;
+}
+
+void readChildren(xmlNode* element, DescribedNode& node, Element kind)
+{
+    FormulaParts parts;
+    for (xmlNode* child = element->children; child != nullptr; child = child->next) {
+        if (!isElement(child))
+            continue;
+        const std::string name = elementName(child);
+        if (const Element inner = elementRow(name).element; inner != Element::unknown) {
+            // A formula within a register computes its address; entries are nodes of their own.
+            if (inner == Element::intSwissKnife)
+                readChildren(child, node, inner);
+            continue;
+        }
+        const std::string text = readText(child);
+        parts.read(child, text);
+        if (isReference(name)) {
+            readReference(child, text, node);
+            continue;
+        }
+        if (long long index = 0; name == "ValueIndexed" && toInteger(attribute(child, "Index"), index))
+            node.constantIndices.push_back(index);
+        readTextOrToken(name, text, node);
+        readNumber(name, text, node);
+        if (name == "Value" && node.element == Element::boolean)
+            readTruth(child, text);
+    }
+    parts.addTo(node, kind);
+}
+
+} // namespace
+
+void readProperties(xmlNode* element, DescribedNode& node)
+{
+    readChildren(element, node, node.element);
+}
+
+} // namespace cameralibs

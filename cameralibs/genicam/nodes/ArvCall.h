@@ -1,0 +1,53 @@
+#pragma once
+
+#include "cameralibs/base/ErrorStatus.h"
+#include "cameralibs/base/Outcome.h"
+#include "cameralibs/genicam/EvaluationBudget.h"
+
+#include <arv.h>
+
+#include <utility>
+
+namespace cameralibs {
+
+/// What comes after each call of Aravis: an evaluation that took too long has no result, whatever came of it. Only that
+/// the camera is lost is told all the same.
+inline void finishArvCall(Outcome outcome)
+{
+    if (outcome.status != Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
+        EvaluationBudget::check();
+    throwIfFailed(std::move(outcome));
+}
+
+/// `call(GError**)` of Aravis, which reads; its error thrown as a Failure.
+template <class Call> auto arvRead(Call&& call)
+{
+    GError* error = nullptr;
+    const auto result = call(&error);
+    finishArvCall(takeError(error, Attempted::reading));
+    return result;
+}
+
+/// The same for one that writes.
+template <class Call> void arvWrite(Call&& call)
+{
+    GError* error = nullptr;
+    static_cast<void>(call(&error));
+    finishArvCall(takeError(error, Attempted::writing));
+}
+
+/// `call(GError**)` of Aravis, which reads, with `otherwise` where the description does not define what is asked for.
+template <class Call, class Result> Result arvReadOr(Result otherwise, Call&& call)
+{
+    GError* error = nullptr;
+    const Result result = call(&error);
+    if (g_error_matches(error, ARV_GC_ERROR, ARV_GC_ERROR_PROPERTY_NOT_DEFINED) != FALSE) {
+        g_error_free(error);
+        finishArvCall({});
+        return otherwise;
+    }
+    finishArvCall(takeError(error, Attempted::reading));
+    return result;
+}
+
+} // namespace cameralibs

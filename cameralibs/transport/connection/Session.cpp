@@ -1,0 +1,171 @@
+#include "cameralibs/transport/connection/Session.h"
+
+#include "cameralibs/base/Log.h"
+#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/connection/ControlTraffic.h"
+#include "cameralibs/transport/discovery/Discovery.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace cameralibs::transport {
+
+using namespace Orvo;
+
+namespace {
+
+/// How long giving a camera back may take.
+constexpr std::chrono::seconds kFarewell{1};
+
+constexpr std::chrono::milliseconds kProgressPeriod{100};
+
+/// By Hello::log.
+constexpr std::array<const char*, 4> kLogLevels = {"", "warning", "info", "debug"};
+
+} // namespace
+
+Session::Session(Descriptor control, Descriptor events)
+    : m_control(std::move(control))
+    , m_events(std::move(events))
+{
+    onAnswer([this](Answer answer) { tellProgress(answer); });
+}
+
+void Session::run()
+{
+    std::thread([this] { watchLibrary(); }).detach();
+    Packet packet;
+    while (m_control.receive(packet, Clock::time_point::max(), Channel::Descriptors::accept) == Received::packet) {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_asked = true;
+        }
+        if (!answer(packet))
+            break;
+    }
+    // Whatever the camera does meanwhile, the process ends in time.
+    std::thread([] {
+        std::this_thread::sleep_for(kFarewell);
+        ::_exit(1);
+    }).detach();
+    m_camera.close();
+    ::_exit(0);
+}
+
+/// Says that the process is alive, and ends the session with the library's process: another process may have got the
+/// library's ends of the channels by a fork.
+void Session::watchLibrary()
+{
+    const Descriptor parent(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
+    std::array<pollfd, 2> watched = {pollfd{m_events.descriptor(), POLLIN, 0}, pollfd{parent.get(), POLLIN, 0}};
+    do
+        m_events.sendOrDrop(Kind::alive);
+    while (::poll(watched.data(), watched.size(), static_cast<int>(kAlivePeriod.count())) <= 0);
+    m_control.shutDown();
+    std::this_thread::sleep_for(kFarewell);
+    ::_exit(1);
+}
+
+/// False where the session is to end.
+bool Session::answer(Packet& packet)
+{
+    if (const auto hello = packet.body<Hello>(Kind::hello))
+        return answerHello(*hello);
+    if (const auto kinds = packet.body<Enumerate>(Kind::enumerate))
+        return listCamerasFor(*kinds);
+    if (const auto open = packet.body<Open>(Kind::open); open && !m_camera.isOpen())
+        return answerOpen(*open);
+    if (!m_camera.isOpen())
+        return false;
+    if (const auto describe = packet.body<Describe>(Kind::describe))
+        return answerDescribe(*describe);
+    if (const auto read = packet.body<Read>(Kind::read); read && read->size <= kMaxData)
+        return answerRead(*read);
+    if (const auto write = packet.body<Write>(Kind::write))
+        return finish(m_camera.write(write->address, packet.data()));
+    if (const auto source = packet.body<OpenSource>(Kind::openSource))
+        return finish(m_camera.openSource(packet.takeDescriptor(), source->memorySize));
+    if (packet.body<Nothing>(Kind::start))
+        return finish(m_camera.start(packet.takeDescriptor()));
+    if (packet.body<Nothing>(Kind::stop)) {
+        m_camera.stop();
+        return finish(Outcome{});
+    }
+    if (packet.body<Nothing>(Kind::close)) {
+        m_camera.close();
+        (void)finish(Outcome{});
+    }
+    return false;
+}
+
+bool Session::answerHello(const Hello& hello)
+{
+    setLogLevel(kLogLevels[std::min<std::size_t>(hello.log, kLogLevels.size() - 1)]);
+    Hello own{};
+    setText(own.build, ORVO_TRANSPORT_BUILD);
+    return reply(Kind::hello, own, {});
+}
+
+bool Session::listCamerasFor(const Enumerate& kinds)
+{
+    for (const Listed& camera : listCameras(kinds.usb != 0, kinds.gige != 0)) {
+        if (!m_control.send(Kind::listed, camera))
+            return false;
+    }
+    return finish(Outcome{});
+}
+
+bool Session::answerOpen(const Open& open)
+{
+    return finish(m_camera.open(static_cast<CAM_LINK>(open.link), textOf(open.name)));
+}
+
+bool Session::answerDescribe(const Describe& describe)
+{
+    const std::string_view text = m_camera.description();
+    return reply(Kind::described, Described{text.size()},
+                 text.substr(std::min<std::uint64_t>(describe.offset, text.size()), kMaxData));
+}
+
+bool Session::answerRead(const Read& read)
+{
+    std::string bytes(read.size, '\0');
+    const auto access = m_camera.read(read.address, static_cast<std::uint32_t>(read.size), bytes.data());
+    return finish(access, bytes);
+}
+
+bool Session::finish(const Outcome& outcome)
+{
+    return reply(Kind::done, Done{outcome.status, 0}, std::string_view(outcome.text).substr(0, kMaxText));
+}
+
+bool Session::finish(const OpenedCamera::Access& access, std::string_view bytes)
+{
+    return reply(Kind::done, Done{access.error, 0},
+                 access.error == 0 ? bytes : std::string_view(access.text).substr(0, kMaxText));
+}
+
+/// On any thread that receives something of the camera.
+void Session::tellProgress(Answer answer)
+{
+    const std::lock_guard lock(m_mutex);
+    const Clock::time_point now = Clock::now();
+    if (!m_asked || now < m_lastProgress + kProgressPeriod)
+        return;
+    m_lastProgress = now;
+    (void)m_control.send(Kind::progress, Progress{answer, 0});
+}
+
+template <class Body> bool Session::reply(Kind kind, const Body& body, std::string_view data)
+{
+    const std::lock_guard lock(m_mutex);
+    m_asked = false;
+    return m_control.send(kind, body, data);
+}
+
+} // namespace cameralibs::transport

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "cameralibs/transport/Channel.h"
+#include "cameralibs/transport/connection/OpenedCamera.h"
+
+#include <mutex>
+#include <thread>
+
+namespace cameralibs::transport {
+
+/// Does what the library requests, one thing at a time, until it closes the control channel or ends.
+class Session {
+public:
+    Session(Descriptor control, Descriptor events);
+
+    /// Ends the process, the camera given back, within a second even where Aravis waits for the camera.
+    [[noreturn]] void run();
+
+private:
+    void watchLibrary();
+    [[nodiscard]] bool answer(Packet& packet);
+    [[nodiscard]] bool answerHello(const Hello& hello);
+    [[nodiscard]] bool answerOpen(const Open& open);
+    [[nodiscard]] bool answerDescribe(const Describe& describe);
+    [[nodiscard]] bool answerRead(const Read& read);
+    [[nodiscard]] bool listCamerasFor(const Enumerate& kinds);
+    [[nodiscard]] bool finish(const Outcome& outcome);
+    [[nodiscard]] bool finish(const OpenedCamera::Access& access, std::string_view bytes = {});
+    void tellProgress(Answer answer);
+    template <class Body> [[nodiscard]] bool reply(Kind kind, const Body& body, std::string_view data);
+
+    Channel m_control;
+    Channel m_events;
+    std::mutex m_mutex;   ///< guards sending replies and what follows
+    bool m_asked = false; ///< a reply is still to be sent
+    Clock::time_point m_lastProgress;
+    OpenedCamera m_camera;
+};
+
+} // namespace cameralibs::transport

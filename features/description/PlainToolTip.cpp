@@ -1,0 +1,38 @@
+#include "features/description/PlainToolTip.h"
+
+#include <QHelpEvent>
+#include <QString>
+#include <QToolTip>
+
+namespace {
+
+// A tool tip grows with its text, past the edges of the screen.
+constexpr int kMostCharacters = 2000;
+constexpr int kMostLines = 40;
+
+bool endsLine(QChar character)
+{
+    return character == '\n' || character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
+}
+
+QString beginningOf(const QString& text)
+{
+    int lines = 1;
+    for (int i = 0; i < text.size(); ++i) {
+        if (i == kMostCharacters || (endsLine(text.at(i)) && ++lines > kMostLines))
+            return text.left(i) + QChar(0x2026); // an ellipsis
+    }
+    return text;
+}
+
+} // namespace
+
+void showPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget, const QRect& area)
+{
+    QString shown = beginningOf(text);
+    // Tool tips guess the format from the text: with markup around it there is nothing left to guess, and long lines
+    // are broken.
+    if (!shown.isEmpty())
+        shown = "<p style=\"white-space:pre-wrap\">" + shown.toHtmlEscaped() + "</p>";
+    QToolTip::showText(event.globalPos(), shown, widget, area);
+}

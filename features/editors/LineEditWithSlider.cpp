@@ -1,0 +1,304 @@
+#include "features/editors/LineEditWithSlider.h"
+
+#include "features/item/GenAPINodeItem.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QFocusEvent>
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QTimerEvent>
+
+namespace {
+
+constexpr int kDragInterval = 50; // ms between two writes of a slider that is dragged
+constexpr int kLeastPartWidth = 50;
+
+} // namespace
+
+LineEditWithSlider::LineEditWithSlider(QWidget* parent)
+    : QWidget(parent)
+{
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_slider.setTracking(true);
+    for (QWidget* part : {static_cast<QWidget*>(&m_lineEdit), static_cast<QWidget*>(&m_slider)}) {
+        part->setGeometry(0, 0, width() / 2, height());
+        part->setMinimumWidth(kLeastPartWidth);
+        layout->addWidget(part, 0);
+    }
+
+    connect(&m_lineEdit, &QLineEdit::editingFinished, this, &LineEditWithSlider::lineEdit_EditingFinished);
+    connect(&m_slider, &QSlider::sliderPressed, this, &LineEditWithSlider::slider_Pressed);
+    connect(&m_slider, &QSlider::sliderReleased, this, &LineEditWithSlider::slider_Released);
+    connect(&m_slider, &QSlider::valueChanged, this, &LineEditWithSlider::slider_Moved);
+    connect(qApp, &QApplication::focusChanged, this, &LineEditWithSlider::focusMoved);
+}
+
+LineEditWithSlider::~LineEditWithSlider()
+{
+    // The parts give up the focus when they are destroyed, and that may not arrive here any more.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
+// --- Loading --------------------------------------------------------------------------------------------------------
+
+void LineEditWithSlider::setValue(GenAPINodeItem* item)
+{
+    if (item != nullptr) {
+        m_sliderPressed = false;
+        const bool logarithmic = item->getRepresentation() == Orvo::NODE_REPRESENTATION_LOGARITHMIC;
+        if (item->getNodeType() == Orvo::NODE_TYPE_INTEGER) {
+            logarithmic ? setValIntLog(item) : setValIntLinear(item);
+            return;
+        }
+        if (item->getNodeType() == Orvo::NODE_TYPE_FLOAT) {
+            logarithmic ? setValFloatLog(item) : setValFloatLinear(item);
+            return;
+        }
+    }
+    m_slider.setValue(m_slider.minimum()); // before the text, which follows a slider that is pressed
+    m_slider.setEnabled(false);
+    m_lineEdit.clear();
+    m_lineEdit.setToolTip(QString());
+    m_lineEdit.setEnabled(false);
+}
+
+void LineEditWithSlider::setValIntLinear(GenAPINodeItem* item)
+{
+    loadInt(*item, loadIntLinear);
+}
+
+void LineEditWithSlider::setValFloatLinear(GenAPINodeItem* item)
+{
+    loadFloat(*item, loadFloatLinear);
+}
+
+void LineEditWithSlider::setValIntLog(GenAPINodeItem* item)
+{
+    loadInt(*item, [this](SliderMapping& mapping, long value) { return loadIntLog(mapping, isLogarithmic(), value); });
+}
+
+void LineEditWithSlider::setValFloatLog(GenAPINodeItem* item)
+{
+    loadFloat(*item,
+              [this](SliderMapping& mapping, double value) { return loadFloatLog(mapping, isLogarithmic(), value); });
+}
+
+template <typename Load> void LineEditWithSlider::loadInt(GenAPINodeItem& item, Load load)
+{
+    m_item = &item;
+    m_mapping.minInt = item.getMinInt();
+    m_mapping.maxInt = item.getMaxInt();
+    m_mapping.incInt = item.getIncInt();
+    const long value = item.getValInt(false);
+    fill(load(m_mapping, value), m_mapping.minInt >= m_mapping.maxInt);
+}
+
+template <typename Load> void LineEditWithSlider::loadFloat(GenAPINodeItem& item, Load load)
+{
+    m_item = &item;
+    m_mapping.minFloat = item.getMinFloat();
+    m_mapping.maxFloat = item.getMaxFloat();
+    m_mapping.hasIncFloat = item.getHasIncFloat();
+    m_mapping.incFloat = item.getIncFloat();
+    const double value = item.getValFloat(false);
+    fill(load(m_mapping, value), !(m_mapping.minFloat < m_mapping.maxFloat));
+}
+
+void LineEditWithSlider::fill(const SliderPositions& positions, bool isFixed)
+{
+    m_slider.setMinimum(positions.minimum);
+    m_slider.setMaximum(positions.maximum);
+    m_slider.setValue(positions.position);
+    m_lineEdit.setText(m_item->getNodeValue(false, false));
+    m_lineEdit.setEnabled(!isFixed);
+    m_lineEdit.setToolTip(isFixed ? tr("This value is fixed value.") : QString());
+}
+
+// --- Values and positions -------------------------------------------------------------------------------------------
+
+int LineEditWithSlider::calcSliderVal(long value) const
+{
+    return m_item ? intToPosition(m_mapping, isLogarithmic(), value) : 0;
+}
+
+int LineEditWithSlider::calcSliderVal(double value) const
+{
+    return m_item ? floatToPosition(m_mapping, isLogarithmic(), value) : 0;
+}
+
+long LineEditWithSlider::convSliderValToInt(int position) const
+{
+    return m_item ? positionToInt(m_mapping, isLogarithmic(), position) : 0;
+}
+
+double LineEditWithSlider::convSliderValToFloat(int position) const
+{
+    return m_item ? positionToFloat(m_mapping, isLogarithmic(), position) : 0.0;
+}
+
+long LineEditWithSlider::getValidNodeValue(long value) const
+{
+    return m_item ? validInt(m_mapping, value) : value;
+}
+
+double LineEditWithSlider::getValidNodeValue(double value) const
+{
+    return m_item ? validFloat(m_mapping, value) : value;
+}
+
+bool LineEditWithSlider::isFloat() const
+{
+    return m_item->getNodeType() == Orvo::NODE_TYPE_FLOAT;
+}
+
+bool LineEditWithSlider::isLogarithmic() const
+{
+    return m_item->getRepresentation() == Orvo::NODE_REPRESENTATION_LOGARITHMIC;
+}
+
+// --- Writing --------------------------------------------------------------------------------------------------------
+
+void LineEditWithSlider::getValue()
+{
+    if (m_item.isNull())
+        return;
+    if (!m_slider.hasFocus()) {
+        writeText();
+    } else {
+        writePosition();
+    }
+    if (m_item)
+        m_lineEdit.setText(m_item->getNodeValue(true, false));
+}
+
+void LineEditWithSlider::writeText()
+{
+    m_item->setNodeValue(m_lineEdit.text());
+    if (m_item.isNull())
+        return;
+    // The numbers are those that were read last: the view reads everything anew after a commit, and loads again.
+    const int position =
+        isFloat() ? calcSliderVal(m_item->getValFloat(false)) : calcSliderVal(m_item->getValInt(false));
+    m_slider.setValue(position);
+}
+
+void LineEditWithSlider::writePosition()
+{
+    const int position = m_slider.value();
+    if (isFloat()) {
+        m_item->setNodeValue(convSliderValToFloat(position));
+    } else {
+        m_item->setNodeValue(convSliderValToInt(position));
+    }
+}
+
+void LineEditWithSlider::getSliderValue()
+{
+    if (m_slider.value() == m_lastSliderValue)
+        return;
+    m_lastSliderValue = m_slider.value();
+    getValue();
+}
+
+bool LineEditWithSlider::hasTracking() const
+{
+    return m_slider.hasTracking();
+}
+
+void LineEditWithSlider::setTracking(bool tracking)
+{
+    m_slider.setTracking(tracking);
+}
+
+void LineEditWithSlider::lineEdit_EditingFinished()
+{
+    if (m_item.isNull())
+        return;
+    writeText();
+    if (m_item)
+        m_lineEdit.setText(m_item->getNodeValue(true, false));
+}
+
+void LineEditWithSlider::slider_Pressed()
+{
+    m_sliderPressed = true;
+    if (m_timerId != 0)
+        killTimer(m_timerId);
+    m_timerId = startTimer(kDragInterval);
+}
+
+void LineEditWithSlider::slider_Released()
+{
+    // What moved since the last write is written when the delegate commits.
+    m_sliderPressed = false;
+    if (m_timerId != 0)
+        killTimer(m_timerId);
+    m_timerId = 0;
+}
+
+void LineEditWithSlider::slider_Moved(int position)
+{
+    if (!m_sliderPressed || m_item.isNull())
+        return;
+    if (isFloat()) {
+        m_lineEdit.setText(m_item->getValueStr(convSliderValToFloat(position)));
+    } else {
+        m_lineEdit.setText(m_item->getValueStr(convSliderValToInt(position)));
+    }
+}
+
+void LineEditWithSlider::timeElapsed()
+{
+    getValue();
+}
+
+void LineEditWithSlider::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() == m_timerId) {
+        getSliderValue();
+    } else {
+        QWidget::timerEvent(event);
+    }
+}
+
+// --- Keyboard focus -------------------------------------------------------------------------------------------------
+
+void LineEditWithSlider::focusInEvent(QFocusEvent* event)
+{
+    QWidget::focusInEvent(event);
+    // Not a focus proxy: a view gives the focus of a closed editor back by taking it, so that the line edit would take
+    // Escape for leaving it, and write.
+    // A line edit without an editable value leaves it here.
+    if (!m_lineEdit.isEnabled())
+        return;
+    m_lineEdit.setFocus(event->reason());
+    m_lineEdit.selectAll();
+}
+
+void LineEditWithSlider::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    const QWidget* focus = QApplication::focusWidget();
+    if (!isHidden() || parentWidget() == nullptr || (focus != &m_lineEdit && focus != &m_slider))
+        return;
+    // Qt would pass the focus on as Tab does, which makes a table go to its next cell; and the line edit would take it
+    // for being left, and write.
+    {
+        const QSignalBlocker notLeft(m_lineEdit);
+        parentWidget()->setFocus();
+    }
+    // A view that is reset closes its editors without a word to the delegate. What was typed is committed all the same.
+    const auto* view = qobject_cast<QAbstractItemView*>(parentWidget()->parentWidget());
+    if (view != nullptr && view->indexWidget(view->currentIndex()) == this)
+        emit view->itemDelegate()->commitData(this);
+}
+
+void LineEditWithSlider::focusMoved(QWidget* from, QWidget* to)
+{
+    if ((from != &m_lineEdit && from != &m_slider) || (to != nullptr && (to == this || isAncestorOf(to))))
+        return;
+    QFocusEvent left(QEvent::FocusOut, isActiveWindow() ? Qt::OtherFocusReason : Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(this, &left);
+}

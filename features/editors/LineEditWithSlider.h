@@ -1,0 +1,89 @@
+#pragma once
+
+#include "features/editors/LineEditWithSliderMapping.h"
+
+#include <QLineEdit>
+#include <QPointer>
+#include <QSlider>
+#include <QWidget>
+
+class GenAPINodeItem;
+
+/// The editor of an Integer or Float node with a range: a line edit and a slider side by side. Typed text is written
+/// when the line edit is left; while the slider is dragged its value is shown at once and written every 50 ms. Loading
+/// writes nothing. Lives on the GUI thread.
+///
+/// Leaving it, from either part, sends it a focus-out event, so that a delegate commits and closes it as it does with
+/// an editor of one part.
+class LineEditWithSlider : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit LineEditWithSlider(QWidget* parent = nullptr);
+    ~LineEditWithSlider() override;
+
+    /// Shows range and value of the item, which may be loaded again at any time; a press of the slider that is under
+    /// way ends. Anything but an Integer or Float node, null too, leaves an empty, disabled editor that keeps its item.
+    void setValue(GenAPINodeItem* item);
+
+    /// The four ways to load, each for a node of its type, not null. A range with one value, or none, disables the line
+    /// edit. None of them enables or disables the slider. The logarithmic ones place the slider by calcSliderVal(), so
+    /// linearly for a node that is not logarithmic.
+    void setValIntLinear(GenAPINodeItem* item);
+    void setValFloatLinear(GenAPINodeItem* item);
+    void setValIntLog(GenAPINodeItem* item);
+    void setValFloatLog(GenAPINodeItem* item);
+
+    /// Between values and positions of the slider, by the node's representation; without a node 0.
+    [[nodiscard]] int calcSliderVal(long value) const;
+    [[nodiscard]] int calcSliderVal(double value) const;
+    [[nodiscard]] long convSliderValToInt(int position) const;
+    [[nodiscard]] double convSliderValToFloat(int position) const;
+    /// The value brought into the range and onto a step; without a node as it is.
+    [[nodiscard]] long getValidNodeValue(long value) const;
+    [[nodiscard]] double getValidNodeValue(double value) const;
+
+    /// Writes the slider's value where the slider has the focus, the line edit's text otherwise; then shows what the
+    /// node holds.
+    void getValue();
+    /// The same, if the slider moved since it was last asked.
+    void getSliderValue();
+
+    [[nodiscard]] bool hasTracking() const;
+    void setTracking(bool tracking);
+
+signals:
+    /// Part of the interface, but never emitted: the delegate commits with getValue().
+    void editingFinished();
+    void sliderMoved();
+
+public slots:
+    void lineEdit_EditingFinished();
+    void slider_Pressed();
+    void slider_Released();
+    void slider_Moved(int position);
+    void timeElapsed();
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    template <typename Load> void loadInt(GenAPINodeItem& item, Load load);
+    template <typename Load> void loadFloat(GenAPINodeItem& item, Load load);
+    void fill(const SliderPositions& positions, bool isFixed);
+    void writeText();
+    void writePosition();
+    [[nodiscard]] bool isFloat() const;
+    [[nodiscard]] bool isLogarithmic() const;
+    void focusMoved(QWidget* from, QWidget* to);
+
+    QLineEdit m_lineEdit;
+    QSlider m_slider{Qt::Horizontal};
+    QPointer<GenAPINodeItem> m_item;
+    SliderMapping m_mapping;
+    int m_timerId = 0;
+    int m_lastSliderValue = -1; ///< written last while dragging
+    bool m_sliderPressed = false;
+};

@@ -1,0 +1,21 @@
+#include "features/item/GenAPINodeItem.h"
+
+#include "features/view/FeatureView.h"
+
+int GenAPINodeItem::opeLogLevel() const
+{
+    return m_featureView != nullptr ? m_featureView->opeLogLevel() : OpeLogOff;
+}
+
+void GenAPINodeItem::appendOpeLog(QString& log, const QString& text, OperationLogMode mode, unsigned int status) const
+{
+    OperationLog::append(log, text, opeLogLevel(), mode, status);
+}
+
+void GenAPINodeItem::sendOpeLog(const QString& log)
+{
+    if (log.isEmpty())
+        return;
+    QString entry = OperationLog::text(OperationLog::Fragment::NodeLookup, m_node.name) + log;
+    emit m_featureView->OpeLogAppended(entry);
+}

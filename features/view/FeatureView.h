@@ -1,0 +1,237 @@
+#pragma once
+
+#include "camera/OrvoCamApi.h"
+#include "features/editors/TableViewItemDelegate.h"
+#include "features/view/FeatureFilterModel.h"
+
+#include <QAction>
+#include <QIcon>
+#include <QList>
+#include <QPointer>
+#include <QStandardItemModel>
+#include <QTableView>
+#include <QTimer>
+#include <QVariant>
+#include <QWidget>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+class DescBox;
+class GenAPINodeItem;
+class HeldChanges;
+class QHelpEvent;
+class QKeyEvent;
+class QRegExp;
+class QToolBar;
+enum EditorWidgetType : int;
+
+/// The feature browser of one opened camera: a table with one row per node, its tool bar, and the description of the
+/// chosen node. Lives on the GUI thread.
+class FeatureView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Item data beside those that a node item sets itself.
+    enum Role {
+        LevelRole = Qt::UserRole + 4,     ///< column 0: the letter of the user level, the filter key
+        ItemIndexRole = Qt::UserRole + 5, ///< every column: the row's index in the item list and the source model
+        ExpandedRole = Qt::UserRole + 6,  ///< column 0 of a category: whether the rows below it are shown
+    };
+
+    enum Column { NameColumn, TypeColumn, ValueColumn, ColumnCount };
+
+    explicit FeatureView(QWidget* parent = nullptr);
+    ~FeatureView() override;
+
+    void createToolBar();
+    void createTable();
+
+    // --- The rows ---------------------------------------------------------------------------------------------------
+
+    /// Shows the features of the camera, which stays open for as long as this view lives. 0, or 1 where the camera has
+    /// no node map; the table stays as it was then.
+    int SetCam(unsigned long hCam);
+
+    /// Makes the item of the node and, of a category, those of everything below it, and appends them to the list. Items
+    /// that are in no model when this view ends, or when the next camera is set, are deleted then.
+    Orvo::CAM_API_STATUS registerItemsToList(unsigned long hNode);
+
+    /// Takes the model, whose items replace those shown before; they are deleted. The rows keep the order of the model.
+    void showModel(QStandardItemModel* model);
+
+    /// Rows for work on this view without a camera: one, and nine of them.
+    void addFeature(QStandardItemModel* model, int row, const QString& level, const QString& name, const QString& type,
+                    const QString& value, EditorWidgetType editor);
+    void setFeatureDataDebug(QStandardItemModel* model);
+
+    /// The item in the value column of the row that `index` leads to, an index of the table's model or of the source
+    /// model. Null where the row has no camera node.
+    [[nodiscard]] GenAPINodeItem* itemAt(const QModelIndex& index) const;
+
+    /// In the order of the rows of the source model, which owns them.
+    [[nodiscard]] const QList<GenAPINodeItem*>& items() const { return m_items; }
+    [[nodiscard]] QStandardItemModel* sourceModel() const { return m_sourceModel.get(); }
+    [[nodiscard]] QTableView* tableView() { return &m_tableView; }
+    [[nodiscard]] const QTableView* tableView() const { return &m_tableView; }
+    [[nodiscard]] DescBox* descBox() const { return m_descBox; }
+
+    // --- Filtering and sorting --------------------------------------------------------------------------------------
+
+    /// Shows the features up to the level, and the categories where the rows keep the order of the camera.
+    void sortAndFilter(bool sortAtoZ, Orvo::TC_NODE_VISIBILITY level);
+
+    /// Whether every value is read anew after an editor wrote one.
+    [[nodiscard]] bool autoReRead() const { return m_autoReRead; }
+    void setAutoReRead(bool on) { m_autoReRead = on; }
+
+    /// Whether the tool bar offers the Invisible level.
+    [[nodiscard]] bool levelInvisibleAvailable() const { return m_levelInvisibleAvailable; }
+    void setLevelInvisibleAvailable(bool available);
+
+    /// Whether features that the camera does not implement are shown; takes effect at the next sortAndFilter().
+    [[nodiscard]] bool isNIfeatureVisible() const { return m_niFeatureVisible; }
+    void setNIfeatureVisible(bool visible) { m_niFeatureVisible = visible; }
+
+    // --- Colours, folding, node-type column -------------------------------------------------------------------------
+
+    /// Colours a row by the access mode of its item.
+    void setCellColor(QStandardItemModel* model, int row);
+    void setCellColor(int row) { setCellColor(m_sourceModel.get(), row); }
+
+    /// Shows and hides the rows of the table by the fold states of their categories.
+    void SetRowCollapsedState();
+    /// Folds or unfolds the category of that row; nothing for the row of a feature.
+    void changeCollapsedState(QModelIndex index);
+
+    /// True where the node-type column is hidden: the opposite of what the name says, and meant to be.
+    [[nodiscard]] bool clmNodeTypeVisible() const;
+    void setclmNodeTypeVisible(bool visible);
+    /// The least width of this view, in pixels, at which the node-type column is shown.
+    [[nodiscard]] int minWdtShowingClmNodeType() const { return m_minWdtShowingClmNodeType; }
+    void setMinWdtShowingClmNodeType(int width);
+    void updateClmNodeTypeVisible();
+
+    /// Ends the editor that is open, by resetting the table; the current row stays.
+    void closeEditOperation();
+    void ScrollToCurrent() {}
+
+    // --- For the node items -----------------------------------------------------------------------------------------
+
+    /// The OperationLogMode up to which entries are made.
+    [[nodiscard]] int opeLogLevel() const { return m_opeLogLevel; }
+    void setOpeLogLevel(int level) { m_opeLogLevel = level; }
+
+    /// A value was written to the camera: the next updateAllFeatures(false) reads.
+    void setValuesWritten() { m_valuesWritten = true; }
+
+    /// While an item writes no editor opens.
+    void setWriteInProgress(bool inProgress) { m_delegate.setWriteInProgress(inProgress); }
+
+signals:
+    /// One entry of the operation log. A receiver may change the text, which nobody looks at afterwards.
+    void OpeLogAppended(QString& text);
+    /// The camera's trigger mode or trigger source was written.
+    void checkSoftwareTriggerMode();
+
+public slots:
+    void selectSortCategory();
+    void selectSortAtoZ();
+    void selectBeginner();
+    void selectExpert();
+    void selectGuru();
+    void selectInvisible();
+
+    void tableRowClicked(QModelIndex index);
+    void tableRowDoubleClicked(QModelIndex index);
+    void columnHeaderDoubleClicked();
+
+    /// Reads every value from the camera; without `force` only where one was written since the last time. A call from
+    /// within a running one makes that go round once more.
+    void updateAllFeatures(bool force = true);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    enum ToolAction {
+        RefreshAction,
+        SortCategoryAction,
+        SortAzAction,
+        BeginnerAction,
+        ExpertAction,
+        GuruAction,
+        InvisibleAction,
+        ToolActionCount,
+    };
+    struct RowColours {
+        QVariant background;
+        QVariant foreground;
+    };
+    /// Null where the model has no such column.
+    using RowCells = std::array<QStandardItem*, ColumnCount>;
+
+    // FeatureView.cpp
+    [[nodiscard]] static std::unique_ptr<QStandardItemModel> emptyModel();
+    void dropModel();
+    /// The item of a source row's cell, by an index of the source model or of the table's model.
+    [[nodiscard]] QStandardItem* sourceItem(const QModelIndex& index, int column) const;
+
+    void showToolTip(const QHelpEvent& help);
+    void keepCurrentRowInView(QSize before);
+
+    // FeatureViewTree.cpp
+    Orvo::CAM_API_STATUS registerSubtree(Orvo::CAM_NODE_HANDLE node, int level);
+    void deleteItemsWithoutModel();
+    void fillRow(QStandardItemModel& model, int row);
+
+    void checkActions(); // FeatureViewToolBar.cpp
+
+    // FeatureViewFilter.cpp
+    void spanCategories();
+    void fitColumns();
+    [[nodiscard]] int widthOf(int column, const std::vector<int>& rows) const;
+    void closeEditorUnlessAccepted(const QRegExp& filter);
+    void readEveryItem();
+
+    // FeatureViewColours.cpp
+    void makeRowColours();
+    [[nodiscard]] const RowColours& coloursOf(const GenAPINodeItem& item) const;
+    static void setColours(const RowCells& cells, const RowColours& colours);
+
+    // FeatureViewFolding.cpp
+    [[nodiscard]] int sourceRow(int tableRow) const;
+    [[nodiscard]] bool isCategory(int sourceRow) const;
+    void noteCategories();
+    [[nodiscard]] bool foldByKey(const QKeyEvent& key);
+
+    QTableView m_tableView;
+    QTimer m_scrollTimer; // to the current row
+    DescBox* m_descBox = nullptr;
+    std::unique_ptr<QStandardItemModel> m_sourceModel;
+    int m_opeLogLevel = 1;
+    TableViewItemDelegate m_delegate;
+    bool m_valuesWritten = false;
+    QList<GenAPINodeItem*> m_items;                            // owned by the source model
+    std::vector<QPointer<GenAPINodeItem>> m_itemsWithoutModel; // unless a caller placed them
+    std::vector<bool> m_categoryRows;                          // of the source model
+    FeatureFilterModel m_filterModel;
+    QToolBar* m_toolBar = nullptr;
+    std::array<std::unique_ptr<QAction>, ToolActionCount> m_actions;
+    int m_level = Orvo::NODE_VISIBILITY_BEGINNER;
+    bool m_sortAtoZ = false;
+    bool m_autoReRead = true;
+    bool m_levelInvisibleAvailable = false;
+    bool m_niFeatureVisible = false;
+    Orvo::CAM_HANDLE m_camera = 0;
+    int m_minWdtShowingClmNodeType = 300;
+    bool m_reReading = false;
+    bool m_reReadAgain = false;
+    HeldChanges* m_heldChanges = nullptr; // while everything is read
+    std::array<RowColours, 6> m_rowColours;
+    QIcon m_foldedIcon{QStringLiteral(":/images/FeatureView/images/Folded.png")};
+    QIcon m_expandedIcon{QStringLiteral(":/images/FeatureView/images/Collapsed.png")};
+};
