@@ -1,19 +1,47 @@
 #pragma once
 
 #include "cameralibs/api/ImageBounds.h"
-#include "cameralibs/api/Removal.h"
+#include "cameralibs/api/Signal.h"
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/devices/Device.h"
 #include "cameralibs/genicam/nodes/NodeMap.h"
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace cameralibs {
 
 class Stream;
+
+/// Whether a camera is gone. Its own object, because whoever finds out may outlive the camera. Any thread.
+class Removal {
+public:
+    /// `signal` may be null.
+    explicit Removal(std::shared_ptr<Signal> signal)
+        : m_signal(std::move(signal))
+    {
+    }
+
+    /// Who sees that the camera is gone finds the signal set, and the other way round.
+    void note()
+    {
+        if (m_signal != nullptr) {
+            m_signal->setTogetherWith(m_noted);
+        } else {
+            m_noted.store(true, std::memory_order_release);
+        }
+    }
+
+    [[nodiscard]] bool noted() const noexcept { return m_noted.load(std::memory_order_acquire); }
+
+private:
+    std::shared_ptr<Signal> m_signal;
+    std::atomic<bool> m_noted{false};
+};
 
 /// An opened camera. Any thread; whatever reaches the device or evaluates the description runs one at a time.
 class Camera {

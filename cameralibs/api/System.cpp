@@ -2,8 +2,7 @@
 
 #include "cameralibs/base/Log.h"
 #include "cameralibs/base/Outcome.h"
-#include "cameralibs/devices/simulated/SimulatedProvider.h"
-#include "cameralibs/devices/transport/TransportProvider.h"
+#include "cameralibs/devices/Providers.h"
 #include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/nodes/TextOperations.h"
 

@@ -1,6 +1,6 @@
 #include "cameralibs/base/Log.h"
 
-#include "cameralibs/base/ErrorText.h"
+#include "cameralibs/base/Outcome.h"
 
 #include <arv.h>
 

@@ -1,6 +1,6 @@
 #include "cameralibs/api/exports/LastError.h"
 
-#include "cameralibs/base/ErrorText.h"
+#include "cameralibs/base/Outcome.h"
 
 namespace cameralibs {
 

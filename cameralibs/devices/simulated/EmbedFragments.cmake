@@ -4,7 +4,7 @@ foreach(file IN LISTS FRAGMENTS)
     file(READ ${file} text)
     string(APPEND literals "R\"xml(${text})xml\",\n")
 endforeach()
-file(WRITE ${OUTPUT} "#include \"cameralibs/devices/simulated/DescriptionFragments.h\"
+file(WRITE ${OUTPUT} "#include \"cameralibs/devices/simulated/SimulatedDescription.h\"
 
 namespace cameralibs::simulated {
 

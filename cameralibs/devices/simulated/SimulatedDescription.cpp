@@ -1,7 +1,6 @@
 #include "cameralibs/devices/simulated/SimulatedDescription.h"
 
 #include "cameralibs/base/PixelFormat.h"
-#include "cameralibs/devices/simulated/DescriptionFragments.h"
 #include "cameralibs/devices/simulated/registers/CameraModel.h"
 #include "cameralibs/devices/simulated/registers/RegisterTable.h"
 

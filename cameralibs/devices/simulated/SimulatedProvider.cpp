@@ -1,19 +1,73 @@
-#include "cameralibs/devices/simulated/SimulatedProvider.h"
+#include "cameralibs/devices/Providers.h"
 
-#include "cameralibs/devices/simulated/CameraList.h"
 #include "cameralibs/devices/simulated/SimulatedDevice.h"
+#include "cameralibs/devices/simulated/file/DescriptionFile.h"
 #include "cameralibs/devices/simulated/file/FileCamera.h"
 #include "cameralibs/devices/simulated/registers/Attachment.h"
 #include "cameralibs/devices/simulated/registers/CameraModel.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace cameralibs {
 
 namespace {
 
 using namespace simulated;
+
+/// What a value of ORVO_SIMULATED_CAMERAS asks for.
+struct CameraList {
+    std::size_t builtIn = 0;
+    std::vector<DescriptionFile> files;
+};
+
+constexpr std::size_t kMaxBuiltIn = 100;
+
+std::optional<std::size_t> number(std::string_view part)
+{
+    std::size_t value = 0;
+    const char* const end = part.data() + part.size();
+    const auto [stop, error] = std::from_chars(part.data(), end, value);
+    if (error != std::errc() || stop != end || value > kMaxBuiltIn)
+        return std::nullopt;
+    return value;
+}
+
+void readPart(const std::string& part, CameraList& list)
+{
+    if (const auto count = number(part)) {
+        list.builtIn = *count;
+    } else if (auto file = readDescriptionFile(part)) {
+        list.files.push_back(std::move(*file));
+    } else {
+        std::fprintf(stderr,
+                     "ORVO_SIMULATED_CAMERAS: \"%s\" is neither a number of cameras from 0 to %zu nor a description "
+                     "file that can be read\n",
+                     part.c_str(), kMaxBuiltIn);
+    }
+}
+
+CameraList readCameraList(const char* value)
+{
+    CameraList list;
+    list.builtIn = kCameraModels.size();
+    if (value == nullptr || *value == '\0')
+        return list;
+    for (std::string_view rest = value;;) {
+        const std::size_t comma = rest.find(',');
+        readPart(std::string(rest.substr(0, comma)), list);
+        if (comma == std::string_view::npos)
+            return list;
+        rest.remove_prefix(comma + 1);
+    }
+}
 
 // One of the two kinds: built-in, or made from a file.
 struct Camera {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <tuple>
 
 namespace cameralibs::simulated {
 
@@ -49,7 +50,12 @@ struct ImageSettings {
     bool useTable = false;
     std::array<std::uint8_t, 256> table{}; ///< look-up table, of and to values of 8 bits
 
-    [[nodiscard]] bool operator==(const ImageSettings& other) const;
+    [[nodiscard]] auto members() const
+    {
+        return std::tie(sensorWidth, sensorHeight, color, format, packing, width, height, offsetX, offsetY, binningX,
+                        binningY, reverseX, reverseY, pattern, red, green, blue, blackLevel, gamma, useTable, table);
+    }
+    [[nodiscard]] bool operator==(const ImageSettings& other) const { return members() == other.members(); }
     [[nodiscard]] bool operator!=(const ImageSettings& other) const { return !(*this == other); }
 };
 

@@ -1,4 +1,4 @@
-#include "cameralibs/base/ErrorText.h"
+#include "cameralibs/base/Outcome.h"
 
 #include <cstddef>
 #include <string_view>
