@@ -72,6 +72,20 @@ bool Camera::closing() const
     return m_closing;
 }
 
+void Camera::hurry(std::chrono::steady_clock::time_point end)
+{
+    const std::lock_guard lock(m_streamMutex);
+    if (!m_closing)
+        m_device->hurry(end);
+}
+
+void Camera::relax()
+{
+    const std::lock_guard lock(m_streamMutex);
+    if (!m_closing)
+        m_device->relax();
+}
+
 void Camera::release()
 {
     const std::lock_guard lock(m_mutex);

@@ -106,6 +106,11 @@ public:
     /// Whatever waits for the device does so until `time` at most. Comes before release().
     void closeBy(std::chrono::steady_clock::time_point time) { m_device->closeBy(time); }
 
+    /// The same until relax(). Meanwhile a camera that asks for patience gets none. Nothing to do for one that is being
+    /// closed, which is in a greater hurry.
+    void hurry(std::chrono::steady_clock::time_point end);
+    void relax();
+
     /// Closes the device.
     void release();
 

@@ -200,6 +200,7 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
     const auto camera =
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
     rememberUserName(*camera);
+    camera->relax();
     throwUnless(m_cameras.add(camera->handle(), camera), CAM_API_STS_NOT_INITIALIZED);
     logText(Severity::info, camera->name(), [&] {
         return "opened; " + std::to_string(camera->description().size()) + " nodes in a description of " +
@@ -252,7 +253,9 @@ bool System::closeStream(CAM_STRM_HANDLE handle)
     const auto stream = m_streams.take(handle);
     if (stream == nullptr)
         return false;
+    stream->camera().hurry(std::chrono::steady_clock::now() + kClosing);
     stream->close();
+    stream->camera().relax();
     stream->camera().detachStream(*stream);
     return true;
 }

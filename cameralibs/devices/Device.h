@@ -95,6 +95,11 @@ public:
 
     /// Closing begins: whatever waits for the device, now or later, does so until `time` at most. Any thread.
     virtual void closeBy(std::chrono::steady_clock::time_point /*time*/) {}
+
+    /// The same until relax(). Meanwhile a camera that asks for patience gets none. A provider opens a device in a
+    /// hurry, which lasts until the device is told that all of its opening is over. Any thread.
+    virtual void hurry(std::chrono::steady_clock::time_point /*end*/) {}
+    virtual void relax() {}
 };
 
 /// A kind of camera. Calls into all providers are serialised by the caller.

@@ -22,8 +22,16 @@ using namespace transport;
 
 namespace {
 
-/// A busy machine takes its time to start a program.
-constexpr Connection::Limits kStart{std::chrono::seconds(10), std::chrono::seconds(10)};
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
+/// Opening gives up a transport that does not even start as it gives up a camera that does not answer. With a sanitizer
+/// a busy machine takes its time to start a program.
+constexpr std::chrono::seconds kStartLimit{kSanitized ? 10 : 3};
+constexpr Connection::Limits kStart{kStartLimit, kStartLimit};
 
 /// Several times as long as it is silent between two signs of life, and enough for a machine that swaps.
 constexpr std::chrono::seconds kSilence{4};
@@ -35,12 +43,6 @@ constexpr std::chrono::milliseconds kFarewell{800};
 constexpr timeval kSendLimit{3, 0};
 
 constexpr std::size_t kMaxLine = 2 * kMaxText;
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
 
 /// How Aravis marks its lines, within their first bytes.
 struct AravisRow {
@@ -174,6 +176,32 @@ void Connection::endBy(Clock::time_point time)
         const std::lock_guard lock(m_mutex);
         m_end = std::min(m_end, time);
     }
+    wakeWatcher();
+}
+
+void Connection::hurry(Clock::time_point end)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_hurryEnd = std::min(m_hurryEnd, end);
+    }
+    wakeWatcher();
+}
+
+void Connection::relax()
+{
+    const std::lock_guard lock(m_mutex);
+    m_hurryEnd = Clock::time_point::max();
+}
+
+bool Connection::inHurry()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_hurryEnd != Clock::time_point::max();
+}
+
+void Connection::wakeWatcher() const
+{
     const std::uint64_t one = 1;
     if (m_wake)
         (void)!::write(m_wake.get(), &one, sizeof one);
@@ -222,7 +250,7 @@ bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
         if (const auto progress = m_reply.body<Progress>(Kind::progress)) {
             if (progress->answer == Answer::useful)
                 silentUntil = Clock::now() + limits.silence;
-            if (progress->answer == Answer::pending && limits.pendingIsSign)
+            if (progress->answer == Answer::pending && !inHurry())
                 silentUntil = end;
             continue;
         }
@@ -260,19 +288,21 @@ void Connection::watch(Packet& packet) noexcept
 
 void Connection::watchWhileItLives(Packet& packet)
 {
-    Clock::time_point silentUntil = Clock::now() + kSilence + kStart.total;
+    Clock::time_point silentUntil = Clock::now() + std::max(kSilence, kStartLimit);
+    const auto givenTime = [this] {
+        const std::lock_guard lock(m_mutex);
+        return std::min(m_end, m_hurryEnd);
+    };
     for (;;) {
-        Clock::time_point end;
-        {
-            const std::lock_guard lock(m_mutex);
-            end = std::min(m_end, silentUntil);
-        }
+        const Clock::time_point end = std::min(givenTime(), silentUntil);
         std::array<pollfd, 3> watched = {pollfd{m_events.descriptor(), POLLIN, 0}, pollfd{m_wake.get(), POLLIN, 0},
                                          pollfd{m_errors.get(), POLLIN, 0}};
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
         const int ready = ::poll(watched.data(), watched.size(), static_cast<int>(std::max<std::int64_t>(left, 0)));
+        if (ready == 0 && end != silentUntil && Clock::now() < givenTime())
+            continue; // the hurry is over
         if (ready == 0)
-            endNow("It gives no sign of life");
+            endNow(end == silentUntil ? "It gives no sign of life" : "The camera does not answer in time");
         if (ready == 0 || (ready < 0 && errno != EINTR))
             break;
         if (watched[1].revents != 0) {

@@ -23,8 +23,7 @@ public:
     /// How long an answer may take.
     struct Limits {
         std::chrono::milliseconds silence; ///< without any sign that the camera answers
-        std::chrono::milliseconds total;
-        bool pendingIsSign = true; ///< whether a camera that asks for patience gives a sign
+        std::chrono::milliseconds total; ///< for a camera that asks for patience, or for a step that takes many answers
     };
 
     /// The name of the camera is what its log lines bear.
@@ -74,6 +73,10 @@ public:
     /// Whatever waits for the transport does so until `time` at most.
     void endBy(transport::Clock::time_point time);
 
+    /// The same until relax(). Meanwhile a camera that asks for patience gets none.
+    void hurry(transport::Clock::time_point end);
+    void relax();
+
     /// Runs once, on any thread, as soon as the transport is gone unasked; at once where it is.
     void onGone(std::function<void(const std::string& reason)> handler);
 
@@ -87,6 +90,8 @@ private:
     [[nodiscard]] static Heard readDone(const transport::Packet& reply, Outcome& outcome);
     void watch(transport::Packet& packet) noexcept;
     void watchWhileItLives(transport::Packet& packet);
+    void wakeWatcher() const;
+    [[nodiscard]] bool inHurry();
     [[nodiscard]] bool readEvent(transport::Packet& packet);
     void readErrors();
     void logLine(std::string_view line) const noexcept;
@@ -108,6 +113,7 @@ private:
     bool m_closing = false;
     bool m_told = false; ///< the handler has run, or there is nothing to tell any more
     transport::Clock::time_point m_end = transport::Clock::time_point::max();
+    transport::Clock::time_point m_hurryEnd = transport::Clock::time_point::max(); ///< not max: in a hurry
     std::string m_reason;
     std::function<void(const std::string&)> m_goneHandler;
 

@@ -27,6 +27,8 @@ public:
         m_connection->onGone(std::move(handler));
     }
     void closeBy(std::chrono::steady_clock::time_point time) override { m_connection->endBy(time); }
+    void hurry(std::chrono::steady_clock::time_point end) override { m_connection->hurry(end); }
+    void relax() override { m_connection->relax(); }
 
 private:
     const DeviceInfo m_info;

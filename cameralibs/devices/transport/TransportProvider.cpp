@@ -21,7 +21,8 @@ namespace {
 constexpr Connection::Limits kSearch{std::chrono::seconds(4), std::chrono::seconds(4)};
 
 /// A slow camera needs several seconds for a large description.
-constexpr Connection::Limits kOpen{std::chrono::seconds(3), std::chrono::seconds(20), false};
+constexpr std::chrono::seconds kOpeningLimit{20};
+constexpr Connection::Limits kOpen{std::chrono::seconds(3), kOpeningLimit};
 
 /// Nobody has as many; a network that makes them up gets no further.
 constexpr std::size_t kMaxCameras = 1000;
@@ -64,9 +65,11 @@ public:
             return {CAM_API_STS_CAMERA_NOT_RESPONDING, "The camera was not there when cameras were last looked for"};
         const auto& [info, name] = listed->second;
         std::shared_ptr<Connection> connection;
+        const Clock::time_point end = Clock::now() + kOpeningLimit;
         Outcome outcome = connect(info.logName(), connection);
         if (!outcome.ok())
             return outcome;
+        connection->hurry(end);
         transport::Open open{};
         open.link = info.link;
         setText(open.name, name);

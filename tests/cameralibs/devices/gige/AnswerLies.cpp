@@ -1,4 +1,5 @@
 #include "Lies.h"
+#include "Slowness.h"
 
 #include <algorithm>
 
@@ -15,18 +16,6 @@ bool isRead(const Exchange& exchange)
 {
     const Code code = codeOf(exchange.command);
     return code == Code::readMemory || code == Code::readRegister;
-}
-
-Packet pendingAnswer(const Bytes& command, std::uint16_t announced, milliseconds after)
-{
-    Bytes bytes;
-    append(bytes, kSuccess);
-    append(bytes, static_cast<std::uint16_t>(Code::pending));
-    append<std::uint16_t>(bytes, 4);
-    append(bytes, get<std::uint16_t>(command, 6));
-    append<std::uint16_t>(bytes, 0);
-    append(bytes, announced);
-    return {bytes, after};
 }
 
 void shortAnswers(Exchange& exchange, Random& random)

@@ -6,11 +6,14 @@
 // --lose-every N                   every n-th data packet is only sent when it is asked for again
 // --description zip                zipped
 // --url URL                        where it says that its description is
+// --delay N                        it answers every command so many milliseconds late,
+// --pending yes                    and asks for patience meanwhile
 // --liar SEED | --stranger SEED    it lies, or somebody else does who sends from another address
 // --lie NAME                       this lie, instead of those that the seed chooses
 
 #include "tests/cameralibs/devices/gige/GigeCamera.h"
 #include "tests/cameralibs/devices/gige/Liar.h"
+#include "tests/cameralibs/devices/gige/Slowness.h"
 
 #include <cstdio>
 #include <exception>
@@ -20,6 +23,7 @@
 int main(int count, char** arguments)
 try {
     gige::CameraSettings settings;
+    gige::Slowness::Delay delay;
     std::optional<gige::Liars> liar;
     std::uint64_t seed = 0;
     std::string lie;
@@ -40,6 +44,10 @@ try {
             settings.zipped = value == "zip";
         } else if (option == "--url") {
             settings.url = value;
+        } else if (option == "--delay") {
+            delay.time = std::chrono::milliseconds(std::stoul(value));
+        } else if (option == "--pending") {
+            delay.pending = value == "yes";
         } else if (option == "--liar" || option == "--stranger") {
             liar = option == "--liar" ? gige::Liars::camera : gige::Liars::stranger;
             seed = std::stoull(value);
@@ -50,14 +58,14 @@ try {
             return 2;
         }
     }
-    gige::Behaviour honest;
+    gige::Slowness honest(delay);
     std::optional<gige::Liar> liarsBehaviour;
     if (liar && lie.empty()) {
         liarsBehaviour.emplace(*liar, seed);
     } else if (liar) {
         liarsBehaviour.emplace(*liar, seed, lie);
     }
-    gige::GigeCamera camera(settings, liarsBehaviour ? *liarsBehaviour : honest);
+    gige::GigeCamera camera(settings, liarsBehaviour ? static_cast<gige::Behaviour&>(*liarsBehaviour) : honest);
     std::puts(liarsBehaviour ? liarsBehaviour->description().c_str() : "honest");
     std::fflush(stdout);
     camera.run(STDIN_FILENO);

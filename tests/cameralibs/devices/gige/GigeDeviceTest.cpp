@@ -1,68 +1,14 @@
 // The camera of the tests as an honest one: to the library it is a GigE Vision camera like any other.
 
-#include "tests/cameralibs/api/CameraAccess.h"
+#include "GigeDeviceFixture.h"
+
 #include "tests/cameralibs/api/LockedImage.h"
-#include "tests/cameralibs/api/StreamRecorder.h"
-#include "tests/cameralibs/devices/aravis/ChildProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
-
 using namespace Orvo;
 using ::testing::ElementsAre;
-
-namespace {
-
-class GigeDeviceTest : public ::testing::Test {
-protected:
-    GigeDeviceTest() { EXPECT_EQ(Sys_Initialize(CAM_LAYER_GIGE_VISION), CAM_API_STS_SUCCESS); }
-    ~GigeDeviceTest() override { (void)Sys_Terminate(); }
-
-    /// Until so many cameras are found.
-    void list(const std::vector<std::string>& options = {}, std::uint32_t cameras = 1)
-    {
-        std::vector<std::string> command = {GIGE_CAMERA};
-        command.insert(command.end(), options.begin(), options.end());
-        m_device = std::make_unique<ChildProcess>(command);
-        ASSERT_EQ(m_device->readLine(), "honest");
-        // A busy machine may miss the answer.
-        ASSERT_TRUE(becomes([cameras] {
-            std::uint32_t count = 0;
-            return Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS && count == cameras;
-        }));
-    }
-
-    [[nodiscard]] CAM_API_STATUS tryToOpen() { return Cam_Open(0, &m_camera, 0, 1, nullptr, 1); }
-
-    void open(const std::vector<std::string>& options = {})
-    {
-        list(options);
-        ASSERT_EQ(tryToOpen(), CAM_API_STS_SUCCESS);
-    }
-
-    void openStream()
-    {
-        ASSERT_EQ(Strm_OpenSimple(m_camera, &m_stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
-        m_recorder.attachTo(m_stream);
-    }
-
-    void expectImages(std::size_t count)
-    {
-        m_recorder.clear();
-        ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
-        EXPECT_TRUE(m_recorder.waitForImages(count));
-        ASSERT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
-    }
-
-    std::unique_ptr<ChildProcess> m_device;
-    CAM_HANDLE m_camera = 0;
-    CAM_STRM_HANDLE m_stream = 0;
-    StreamRecorder m_recorder;
-};
-
-} // namespace
 
 TEST_F(GigeDeviceTest, InformationTellsTheCamera)
 {

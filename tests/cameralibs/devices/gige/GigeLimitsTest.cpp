@@ -1,0 +1,136 @@
+// How long the library waits for a camera that is slow, that asks for patience or that does not answer at all.
+
+#include "GigeDeviceFixture.h"
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+using namespace Orvo;
+
+namespace {
+
+constexpr CAM_API_STATUS kGone = CAM_API_STS_CAMERA_NOT_RESPONDING;
+
+/// Longer than anything is waited for.
+constexpr std::int64_t kForEver = 100'000;
+
+/// What a busy machine adds.
+constexpr std::chrono::seconds kMargin{4};
+
+using GigeLimitsTest = GigeDeviceTest;
+
+CAM_API_STATUS read(CAM_HANDLE camera)
+{
+    std::int64_t width = 0;
+    return Nd_GetIntValue(camera, nodeOf(camera, "Width"), &width);
+}
+
+/// A camera beside that of the fixture.
+class OneMore {
+public:
+    explicit OneMore(int number)
+        : m_device({GIGE_CAMERA, "--address", "127.0.1." + std::to_string(number), "--foreign-address",
+                    "127.0.2." + std::to_string(number), "--serial", "T" + std::to_string(number + 1)})
+    {
+        (void)m_device.readLine();
+    }
+
+private:
+    ChildProcess m_device;
+};
+
+void becomeSlow(CAM_HANDLE camera, std::int64_t delay)
+{
+    setInt(camera, "TestPending", 1);
+    setInt(camera, "TestDelay", delay);
+}
+
+void expectWithin(std::chrono::seconds limit, CAM_API_STATUS expected, const std::function<CAM_API_STATUS()>& call)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(call(), expected);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, limit + kMargin);
+}
+
+} // namespace
+
+// Side by side, as they take their time.
+TEST_F(GigeLimitsTest, CameraThatAsksForPatienceGetsTenSeconds)
+{
+    const OneMore second(1);
+    const OneMore third(2);
+    list({"--serial", "T1"}, 3);
+    std::vector<CAM_HANDLE> cameras(3);
+    for (std::uint32_t i = 0; i < cameras.size(); ++i)
+        ASSERT_EQ(Cam_Open(i, &cameras[i], 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+    becomeSlow(cameras[0], 8'000);
+    becomeSlow(cameras[1], kForEver);
+    becomeSlow(cameras[2], kForEver);
+    std::vector<std::thread> threads;
+    threads.emplace_back([&] { EXPECT_EQ(read(cameras[0]), CAM_API_STS_SUCCESS) << "after 8 s"; });
+    threads.emplace_back([&] { expectWithin(std::chrono::seconds(10), kGone, [&] { return read(cameras[1]); }); });
+    threads.emplace_back([&] {
+        CAM_STRM_HANDLE stream = 0;
+        expectWithin(std::chrono::seconds(10), kGone,
+                     [&] { return Strm_OpenSimple(cameras[2], &stream, nullptr, nullptr, 4, nullptr); });
+    });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+TEST_F(GigeLimitsTest, SlowCameraOpensAsLongAsItGoesOnAnswering)
+{
+    open({"--delay", "200"});
+    EXPECT_EQ(read(m_camera), CAM_API_STS_SUCCESS);
+}
+
+TEST_F(GigeLimitsTest, OpeningGivesUpACameraThatOnlyAsksForPatience)
+{
+    list({"--delay", std::to_string(kForEver), "--pending", "yes"});
+    expectWithin(std::chrono::seconds(3), kGone, [this] { return tryToOpen(); });
+}
+
+TEST_F(GigeLimitsTest, OpeningGivesUpACameraThatTakesTwentySeconds)
+{
+    list({"--delay", "1500", "--pending", "yes"});
+    expectWithin(std::chrono::seconds(20), kGone, [this] { return tryToOpen(); });
+}
+
+TEST_F(GigeLimitsTest, StoppingIsAnAccessLikeAnyOther)
+{
+    open();
+    openStream();
+    ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+    setInt(m_camera, "TestDelay", kForEver);
+    expectWithin(std::chrono::seconds(3), CAM_API_STS_SUCCESS, [this] { return Strm_Stop(m_stream); });
+    EXPECT_EQ(Strm_Start(m_stream, 8), kGone);
+}
+
+// However many pending acknowledgements come.
+TEST_F(GigeLimitsTest, ClosingTakesASecond)
+{
+    const std::function<CAM_API_STATUS()> calls[] = {
+        [this] { return Strm_Close(m_stream); },
+        [this] { return Cam_Close(m_camera); },
+        [] { return Sys_Terminate(); },
+    };
+    for (const auto& close : calls) {
+        ASSERT_NO_FATAL_FAILURE(open());
+        ASSERT_NO_FATAL_FAILURE(openStream());
+        ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+        becomeSlow(m_camera, kForEver);
+        expectWithin(std::chrono::seconds(1), CAM_API_STS_SUCCESS, close);
+        (void)Cam_Close(m_camera);
+    }
+}
+
+TEST_F(GigeLimitsTest, ClosedStreamLeavesTheCameraItsTime)
+{
+    open();
+    openStream();
+    ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
+    becomeSlow(m_camera, 3500);
+    EXPECT_EQ(read(m_camera), CAM_API_STS_SUCCESS);
+}

@@ -1,0 +1,48 @@
+#include "Slowness.h"
+
+namespace gige {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Aravis waits for half a second, and from an acknowledgement on for as long as that announces.
+constexpr milliseconds kPendingPeriod{300};
+constexpr std::uint16_t kAnnounced = 1000;
+
+} // namespace
+
+Packet pendingAnswer(const Bytes& command, std::uint16_t announced, milliseconds after)
+{
+    Bytes bytes;
+    append(bytes, kSuccess);
+    append(bytes, static_cast<std::uint16_t>(Code::pending));
+    append<std::uint16_t>(bytes, 4);
+    append(bytes, get<std::uint16_t>(command, 6));
+    append<std::uint16_t>(bytes, 0);
+    append(bytes, announced);
+    return {bytes, after};
+}
+
+void Slowness::answer(Exchange& exchange)
+{
+    const Delay delay = delayOf(exchange.command);
+    if (delay.time == milliseconds(0) || exchange.answers.empty())
+        return;
+    exchange.answers.front().after = delay.time;
+    for (milliseconds after{0}; delay.pending && after < delay.time; after += kPendingPeriod)
+        exchange.answers.push_back(pendingAnswer(exchange.command, kAnnounced, after));
+}
+
+Slowness::Delay Slowness::delayOf(const Bytes& command) const
+{
+    if (codeOf(command) == Code::discovery)
+        return {};
+    // What is read or written stands first in every other command.
+    const auto address = get<std::uint32_t>(command, kHeaderSize);
+    if (address >= kWidth && address < kTestDelay && m_memory->value(kTestDelay) != 0)
+        return {milliseconds(m_memory->value(kTestDelay)), m_memory->value(kTestPending) != 0};
+    return m_always;
+}
+
+} // namespace gige
