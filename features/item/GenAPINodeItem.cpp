@@ -21,7 +21,7 @@ GenAPINodeItem::GenAPINodeItem(QObject* parent)
 GenAPINodeItem::GenAPINodeItem(unsigned long camHandle, unsigned long nodeHandle, int baseIndex, FeatureView* view,
                                QObject* parent)
     : QObject(parent)
-    , m_featureView(view)
+    , m_listener(view)
 {
     setNode(camHandle, nodeHandle, baseIndex);
 }
@@ -154,8 +154,8 @@ int GenAPINodeItem::updateAccessMode(bool* changed)
         *changed = m_node.accessMode != before;
     if (m_lastStatus != CAM_API_STS_SUCCESS)
         return static_cast<int>(m_lastStatus);
-    if (m_featureView != nullptr)
-        m_featureView->setCellColor(m_node.baseIndex);
+    if (m_listener != nullptr)
+        m_listener->setCellColor(m_node.baseIndex);
     return 0;
 }
 

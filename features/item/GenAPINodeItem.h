@@ -13,6 +13,7 @@
 #include <QWidget>
 
 class FeatureView;
+class NodeItemListener;
 
 /// One node (feature) of the opened camera, and at once the cell of the value column that shows it. Lives on the GUI
 /// thread; every member may call the camera unless it says otherwise.
@@ -208,7 +209,7 @@ private:
     void showChosenEntry();
 
     Orvo::CAM_API_STATUS m_lastStatus = Orvo::CAM_API_STS_SUCCESS; ///< of the last camera call
-    FeatureView* m_featureView = nullptr;
+    NodeItemListener* m_listener = nullptr;                        ///< the view
     Orvo::CAM_HANDLE m_camHandle = 0;
     Node m_node;
 

@@ -1,6 +1,6 @@
 #include "features/item/GenAPINodeItem.h"
 
-#include "features/view/FeatureView.h"
+#include "features/item/NodeItemListener.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -33,8 +33,8 @@ void GenAPINodeItem::combo_CurrentIndexChanged(int)
     m_lastStatus = static_cast<CAM_API_STATUS>(setNodeValue(combo->currentText()));
     if (m_lastStatus != CAM_API_STS_SUCCESS) {
         showChosenEntry();
-    } else if (m_featureView != nullptr) {
-        m_featureView->updateAllFeatures(false);
+    } else if (m_listener != nullptr) {
+        m_listener->updateAllFeatures(false);
     }
 }
 
@@ -67,9 +67,9 @@ void GenAPINodeItem::spinBox_ValueChanged(int value)
 void GenAPINodeItem::button_Clicked()
 {
     m_lastStatus = Nd_CmdExecute(m_camHandle, m_node.handle, true);
-    if (m_lastStatus == CAM_API_STS_SUCCESS && m_featureView != nullptr) {
-        m_featureView->setValuesWritten();
-        m_featureView->updateAllFeatures(true);
+    if (m_lastStatus == CAM_API_STS_SUCCESS && m_listener != nullptr) {
+        m_listener->setValuesWritten();
+        m_listener->updateAllFeatures(true);
     }
     QString log;
     appendOpeLog(log, OperationLog::text(Fragment::CommandExecution), OpeLogWrite, CAM_API_STS_SUCCESS);

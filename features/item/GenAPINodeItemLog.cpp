@@ -1,10 +1,10 @@
 #include "features/item/GenAPINodeItem.h"
 
-#include "features/view/FeatureView.h"
+#include "features/item/NodeItemListener.h"
 
 int GenAPINodeItem::opeLogLevel() const
 {
-    return m_featureView != nullptr ? m_featureView->opeLogLevel() : OpeLogOff;
+    return m_listener != nullptr ? m_listener->opeLogLevel() : OpeLogOff;
 }
 
 void GenAPINodeItem::appendOpeLog(QString& log, const QString& text, OperationLogMode mode, unsigned int status) const
@@ -17,5 +17,5 @@ void GenAPINodeItem::sendOpeLog(const QString& log)
     if (log.isEmpty())
         return;
     QString entry = OperationLog::text(OperationLog::Fragment::NodeLookup, m_node.name) + log;
-    emit m_featureView->OpeLogAppended(entry);
+    m_listener->appendOpeLog(entry);
 }

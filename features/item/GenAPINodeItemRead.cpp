@@ -1,9 +1,9 @@
 #include "features/item/GenAPINodeItem.h"
 
 #include "camera/TextField.h"
+#include "features/item/NodeItemListener.h"
 #include "features/item/NodeText.h"
 #include "features/item/NodeValueText.h"
-#include "features/view/FeatureView.h"
 
 #include <QLatin1String>
 
@@ -219,7 +219,7 @@ void GenAPINodeItem::updateVals(bool all)
         readIntegerRange(all, log);
     // Alone of all entries this one has no line that looks the node up.
     if (!log.isEmpty())
-        emit m_featureView->OpeLogAppended(log);
+        m_listener->appendOpeLog(log);
 }
 
 // The statuses of the range are of no account: what a failing call leaves is what the range is taken to be.

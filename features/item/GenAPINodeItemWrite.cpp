@@ -1,7 +1,7 @@
 #include "features/item/GenAPINodeItem.h"
 
+#include "features/item/NodeItemListener.h"
 #include "features/item/NodeValueText.h"
-#include "features/view/FeatureView.h"
 
 #include <QLatin1String>
 
@@ -13,22 +13,22 @@ namespace {
 /// While it lives the view opens no editor.
 class WriteInProgress {
 public:
-    explicit WriteInProgress(FeatureView* view)
-        : m_view(view)
+    explicit WriteInProgress(NodeItemListener* listener)
+        : m_listener(listener)
     {
-        if (m_view != nullptr)
-            m_view->setWriteInProgress(true);
+        if (m_listener != nullptr)
+            m_listener->setWriteInProgress(true);
     }
     ~WriteInProgress()
     {
-        if (m_view != nullptr)
-            m_view->setWriteInProgress(false);
+        if (m_listener != nullptr)
+            m_listener->setWriteInProgress(false);
     }
     WriteInProgress(const WriteInProgress&) = delete;
     WriteInProgress& operator=(const WriteInProgress&) = delete;
 
 private:
-    FeatureView* m_view;
+    NodeItemListener* m_listener;
 };
 
 bool decidesOverSoftwareTrigger(const QString& nodeName)
@@ -40,7 +40,7 @@ bool decidesOverSoftwareTrigger(const QString& nodeName)
 
 int GenAPINodeItem::setNodeValue(const QString& text)
 {
-    const WriteInProgress writeInProgress(m_featureView);
+    const WriteInProgress writeInProgress(m_listener);
     if (!isWritable()) {
         m_lastStatus = CAM_API_STS_NOT_WRITABLE;
         return static_cast<int>(m_lastStatus);
@@ -50,8 +50,8 @@ int GenAPINodeItem::setNodeValue(const QString& text)
     QString log;
     appendOpeLog(log, fragment, OpeLogWrite, status);
     sendOpeLog(log);
-    if (m_featureView != nullptr && decidesOverSoftwareTrigger(m_node.name))
-        emit m_featureView->checkSoftwareTriggerMode();
+    if (m_listener != nullptr && decidesOverSoftwareTrigger(m_node.name))
+        m_listener->triggerWritten();
     showValueText();
     m_lastStatus = status;
     return static_cast<int>(status);
@@ -130,15 +130,15 @@ CAM_API_STATUS GenAPINodeItem::written(CAM_API_STATUS status, const QString& sho
 
 void GenAPINodeItem::tellValuesWritten()
 {
-    if (m_featureView != nullptr)
-        m_featureView->setValuesWritten();
+    if (m_listener != nullptr)
+        m_listener->setValuesWritten();
 }
 
 int GenAPINodeItem::setNodeValue(long value)
 {
     if (!isWritable())
         return CAM_API_STS_INVALID_PARAMETER;
-    const WriteInProgress writeInProgress(m_featureView);
+    const WriteInProgress writeInProgress(m_listener);
     const bool enumeration = m_node.type == NODE_TYPE_ENUMERATION;
     if (!enumeration && m_node.type != NODE_TYPE_INTEGER)
         return CAM_API_STS_INVALID_PARAMETER;
@@ -160,7 +160,7 @@ int GenAPINodeItem::setNodeValue(double value)
 {
     if (!isWritable())
         return CAM_API_STS_INVALID_PARAMETER;
-    const WriteInProgress writeInProgress(m_featureView);
+    const WriteInProgress writeInProgress(m_listener);
     if (m_node.type != NODE_TYPE_FLOAT)
         return CAM_API_STS_INVALID_PARAMETER;
     m_node.valueTextValid = false;

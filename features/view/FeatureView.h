@@ -2,6 +2,7 @@
 
 #include "camera/OrvoCamApi.h"
 #include "features/editors/TableViewItemDelegate.h"
+#include "features/item/NodeItemListener.h"
 #include "features/view/FeatureFilterModel.h"
 
 #include <QAction>
@@ -29,7 +30,7 @@ enum EditorWidgetType : int;
 
 /// The feature browser of one opened camera: a table with one row per node, its tool bar, and the description of the
 /// chosen node. Lives on the GUI thread.
-class FeatureView : public QWidget {
+class FeatureView : public QWidget, public NodeItemListener {
     Q_OBJECT
 
 public:
@@ -98,7 +99,7 @@ public:
 
     /// Colours a row by the access mode of its item.
     void setCellColor(QStandardItemModel* model, int row);
-    void setCellColor(int row) { setCellColor(m_sourceModel.get(), row); }
+    void setCellColor(int row) override { setCellColor(m_sourceModel.get(), row); }
 
     /// Shows and hides the rows of the table by the fold states of their categories.
     void SetRowCollapsedState();
@@ -119,15 +120,12 @@ public:
 
     // --- For the node items -----------------------------------------------------------------------------------------
 
-    /// The OperationLogMode up to which entries are made.
-    [[nodiscard]] int opeLogLevel() const { return m_opeLogLevel; }
+    [[nodiscard]] int opeLogLevel() const override { return m_opeLogLevel; }
     void setOpeLogLevel(int level) { m_opeLogLevel = level; }
-
-    /// A value was written to the camera: the next updateAllFeatures(false) reads.
-    void setValuesWritten() { m_valuesWritten = true; }
-
-    /// While an item writes no editor opens.
-    void setWriteInProgress(bool inProgress) { m_delegate.setWriteInProgress(inProgress); }
+    void appendOpeLog(QString& entry) override { emit OpeLogAppended(entry); }
+    void triggerWritten() override { emit checkSoftwareTriggerMode(); }
+    void setValuesWritten() override { m_valuesWritten = true; }
+    void setWriteInProgress(bool inProgress) override { m_delegate.setWriteInProgress(inProgress); }
 
 signals:
     /// One entry of the operation log. A receiver may change the text, which nobody looks at afterwards.
@@ -149,7 +147,7 @@ public slots:
 
     /// Reads every value from the camera; without `force` only where one was written since the last time. A call from
     /// within a running one makes that go round once more.
-    void updateAllFeatures(bool force = true);
+    void updateAllFeatures(bool force = true) override;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
