@@ -9,10 +9,22 @@ namespace {
 // A tool tip grows with its text, past the edges of the screen.
 constexpr int kMostCharacters = 2000;
 constexpr int kMostLines = 40;
+constexpr int kLongestLine = 80; // longer ones are broken
 
 bool endsLine(QChar character)
 {
     return character == '\n' || character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
+}
+
+bool hasLongLine(const QString& text)
+{
+    int length = 0;
+    for (const QChar character : text) {
+        length = endsLine(character) ? 0 : length + 1;
+        if (length > kLongestLine)
+            return true;
+    }
+    return false;
 }
 
 QString beginningOf(const QString& text)
@@ -30,9 +42,11 @@ QString beginningOf(const QString& text)
 void showPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget, const QRect& area)
 {
     QString shown = beginningOf(text);
-    // Tool tips guess the format from the text: with markup around it there is nothing left to guess, and long lines
-    // are broken.
-    if (!shown.isEmpty())
-        shown = "<p style=\"white-space:pre-wrap\">" + shown.toHtmlEscaped() + "</p>";
+    // Tool tips guess the format from the text: with markup around it there is nothing left to guess. Left to break
+    // lines, a tool tip gets about as high as it is wide, however short its text.
+    if (!shown.isEmpty()) {
+        const QString breaking = hasLongLine(shown) ? QStringLiteral("pre-wrap") : QStringLiteral("pre");
+        shown = "<p style=\"white-space:" + breaking + "\">" + shown.toHtmlEscaped() + "</p>";
+    }
     QToolTip::showText(event.globalPos(), shown, widget, area);
 }

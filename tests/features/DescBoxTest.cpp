@@ -11,6 +11,8 @@
 #include <QToolTip>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using scripted::category;
 using scripted::NodeSpec;
 
@@ -27,6 +29,13 @@ QString heading(const DescBox& box)
 QString text(const DescBox& box)
 {
     return label(box, 1).text();
+}
+
+void askForToolTip(DescBox& box)
+{
+    box.show();
+    QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), box.mapToGlobal(QPoint(5, 5)));
+    QCoreApplication::sendEvent(&label(box, 0), &event); // of the panel, wherever the pointer is
 }
 
 class DescBoxTest : public QObject {
@@ -50,6 +59,7 @@ private slots:
     void threeTexts();
     void anItemThatDiesIsForgotten();
     void textsAreNeverMarkup();
+    void onlyLongLinesOfAToolTipAreBroken();
     void aLongDescriptionIsBroken();
     void anyDescriptionLeavesTheTableItsHeight_data();
     void anyDescriptionLeavesTheTableItsHeight();
@@ -238,12 +248,33 @@ void DescBoxTest::textsAreNeverMarkup()
     QCOMPARE(text(box), QString("<b>%1</b> &amp; \"%2\""));
     QCOMPARE(box.toolTip(), QString("Current value is <u>0</u> (0)"));
 
-    box.show();
-    QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), box.mapToGlobal(QPoint(5, 5)));
-    QCoreApplication::sendEvent(&label(box, 0), &event); // of the panel, wherever the pointer is
+    askForToolTip(box);
     QTextDocument document;
     document.setHtml(QToolTip::text());
     QCOMPARE(document.toPlainText(), QString("Current value is <u>0</u> (0)"));
+}
+
+void DescBoxTest::onlyLongLinesOfAToolTipAreBroken()
+{
+    DescBox box(nullptr);
+    const auto shownHeight = [&box](QString toolTip) {
+        QString heading;
+        QString text;
+        box.setText(heading, text, toolTip);
+        askForToolTip(box);
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        const auto shown = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+            return window->inherits("QTipLabel") && window->isVisible();
+        });
+        return shown == windows.end() ? 0 : (*shown)->height();
+    };
+    const int oneLine = shownHeight("x");
+    const int twoLines = shownHeight("x\nx");
+    QVERIFY(oneLine > 0);
+    QVERIFY(twoLines > oneLine);
+    QCOMPARE(shownHeight("Max = 1200, Min = 16, Inc = 2"), oneLine);
+    QCOMPARE(shownHeight(QString("words on ").repeated(8) + "79 to 80"), oneLine);
+    QVERIFY(shownHeight(QString("words on ").repeated(40)) > twoLines);
 }
 
 void DescBoxTest::aLongDescriptionIsBroken()
