@@ -117,6 +117,7 @@ private slots:
     void format();
     void noOtherEntries();
     void noTwoAlike();
+    void groundShowsThroughEveryPng();
     void nameOfTheCollection();
 };
 
@@ -170,6 +171,15 @@ void IconResourcesTest::noTwoAlike()
         const QByteArray bytes = content(icon.path);
         QVERIFY2(!seen.contains(bytes), icon.path);
         seen.insert(bytes);
+    }
+}
+
+// Light or dark, as the style has it.
+void IconResourcesTest::groundShowsThroughEveryPng()
+{
+    for (const Icon& icon : kIcons) {
+        if (icon.format == Format::PngRgba || icon.format == Format::PngRgb)
+            QVERIFY2(qAlpha(QImage(icon.path).pixel(0, 0)) == 0, icon.path);
     }
 }
 
