@@ -28,8 +28,9 @@ namespace {
 /// What Aravis, a description of the largest size and a few threads take, several times over.
 constexpr rlim_t kAddressSpace = 1UL << 30;
 
-/// No stream has more buffers than this.
-constexpr rlim_t kMaxBuffers = 5UL << 30;
+/// No stream has more buffers than this: less than 4 GiB that its user holds, and at least one spare, which may be as
+/// large as those together.
+constexpr rlim_t kMaxBuffers = 8UL << 30;
 
 // A sanitizer maps terabytes, and looks into files when it reports.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
