@@ -104,9 +104,8 @@ void Camera::requireDevice() const
 void Camera::noteFailure(const Failure& failure)
 {
     if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING) {
-        if (!removed())
+        if (m_removal->note())
             logText(Severity::warning, m_name, [&] { return "lost: " + failure.text(); });
-        m_removal->note();
     } else if (removed()) {
         throw Failure(CAM_API_STS_CAMERA_NOT_RESPONDING);
     }

@@ -26,14 +26,12 @@ public:
     {
     }
 
-    /// Who sees that the camera is gone finds the signal set, and the other way round.
-    void note()
+    /// Who sees that the camera is gone finds the signal set, and the other way round. True for the first who notes it.
+    [[nodiscard]] bool note()
     {
-        if (m_signal != nullptr) {
-            m_signal->setTogetherWith(m_noted);
-        } else {
-            m_noted.store(true, std::memory_order_release);
-        }
+        if (m_signal != nullptr)
+            return m_signal->setTogetherWith(m_noted);
+        return !m_noted.exchange(true, std::memory_order_acq_rel);
     }
 
     [[nodiscard]] bool noted() const noexcept { return m_noted.load(std::memory_order_acquire); }

@@ -17,13 +17,14 @@ void Signal::clear()
     m_set = false;
 }
 
-void Signal::setTogetherWith(std::atomic<bool>& flag)
+bool Signal::setTogetherWith(std::atomic<bool>& flag)
 {
     const std::lock_guard lock(m_mutex);
     if (flag.exchange(true, std::memory_order_acq_rel))
-        return;
+        return false;
     m_set = true;
     m_changed.notify_all();
+    return true;
 }
 
 void Signal::close(Orvo::CAM_API_STATUS status)

@@ -15,8 +15,8 @@ public:
     void clear();
 
     /// Sets the signal and the flag in one: nobody sees one without the other. Nothing where the flag is set already:
-    /// the signal may have been cleared since, for another camera.
-    void setTogetherWith(std::atomic<bool>& flag);
+    /// the signal may have been cleared since, for another camera. Returns whether it was not.
+    [[nodiscard]] bool setTogetherWith(std::atomic<bool>& flag);
 
     /// Every wait, those that are under way included, answers `status` from now on.
     void close(Orvo::CAM_API_STATUS status);

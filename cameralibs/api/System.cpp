@@ -188,9 +188,8 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
         signal->clear();
     auto removal = std::make_shared<Removal>(std::move(signal));
     device->onRemoval([removal, name = entry.info.logName()](const std::string& reason) {
-        if (!removal->noted())
+        if (removal->note())
             logText(Severity::warning, name, [&] { return "lost: " + reason; });
-        removal->note();
     });
 
     std::string xml;

@@ -7,7 +7,10 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <functional>
+#include <string>
+#include <thread>
 
 using namespace Orvo;
 
@@ -66,6 +69,19 @@ protected:
         ASSERT_EQ(openStream(), CAM_API_STS_SUCCESS);
     }
 };
+
+/// Collects what a library at level "warning" writes.
+class WarningsOnStandardError {
+protected:
+    WarningsOnStandardError()
+    {
+        ::setenv("ORVO_CAMERA_LOG", "warning", 1); // NOLINT(concurrency-mt-unsafe)
+        ::testing::internal::CaptureStderr();
+    }
+    ~WarningsOnStandardError() { ::unsetenv("ORVO_CAMERA_LOG"); } // NOLINT(concurrency-mt-unsafe)
+};
+
+class TransportDeathLogTest : private WarningsOnStandardError, public OpenUsb {};
 
 } // namespace
 
@@ -164,4 +180,23 @@ TEST_P(TransportDeathTest, WhileClosing)
         EXPECT_TRUE(usb::signalSent());
         ASSERT_NO_FATAL_FAILURE(expectOpensAgain()) << n;
     }
+}
+
+// Two find out: the thread of the access, and the one that watches the transport.
+TEST_F(TransportDeathLogTest, LossIsToldOnce)
+{
+    const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
+    const std::size_t threads = ownThreads();
+    usb::signalAt(usb::Moment::command, 1, SIGKILL);
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone);
+    const auto end = std::chrono::steady_clock::now() + kLimit;
+    while (ownThreads() >= threads && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+    EXPECT_LT(ownThreads(), threads) << "nobody watches any more";
+
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    const std::size_t first = log.find(": lost: ");
+    EXPECT_NE(first, std::string::npos) << log;
+    EXPECT_EQ(log.find(": lost: ", first + 1), std::string::npos) << log;
 }
