@@ -115,9 +115,14 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "tour: needs the folder for the pictures\n");
         return EXIT_FAILURE;
     }
-    const QDir folder(arguments.at(1));
+    QDir folder(arguments.at(1));
     if (!folder.mkpath("."))
         endTour("cannot make " + folder.path());
+    // An earlier tour may have taken pictures that this one does not.
+    for (const QString& old : folder.entryList({"[0-9][0-9]-*.png"}, QDir::Files)) {
+        if (!folder.remove(old))
+            endTour("cannot remove " + folder.filePath(old));
+    }
     Tour tour(folder);
     tour.liveChapter();
     tour.featuresChapter();
