@@ -14,13 +14,17 @@ constexpr int kLongestLine = 4096; // layout takes time with the square of a wor
 
 // A line that is written by itself costs as much as twenty of a portion. So many are no flood yet.
 constexpr int kAtOnce = 100;
+constexpr int kAtOncePeriodMs = 20;
 
-// A portion takes about 20 ms.
-constexpr int kPortion = 2500;
-constexpr int kPortionPeriodMs = 20;
+// A flood is written in portions of about 5 ms, as many in one go as this time allows.
+constexpr int kPortionLines = 250;
+constexpr int kPortionLetters = 4 * kLongestLine;
+constexpr int kGoMs = 50;
 
-// Dropping moves every line that stays, which takes some 80 ms, however many are dropped.
+// Dropping lays out every line that stays, which takes some 40 ms, however few are dropped. So it waits for a pause and
+// is done rarely, but a flood without pauses must not fill the memory.
 constexpr int kDropPeriodMs = 1000;
+constexpr int kMostTooMany = 20000;
 
 } // namespace
 
@@ -45,7 +49,7 @@ void MessageLog::append(QString line)
             m_waiting.removeFirst();
     }
     if (!m_timer.isActive())
-        m_timer.start(kPortionPeriodMs, this);
+        m_timer.start(kAtOncePeriodMs, this);
 }
 
 void MessageLog::clear()
@@ -56,20 +60,20 @@ void MessageLog::clear()
 
 void MessageLog::timerEvent(QTimerEvent*)
 {
-    if (m_waiting.isEmpty()) {
-        m_atOnce = kAtOnce;
-    } else {
-        writePortion();
-    }
-
+    // One or the other, so that the window answers in between.
     const int tooMany = m_box.document()->blockCount() - kKeptLines;
-    if (tooMany <= 0 && m_atOnce > 0) {
-        m_timer.stop();
-        return;
-    }
-    // In a pause of the flood; a flood without pauses must not fill the memory all the same.
-    if (m_waiting.isEmpty() ? tooMany > 0 && m_sinceDropped.hasExpired(kDropPeriodMs) : tooMany > kKeptLines)
+    if (tooMany > (m_waiting.isEmpty() && m_sinceDropped.hasExpired(kDropPeriodMs) ? 0 : kMostTooMany)) {
         dropOldest(tooMany);
+    } else if (!m_waiting.isEmpty()) {
+        writeWaiting();
+    } else {
+        m_atOnce = kAtOnce;
+        if (tooMany <= 0) {
+            m_timer.stop();
+            return;
+        }
+    }
+    m_timer.start(m_waiting.isEmpty() ? kAtOncePeriodMs : 0, this);
 }
 
 void MessageLog::write(const QString& lines)
@@ -80,17 +84,26 @@ void MessageLog::write(const QString& lines)
     end.beginEditBlock();
     if (!m_box.document()->isEmpty())
         end.insertBlock();
+    // Layout that has to find the direction in the text takes twice the time.
+    QTextBlockFormat direction;
+    direction.setLayoutDirection(Qt::LeftToRight);
+    end.mergeBlockFormat(direction);
     end.insertText(lines);
     end.endEditBlock();
     // The box scrolls to where its own cursor is.
     m_box.setTextCursor(end);
 }
 
-void MessageLog::writePortion()
+void MessageLog::writeWaiting()
 {
-    const int count = std::min(kPortion, m_waiting.size());
-    write(m_waiting.mid(0, count).join('\n'));
-    m_waiting.erase(m_waiting.begin(), m_waiting.begin() + count);
+    QElapsedTimer spent;
+    spent.start();
+    while (!m_waiting.isEmpty() && !spent.hasExpired(kGoMs)) {
+        QString portion = m_waiting.takeFirst();
+        for (int lines = 1; !m_waiting.isEmpty() && lines < kPortionLines && portion.size() < kPortionLetters; ++lines)
+            portion += '\n' + m_waiting.takeFirst();
+        write(portion);
+    }
 }
 
 void MessageLog::dropOldest(int count)

@@ -28,7 +28,7 @@ protected:
 
 private:
     void write(const QString& lines);
-    void writePortion();
+    void writeWaiting();
     void dropOldest(int count);
 
     QTextEdit& m_box;

@@ -23,6 +23,7 @@ private slots:
 
     void singleLinesAreThereAtOnce();
     void floodIsWrittenInPortions();
+    void portionsOfLongLinesHaveFewer();
     void floodKeepsItsOrder();
     void floodOfCallbacksIsCompleteForEveryOpening();
     void logScrollsToTheEndOfAFlood();
@@ -91,6 +92,23 @@ void MessageLogTest::floodIsWrittenInPortions()
     QVERIFY(waitForLine(driver, QString::number(lines - 1)));
     QVERIFY2(changes < muchFewer, qPrintable(QString::number(changes)));
     QVERIFY2(documentOf(driver).blockCount() == lines, "every line");
+}
+
+void MessageLogTest::portionsOfLongLinesHaveFewer()
+{
+    WindowDriver driver;
+    const QTextDocument& log = documentOf(driver);
+    int lines = 0;
+    int most = 0;
+    connect(&log, &QTextDocument::contentsChanged, this, [&] {
+        most = std::max(most, log.blockCount() - lines);
+        lines = log.blockCount();
+    });
+    for (int i = 0; i < 200; ++i)
+        write(driver, QString("word ").repeated(800));
+    write(driver, "end");
+    QVERIFY(waitForLine(driver, "end"));
+    QVERIFY2(most < 10, qPrintable(QString::number(most)));
 }
 
 void MessageLogTest::floodKeepsItsOrder()
