@@ -2,6 +2,7 @@
 
 #include "tests/support/MarkingTranslator.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -286,5 +287,5 @@ void AboutTest::staysWhereTheCameraIsRemoved()
 
 } // namespace
 
-QTEST_MAIN(AboutTest)
+ORVO_TEST_CLASS(AboutTest)
 #include "AboutTest.moc"

@@ -1,6 +1,7 @@
 // Which state of the window enables which action.
 
 #include "app/ActionStates.h"
+#include "tests/support/TestProgram.h"
 #include "ui_MainWindow.h"
 
 #include <QtTest>
@@ -112,5 +113,5 @@ void ActionStatesTest::otherValuesChangeNothing()
 
 } // namespace
 
-QTEST_MAIN(ActionStatesTest)
+ORVO_TEST_CLASS(ActionStatesTest)
 #include "ActionStatesTest.moc"

@@ -7,6 +7,7 @@
 #include "features/view/FeatureView.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -426,5 +427,5 @@ void CameraTest::closeAndOpenAgain()
 
 } // namespace
 
-QTEST_MAIN(CameraTest)
+ORVO_TEST_CLASS(CameraTest)
 #include "CameraTest.moc"

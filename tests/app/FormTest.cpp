@@ -1,5 +1,6 @@
 // The static form of the main window: what exists, where, with which texts and in which state.
 
+#include "tests/support/TestProgram.h"
 #include "ui_MainWindow.h"
 
 #include <QSizeGrip>
@@ -341,5 +342,5 @@ void FormTest::logTakesNoTypingAndKeepsNoHistory()
 
 } // namespace
 
-QTEST_MAIN(FormTest)
+ORVO_TEST_CLASS(FormTest)
 #include "FormTest.moc"

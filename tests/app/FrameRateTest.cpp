@@ -4,6 +4,7 @@
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/ShownImages.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -234,5 +235,5 @@ void FrameRateTest::countEndsWithTheCamera()
 
 } // namespace
 
-QTEST_MAIN(FrameRateTest)
+ORVO_TEST_CLASS(FrameRateTest)
 #include "FrameRateTest.moc"

@@ -1,5 +1,6 @@
 // The compiled-in images: which there are, and the exact format of each, read from its bytes.
 
+#include "tests/support/TestProgram.h"
 #include <QDirIterator>
 #include <QFile>
 #include <QImage>
@@ -7,6 +8,7 @@
 #include <QSet>
 #include <QSize>
 #include <QtEndian>
+
 #include <QtTest>
 
 #include <algorithm>
@@ -191,5 +193,5 @@ void IconResourcesTest::nameOfTheCollection()
     QVERIFY(QFile::exists(kIcons[0].path));
 }
 
-QTEST_GUILESS_MAIN(IconResourcesTest)
+ORVO_TEST_CLASS(IconResourcesTest)
 #include "IconResourcesTest.moc"

@@ -5,6 +5,7 @@
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/ShownImages.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -275,5 +276,5 @@ void LiveImageTest::removalOfAClosedCameraLeavesTheNextOneOpen()
 
 } // namespace
 
-QTEST_MAIN(LiveImageTest)
+ORVO_TEST_CLASS(LiveImageTest)
 #include "LiveImageTest.moc"

@@ -2,6 +2,7 @@
 
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -299,5 +300,5 @@ void MainWindowTest::clearEmptiesTheLog()
 
 } // namespace
 
-QTEST_MAIN(MainWindowTest)
+ORVO_TEST_CLASS(MainWindowTest)
 #include "MainWindowTest.moc"

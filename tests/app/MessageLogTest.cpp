@@ -2,6 +2,7 @@
 
 #include "tests/support/Patience.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -217,5 +218,5 @@ void MessageLogTest::markupOfAFloodIsShownAsItIs()
 
 } // namespace
 
-QTEST_MAIN(MessageLogTest)
+ORVO_TEST_CLASS(MessageLogTest)
 #include "MessageLogTest.moc"

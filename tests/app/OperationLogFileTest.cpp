@@ -3,6 +3,7 @@
 #include "features/view/FeatureView.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -191,5 +192,5 @@ void OperationLogFileTest::readerThatGoesAwayIsToldOnce()
 
 } // namespace
 
-QTEST_MAIN(OperationLogFileTest)
+ORVO_TEST_CLASS(OperationLogFileTest)
 #include "OperationLogFileTest.moc"

@@ -2,6 +2,7 @@
 
 #include "tests/app/SnapshotUser.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -130,5 +131,5 @@ void SnapshotFailureTest::tooLongName()
 
 } // namespace
 
-QTEST_MAIN(SnapshotFailureTest)
+ORVO_TEST_CLASS(SnapshotFailureTest)
 #include "SnapshotFailureTest.moc"

@@ -2,6 +2,7 @@
 
 #include "tests/app/SnapshotUser.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -68,5 +69,5 @@ void SnapshotFullDiskTest::fullDisk()
 
 } // namespace
 
-QTEST_MAIN(SnapshotFullDiskTest)
+ORVO_TEST_CLASS(SnapshotFullDiskTest)
 #include "SnapshotFullDiskTest.moc"

@@ -3,6 +3,7 @@
 #include "tests/app/SnapshotUser.h"
 #include "tests/support/MarkingTranslator.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -392,5 +393,5 @@ void SnapshotTest::streamRunsOnMeanwhile()
 
 } // namespace
 
-QTEST_MAIN(SnapshotTest)
+ORVO_TEST_CLASS(SnapshotTest)
 #include "SnapshotTest.moc"

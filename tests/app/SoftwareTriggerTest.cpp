@@ -3,6 +3,7 @@
 #include "features/view/FeatureView.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -136,5 +137,5 @@ void SoftwareTriggerTest::fails()
 
 } // namespace
 
-QTEST_MAIN(SoftwareTriggerTest)
+ORVO_TEST_CLASS(SoftwareTriggerTest)
 #include "SoftwareTriggerTest.moc"

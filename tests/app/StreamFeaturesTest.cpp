@@ -6,6 +6,7 @@
 #include "tests/support/Patience.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -99,5 +100,5 @@ void StreamFeaturesTest::startEndsTheOpenEditorFirst()
 
 } // namespace
 
-QTEST_MAIN(StreamFeaturesTest)
+ORVO_TEST_CLASS(StreamFeaturesTest)
 #include "StreamFeaturesTest.moc"

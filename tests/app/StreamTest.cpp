@@ -6,6 +6,7 @@
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/ShownImages.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -456,5 +457,5 @@ void StreamTest::callbacksWhileStoppingAreNotLogged()
 
 } // namespace
 
-QTEST_MAIN(StreamTest)
+ORVO_TEST_CLASS(StreamTest)
 #include "StreamTest.moc"

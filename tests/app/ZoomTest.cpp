@@ -4,6 +4,7 @@
 #include "display/ImageView.h"
 #include "tests/support/ScriptedCamera.h"
 #include "tests/support/ShownImages.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QtTest>
@@ -140,5 +141,5 @@ void ZoomTest::resendsTheImageOfAnEarlierCamera()
 
 } // namespace
 
-QTEST_MAIN(ZoomTest)
+ORVO_TEST_CLASS(ZoomTest)
 #include "ZoomTest.moc"

@@ -3,6 +3,7 @@
 #include "discovery/DiscoveryDlg.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -593,5 +594,5 @@ void DiscoveryDlgTest::recordFails()
 
 } // namespace
 
-QTEST_MAIN(DiscoveryDlgTest)
+ORVO_TEST_CLASS(DiscoveryDlgTest)
 #include "DiscoveryDlgTest.moc"

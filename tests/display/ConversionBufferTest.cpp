@@ -2,6 +2,7 @@
 
 #include "display/ConversionBuffer.h"
 #include "display/ImageLoan.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -113,5 +114,5 @@ void ConversionBufferTest::bufferIsBlackAtFirst()
 
 } // namespace
 
-QTEST_APPLESS_MAIN(ConversionBufferTest)
+ORVO_TEST_CLASS(ConversionBufferTest)
 #include "ConversionBufferTest.moc"

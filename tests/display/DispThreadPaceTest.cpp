@@ -2,6 +2,7 @@
 
 #include "tests/display/RunningStream.h"
 #include "tests/support/ShownImages.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -392,5 +393,5 @@ void DispThreadPaceTest::nothingIsReportedWhileNotAcquiring()
 
 } // namespace
 
-QTEST_MAIN(DispThreadPaceTest)
+ORVO_TEST_CLASS(DispThreadPaceTest)
 #include "DispThreadPaceTest.moc"

@@ -1,6 +1,7 @@
 // The display thread in the real main window: which images it takes, and how it ends.
 
 #include "tests/display/RunningStream.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -293,5 +294,5 @@ void DispThreadTest::stopEndsTheThreadAfterEveryStep()
 
 } // namespace
 
-QTEST_MAIN(DispThreadTest)
+ORVO_TEST_CLASS(DispThreadTest)
 #include "DispThreadTest.moc"

@@ -2,6 +2,7 @@
 
 #include "display/ImageGraphicsItem.h"
 #include "display/LineGraphicsItem.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -378,5 +379,5 @@ void GraphicsItemsTest::lineItemOfZeroLength()
 
 } // namespace
 
-QTEST_MAIN(GraphicsItemsTest)
+ORVO_TEST_CLASS(GraphicsItemsTest)
 #include "GraphicsItemsTest.moc"

@@ -4,6 +4,7 @@
 #include "app/MainWindow.h"
 #include "display/GraphicsView.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -325,5 +326,5 @@ void ImageViewTest::clearedImageStaysOnScreen()
 
 } // namespace
 
-QTEST_MAIN(ImageViewTest)
+ORVO_TEST_CLASS(ImageViewTest)
 #include "ImageViewTest.moc"

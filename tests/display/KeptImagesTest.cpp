@@ -1,6 +1,7 @@
 // Copies of images into memory that is kept: whose pixels they have, and when their memory is used again.
 
 #include "display/KeptImages.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -122,5 +123,5 @@ void KeptImagesTest::nullImageGivesANullImage()
 
 } // namespace
 
-QTEST_GUILESS_MAIN(KeptImagesTest)
+ORVO_TEST_CLASS(KeptImagesTest)
 #include "KeptImagesTest.moc"

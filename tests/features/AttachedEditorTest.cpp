@@ -2,6 +2,7 @@
 
 #include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/EditorBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -68,5 +69,5 @@ void AttachedEditorTest::aComboBoxIsAttachedAsItIsLoaded()
 
 } // namespace
 
-QTEST_MAIN(AttachedEditorTest)
+ORVO_TEST_CLASS(AttachedEditorTest)
 #include "AttachedEditorTest.moc"

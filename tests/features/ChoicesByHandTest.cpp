@@ -1,6 +1,7 @@
 // The combo box and the button in the table, used as a user uses them: what the camera gets, and what is shown.
 
 #include "tests/features/EditorBench.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/Wheel.h"
 
 #include <QtTest>
@@ -289,5 +290,5 @@ void ChoicesByHandTest::buttonWhoseCommandFails()
 
 } // namespace
 
-QTEST_MAIN(ChoicesByHandTest)
+ORVO_TEST_CLASS(ChoicesByHandTest)
 #include "ChoicesByHandTest.moc"

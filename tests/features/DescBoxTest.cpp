@@ -3,6 +3,7 @@
 #include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -345,5 +346,5 @@ void DescBoxTest::aLongNameIsBroken()
 
 } // namespace
 
-QTEST_MAIN(DescBoxTest)
+ORVO_TEST_CLASS(DescBoxTest)
 #include "DescBoxTest.moc"

@@ -4,6 +4,7 @@
 #include "features/view/FeatureView.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -183,5 +184,5 @@ void FeatureViewCameraTest::aFreshDescriptionSurvivesTheFirstCamera()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewCameraTest)
+ORVO_TEST_CLASS(FeatureViewCameraTest)
 #include "FeatureViewCameraTest.moc"

@@ -2,6 +2,7 @@
 
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -164,5 +165,5 @@ void FeatureViewColoursTest::anItemThatReadsItsAccessModeColoursItsRow()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewColoursTest)
+ORVO_TEST_CLASS(FeatureViewColoursTest)
 #include "FeatureViewColoursTest.moc"

@@ -2,6 +2,7 @@
 
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -522,5 +523,5 @@ void FeatureViewFilterTest::updatesStayOffWhereTheyWere()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewFilterTest)
+ORVO_TEST_CLASS(FeatureViewFilterTest)
 #include "FeatureViewFilterTest.moc"

@@ -3,6 +3,7 @@
 #include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -477,5 +478,5 @@ void FeatureViewFoldingTest::scrollToCurrentDoesNothing()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewFoldingTest)
+ORVO_TEST_CLASS(FeatureViewFoldingTest)
 #include "FeatureViewFoldingTest.moc"

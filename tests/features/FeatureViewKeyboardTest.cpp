@@ -2,6 +2,7 @@
 
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -120,5 +121,5 @@ void FeatureViewKeyboardTest::toolButtonsTakeTheKeyboard()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewKeyboardTest)
+ORVO_TEST_CLASS(FeatureViewKeyboardTest)
 #include "FeatureViewKeyboardTest.moc"

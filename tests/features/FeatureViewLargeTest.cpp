@@ -3,6 +3,7 @@
 #include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -110,5 +111,5 @@ void FeatureViewLargeTest::lastRowIsUsable()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewLargeTest)
+ORVO_TEST_CLASS(FeatureViewLargeTest)
 #include "FeatureViewLargeTest.moc"

@@ -4,6 +4,7 @@
 #include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -214,5 +215,5 @@ void FeatureViewTest::demonstrationRows()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewTest)
+ORVO_TEST_CLASS(FeatureViewTest)
 #include "FeatureViewTest.moc"

@@ -3,6 +3,7 @@
 #include "features/view/FeatureView.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -108,5 +109,5 @@ void FeatureViewToolBarTest::buttonsAreClickedByMouse()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewToolBarTest)
+ORVO_TEST_CLASS(FeatureViewToolBarTest)
 #include "FeatureViewToolBarTest.moc"

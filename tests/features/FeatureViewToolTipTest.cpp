@@ -2,6 +2,7 @@
 
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -81,5 +82,5 @@ void FeatureViewToolTipTest::ofAVeryLongOneTheBeginningIsShown()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewToolTipTest)
+ORVO_TEST_CLASS(FeatureViewToolTipTest)
 #include "FeatureViewToolTipTest.moc"

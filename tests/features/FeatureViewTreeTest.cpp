@@ -4,6 +4,7 @@
 #include "features/view/FeatureView.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -326,5 +327,5 @@ void FeatureViewTreeTest::aCircleOfCategoriesEnds()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewTreeTest)
+ORVO_TEST_CLASS(FeatureViewTreeTest)
 #include "FeatureViewTreeTest.moc"

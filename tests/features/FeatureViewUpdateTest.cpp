@@ -3,6 +3,7 @@
 #include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -350,5 +351,5 @@ void FeatureViewUpdateTest::anUnpluggedCameraIsReadWithoutHarm()
 
 } // namespace
 
-QTEST_MAIN(FeatureViewUpdateTest)
+ORVO_TEST_CLASS(FeatureViewUpdateTest)
 #include "FeatureViewUpdateTest.moc"

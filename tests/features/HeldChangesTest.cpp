@@ -1,6 +1,7 @@
 // What a model tells of cells that changed while it was kept quiet.
 
 #include "features/view/HeldChanges.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -125,5 +126,5 @@ void HeldChangesTest::noModel()
 
 } // namespace
 
-QTEST_GUILESS_MAIN(HeldChangesTest)
+ORVO_TEST_CLASS(HeldChangesTest)
 #include "HeldChangesTest.moc"

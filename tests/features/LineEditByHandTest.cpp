@@ -1,6 +1,7 @@
 // The line edit and the spin box in the table, used as a user uses them: what the camera gets, and what is shown.
 
 #include "tests/features/EditorBench.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/Wheel.h"
 
 #include <QtTest>
@@ -248,5 +249,5 @@ void LineEditByHandTest::spinBoxLeftWritesNothing()
 
 } // namespace
 
-QTEST_MAIN(LineEditByHandTest)
+ORVO_TEST_CLASS(LineEditByHandTest)
 #include "LineEditByHandTest.moc"

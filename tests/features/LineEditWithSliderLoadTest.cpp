@@ -2,6 +2,7 @@
 
 #include "tests/features/EditorBench.h"
 #include "tests/features/SliderBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -427,5 +428,5 @@ void LineEditWithSliderLoadTest::textWithoutUnitWhenLoadedWithUnitWhenWritten()
 
 } // namespace
 
-QTEST_MAIN(LineEditWithSliderLoadTest)
+ORVO_TEST_CLASS(LineEditWithSliderLoadTest)
 #include "LineEditWithSliderLoadTest.moc"

@@ -2,6 +2,7 @@
 
 #include "tests/features/EditorBench.h"
 #include "tests/features/SliderBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -395,5 +396,5 @@ void LineEditWithSliderTest::destroyedWithFocus()
 
 } // namespace
 
-QTEST_MAIN(LineEditWithSliderTest)
+ORVO_TEST_CLASS(LineEditWithSliderTest)
 #include "LineEditWithSliderTest.moc"

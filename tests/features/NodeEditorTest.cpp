@@ -1,6 +1,7 @@
 // What kind of editor a node gets, and how its type reads.
 
 #include "features/item/NodeEditor.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -128,5 +129,5 @@ void NodeEditorTest::names()
 
 } // namespace
 
-QTEST_GUILESS_MAIN(NodeEditorTest)
+ORVO_TEST_CLASS(NodeEditorTest)
 #include "NodeEditorTest.moc"

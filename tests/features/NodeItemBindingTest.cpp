@@ -1,6 +1,7 @@
 // What a node item takes from its node when it is bound, and how it lives in a model.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -443,5 +444,5 @@ void NodeItemBindingTest::itemDiesWithItsModel()
 
 } // namespace
 
-QTEST_MAIN(NodeItemBindingTest)
+ORVO_TEST_CLASS(NodeItemBindingTest)
 #include "NodeItemBindingTest.moc"

@@ -1,6 +1,7 @@
 // The choices of a combo box, and the number of an enumeration.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -165,5 +166,5 @@ void NodeItemChoicesTest::longEntryNames()
 
 } // namespace
 
-QTEST_MAIN(NodeItemChoicesTest)
+ORVO_TEST_CLASS(NodeItemChoicesTest)
 #include "NodeItemChoicesTest.moc"

@@ -1,6 +1,7 @@
 // The slots of the editors.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -269,5 +270,5 @@ void NodeItemEditorsTest::sliderSlotsDoNothing()
 
 } // namespace
 
-QTEST_MAIN(NodeItemEditorsTest)
+ORVO_TEST_CLASS(NodeItemEditorsTest)
 #include "NodeItemEditorsTest.moc"

@@ -1,6 +1,7 @@
 // Reading from cameras that give extreme, changing or broken values.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -186,5 +187,5 @@ void NodeItemHostileCameraTest::extremeFloats()
 
 } // namespace
 
-QTEST_MAIN(NodeItemHostileCameraTest)
+ORVO_TEST_CLASS(NodeItemHostileCameraTest)
 #include "NodeItemHostileCameraTest.moc"

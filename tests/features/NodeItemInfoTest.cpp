@@ -1,6 +1,7 @@
 // The line of additional information.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -183,5 +184,5 @@ void NodeItemInfoTest::otherTypes()
 
 } // namespace
 
-QTEST_MAIN(NodeItemInfoTest)
+ORVO_TEST_CLASS(NodeItemInfoTest)
 #include "NodeItemInfoTest.moc"

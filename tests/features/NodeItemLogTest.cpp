@@ -1,6 +1,7 @@
 // The entries of the operation log: what each operation of an item tells, at every level, with and without failure.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -414,5 +415,5 @@ void NodeItemLogTest::additionalInfoTellsItsRead()
 
 } // namespace
 
-QTEST_MAIN(NodeItemLogTest)
+ORVO_TEST_CLASS(NodeItemLogTest)
 #include "NodeItemLogTest.moc"

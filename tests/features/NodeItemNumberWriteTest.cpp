@@ -1,6 +1,7 @@
 // Writing numbers, as a slider does.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -163,5 +164,5 @@ void NodeItemNumberWriteTest::floatByNumberFails()
 
 } // namespace
 
-QTEST_MAIN(NodeItemNumberWriteTest)
+ORVO_TEST_CLASS(NodeItemNumberWriteTest)
 #include "NodeItemNumberWriteTest.moc"

@@ -1,6 +1,7 @@
 // What follows from the properties of a node: editor, access, user level, valid numbers.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -228,5 +229,5 @@ void NodeItemPropertiesTest::validFloats()
 
 } // namespace
 
-QTEST_MAIN(NodeItemPropertiesTest)
+ORVO_TEST_CLASS(NodeItemPropertiesTest)
 #include "NodeItemPropertiesTest.moc"

@@ -1,6 +1,7 @@
 // Refreshing access mode, value and range.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -214,5 +215,5 @@ void NodeItemRangeTest::unpluggedCamera()
 
 } // namespace
 
-QTEST_MAIN(NodeItemRangeTest)
+ORVO_TEST_CLASS(NodeItemRangeTest)
 #include "NodeItemRangeTest.moc"

@@ -1,6 +1,7 @@
 // Reading values: the texts, the cache, and which camera calls each read takes.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -300,5 +301,5 @@ void NodeItemReadTest::unitGoesToTheEditRole()
 
 } // namespace
 
-QTEST_MAIN(NodeItemReadTest)
+ORVO_TEST_CLASS(NodeItemReadTest)
 #include "NodeItemReadTest.moc"

@@ -3,6 +3,7 @@
 #include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -374,5 +375,5 @@ void NodeItemViewTest::failedAccessModeColoursNothing()
 
 } // namespace
 
-QTEST_MAIN(NodeItemViewTest)
+ORVO_TEST_CLASS(NodeItemViewTest)
 #include "NodeItemViewTest.moc"

@@ -1,6 +1,7 @@
 // Writing typed texts: what they become at the camera, what is shown then, and how failures end.
 
 #include "tests/features/NodeBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -435,5 +436,5 @@ void NodeItemWriteTest::writesNeverReadProperties()
 
 } // namespace
 
-QTEST_MAIN(NodeItemWriteTest)
+ORVO_TEST_CLASS(NodeItemWriteTest)
 #include "NodeItemWriteTest.moc"

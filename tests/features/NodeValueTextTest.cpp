@@ -1,6 +1,7 @@
 // How values of nodes read, and what typed texts mean.
 
 #include "features/item/NodeValueText.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -232,5 +233,5 @@ void NodeValueTextTest::refused()
 
 } // namespace
 
-QTEST_GUILESS_MAIN(NodeValueTextTest)
+ORVO_TEST_CLASS(NodeValueTextTest)
 #include "NodeValueTextTest.moc"

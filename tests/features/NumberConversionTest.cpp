@@ -1,6 +1,7 @@
 // Conversions that the language leaves open: out-of-range doubles, and 64-bit ranges wider than their numbers.
 
 #include "features/item/NumberConversion.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -124,5 +125,5 @@ void NumberConversionTest::snap()
 
 } // namespace
 
-QTEST_GUILESS_MAIN(NumberConversionTest)
+ORVO_TEST_CLASS(NumberConversionTest)
 #include "NumberConversionTest.moc"

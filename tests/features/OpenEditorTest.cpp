@@ -1,6 +1,7 @@
 // What happens around an editor that is open in the table: the camera goes, the view goes, values change.
 
 #include "tests/features/EditorBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -290,5 +291,5 @@ void OpenEditorTest::typedTextOutlastsNewsOfOtherRows()
 
 } // namespace
 
-QTEST_MAIN(OpenEditorTest)
+ORVO_TEST_CLASS(OpenEditorTest)
 #include "OpenEditorTest.moc"

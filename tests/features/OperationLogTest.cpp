@@ -1,6 +1,7 @@
 // The fragments of the operation log, byte for byte.
 
 #include "features/item/OperationLog.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -163,5 +164,5 @@ void OperationLogTest::append()
 
 } // namespace
 
-QTEST_GUILESS_MAIN(OperationLogTest)
+ORVO_TEST_CLASS(OperationLogTest)
 #include "OperationLogTest.moc"

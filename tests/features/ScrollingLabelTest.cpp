@@ -2,6 +2,7 @@
 
 #include "features/description/ScrollingLabel.h"
 #include "tests/support/Patience.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/Wheel.h"
 
 #include <QtTest>
@@ -254,5 +255,5 @@ void ScrollingLabelTest::anotherFontIsLaidOutAnew()
 
 } // namespace
 
-QTEST_MAIN(ScrollingLabelTest)
+ORVO_TEST_CLASS(ScrollingLabelTest)
 #include "ScrollingLabelTest.moc"

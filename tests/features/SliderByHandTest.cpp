@@ -1,6 +1,7 @@
 // The slider editor in the table, used as a user uses it: what the camera gets, and what is shown.
 
 #include "tests/features/EditorBench.h"
+#include "tests/support/TestProgram.h"
 #include "tests/support/Wheel.h"
 
 #include <QtTest>
@@ -243,5 +244,5 @@ void SliderByHandTest::ofAllOf64Bits()
 
 } // namespace
 
-QTEST_MAIN(SliderByHandTest)
+ORVO_TEST_CLASS(SliderByHandTest)
 #include "SliderByHandTest.moc"

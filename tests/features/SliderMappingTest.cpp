@@ -1,6 +1,7 @@
 // The arithmetic between node values and slider positions, with ranges that a camera should not have among them.
 
 #include "features/editors/LineEditWithSliderMapping.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -539,5 +540,5 @@ void SliderMappingTest::validFloatTable()
 
 } // namespace
 
-QTEST_APPLESS_MAIN(SliderMappingTest)
+ORVO_TEST_CLASS(SliderMappingTest)
 #include "SliderMappingTest.moc"

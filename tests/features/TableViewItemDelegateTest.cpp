@@ -4,6 +4,7 @@
 
 #include "features/description/DescBox.h"
 #include "tests/features/EditorBench.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -622,5 +623,5 @@ void TableViewItemDelegateTest::withoutView()
 
 } // namespace
 
-QTEST_MAIN(TableViewItemDelegateTest)
+ORVO_TEST_CLASS(TableViewItemDelegateTest)
 #include "TableViewItemDelegateTest.moc"

@@ -1,6 +1,7 @@
 // The delegate that is keyed by editor names, over a model of plain items.
 
 #include "features/editors/TreeViewItemDelegate.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -177,5 +178,5 @@ void TreeViewItemDelegateTest::noEditorIsNothing()
 
 } // namespace
 
-QTEST_MAIN(TreeViewItemDelegateTest)
+ORVO_TEST_CLASS(TreeViewItemDelegateTest)
 #include "TreeViewItemDelegateTest.moc"

@@ -4,6 +4,7 @@
 #include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
+#include "tests/support/TestProgram.h"
 
 #include <QtTest>
 
@@ -63,5 +64,5 @@ void VanishingRowsTest::whileEverythingIsRead()
 
 } // namespace
 
-QTEST_MAIN(VanishingRowsTest)
+ORVO_TEST_CLASS(VanishingRowsTest)
 #include "VanishingRowsTest.moc"
