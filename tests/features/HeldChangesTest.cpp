@@ -29,9 +29,6 @@ private slots:
     void tellsOfEachRow();
     void theWidestNoteOfARunCounts();
     void staysQuietWhereItWasQuiet();
-    void aModelThatEndsMeanwhile();
-    void aModelThatEndsWhileItTells();
-    void noModel();
 
 private:
     std::unique_ptr<QStandardItemModel> model;
@@ -101,27 +98,6 @@ void HeldChangesTest::staysQuietWhereItWasQuiet()
     }
     QVERIFY(told.isEmpty());
     QVERIFY(model->signalsBlocked());
-}
-
-void HeldChangesTest::aModelThatEndsMeanwhile()
-{
-    HeldChanges held(model.get());
-    held.note(0, 0);
-    model.reset();
-}
-
-void HeldChangesTest::aModelThatEndsWhileItTells()
-{
-    connect(model.get(), &QStandardItemModel::dataChanged, this, [this] { model.reset(); });
-    HeldChanges held(model.get());
-    held.note(0, 0);
-    held.note(5, 0);
-}
-
-void HeldChangesTest::noModel()
-{
-    HeldChanges held(nullptr);
-    held.note(0, 0);
 }
 
 } // namespace

@@ -13,6 +13,7 @@ Q_DECLARE_METATYPE(Operation)
 namespace {
 
 using namespace Orvo;
+using OperationLog::Fragment;
 
 constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
 
@@ -54,8 +55,8 @@ void NodeItemLogTest::levels_data()
     QTest::addColumn<QString>("fragment"); // without the lookup line
     QTest::addColumn<QString>("failure");  // what follows it after a failure; "-": nothing is told then
     const auto row = [](const char* name, const scripted::NodeSpec& node, const char* call, int mode,
-                        const char* fragment, const char* failure, const Operation& operation) {
-        QTest::newRow(name) << node << operation << QString(call) << mode << QString(fragment) << QString(failure);
+                        const QString& fragment, const char* failure, const Operation& operation) {
+        QTest::newRow(name) << node << operation << QString(call) << mode << fragment << QString(failure);
     };
     const auto read = [](GenAPINodeItem& item) { item.getNodeValue(true, true); };
     const auto type = [](const char* text) {
@@ -67,27 +68,14 @@ void NodeItemLogTest::levels_data()
     const scripted::NodeSpec command = nodeOf(NODE_TYPE_COMMAND);
     const scripted::NodeSpec enumeration = enumNode({ro, ro});
 
-    row("integer read", integer, "Nd_GetIntValue", 2,
-        "int64_t llVal = 0;\nstatus = Orvo::Nd_GetIntValue(hCam, hNode, &llVal);\n", failed, read);
+    row("integer read", integer, "Nd_GetIntValue", 2, OperationLog::text(Fragment::IntegerRead), failed, read);
     row("float read never tells a failure", floatNode(5), "Nd_GetFloatValue", 2,
-        "int64_t llVal = 0;\nstatus = Orvo::Nd_GetFloatValue(hCam, hNode, &llVal);\n", "", read);
-    row("boolean read", boolean, "Nd_GetBoolValue", 2,
-        "bool bVal = false;\nstatus = Orvo::Nd_GetBooltValue(hCam, hNode, &bVal);\n", failed, read);
-    row("string read", stringNode("text"), "Nd_GetStrValue", 2,
-        "int len = 0\nchar *buf = NULL\nstatus = Orvo::Nd_GetStrValue(hCam, hNode, NULL, "
-        "&len);\nif((Orvo::CAM_API_STS_SUCCESS == status) && (len > 0)){\n    buf = new char[len];\n    status = "
-        "Orvo::Nd_GetStrValue(hCam, hNode, buf, &len);\n    if(Orvo::CAM_API_STS_SUCCESS == status){\n        ....;\n  "
-        "  }\n    delete[] buf;\n    buf = NULL;\n}\n",
-        failed, read);
-    row("enumeration read", enumeration, "Nd_GetEnumStrValue", 2,
-        "int len = 0\nchar *buf = NULL\nstatus = Orvo::Nd_GetEnumStrValue(hCam, hNode, NULL, "
-        "&len);\nif((Orvo::CAM_API_STS_SUCCESS == status) && (len > 0)){\n    buf = new char[len];\n    status = "
-        "Orvo::Nd_GetEnumStrValue(hCam, hNode, buf, &len);\n    if(Orvo::CAM_API_STS_SUCCESS == status){\n        "
-        "....;\n    }\n    delete[] buf;\n    buf = NULL;\n}\n",
-        failed, read);
-    row("enumeration integer read", enumeration, "Nd_GetEnumIntValue", 2,
-        "int64_t llVal = 0;\nstatus = Orvo::Nd_GetEnumIntValuec(hCam, hNode, &llVal);\n", failed,
-        [](GenAPINodeItem& item) { item.getEnumIntValue(); });
+        OperationLog::text(Fragment::FloatRead), "", read);
+    row("boolean read", boolean, "Nd_GetBoolValue", 2, OperationLog::text(Fragment::BooleanRead), failed, read);
+    row("string read", stringNode("text"), "Nd_GetStrValue", 2, OperationLog::text(Fragment::StringRead), failed, read);
+    row("enumeration read", enumeration, "Nd_GetEnumStrValue", 2, OperationLog::text(Fragment::EnumRead), failed, read);
+    row("enumeration integer read", enumeration, "Nd_GetEnumIntValue", 2, OperationLog::text(Fragment::EnumIntegerRead),
+        failed, [](GenAPINodeItem& item) { item.getEnumIntValue(); });
 
     row("integer from text", integer, "Nd_SetIntValue", 1, "status = Orvo::Nd_SetIntValue(hcam, hNode, 7);\n", failed,
         type("7 px"));
@@ -150,8 +138,8 @@ void NodeItemLogTest::failedReadTellsItsStatus()
     const auto item = bench.item();
     scripted::failCall("Nd_GetIntValue", 0x10);
     item->getNodeValue(true, true);
-    QCOMPARE(bench.log, QStringList{lookup + "int64_t llVal = 0;\nstatus = Orvo::Nd_GetIntValue(hCam, hNode, &llVal);\n"
-                                             "Failed!! Status code: 0x00000010.\n"});
+    QCOMPARE(bench.log,
+             QStringList{lookup + OperationLog::text(Fragment::IntegerRead) + "Failed!! Status code: 0x00000010.\n"});
     scripted::failCall("Nd_GetIntValue", CAM_API_STS_UNSUCCESSFUL);
     item->getNodeValue(true, true);
     QVERIFY(bench.log[1].endsWith("Failed!! Status code: 0xffffffff.\n"));
@@ -241,7 +229,7 @@ void NodeItemLogTest::numberWriteLogsBeforeItsRead()
         if (level >= 1)
             expected << integerWrite;
         if (level >= 2)
-            expected << lookup + "int64_t llVal = 0;\nstatus = Orvo::Nd_GetIntValue(hCam, hNode, &llVal);\n";
+            expected << lookup + OperationLog::text(Fragment::IntegerRead);
         const auto integer = bench.item("Node");
         QCOMPARE(integer->setNodeValue(-7L), 0);
         QCOMPARE(bench.log, expected);
@@ -271,13 +259,13 @@ void NodeItemLogTest::rangeEntry_data()
     QTest::addColumn<scripted::NodeSpec>("node");
     QTest::addColumn<bool>("all");
     QTest::addColumn<QString>("entry");
-    const QString intMax = "int64_t llMax = 0;\nstatus = Orvo::Nd_GetIntMax(hCam, hNode, &llMax);\n";
-    const QString intMin = "int64_t llMin = 0;\nstatus = Orvo::Nd_GetIntMin(hCam, hNode, &llMin);\n";
-    const QString intInc = "int64_t llInc = 0;\nstatus = Orvo::Nd_GetIntInc(hCam, hNode, &llInc);\n";
-    const QString floatMax = "double dMax = 0;\nstatus = Orvo::Nd_GetFloatMax(hCam, hNode, &dMax);\n";
-    const QString floatMin = "double dMin = 0;\nstatus = Orvo::Nd_GetFloatMin(hCam, hNode, &dMin);\n";
-    const QString hasInc = "bool hasInc = 0;\nstatus = Orvo::Nd_GetFloatHasInc(hCam, hNode, &hasInc);\n";
-    const QString floatInc = "double dInc = 0;\nstatus = Orvo::Nd_GetFloatInc(hCam, hNode, &dInc);\n";
+    const QString intMax = OperationLog::text(Fragment::IntegerMaximum);
+    const QString intMin = OperationLog::text(Fragment::IntegerMinimum);
+    const QString intInc = OperationLog::text(Fragment::IntegerIncrement);
+    const QString floatMax = OperationLog::text(Fragment::FloatMaximum);
+    const QString floatMin = OperationLog::text(Fragment::FloatMinimum);
+    const QString hasInc = OperationLog::text(Fragment::FloatHasIncrement);
+    const QString floatInc = OperationLog::text(Fragment::FloatIncrement);
     QTest::newRow("integer") << integerNode(5) << true << intMax + intMin + intInc;
     QTest::newRow("integer, maximum only") << integerNode(5) << false << intMax;
     QTest::newRow("float") << floatNode(5) << true << floatMax + floatMin + hasInc;
@@ -327,9 +315,8 @@ void NodeItemLogTest::entriesOfOneUpdate()
 {
     NodeBench bench({integerNode(5)}, OpeLogRange);
     bench.item()->updateVals(false);
-    QCOMPARE(bench.log,
-             QStringList({lookup + "int64_t llVal = 0;\nstatus = Orvo::Nd_GetIntValue(hCam, hNode, &llVal);\n",
-                          "int64_t llMax = 0;\nstatus = Orvo::Nd_GetIntMax(hCam, hNode, &llMax);\n"}));
+    QCOMPARE(bench.log, QStringList({lookup + OperationLog::text(Fragment::IntegerRead),
+                                     OperationLog::text(Fragment::IntegerMaximum)}));
 }
 
 void NodeItemLogTest::bindingLogsItsRead()
@@ -337,9 +324,8 @@ void NodeItemLogTest::bindingLogsItsRead()
     for (int level = 0; level <= 3; ++level) {
         NodeBench bench({integerNode(5)}, level);
         const GenAPINodeItem item(bench.camera(), bench.handle("Node"), 0, &bench.view, nullptr);
-        QCOMPARE(bench.log, level >= 2 ? QStringList{lookup + "int64_t llVal = 0;\n"
-                                                              "status = Orvo::Nd_GetIntValue(hCam, hNode, &llVal);\n"}
-                                       : QStringList());
+        QCOMPARE(bench.log,
+                 level >= 2 ? QStringList{lookup + OperationLog::text(Fragment::IntegerRead)} : QStringList());
     }
 }
 

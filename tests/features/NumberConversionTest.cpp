@@ -23,6 +23,7 @@ private slots:
     void toInt64();
     void snap_data();
     void snap();
+    void snapOnEveryRangeOfANumberLine();
 };
 
 void NumberConversionTest::toInt_data()
@@ -103,6 +104,9 @@ void NumberConversionTest::snap_data()
     row("increment beyond the range, above half", 10, 0, 10, 15, 10);
     row("fixed value", 7, 3, 3, 1, 3);
     row("maximum below the minimum", 7, 5, 3, 1, 3);
+    row("whole range, half goes up", least + 2, least, most, 4, least + 4);
+    row("whole range, no room for the last step", most, least, most, 1000, most);
+    row("whole range, widest step, at the maximum", most, least, most, most, most - 1);
     row("whole range, least", least, least, most, 1, least);
     row("whole range, most", most, least, most, 1, most);
     row("whole range, zero", 0, least, most, 1, 0);
@@ -121,6 +125,28 @@ void NumberConversionTest::snap()
     QFETCH(qlonglong, maximum);
     QFETCH(qlonglong, increment);
     QTEST(static_cast<qlonglong>(snapToIncrement(value, minimum, maximum, increment)), "expected");
+}
+
+// The rule by its definition, in numbers wide enough for it.
+void NumberConversionTest::snapOnEveryRangeOfANumberLine()
+{
+    __extension__ using Wide = __int128;
+    const std::int64_t numbers[] = {
+        INT64_MIN, INT64_MIN + 1, INT64_MIN + 7, -1000001,      -16,           -3,       0, 1, 5, 16,
+        4095,      1000001,       INT64_MAX / 2, INT64_MAX - 6, INT64_MAX - 1, INT64_MAX};
+    const std::int64_t increments[] = {1, 2, 3, 16, 1000, INT64_MAX / 3, INT64_MAX};
+    for (const std::int64_t minimum : numbers) {
+        for (const std::int64_t maximum : numbers) {
+            for (const std::int64_t increment : increments) {
+                for (const std::int64_t value : numbers) {
+                    const Wide distance = Wide{std::max(value, minimum)} - minimum;
+                    const Wide steps = (Wide{increment} + 2 * distance) / increment / 2;
+                    const Wide expected = std::min(Wide{minimum} + Wide{increment} * steps, Wide{maximum});
+                    QCOMPARE(snapToIncrement(value, minimum, maximum, increment), static_cast<long>(expected));
+                }
+            }
+        }
+    }
 }
 
 } // namespace

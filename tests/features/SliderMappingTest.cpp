@@ -62,9 +62,7 @@ private slots:
     void floatOfPosition();
     void scaleZeroMeansTheValueZero();
 
-    void validIntTable_data();
-    void validIntTable();
-    void validIntOnEveryRangeOfANumberLine();
+    void validIntSnapsInTheRangeOfTheMapping();
     void validFloatTable_data();
     void validFloatTable();
 };
@@ -423,68 +421,12 @@ void SliderMappingTest::scaleZeroMeansTheValueZero()
 
 // --- Valid values ---------------------------------------------------------------------------------------------------
 
-void SliderMappingTest::validIntTable_data()
+void SliderMappingTest::validIntSnapsInTheRangeOfTheMapping()
 {
-    QTest::addColumn<qint64>("minimum");
-    QTest::addColumn<qint64>("maximum");
-    QTest::addColumn<qint64>("increment");
-    QTest::addColumn<qint64>("value");
-    QTest::addColumn<qint64>("valid");
-
-    const auto row = [](const char* name, qint64 minimum, qint64 maximum, qint64 increment, qint64 value,
-                        qint64 valid) { QTest::newRow(name) << minimum << maximum << increment << value << valid; };
-    row("down", 0, 10, 4, 5, 4);
-    row("half is up", 0, 10, 4, 6, 8);
-    row("above the maximum", 0, 10, 4, 11, 10);
-    row("rounded above the maximum", 0, 10, 4, 10, 10);
-    row("above the maximum, rounded below it", 0, 12, 10, 13, 10);
-    row("below the minimum", 0, 10, 4, -3, 0);
-    row("steps begin at the minimum", 3, 100, 10, 17, 13);
-    row("odd increment", 0, 100, 5, 7, 5);
-    row("odd increment, up", 0, 100, 5, 8, 10);
-    row("fixed", 7, 7, 1, 9, 7);
-    row("upside down", 9, 3, 1, 5, 3);
-    row("increment 0", 0, 10, 0, 7, 7);
-    row("negative increment", 0, 10, -4, 7, 7);
-    row("smallest increment", 0, 10, INT64_MIN, 7, 7);
-    row("increment beyond the range", 0, 10, 100, 7, 0);
-    row("largest increment", INT64_MIN, INT64_MAX, INT64_MAX, INT64_MAX, INT64_MAX - 1);
-    row("64 bits, largest", INT64_MIN, INT64_MAX, 1, INT64_MAX, INT64_MAX);
-    row("64 bits, smallest", INT64_MIN, INT64_MAX, 1, INT64_MIN, INT64_MIN);
-    row("64 bits, half is up", INT64_MIN, INT64_MAX, 4, INT64_MIN + 2, INT64_MIN + 4);
-    row("64 bits, no room for the last step", INT64_MIN, INT64_MAX, 1000, INT64_MAX, INT64_MAX);
-}
-
-void SliderMappingTest::validIntTable()
-{
-    QFETCH(const qint64, minimum);
-    QFETCH(const qint64, maximum);
-    QFETCH(const qint64, increment);
-    QFETCH(const qint64, value);
-    const qint64 valid = validInt(ofInts(minimum, maximum, increment), value);
-    QTEST(valid, "valid");
-}
-
-// The rule as it is told, in numbers wide enough for it.
-void SliderMappingTest::validIntOnEveryRangeOfANumberLine()
-{
-    __extension__ using Wide = __int128;
-    const std::int64_t numbers[] = {
-        INT64_MIN, INT64_MIN + 1, INT64_MIN + 7, -1000001,      -16,           -3,       0, 1, 5, 16,
-        4095,      1000001,       INT64_MAX / 2, INT64_MAX - 6, INT64_MAX - 1, INT64_MAX};
-    const std::int64_t increments[] = {1, 2, 3, 16, 1000, INT64_MAX / 3, INT64_MAX};
-    for (const std::int64_t minimum : numbers) {
-        for (const std::int64_t maximum : numbers) {
-            for (const std::int64_t increment : increments) {
-                for (const std::int64_t value : numbers) {
-                    const Wide distance = Wide{std::max(value, minimum)} - minimum;
-                    const Wide steps = (Wide{increment} + 2 * distance) / increment / 2;
-                    const Wide expected = std::min(Wide{minimum} + Wide{increment} * steps, Wide{maximum});
-                    QCOMPARE(validInt(ofInts(minimum, maximum, increment), value), static_cast<std::int64_t>(expected));
-                }
-            }
-        }
-    }
+    const SliderMapping mapping = ofInts(3, 100, 10);
+    QCOMPARE(validInt(mapping, 17), std::int64_t{13});
+    QCOMPARE(validInt(mapping, -20), std::int64_t{3});
+    QCOMPARE(validInt(mapping, 99), std::int64_t{100});
 }
 
 void SliderMappingTest::validFloatTable_data()

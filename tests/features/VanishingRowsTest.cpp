@@ -25,6 +25,7 @@ private slots:
 
     void whileAnEditorOpens();
     void whileEverythingIsRead();
+    void whileTheTableHearsOfChangedRows();
 };
 
 /// Empties the view when the maximum of a feature was read, which its item does last.
@@ -59,6 +60,21 @@ void VanishingRowsTest::whileEverythingIsRead()
     features.view().updateAllFeatures();
     QVERIFY(item.isNull());
     QCOMPARE(scripted::count("Nd_GetIntMax"), 1);
+    QCOMPARE(features.rowsModel().rowCount(), 0);
+}
+
+void VanishingRowsTest::whileTheTableHearsOfChangedRows()
+{
+    FeatureTable features({category("Root", {"A", "B", "C"}), feature("A"), feature("B"), feature("C")});
+    for (const char* name : {"A", "C"}) // two runs of rows, with one between them that stays as it is
+        scripted::changeNode(name, [](scripted::NodeSpec& spec) { spec.intValue = 77; });
+    int heard = 0;
+    connect(&features.rowsModel(), &QAbstractItemModel::dataChanged, this, [&] {
+        ++heard;
+        features.view().showModel(new QStandardItemModel(0, 3));
+    });
+    features.view().updateAllFeatures();
+    QCOMPARE(heard, 1);
     QCOMPARE(features.rowsModel().rowCount(), 0);
 }
 
