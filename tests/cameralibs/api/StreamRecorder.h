@@ -3,9 +3,27 @@
 #include "camera/OrvoCamApi.h"
 
 #include <condition_variable>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <vector>
+
+/// A copy of one image.
+struct Picture {
+    std::uint32_t format = 0; ///< of the PFNC
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint64_t number = 0;
+    std::uint64_t timestampNs = 0;
+    std::vector<std::uint8_t> bytes;
+
+    /// The value of a pixel of a Mono8 or BayerRG8 image.
+    [[nodiscard]] int at(std::uint32_t x, std::uint32_t y) const
+    {
+        return bytes[static_cast<std::size_t>(y) * width + x];
+    }
+};
 
 /// Records what a stream's callbacks bring, for a test to wait for.
 class StreamRecorder {
@@ -17,10 +35,28 @@ public:
         std::uint32_t slot;
     };
 
+    /// Records streams that the test opens and attaches to it.
+    StreamRecorder() = default;
+
+    /// Opens a stream of this camera and starts it. The recorder closes it.
+    explicit StreamRecorder(Orvo::CAM_HANDLE camera);
+
+    ~StreamRecorder();
+    StreamRecorder(const StreamRecorder&) = delete;
+    StreamRecorder& operator=(const StreamRecorder&) = delete;
+
     void attachTo(Orvo::CAM_STRM_HANDLE stream);
+
+    /// For the stream that the recorder opened. Starting it forgets what was recorded before.
+    void start();
+    void stop();
 
     /// Runs inside every image callback. Set while nothing is started.
     std::function<void(const Image&)> onImage;
+
+    /// Copies the next images; fewer where they do not come within a generous time. For the stream that the recorder
+    /// opened.
+    [[nodiscard]] std::vector<Picture> take(std::size_t count);
 
     /// False where the images do not come within a generous time.
     [[nodiscard]] bool waitForImages(std::size_t count);
@@ -28,6 +64,8 @@ public:
     [[nodiscard]] bool waitForBusy(std::size_t count);
 
     [[nodiscard]] std::vector<Image> images();
+    [[nodiscard]] std::size_t imageCount();
+    [[nodiscard]] std::vector<std::uint64_t> numbers(); ///< of the images
     [[nodiscard]] std::vector<Orvo::CAM_API_STATUS> errors();
     [[nodiscard]] std::vector<std::uint32_t> errorSlots();
     [[nodiscard]] std::vector<std::uint32_t> busy();
@@ -45,6 +83,8 @@ private:
     template <class Record> void leave(Record&& record);
     template <class Done> [[nodiscard]] bool wait(Done&& done);
 
+    Orvo::CAM_HANDLE m_camera = 0;
+    Orvo::CAM_STRM_HANDLE m_stream = 0; ///< only one that the recorder opened
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<Image> m_images;
@@ -53,4 +93,10 @@ private:
     std::vector<std::uint32_t> m_busy;
     int m_inside = 0;
     int m_overlaps = 0;
+    Picture m_frame;          ///< what the camera says of its images
+    std::size_t m_wanted = 0; ///< images that take() still waits for
+    std::vector<Picture> m_taken;
 };
+
+/// One image with the camera's present settings.
+[[nodiscard]] Picture takePicture(Orvo::CAM_HANDLE camera);

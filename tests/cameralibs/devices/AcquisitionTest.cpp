@@ -1,8 +1,8 @@
 // When images come: rates, triggers, modes.
 
 #include "camera/OrvoCamUtl.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 #include "tests/cameralibs/devices/BuiltInTest.h"
-#include "tests/cameralibs/devices/ImageStream.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <thread>
 #include <vector>
 
 using namespace Orvo;
@@ -27,7 +26,7 @@ protected:
     }
 
     // Whether images come at a rate, by and by: the machine may be busy with something else for a while.
-    static void expectRate(ImageStream& stream, double rate)
+    static void expectRate(StreamRecorder& stream, double rate)
     {
         double measured = 0;
         for (int attempt = 0; attempt < 20 && std::abs(measured / rate - 1) > 0.1; ++attempt) {
@@ -37,8 +36,15 @@ protected:
         EXPECT_NEAR(measured / rate, 1, 0.1);
     }
 
-    // Long enough for an image that should not come, were it to come after all.
-    static void letImagesCome() { std::this_thread::sleep_for(std::chrono::milliseconds(150)); }
+    // Lasts as long as another camera takes for ten images. An image that should not come would come meanwhile, however
+    // busy the machine is.
+    static void letImagesCome()
+    {
+        const SimulatedCamera& other = switchedOn(kColor);
+        other.setInteger("Width", 320);
+        other.setInteger("Height", 240);
+        EXPECT_TRUE(StreamRecorder(other.handle()).waitForImages(10));
+    }
 };
 
 TEST_F(AcquisitionTest, ImagesComeAtTheRateThatIsSet)
@@ -46,7 +52,7 @@ TEST_F(AcquisitionTest, ImagesComeAtTheRateThatIsSet)
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60);
     m_camera.setInteger("Width", 320);
     m_camera.setInteger("Height", 240);
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     for (const double rate : {60.0, 20.0, 100.0}) {
         m_camera.setReal("AcquisitionFrameRate", rate);
         EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), rate);
@@ -56,7 +62,7 @@ TEST_F(AcquisitionTest, ImagesComeAtTheRateThatIsSet)
 
 TEST_F(AcquisitionTest, FrameNumbersCountFromOneInEveryStart)
 {
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     for (int start = 0; start < 3; ++start) {
         if (start > 0)
             stream.start();
@@ -76,7 +82,7 @@ TEST_F(AcquisitionTest, LongExposuresLimitTheRate)
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 20);
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), 20);
     {
-        ImageStream stream(m_camera);
+        StreamRecorder stream(m_camera.handle());
         expectRate(stream, 20);
     }
     m_camera.setReal("ExposureTime", 1000);
@@ -123,7 +129,7 @@ TEST_F(AcquisitionTest, SoftwareTriggerGivesOneImageEach)
     EXPECT_TRUE(on);
     EXPECT_EQ(GetCamTriggerSource(m_camera.handle(), &source), CAM_API_STS_SUCCESS);
     EXPECT_EQ(source, CAM_TRIGGER_SOURCE_SOFTWARE);
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     letImagesCome();
     EXPECT_EQ(stream.imageCount(), 0U);
     for (std::size_t i = 1; i <= 3; ++i) {
@@ -145,7 +151,7 @@ TEST_F(AcquisitionTest, TriggersAreForTheirSourceOnly)
     EXPECT_EQ(m_camera.access("TriggerActivation"), NODE_ACCESS_MODE_NA);
     m_camera.choose("TriggerSource", "Line0");
     EXPECT_EQ(m_camera.access("TriggerActivation"), NODE_ACCESS_MODE_RW);
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     m_camera.execute("TriggerSoftware");
     letImagesCome();
     EXPECT_EQ(stream.imageCount(), 0U);
@@ -157,7 +163,7 @@ TEST_F(AcquisitionTest, TriggersAreForTheirSourceOnly)
 TEST_F(AcquisitionTest, WithoutTriggerModeTriggersDoNothing)
 {
     m_camera.setReal("AcquisitionFrameRate", 2);
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     ASSERT_TRUE(stream.waitForImages(1));
     m_camera.execute("TriggerSoftware");
     EXPECT_LT(rateOf(stream.take(3)), 3) << "No image came early";
@@ -167,7 +173,7 @@ TEST_F(AcquisitionTest, TriggersUnderWayEndWithTheirSource)
 {
     m_camera.choose("TriggerMode", "On");
     m_camera.setReal("TriggerDelay", 1000000);
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     m_camera.execute("TriggerSoftware");
     m_camera.choose("TriggerSource", "Line0");
     m_camera.setReal("TriggerDelay", 0);
@@ -181,7 +187,7 @@ TEST_F(AcquisitionTest, TriggerDelayAndExposureComeBeforeTheImage)
     m_camera.choose("TriggerMode", "On");
     m_camera.setReal("TriggerDelay", 120000);
     m_camera.setReal("ExposureTime", 80000);
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     const auto before = std::chrono::steady_clock::now();
     m_camera.execute("TriggerSoftware");
     ASSERT_TRUE(stream.waitForImages(1));
@@ -193,7 +199,7 @@ TEST_F(AcquisitionTest, ModesLimitTheImagesOfAStart)
     EXPECT_EQ(m_camera.access("AcquisitionFrameCount"), NODE_ACCESS_MODE_NA);
     m_camera.choose("AcquisitionMode", "MultiFrame");
     m_camera.setInteger("AcquisitionFrameCount", 4);
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     ASSERT_TRUE(stream.waitForImages(4));
     letImagesCome();
     EXPECT_EQ(stream.imageCount(), 4U);
@@ -211,7 +217,7 @@ TEST_F(AcquisitionTest, ModesLimitTheImagesOfAStart)
 
 TEST_F(AcquisitionTest, TheCommandStopsTheImages)
 {
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     ASSERT_TRUE(stream.waitForImages(2));
     EXPECT_TRUE(m_camera.flag("AcquisitionStatus"));
     m_camera.execute("AcquisitionStop");
@@ -228,7 +234,7 @@ TEST_F(AcquisitionTest, SizesAreLockedWhileImagesAreTaken)
     const char* const locked[] = {
         "Width", "Height", "PixelFormat", "BinningHorizontal", "AcquisitionMode", "AccessLockedWhileStreaming"};
     {
-        const ImageStream stream(m_camera);
+        const StreamRecorder stream(m_camera.handle());
         for (const char* const name : locked)
             EXPECT_EQ(m_camera.access(name), NODE_ACCESS_MODE_RO) << name;
         EXPECT_EQ(m_camera.access("UserSetLoad"), NODE_ACCESS_MODE_NA);

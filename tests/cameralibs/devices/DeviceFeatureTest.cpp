@@ -1,8 +1,8 @@
 // Features that do something besides changing the image.
 
 #include "tests/cameralibs/api/CameraAccess.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 #include "tests/cameralibs/devices/BuiltInTest.h"
-#include "tests/cameralibs/devices/ImageStream.h"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ TEST_F(DeviceFeatureTest, TheTemperatureMoves)
 TEST_F(DeviceFeatureTest, TheClockRunsAndStampsTheImages)
 {
     const std::int64_t before = m_camera.integer("Timestamp");
-    const Picture picture = takePicture(m_camera);
+    const Picture picture = takePicture(m_camera.handle());
     m_camera.execute("TimestampLatch");
     const std::int64_t latched = m_camera.integer("TimestampLatchValue");
     EXPECT_GT(static_cast<std::int64_t>(picture.timestampNs), before);
@@ -117,7 +117,7 @@ TEST_F(DeviceFeatureTest, CountersCountImages)
     m_camera.choose("CounterSelector", "Counter1");
     m_camera.choose("CounterEventSource", "FrameStart");
     m_camera.execute("CounterReset");
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     for (std::size_t i = 1; i <= 5; ++i) {
         m_camera.execute("TriggerSoftware");
         ASSERT_TRUE(stream.waitForImages(i));

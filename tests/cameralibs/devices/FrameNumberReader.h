@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/cameralibs/devices/ImageStream.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,9 +1,9 @@
 // What the features of a camera do to its images.
 
 #include "camera/OrvoCamUtl.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 #include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/FrameNumberReader.h"
-#include "tests/cameralibs/devices/ImageStream.h"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ protected:
     // An image in which the ball is elsewhere: around the place everything is alike.
     [[nodiscard]] Picture takeClear() const
     {
-        ImageStream stream(m_camera);
+        StreamRecorder stream(m_camera.handle());
         for (int attempt = 0; attempt < 600; ++attempt) {
             const auto pictures = stream.take(1);
             if (pictures.empty())
@@ -113,7 +113,7 @@ TEST_F(MonoImageTest, LookUpTableMapsLevels)
 
 TEST_F(MonoImageTest, OffsetMovesTheRegion)
 {
-    const Picture whole = takePicture(m_camera);
+    const Picture whole = takePicture(m_camera.handle());
     m_camera.setInteger("Width", 800);
     m_camera.setInteger("Height", 600);
     EXPECT_EQ(m_camera.greatest("OffsetX"), 480);
@@ -122,7 +122,7 @@ TEST_F(MonoImageTest, OffsetMovesTheRegion)
     m_camera.setInteger("OffsetY", 202);
     EXPECT_EQ(m_camera.greatest("Width"), 880);
     EXPECT_EQ(m_camera.integer("PayloadSize"), 800 * 600);
-    const Picture part = takePicture(m_camera);
+    const Picture part = takePicture(m_camera.handle());
     ASSERT_EQ(part.bytes.size(), 800U * 600U);
 
     // Somewhere on the rings, where every pixel differs from its neighbours; the ball covers one place or the other.
@@ -145,7 +145,7 @@ TEST_F(MonoImageTest, OffsetMovesTheRegion)
 
 TEST_F(MonoImageTest, ReverseMirrors)
 {
-    const Picture straight = takePicture(m_camera);
+    const Picture straight = takePicture(m_camera.handle());
     const auto mirrored = [&](bool x, bool y) {
         return [&, x, y](std::uint32_t column, std::uint32_t row) {
             return static_cast<std::size_t>(y ? straight.height - 1 - row : row) * straight.width +
@@ -155,7 +155,7 @@ TEST_F(MonoImageTest, ReverseMirrors)
     for (const auto& [x, y] : {std::pair{true, false}, {false, true}, {true, true}}) {
         m_camera.setFlag("ReverseX", x);
         m_camera.setFlag("ReverseY", y);
-        const Picture reversed = takePicture(m_camera);
+        const Picture reversed = takePicture(m_camera.handle());
         EXPECT_LT(difference(reversed, straight, mirrored(x, y)), kMovingShare);
         EXPECT_GT(difference(reversed, straight, mirrored(false, false)), 3 * kMovingShare);
         EXPECT_EQ(readFrameNumber(reversed), reversed.number) << "The number stays readable";
@@ -164,7 +164,7 @@ TEST_F(MonoImageTest, ReverseMirrors)
 
 TEST_F(MonoImageTest, BinningJoinsPixels)
 {
-    const Picture whole = takePicture(m_camera);
+    const Picture whole = takePicture(m_camera.handle());
     m_camera.setInteger("Width", 640);
     m_camera.setInteger("OffsetX", 64);
     m_camera.setInteger("BinningHorizontal", 2);
@@ -176,7 +176,7 @@ TEST_F(MonoImageTest, BinningJoinsPixels)
     EXPECT_EQ(m_camera.integer("Height"), 256);
     m_camera.setInteger("OffsetX", 0);
     m_camera.setInteger("Width", 640);
-    const Picture joined = takePicture(m_camera);
+    const Picture joined = takePicture(m_camera.handle());
     ASSERT_EQ(joined.bytes.size(), 640U * 256U);
     std::size_t off = 0;
     for (std::uint32_t y = 0; y < joined.height; ++y) {
@@ -200,7 +200,7 @@ TEST_F(MonoImageTest, BinningModeSumIsBrighter)
     m_camera.setInteger("BinningHorizontal", 2);
     m_camera.setInteger("BinningVertical", 2);
     const auto level = [&] {
-        const Picture picture = takePicture(m_camera);
+        const Picture picture = takePicture(m_camera.handle());
         const auto x = scaled(kGrey.x) / 2;
         const auto y = scaled(kGrey.y) / 2;
         std::vector<int> levels; // the ball is dark: the brightest of some places counts
@@ -220,7 +220,7 @@ TEST_F(MonoImageTest, TheFrameNumberIsReadable)
     m_camera.setInteger("Height", 64);
     m_camera.setReal("ExposureTime", 1000);
     m_camera.setReal("AcquisitionFrameRate", 500);
-    const auto pictures = ImageStream(m_camera).take(250);
+    const auto pictures = StreamRecorder(m_camera.handle()).take(250);
     ASSERT_EQ(pictures.size(), 250U);
     for (const Picture& picture : pictures)
         ASSERT_EQ(readFrameNumber(picture), picture.number);
@@ -228,7 +228,7 @@ TEST_F(MonoImageTest, TheFrameNumberIsReadable)
 
 TEST_F(MonoImageTest, SomethingMoves)
 {
-    ImageStream stream(m_camera);
+    StreamRecorder stream(m_camera.handle());
     const auto pictures = stream.take(30);
     ASSERT_EQ(pictures.size(), 30U);
     std::size_t moved = 0;
@@ -261,7 +261,7 @@ TEST_P(FormatTest, EveryPixelFormatArrivesWhole)
         std::int64_t number = 0;
         EXPECT_EQ(Nd_GetEnumIntValue(camera.handle(), camera.node("PixelFormat"), &number), CAM_API_STS_SUCCESS);
         EXPECT_EQ(number, value);
-        const Picture picture = takePicture(camera);
+        const Picture picture = takePicture(camera.handle());
         const double pixels = static_cast<double>(picture.width) * picture.height;
         EXPECT_EQ(picture.bytes.size(), static_cast<std::size_t>(pixels * bytes));
         EXPECT_EQ(camera.integer("PayloadSize"), static_cast<std::int64_t>(picture.bytes.size()));
@@ -293,7 +293,7 @@ TEST_F(ColorImageTest, ChartHasItsColoursInEveryFormat)
     const std::uint32_t blue = 80 + 110 * 4 + 55; // the fifth of six patches, 110 wide each
     const auto patch = [&](std::uint32_t x) {
         // The ball is orange: where it covers the patch, another image is taken.
-        ImageStream stream(camera);
+        StreamRecorder stream(camera.handle());
         for (int attempt = 0; attempt < 600; ++attempt) {
             const auto pictures = stream.take(1);
             if (pictures.empty())

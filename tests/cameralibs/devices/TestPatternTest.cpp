@@ -1,8 +1,8 @@
 // The test patterns, pixel by pixel.
 
+#include "tests/cameralibs/api/StreamRecorder.h"
 #include "tests/cameralibs/devices/BuiltInTest.h"
 #include "tests/cameralibs/devices/FrameNumberReader.h"
-#include "tests/cameralibs/devices/ImageStream.h"
 
 #include <gtest/gtest.h>
 
@@ -53,7 +53,7 @@ class TestPatternTest : public BuiltInTest {};
 TEST_F(TestPatternTest, GreyPatterns)
 {
     const SimulatedCamera& camera = switchedOn(kMono);
-    ImageStream stream(camera);
+    StreamRecorder stream(camera.handle());
     camera.setReal("ExposureTime", 100); // has no effect on a pattern
     for (const Pattern& pattern : kPatterns) {
         camera.choose("TestPattern", pattern.name);
@@ -69,7 +69,7 @@ TEST_F(TestPatternTest, EveryPatternInAnOddRegion)
     const SimulatedCamera& camera = switchedOn(kMono);
     camera.setInteger("Width", 100);
     camera.setInteger("Height", 38);
-    ImageStream stream(camera);
+    StreamRecorder stream(camera.handle());
     for (const Pattern& pattern : kPatterns) {
         camera.choose("TestPattern", pattern.name);
         (void)stream.take(2);
@@ -88,7 +88,7 @@ TEST_F(TestPatternTest, ColorBarsInEveryFormat)
     for (const std::string& format : camera.entries("PixelFormat")) {
         SCOPED_TRACE(format);
         camera.choose("PixelFormat", format);
-        const Picture picture = takePicture(camera);
+        const Picture picture = takePicture(camera.handle());
         const std::vector<std::uint32_t> pixels = convert(picture, 20);
         for (std::uint32_t bar = 0; bar < 8; ++bar) {
             const std::uint32_t pixel = pixels[10U * 1920 + bar * 240 + 120];
@@ -104,7 +104,7 @@ TEST_F(TestPatternTest, MonochromeBarsAreGrey)
 {
     const SimulatedCamera& camera = switchedOn(kMono);
     camera.choose("TestPattern", "ColorBar");
-    const Picture picture = takePicture(camera);
+    const Picture picture = takePicture(camera.handle());
     EXPECT_EQ(picture.at(80, 500), 255);
     EXPECT_NEAR(picture.at(80 + 3 * 160, 500), 0.587 * 255, 2);
     EXPECT_EQ(picture.at(80 + 7 * 160, 500), 0);
