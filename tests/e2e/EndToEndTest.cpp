@@ -169,7 +169,7 @@ bool EndToEndTest::imageMoves()
 
 bool EndToEndTest::imageStops()
 {
-    constexpr int longerThanAnyImageTakesMs = 500;
+    constexpr int longerThanAnyImageTakesMs = 500; // only time can show that an image stands still
     return QTest::qWaitFor(
         [&] {
             const QImage before = imageArea();

@@ -155,7 +155,8 @@ void FeatureHand::choose(const QString& name, const QString& entry)
     QAbstractItemView* const list = combo->view();
     const QModelIndex item = list->model()->index(wanted, 0);
     list->scrollTo(item);
-    QTest::qWait(QApplication::doubleClickInterval()); // a popup takes a click at once for the one that opened it
+    // Qt ignores clicks in a popup for that long after it opened: they may belong to the click that opened it.
+    QTest::qWait(QApplication::doubleClickInterval());
     QTest::mouseMove(list->viewport(), list->visualRect(item).center());
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(item).center());
     QCoreApplication::processEvents();

@@ -112,8 +112,7 @@ void Tour::faultsChapter()
         endTour("the camera does not let itself be unplugged");
     waitForLine("A camera has been Removed.");
     picture("fault-unplugged");
-    QTest::qWait(3000);
-    openCamera("SIM-C1920");
+    waitFor("the camera to come back", [this] { return m_driver->openModel("SIM-C1920"); });
     m_driver->start();
     waitForImages(3);
     picture("fault-plugged-in-again");

@@ -1,5 +1,6 @@
 #include "CameraFixture.h"
 #include "StreamRecorder.h"
+#include "WaitingCall.h"
 
 #include <array>
 #include <atomic>
@@ -146,14 +147,12 @@ TEST_F(CallbackTest, StopDoesNotWaitForACallbackThatWaitsForIt)
 {
     // What a callback does while another thread is in Strm_Stop must not wait for that.
     std::atomic<bool> entered{false};
-    std::atomic<bool> stopping{false};
+    std::atomic<bool> stopWaits{false};
     m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
         if (std::exchange(done, true))
             return;
         entered = true;
-        EXPECT_TRUE(becomes([&] { return stopping.load(); }));
-        // Generous for the other thread to be in the middle of it; right or wrong do not hang on it.
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_TRUE(becomes([&] { return stopWaits.load(); }));
         EXPECT_EQ(intOf(m_camera, "Width"), 64);
         EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_ALREADY_ACTIVATED);
         EXPECT_EQ(Strm_SetCallbackBufferBusy(m_stream, nullptr, nullptr), CAM_API_STS_SUCCESS);
@@ -162,8 +161,9 @@ TEST_F(CallbackTest, StopDoesNotWaitForACallbackThatWaitsForIt)
     };
     ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
     EXPECT_TRUE(becomes([&] { return entered.load(); }));
-    stopping = true;
-    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
+    WaitingCall stop([stream = m_stream] { return Strm_Stop(stream); });
+    stopWaits = true;
+    EXPECT_EQ(stop.result(), CAM_API_STS_SUCCESS);
 }
 
 TEST_F(CallbackTest, CloseAndTerminateWaitForCallbacksThatCallTheLibrary)

@@ -1,10 +1,11 @@
 #include "CameraFixture.h"
 #include "StreamRecorder.h"
+#include "WaitingCall.h"
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <set>
-#include <thread>
 #include <utility>
 
 using namespace Orvo;
@@ -123,21 +124,26 @@ TEST_F(StreamTest, NoCallbackAfterStopReturned)
 TEST_F(StreamTest, StopWaitsForTheCallbackUnderWay)
 {
     std::atomic<bool> inside{false};
-    std::atomic<bool> stopping{false};
-    std::atomic<bool> left{false};
+    std::atomic<bool> stopWaits{false};
+    const auto left = std::make_shared<std::atomic<bool>>(false);
+    const auto leftBeforeTheEnd = std::make_shared<std::atomic<bool>>(false);
     m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
         if (std::exchange(done, true))
             return;
         inside = true;
-        EXPECT_TRUE(becomes([&] { return stopping.load(); }));
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        left = true;
+        EXPECT_TRUE(becomes([&] { return stopWaits.load(); }));
+        *left = true;
     };
     start();
     EXPECT_TRUE(becomes([&] { return inside.load(); }));
-    stopping = true;
-    stop();
-    EXPECT_TRUE(left);
+    WaitingCall stopping([stream = m_stream, left, leftBeforeTheEnd] {
+        const CAM_API_STATUS status = Strm_Stop(stream);
+        *leftBeforeTheEnd = left->load();
+        return status;
+    });
+    stopWaits = true;
+    EXPECT_EQ(stopping.result(), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(*leftBeforeTheEnd);
 }
 
 TEST_F(StreamTest, CurrentBufferNeedsAnImageOfThisStart)

@@ -68,7 +68,8 @@ TEST_F(GigeRemovalStreamingTest, CameraThatHangsForAMomentIsNotLost)
     start();
     ASSERT_TRUE(m_recorder.waitForImages(3));
     m_fakes.front()->stop();
-    std::this_thread::sleep_for(std::chrono::milliseconds(1600)); // the moment
+    // The moment itself: long enough for several unanswered questions, too short for a loss.
+    std::this_thread::sleep_for(std::chrono::milliseconds(1600));
     m_fakes.front()->resume();
     m_recorder.clear();
     ASSERT_TRUE(m_recorder.waitForImages(20));
