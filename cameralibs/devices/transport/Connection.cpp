@@ -192,6 +192,17 @@ void Connection::relax()
 {
     const std::lock_guard lock(m_mutex);
     m_hurryEnd = Clock::time_point::max();
+    m_opened = true;
+}
+
+void Connection::cancel()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_opened)
+            return;
+    }
+    endBy(Clock::now());
 }
 
 bool Connection::inHurry()

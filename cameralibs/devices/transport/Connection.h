@@ -77,6 +77,9 @@ public:
     void hurry(transport::Clock::time_point end);
     void relax();
 
+    /// Ends it at once, unless it has been relaxed: that of an opened camera is closed politely.
+    void cancel();
+
     /// Runs once, on any thread, as soon as the transport is gone unasked; at once where it is.
     void onGone(std::function<void(const std::string& reason)> handler);
 
@@ -113,6 +116,7 @@ private:
     bool m_closing = false;
     bool m_told = false; ///< the handler has run, or there is nothing to tell any more
     transport::Clock::time_point m_end = transport::Clock::time_point::max();
+    bool m_opened = false;                                                         ///< relaxed once
     transport::Clock::time_point m_hurryEnd = transport::Clock::time_point::max(); ///< not max: in a hurry
     std::string m_reason;
     std::function<void(const std::string&)> m_goneHandler;

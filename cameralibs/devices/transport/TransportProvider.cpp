@@ -84,7 +84,7 @@ public:
         const std::lock_guard lock(m_mutex);
         m_cancelled = true;
         if (const auto connection = m_current.lock())
-            connection->endBy(Clock::now());
+            connection->cancel();
     }
 
 private:

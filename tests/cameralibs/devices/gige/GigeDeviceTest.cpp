@@ -5,6 +5,7 @@
 #include "tests/cameralibs/api/LockedImage.h"
 
 #include <gmock/gmock.h>
+
 #include <gtest/gtest.h>
 
 using namespace Orvo;
@@ -104,7 +105,7 @@ TEST_F(GigeDeviceTest, LostPacketsAreSentAgain)
 TEST_F(GigeDeviceTest, SoftwareTriggerBringsOneImage)
 {
     open();
-    // Aravis enlarges its socket's buffer at the first image, which has to fit into one of the usual size.
+    // Where the machine grants large buffers to nobody, the image has to fit into one of the usual size.
     setInt(m_camera, "Height", 64);
     setEntry(m_camera, "TriggerMode", "On");
     openStream();
@@ -114,6 +115,13 @@ TEST_F(GigeDeviceTest, SoftwareTriggerBringsOneImage)
         ASSERT_TRUE(m_recorder.waitForImages(i));
         EXPECT_EQ(m_recorder.images().size(), i);
     }
+}
+
+TEST_F(GigeDeviceTest, TerminatingGivesControlBackAtOnce)
+{
+    open();
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(ChildProcess({CAMERA_HOLDER}).readLine(), "0");
 }
 
 TEST_F(GigeDeviceTest, ControlComesBackFromAProgramThatDied)
