@@ -20,7 +20,12 @@ namespace {
 // two. All big-endian.
 constexpr std::size_t kHeaderSize = 8;
 constexpr std::uint8_t kCommandKey = 0x42;
+constexpr std::uint16_t kSearch = 0x0002;
+constexpr std::uint16_t kSearchAnswer = 0x0003;
 constexpr std::uint16_t kPendingAnswer = 0x0089;
+
+/// The standard's own limit is lower.
+constexpr gsize kLargestAnswer = 1024;
 
 // USB3 Vision: a key, a status, the command, a length and an id, all little-endian.
 constexpr std::size_t kUsbHeaderSize = 12;
@@ -30,7 +35,10 @@ constexpr unsigned char kEndpointIn = 0x80;
 
 struct Traffic {
     std::function<void(Answer)> handler;
+    std::function<void(std::string_view)> searchHandler;
     std::atomic<std::int32_t> lastId{-1}; ///< of what was asked last
+    std::atomic<bool> lastAnswered{true}; ///< that one
+    std::atomic<bool> allAnswered{true};  ///< those before
 
     std::mutex mutex;
     std::string refused;
@@ -50,15 +58,26 @@ std::uint16_t number(const char* packet, std::size_t offset)
 
 void noteSent(const char* packet, std::size_t size)
 {
-    if (size >= kHeaderSize && static_cast<std::uint8_t>(packet[0]) == kCommandKey)
-        traffic().lastId = number(packet, 6);
+    if (size < kHeaderSize || static_cast<std::uint8_t>(packet[0]) != kCommandKey || number(packet, 2) == kSearch)
+        return;
+    const std::uint16_t id = number(packet, 6);
+    if (id == traffic().lastId)
+        return; // asked again
+    if (!traffic().lastAnswered)
+        traffic().allAnswered = false;
+    traffic().lastAnswered = false;
+    traffic().lastId = id;
 }
 
 void noteReceived(const char* packet, std::size_t size)
 {
+    if (size >= kHeaderSize && number(packet, 2) == kSearchAnswer && traffic().searchHandler)
+        traffic().searchHandler({packet + kHeaderSize, size - kHeaderSize});
     if (size < kHeaderSize || number(packet, 6) != traffic().lastId || !traffic().handler)
         return;
     const bool pending = number(packet, 2) == kPendingAnswer;
+    if (!pending)
+        traffic().lastAnswered = true;
     traffic().handler(pending ? Answer::pending : Answer::useful);
 }
 
@@ -80,6 +99,16 @@ template <class Function> Function* original(const char* name)
 void onAnswer(std::function<void(Answer)> handler)
 {
     traffic().handler = std::move(handler);
+}
+
+void onSearchAnswer(std::function<void(std::string_view)> handler)
+{
+    traffic().searchHandler = std::move(handler);
+}
+
+bool answersEverything()
+{
+    return traffic().lastId >= 0 && traffic().lastAnswered && traffic().allAnswered;
 }
 
 std::string refusedFile()
@@ -110,6 +139,9 @@ __attribute__((visibility("default"))) gssize g_socket_receive(GSocket* socket, 
     const gssize received = receive(socket, buffer, size, cancellable, error);
     if (received > 0)
         noteReceived(buffer, static_cast<std::size_t>(received));
+    // What is missing of an answer would be what the answer before it has left there, of another camera even.
+    if (received >= 0 && static_cast<gsize>(received) < std::min(size, kLargestAnswer))
+        std::fill(buffer + received, buffer + std::min(size, kLargestAnswer), '\0');
     return received;
 }
 

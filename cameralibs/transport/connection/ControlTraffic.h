@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace cameralibs::transport {
 
@@ -17,6 +18,12 @@ namespace cameralibs::transport {
 /// `handler` runs for each answer of a camera to what it was asked, on the thread that receives it. Set before any
 /// camera is opened.
 void onAnswer(std::function<void(Answer)> handler);
+
+/// `handler` runs for each answer to a search for GigE Vision cameras, with what is in it after its header.
+void onSearchAnswer(std::function<void(std::string_view)> handler);
+
+/// Whether the GigE Vision camera that is being opened has answered every command so far, in whatever way.
+[[nodiscard]] bool answersEverything();
 
 /// The last file that Aravis was kept from opening; empty without one.
 [[nodiscard]] std::string refusedFile();

@@ -51,6 +51,9 @@ Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
     if (!outcome.ok() && !refusedFile().empty())
         return {CAM_API_STS_XML_LOAD_ERR,
                 "The camera names a file of this machine as its description, which is refused: " + refusedFile()};
+    // Aravis tells no difference between a camera that is not there and one whose description it cannot read.
+    if (outcome.status == CAM_API_STS_CAMERA_NOT_RESPONDING && answersEverything())
+        return {CAM_API_STS_XML_LOAD_ERR, "The camera answers, but its description cannot be read"};
     if (!outcome.ok())
         return outcome;
     if (opened == nullptr)

@@ -1,13 +1,16 @@
 #include "cameralibs/transport/discovery/Discovery.h"
 
 #include "cameralibs/transport/Channel.h"
+#include "cameralibs/transport/connection/ControlTraffic.h"
 
 #include <arv.h>
 
 #include <atomic>
 #include <chrono>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <dlfcn.h>
 
@@ -31,6 +34,74 @@ std::atomic<Clock::time_point> s_deafFrom{Clock::time_point::max()};
 std::string orEmpty(const char* text)
 {
     return text == nullptr ? "" : text;
+}
+
+/// In the answer of a GigE Vision camera to a search.
+struct Field {
+    std::size_t offset;
+    std::size_t size;
+};
+constexpr Field kAddress = {0x24, 4};
+constexpr Field kVendor = {0x48, 32};
+constexpr Field kModel = {0x68, 32};
+constexpr Field kSerial = {0xd8, 16};
+
+/// No network has as many cameras.
+constexpr std::size_t kMaxAnswers = 1000;
+
+std::string textAt(std::string_view answer, const Field& field)
+{
+    if (answer.size() < field.offset + field.size)
+        return {};
+    const std::string_view text = answer.substr(field.offset, field.size);
+    return std::string(text.substr(0, text.find('\0')));
+}
+
+std::string addressIn(std::string_view answer)
+{
+    std::string text;
+    for (std::size_t i = 0; i < kAddress.size && answer.size() >= kAddress.offset + kAddress.size; ++i)
+        text += (i == 0 ? "" : ".") + std::to_string(static_cast<unsigned char>(answer[kAddress.offset + i]));
+    return text;
+}
+
+/// GigE Vision cameras by their addresses, as they answer.
+std::map<std::string, Listed> s_answers;
+
+void noteAnswer(std::string_view answer)
+{
+    const std::string address = addressIn(answer);
+    const std::string serial = textAt(answer, kSerial);
+    if (address.empty() || serial.empty() || s_answers.size() >= kMaxAnswers)
+        return;
+    Listed& camera = s_answers[address];
+    camera.link = CAM_LINK_GIGE_VISION;
+    setText(camera.vendor, textAt(answer, kVendor));
+    setText(camera.model, textAt(answer, kModel));
+    setText(camera.serial, serial);
+    setText(camera.id, textOf(camera.vendor) + "-" + textOf(camera.model) + "-" + serial);
+    setText(camera.address, address);
+}
+
+/// Aravis lists one camera of each vendor, model and serial number. Another one that has the same, such as one that
+/// only pretends to, must not hide it: each of them is named by its address, too.
+void addNamesakes(std::vector<Listed>& found)
+{
+    std::map<std::string, std::size_t> count;
+    for (const Listed& camera : found)
+        s_answers.erase(textOf(camera.address));
+    for (const Listed& camera : found)
+        ++count[textOf(camera.id)];
+    for (const auto& [address, camera] : s_answers) {
+        if (const auto namesake = count.find(textOf(camera.id)); namesake != count.end()) {
+            ++namesake->second;
+            found.push_back(camera);
+        }
+    }
+    for (Listed& camera : found) {
+        if (count[textOf(camera.id)] > 1)
+            setText(camera.id, textOf(camera.id) + " at " + textOf(camera.address));
+    }
 }
 
 /// Nothing for protocols that are not listed here.
@@ -59,6 +130,8 @@ std::vector<Listed> listCameras(bool usb, bool gige)
 {
     enableKinds(usb, gige);
     s_deafFrom = Clock::now() + kListening;
+    s_answers.clear();
+    onSearchAnswer(noteAnswer);
     arv_update_device_list();
     s_deafFrom = Clock::time_point::max();
     std::vector<Listed> found;
@@ -76,6 +149,7 @@ std::vector<Listed> listCameras(bool usb, bool gige)
             setText(camera.address, orEmpty(arv_get_device_address(i)));
         found.push_back(camera);
     }
+    addNamesakes(found);
     return found;
 }
 

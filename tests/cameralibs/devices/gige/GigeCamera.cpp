@@ -45,6 +45,8 @@ GigeCamera::GigeCamera(const CameraSettings& settings, Behaviour& behaviour)
     , m_foreignStream({addressOf(settings.foreignAddress), 0})
 {
     m_memory.setValue(kStreamSourcePort, m_stream.port());
+    if (!m_settings.resends)
+        m_memory.setValue(kCapability, m_memory.value(kCapability) & ~kCanResend);
     if (m_settings.zipped)
         m_memory.setDescription(zip("gv-test.xml", m_memory.description()).bytes, "gv-test.zip");
     if (!m_settings.url.empty())
@@ -119,7 +121,7 @@ Bytes GigeCamera::answerTo(const Bytes& command, const Peer& client)
     Bytes body;
     switch (codeOf(command)) {
     case Code::discovery:
-        body = *m_memory.read(0, kDiscoveryAnswerSize);
+        body = *m_memory.read(0, m_settings.discoveryAnswer);
         break;
     case Code::readRegister:
         body = readRegisters(command, status);

@@ -16,9 +16,11 @@ struct CameraSettings {
     std::string foreignAddress = "127.0.0.3"; ///< where foreign packets come from
     std::string serialNumber = "T1";
     std::uint32_t largestPacket = 8000; ///< that gets through its network
+    bool resends = true;                ///< packets that it is asked for again
     std::uint32_t loseEvery = 0;        ///< every n-th data packet is only sent when it is asked for again
     bool zipped = false;                ///< its description
     std::string url;                    ///< of its description, where not the right one
+    std::size_t discoveryAnswer = kDiscoveryAnswerSize; ///< that many bytes of it
 };
 
 /// A GigE Vision camera with one stream channel. Byte i of image n, which has the block id n mod 65535, is the low byte

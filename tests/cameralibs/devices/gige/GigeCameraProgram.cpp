@@ -3,9 +3,11 @@
 // --address A --serial S           what it is known by
 // --foreign-address A              where packets from another address come from
 // --largest-packet N               that gets through its network
+// --resend no                      it sends no packets again
 // --lose-every N                   every n-th data packet is only sent when it is asked for again
 // --description zip                zipped
 // --url URL                        where it says that its description is
+// --discovery-answer N             so many bytes of its answer to a search
 // --delay N                        it answers every command so many milliseconds late,
 // --pending yes                    and asks for patience meanwhile
 // --liar SEED | --stranger SEED    it lies, or somebody else does who sends from another address
@@ -38,12 +40,16 @@ try {
             settings.serialNumber = value;
         } else if (option == "--largest-packet") {
             settings.largestPacket = static_cast<std::uint32_t>(std::stoul(value));
+        } else if (option == "--resend") {
+            settings.resends = value != "no";
         } else if (option == "--lose-every") {
             settings.loseEvery = static_cast<std::uint32_t>(std::stoul(value));
         } else if (option == "--description") {
             settings.zipped = value == "zip";
         } else if (option == "--url") {
             settings.url = value;
+        } else if (option == "--discovery-answer") {
+            settings.discoveryAnswer = std::stoul(value);
         } else if (option == "--delay") {
             delay.time = std::chrono::milliseconds(std::stoul(value));
         } else if (option == "--pending") {

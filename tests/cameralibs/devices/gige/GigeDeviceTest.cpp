@@ -29,6 +29,30 @@ TEST_F(GigeDeviceTest, CameraThatNeverStopsAnsweringHidesNoOther)
     list({"--serial", "T1"}, 2);
 }
 
+// The rest of its answer would be what the honest camera's has left in the memory, the serial number above all.
+TEST_F(GigeDeviceTest, CameraThatAnswersASearchInPartIsNotTakenForAnother)
+{
+    const ChildProcess brief({GIGE_CAMERA, "--address", "127.0.0.2", "--foreign-address", "127.0.0.4", "--serial", "B",
+                              "--discovery-answer", "64"});
+    list({"--serial", "T1"}, 2);
+    for (std::uint32_t i = 0; i < 2; ++i) {
+        CAM_INFO info = {};
+        ASSERT_EQ(Cam_GetInformation(0, i, &info), CAM_API_STS_SUCCESS);
+        EXPECT_STREQ(info.serialNumber, i == 0 ? "02:00:7f:00:00:02" : "T1") << "its MAC address where it tells none";
+    }
+}
+
+TEST_F(GigeDeviceTest, CamerasOfTheSameNameAndNumberAreTwo)
+{
+    const ChildProcess other({GIGE_CAMERA, "--address", "127.0.0.2", "--foreign-address", "127.0.0.4"});
+    list({}, 2);
+    ASSERT_EQ(tryToOpen(), CAM_API_STS_SUCCESS);
+    CAM_HANDLE second = 0;
+    ASSERT_EQ(Cam_Open(1, &second, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+    setInt(m_camera, "Width", 64);
+    EXPECT_EQ(intOf(second, "Width"), 512);
+}
+
 TEST_F(GigeDeviceTest, FeaturesAreReadAndWritten)
 {
     open();
@@ -61,6 +85,20 @@ TEST_F(GigeDeviceTest, FileOfThisMachineIsNoDescription)
         ASSERT_NO_FATAL_FAILURE(list({"--url", scheme + GIGE_CAMERA_DESCRIPTION}));
         EXPECT_EQ(tryToOpen(), CAM_API_STS_XML_LOAD_ERR) << scheme;
     }
+}
+
+TEST_F(GigeDeviceTest, DescriptionThatCannotBeReadIsToldAsSuch)
+{
+    for (const std::string url : {"Local:gv-test.xml;100000;3", "Local:gv-test.zip;100000;400", "Local:", "nonsense"}) {
+        ASSERT_NO_FATAL_FAILURE(list({"--url", url}));
+        EXPECT_EQ(tryToOpen(), CAM_API_STS_XML_LOAD_ERR) << url;
+        const char* text = nullptr;
+        EXPECT_EQ(Misc_GetLastGenICamError(&text), CAM_API_STS_SUCCESS);
+        EXPECT_THAT(text, ::testing::HasSubstr("description")) << url;
+    }
+    ASSERT_NO_FATAL_FAILURE(list());
+    m_device->kill();
+    EXPECT_EQ(tryToOpen(), CAM_API_STS_CAMERA_NOT_RESPONDING);
 }
 
 TEST_F(GigeDeviceTest, ImagesAreThoseThatItSends)
