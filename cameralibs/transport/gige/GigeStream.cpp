@@ -4,6 +4,9 @@
 
 #include <cstdint>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+
 namespace cameralibs::transport {
 
 namespace {
@@ -24,6 +27,29 @@ bool sendsPacketsAgain(ArvGvDevice* device)
     const bool answered = error == nullptr;
     g_clear_error(&error);
     return answered && (capability & kResendBit) != 0;
+}
+
+bool receivesAt(int descriptor, std::uint16_t port)
+{
+    sockaddr_in own{};
+    socklen_t size = sizeof own;
+    int type = 0;
+    socklen_t typeSize = sizeof type;
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &typeSize) == 0 && type == SOCK_DGRAM &&
+           ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &size) == 0 && own.sin_family == AF_INET &&
+           ntohs(own.sin_port) == port;
+}
+
+/// Aravis does so when the first packet has come. By then the rest of the first image may have found no room, all the
+/// more on a busy machine. Its socket is known by its port alone.
+void enlargeSocketBuffer(ArvGvStream* stream)
+{
+    constexpr int kMany = 1024; // the process has a few dozen
+    const std::uint16_t port = arv_gv_stream_get_port(stream);
+    for (int descriptor = 0; descriptor < kMany; ++descriptor) {
+        if (receivesAt(descriptor, port))
+            (void)::setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &kSocketBufferSize, sizeof kSocketBufferSize);
+    }
 }
 
 } // namespace
@@ -47,6 +73,7 @@ void prepareGigeDevice(ArvGvDevice* device)
 
 void prepareGigeStream(ArvGvDevice* device, ArvGvStream* stream)
 {
+    enlargeSocketBuffer(stream);
     g_object_set(stream, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size", kSocketBufferSize,
                  nullptr);
     // A frame that waits for packets that never come again holds up those behind it.

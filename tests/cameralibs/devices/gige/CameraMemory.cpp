@@ -18,9 +18,9 @@ constexpr std::uint32_t kLargestSide = 2048;
 
 /// What the honest camera lets a program write; everything else is read-only.
 constexpr std::array kWritable = {
-    kHeartbeat, kPrivilege,   kStreamPort,      kStreamPacketSize, kStreamAddress, kWidth,
-    kHeight,    kPixelFormat, kFrameRate,       kAcquisition,      kTriggerMode,   kTriggerSource,
-    kTrigger,   kExposure,    kTransportLocked, kTestDelay,        kTestPending,
+    kHeartbeat, kPrivilege,   kStreamPort,      kStreamPacketSize, kStreamAddress,  kWidth,
+    kHeight,    kPixelFormat, kFrameRate,       kAcquisition,      kTriggerMode,    kTriggerSource,
+    kTrigger,   kExposure,    kTransportLocked, kTestDelay,        kTestImageDelay, kTestPending,
 };
 
 constexpr std::size_t kTestTextSize = 32;

@@ -19,9 +19,10 @@ constexpr std::uint32_t kTriggerSource = 0x801c;
 constexpr std::uint32_t kTrigger = 0x8020;
 constexpr std::uint32_t kTransportLocked = 0x8024;
 constexpr std::uint32_t kExposure = 0x8028;
-constexpr std::uint32_t kTestText = 0x8040;    ///< of 32 bytes
-constexpr std::uint32_t kTestDelay = 0x8060;   ///< of accesses to the registers before it, in milliseconds
-constexpr std::uint32_t kTestPending = 0x8064; ///< not 0: with pending acknowledgements meanwhile
+constexpr std::uint32_t kTestText = 0x8040;       ///< of 32 bytes
+constexpr std::uint32_t kTestDelay = 0x8060;      ///< of accesses to the registers before it, in milliseconds
+constexpr std::uint32_t kTestImageDelay = 0x8068; ///< of the packets of images, in milliseconds
+constexpr std::uint32_t kTestPending = 0x8064;    ///< not 0: with pending acknowledgements meanwhile
 
 constexpr std::uint32_t kDescriptionAddress = 0x100000;
 

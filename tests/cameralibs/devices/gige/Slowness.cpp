@@ -34,6 +34,12 @@ void Slowness::answer(Exchange& exchange)
         exchange.answers.push_back(pendingAnswer(exchange.command, kAnnounced, after));
 }
 
+void Slowness::send(std::vector<Packet>& packets)
+{
+    for (Packet& packet : packets)
+        packet.after = milliseconds(m_memory->value(kTestImageDelay));
+}
+
 Slowness::Delay Slowness::delayOf(const Bytes& command) const
 {
     if (codeOf(command) == Code::discovery)

@@ -9,8 +9,8 @@ namespace gige {
 /// An acknowledgement that asks for so many milliseconds of patience.
 [[nodiscard]] Packet pendingAnswer(const Bytes& command, std::uint16_t announced, std::chrono::milliseconds after);
 
-/// A camera that is honest and slow. It answers late what its register kTestDelay says, and every command but a search
-/// where it is told a delay at its start.
+/// A camera that is honest and slow, as its registers kTestDelay, kTestPending and kTestImageDelay say, and with every
+/// command but a search where it is told a delay at its start.
 class Slowness : public Behaviour {
 public:
     struct Delay {
@@ -24,6 +24,7 @@ public:
 
     void prepare(CameraMemory& memory) override { m_memory = &memory; }
     void answer(Exchange& exchange) override;
+    void send(std::vector<Packet>& packets) override;
 
 private:
     [[nodiscard]] Delay delayOf(const Bytes& command) const;

@@ -1,9 +1,7 @@
 #include "Transports.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include <unistd.h>
@@ -16,31 +14,31 @@ std::size_t entriesOf(const char* folder)
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-/// Whether a process of this number is a transport of ours.
-bool isOurs(const std::string& number)
+/// What follows a word in the status of a process.
+std::string told(const std::string& process, const std::string& word)
 {
-    std::ifstream file("/proc/" + number + "/stat");
-    const std::string line(std::istreambuf_iterator<char>(file), {});
-    // "number (name) state parent ..."; names have at most 15 letters.
-    const auto nameEnds = line.rfind(')');
-    if (nameEnds == std::string::npos || line.find("(orvocam-transpo)") == std::string::npos)
-        return false;
-    std::istringstream rest(line.substr(nameEnds + 1));
-    std::string state;
-    pid_t parent = 0;
-    rest >> state >> parent;
-    return parent == ::getpid();
+    std::ifstream status("/proc/" + process + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind(word + ":\t", 0) == 0)
+            return line.substr(word.size() + 2);
+    }
+    return {};
 }
 
 } // namespace
 
+// /proc may have the numbers of an outer namespace; those of a process in its own stand last.
 std::vector<pid_t> transports()
 {
     std::vector<pid_t> found;
+    const std::string self = told("self", "Pid");
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         const std::string name = entry.path().filename();
-        if (std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }) && isOurs(name))
-            found.push_back(std::stoi(name));
+        // Names have at most 15 letters.
+        if (told(name, "PPid") != self || told(name, "Name") != "orvocam-transpo")
+            continue;
+        const std::string numbers = told(name, "NSpid");
+        found.push_back(std::stoi(numbers.substr(numbers.rfind('\t') + 1)));
     }
     return found;
 }
