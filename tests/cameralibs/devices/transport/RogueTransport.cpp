@@ -73,7 +73,7 @@ private:
                 (void)!::send(kEventDescriptor, "x", 1, MSG_NOSIGNAL);
             } else if (lie() == "unknown event") {
                 (void)m_events.send(Kind::image);
-            } else if (lie() != "no sign of life") {
+            } else if (lie() != "no sign of life" && lie() != "says nothing") {
                 (void)m_events.send(Kind::alive);
             }
             std::this_thread::sleep_for(kAlivePeriod);
@@ -113,6 +113,8 @@ private:
         setText(hello.build, lie() == "other build" ? "0.0.0" : ORVO_TRANSPORT_BUILD);
         if (lie() == "ends at once")
             ::_exit(3);
+        if (lie() == "says nothing")
+            return;
         if (lie() == "short packet") {
             (void)!::send(kControlDescriptor, "abc", 3, MSG_NOSIGNAL);
         } else if (lie() == "data without end") {
@@ -164,6 +166,8 @@ private:
         if (read.address < sizeof registers)
             std::memcpy(bytes.data(), reinterpret_cast<const char*>(registers.data()) + read.address,
                         std::min<std::size_t>(read.size, sizeof registers - read.address));
+        if (lie() == "no answer")
+            return;
         if (lie() == "short read") {
             bytes.pop_back();
         } else if (lie() == "long read") {

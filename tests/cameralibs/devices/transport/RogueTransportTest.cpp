@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <string>
 
@@ -17,6 +18,12 @@ using namespace Orvo;
 namespace {
 
 constexpr CAM_API_STATUS kGone = CAM_API_STS_CAMERA_NOT_RESPONDING;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
 
 class RogueTransportTest : public ::testing::Test {
 protected:
@@ -111,6 +118,20 @@ TEST_F(RogueTransportTest, Reading)
     ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
     std::int64_t value = 0;
     EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), CAM_API_STS_UNSUCCESSFUL);
+}
+
+TEST_F(RogueTransportTest, ThreeSecondsWithoutAnAnswerAreTheEnd)
+{
+    ASSERT_EQ(list(), 1U);
+    const auto begin = std::chrono::steady_clock::now();
+    tell("says nothing");
+    EXPECT_EQ(open(), kGone);
+    tell("no answer");
+    ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(kSanitized ? 60 : 9));
+    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
 }
 
 TEST_F(RogueTransportTest, EventsAtAnyTime)

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -78,6 +79,35 @@ TEST_F(TransportProcessTest, OneForEachCameraAndNoneWithout)
     EXPECT_THAT(transports(), ::testing::SizeIs(1));
     EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
     EXPECT_THAT(transports(), ::testing::IsEmpty());
+}
+
+TEST_F(TransportProcessTest, SignalsOfTheProgramAreNotItsOwn)
+{
+    sigset_t blocked;
+    sigset_t before;
+    ::sigemptyset(&blocked);
+    ::sigaddset(&blocked, SIGUSR1);
+    ASSERT_EQ(::pthread_sigmask(SIG_BLOCK, &blocked, &before), 0);
+    const auto ignored = std::signal(SIGPIPE, SIG_IGN);
+    CAM_HANDLE camera = 0;
+    ASSERT_TRUE(open(camera));
+    ASSERT_THAT(transports(), ::testing::SizeIs(1));
+    const pid_t transport = transports().front();
+    EXPECT_EQ(::getsid(transport), transport) << "it is in the session of a terminal";
+    std::ifstream status("/proc/" + std::to_string(transport) + "/status");
+    int lines = 0;
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("SigBlk:", 0) != 0 && line.rfind("SigIgn:", 0) != 0)
+            continue;
+        // The C library ignores a signal that nobody else uses.
+        const std::uint64_t signals = std::stoull(line.substr(line.find('\t') + 1), nullptr, 16);
+        for (const int signal : {SIGUSR1, SIGPIPE})
+            EXPECT_EQ(signals >> static_cast<unsigned>(signal - 1) & 1U, 0U) << line;
+        ++lines;
+    }
+    EXPECT_EQ(lines, 2);
+    (void)std::signal(SIGPIPE, ignored);
+    ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &before, nullptr), 0);
 }
 
 TEST_F(TransportProcessTest, ProgramMayIgnoreItsChildren)
