@@ -102,18 +102,18 @@ CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE camera)
 
 CAM_API_STATUS GetCamIndexFromCamHandle(CAM_HANDLE camera, std::uint32_t* cameraIndex)
 {
-    // Cam_GetInformation takes handle 0 for "by index"; looking for a node refuses it as every handle of no camera.
-    CAM_NODE_HANDLE root = 0;
-    if (const CAM_API_STATUS status = Nd_GetNode(camera, "Root", &root);
-        status != CAM_API_STS_SUCCESS && status != CAM_API_STS_NOT_FOUND) {
-        return status;
-    }
-    if (cameraIndex == nullptr) {
-        return CAM_API_STS_INVALID_PARAMETER;
+    // Cam_GetInformation takes handle 0 for "by index". Any other operation tells what is wrong with it. Image
+    // callbacks call this for every image, so that a second look-up would cost them half as much again.
+    if (camera == 0) {
+        CAM_NODE_HANDLE root = 0;
+        return Nd_GetNode(camera, "Root", &root);
     }
     CAM_INFO info{};
     if (const CAM_API_STATUS status = Cam_GetInformation(camera, 0, &info); status != CAM_API_STS_SUCCESS) {
         return status;
+    }
+    if (cameraIndex == nullptr) {
+        return CAM_API_STS_INVALID_PARAMETER;
     }
     *cameraIndex = info.cameraIndex;
     return CAM_API_STS_SUCCESS;
