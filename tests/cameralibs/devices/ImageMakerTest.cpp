@@ -90,6 +90,59 @@ TEST(ImageMakerTest, TheLastPixelOfAnOddRowHasItsOwnChroma)
     }
 }
 
+TEST(ImageMakerTest, TheBallIsMirroredCutAndJoinedAsTheSceneIs)
+{
+    constexpr double kBallAtTheRight = 1.5;
+    constexpr double kBallElsewhere = 3.5;
+    constexpr std::uint32_t kBelowTheNumber = 60;
+    ImageSettings plain;
+    plain.format = findPixelFormat("Mono8")->value;
+    plain.packing = findPacking(plain.format);
+    plain.width = plain.sensorWidth = 320;
+    plain.height = plain.sensorHeight = 240;
+    const auto imageOf = [](const ImageSettings& settings, double seconds) {
+        std::vector<std::uint8_t> pixels(ImageMaker::sizeOf(settings));
+        ImageMaker().make(settings, 3, seconds, pixels.data());
+        return pixels;
+    };
+    const std::vector<std::uint8_t> wanted = imageOf(plain, kBallAtTheRight);
+    const auto at = [&](std::uint32_t x, std::uint32_t y) { return int{wanted[std::size_t{y} * plain.width + x]}; };
+
+    // `level(x, y)` is what the plain image says of a pixel.
+    const auto compare = [&](const ImageSettings& settings, std::uint32_t rows, const auto& level) {
+        const std::vector<std::uint8_t> image = imageOf(settings, kBallAtTheRight);
+        const std::vector<std::uint8_t> other = imageOf(settings, kBallElsewhere);
+        int ofTheBall = 0;
+        for (std::uint32_t y = kBelowTheNumber; y < rows; ++y) {
+            for (std::uint32_t x = 0; x < settings.width; ++x) {
+                const std::size_t place = std::size_t{y} * settings.width + x;
+                ASSERT_NEAR(image[place], level(x, y), 1) << x << ", " << y;
+                ofTheBall += image[place] != other[place] ? 1 : 0;
+            }
+        }
+        EXPECT_GT(ofTheBall, 100);
+    };
+
+    ImageSettings mirrored = plain;
+    mirrored.reverseX = mirrored.reverseY = true;
+    compare(mirrored, 240 - kBelowTheNumber, [&](std::uint32_t x, std::uint32_t y) { return at(319 - x, 239 - y); });
+
+    ImageSettings cut = plain;
+    cut.offsetX = 40;
+    cut.offsetY = 20;
+    cut.width = 272;
+    cut.height = 200;
+    compare(cut, 200, [&](std::uint32_t x, std::uint32_t y) { return at(x + 40, y + 20); });
+
+    ImageSettings joined = plain;
+    joined.binningX = joined.binningY = 2;
+    joined.width = 160;
+    joined.height = 120;
+    compare(joined, 120, [&](std::uint32_t x, std::uint32_t y) {
+        return (at(2 * x, 2 * y) + at(2 * x + 1, 2 * y) + at(2 * x, 2 * y + 1) + at(2 * x + 1, 2 * y + 1)) / 4;
+    });
+}
+
 TEST(ImageMakerTest, AFormatThatIsShownInAnotherOneEndsWithZeros)
 {
     ImageSettings settings;

@@ -149,16 +149,23 @@ void ImageMaker::drawBall(double seconds, std::uint8_t* out)
         last = std::clamp(high / step - static_cast<int>(offset) + 1, 0, static_cast<int>(size));
     };
     const ImageSettings& s = m_settings;
-    Rect area;
-    toImage(onSensor.left, onSensor.right, s.reverseX, s.sensorWidth, s.binningX, s.offsetX, s.width, area.left,
-            area.right);
-    toImage(onSensor.top, onSensor.bottom, s.reverseY, s.sensorHeight, s.binningY, s.offsetY, s.height, area.top,
-            area.bottom);
-
-    const int left = groupBelow(area.left);
-    const int whole = groupBelow(area.right - left + static_cast<int>(kPixelGroup) - 1);
-    const int count = std::min(whole, static_cast<int>(s.width) - left);
-    for (int y = area.top; y < area.bottom; ++y) {
+    int top = 0;
+    int bottom = 0;
+    toImage(onSensor.top, onSensor.bottom, s.reverseY, s.sensorHeight, s.binningY, s.offsetY, s.height, top, bottom);
+    const int step = static_cast<int>(s.binningY);
+    for (int y = top; y < bottom; ++y) {
+        int row = (y + static_cast<int>(s.offsetY)) * step;
+        if (s.reverseY)
+            row = static_cast<int>(s.sensorHeight) - row - step;
+        const Columns columns = ball.columnsOf(row, row + step);
+        int left = 0;
+        int right = 0;
+        toImage(columns.first, columns.end, s.reverseX, s.sensorWidth, s.binningX, s.offsetX, s.width, left, right);
+        left = groupBelow(left);
+        const int whole = groupBelow(right - left + static_cast<int>(kPixelGroup) - 1);
+        const int count = std::min(whole, static_cast<int>(s.width) - left);
+        if (count == 0)
+            continue;
         renderSpan(left, y, count, &ball);
         packSpan(left, y, count, out);
     }
@@ -211,9 +218,16 @@ void ImageMaker::joinColumns(int count, int columns, int joined)
 void ImageMaker::readSensor(int x, int y, int count, const Ball* ball, Sample* light) const
 {
     const int row = m_settings.reverseY ? static_cast<int>(m_settings.sensorHeight) - 1 - y : y;
-    m_scene.render(x, row, count, light);
-    if (ball != nullptr)
+    if (ball == nullptr) {
+        m_scene.render(x, row, count, light);
+    } else {
+        const Columns covered = ball->coveredOf(row);
+        const int first = std::clamp(covered.first, x, x + count);
+        const int end = std::clamp(covered.end, x, x + count);
+        m_scene.render(x, row, first - x, light);
+        m_scene.render(end, row, x + count - end, light + (end - x));
         ball->paint(x, row, count, light);
+    }
     if (!m_settings.color)
         std::transform(light, light + count, light, luma);
     if (m_settings.reverseX)

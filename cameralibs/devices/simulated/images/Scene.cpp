@@ -135,6 +135,23 @@ constexpr Element kElements[] = {
     {80, 850, 660, 260, false, bars},    {-640, 60, 560, 560, true, zonePlate}, {-600, 660, 480, 480, true, star},
 };
 
+/// The light of the ball by how much its surface faces the lamp, with a highlight where that is most.
+constexpr std::size_t kBallSteps = 2048;
+constexpr auto kBallLight = [] {
+    std::array<Sample, kBallSteps + 1> result{};
+    for (std::size_t step = 0; step < result.size(); ++step) {
+        const double facing = static_cast<double>(step) / kBallSteps;
+        const double squared = facing * facing;
+        const double shine = squared * squared * squared * squared;
+        const double body = 0.18 + 0.72 * facing;
+        const auto channel = [&](double base) {
+            return static_cast<std::uint16_t>(std::min<double>(kFullLight, base * body + 1500 * shine * shine));
+        };
+        result[step] = {channel(3900), channel(1750), channel(420)};
+    }
+    return result;
+}();
+
 } // namespace
 
 Rect Ball::bounds() const
@@ -143,23 +160,37 @@ Rect Ball::bounds() const
             static_cast<int>(std::ceil(x + radius)) + 1, static_cast<int>(std::ceil(y + radius)) + 1};
 }
 
+double Ball::halfWidthAt(double row) const
+{
+    return std::sqrt(std::max(0.0, radius * radius - (row - y) * (row - y)));
+}
+
+Columns Ball::columnsOf(int firstRow, int endRow) const
+{
+    const double widest = std::clamp(y, static_cast<double>(firstRow), static_cast<double>(endRow - 1));
+    const double half = halfWidthAt(widest);
+    return {static_cast<int>(std::floor(x - half)), static_cast<int>(std::ceil(x + half)) + 1};
+}
+
+Columns Ball::coveredOf(int row) const
+{
+    const double half = halfWidthAt(row);
+    const int first = static_cast<int>(std::ceil(x - half)) + 1;
+    return {first, std::max(first, static_cast<int>(std::floor(x + half)))};
+}
+
 void Ball::paint(int x0, int row, int count, Sample* light) const
 {
+    const Columns reached = columnsOf(row, row + 1);
     const double v = (row - y) / radius;
-    for (int i = 0; i < count; ++i) {
-        const double u = (x0 + i - x) / radius;
+    for (int column = std::max(x0, reached.first); column < std::min(x0 + count, reached.end); ++column) {
+        const double u = (column - x) / radius;
         const double depth = 1 - u * u - v * v;
         if (depth <= 0)
             continue;
-        // Lit from the upper left, with a highlight where the surface faces the lamp.
+        // Lit from the upper left.
         const double facing = std::max(0.0, -0.5 * u - 0.6 * v + 0.62 * std::sqrt(depth));
-        const double squared = facing * facing;
-        const double shine = squared * squared * squared * squared;
-        const double body = 0.18 + 0.72 * facing;
-        const auto channel = [&](double base) {
-            return static_cast<std::uint16_t>(std::min<double>(kFullLight, base * body + 1500 * shine * shine));
-        };
-        light[i] = {channel(3900), channel(1750), channel(420)};
+        light[column - x0] = kBallLight[static_cast<std::size_t>(facing * kBallSteps)];
     }
 }
 

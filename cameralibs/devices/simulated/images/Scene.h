@@ -19,6 +19,11 @@ struct Rect {
     int bottom = 0; ///< one past the last row
 };
 
+struct Columns {
+    int first = 0;
+    int end = 0; ///< one past the last
+};
+
 struct Ball {
     double x = 0;
     double y = 0;
@@ -26,8 +31,17 @@ struct Ball {
 
     [[nodiscard]] Rect bounds() const;
 
+    /// The columns that the ball reaches into in any of these rows.
+    [[nodiscard]] Columns columnsOf(int firstRow, int endRow) const;
+
+    /// The columns of a row of which the ball leaves nothing to see.
+    [[nodiscard]] Columns coveredOf(int row) const;
+
     /// Lays the ball over `count` pixels of row `y` from column `x`.
     void paint(int x, int y, int count, Sample* light) const;
+
+private:
+    [[nodiscard]] double halfWidthAt(double row) const;
 };
 
 class Scene {
