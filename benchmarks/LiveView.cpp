@@ -1,15 +1,18 @@
-// How well does the viewer keep up with a camera of 1920 x 1200 pixels at 60 images a second, and does it stay as it
-// is?
+// How well does the viewer keep up with a camera, at 1920 x 1200 pixels and 60 images a second as well as at 5472 x
+// 3648 and 20, and does it stay as it is?
 //
-// The real window with the real camera libraries and the first simulated colour camera. Prints each figure beside its
-// limit and ends with status 1 where one is missed. Needs a screen:
+// The real window with the real camera libraries and simulated colour cameras. Prints each figure beside its goal and
+// ends with status 1 where one is missed. A round that other programs disturbed is repeated; where all were, what
+// misses its goal is called "busy". Needs a screen:
 //
 //     tests/support/with-xvfb build/release/bin/live_view
 
 #include "benchmarks/Process.h"
+#include "benchmarks/Report.h"
 #include "camera/OrvoCamApi.h"
 #include "camera/OrvoCamUtl.h"
 #include "tests/support/Desktop.h"
+#include "tests/support/OpenedCamera.h"
 #include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"
 
@@ -21,9 +24,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include <dlfcn.h>
@@ -39,6 +45,7 @@ struct Callback {
 Callback viewerCallback;
 std::atomic<std::uint64_t> lastFrame{0};
 std::atomic<std::uint64_t> lostImages{0};
+std::vector<double> callbackMicroseconds; // of the camera's thread while it runs
 
 void countLost(Orvo::CAM_HANDLE camera, Orvo::CAM_STRM_HANDLE stream, Orvo::CAM_IMAGE_INFO* info, std::uint32_t index,
                void*)
@@ -46,7 +53,10 @@ void countLost(Orvo::CAM_HANDLE camera, Orvo::CAM_STRM_HANDLE stream, Orvo::CAM_
     const std::uint64_t previous = lastFrame.exchange(info->frameNumber);
     if (info->frameNumber > previous + 1)
         lostImages += info->frameNumber - previous - 1;
+    const auto begin = std::chrono::steady_clock::now();
     viewerCallback.function(camera, stream, info, index, viewerCallback.context);
+    const std::chrono::duration<double, std::micro> taken = std::chrono::steady_clock::now() - begin;
+    callbackMicroseconds.push_back(taken.count());
 }
 
 } // namespace
@@ -59,51 +69,16 @@ extern "C" Orvo::CAM_API_STATUS Strm_SetCallbackImageAcquired(Orvo::CAM_STRM_HAN
         dlsym(RTLD_NEXT, "Strm_SetCallbackImageAcquired"));
     viewerCallback = {context, callback};
     lastFrame = 0;
+    callbackMicroseconds.clear();
     return next(stream, nullptr, &countLost);
 }
 
 namespace {
 
-bool allMet = true;
-
 [[noreturn]] void giveUp(const QString& why)
 {
     std::fprintf(stderr, "live_view: %s\n", qPrintable(why));
     std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): nobody else ends the program
-}
-
-enum class Limit { AtLeast, AtMost, Within };
-
-/// One line of the result: the figure, its limit, and their ratio.
-void report(const char* what, double measured, const char* unit, Limit limit, double bound, double around = 0)
-{
-    bool met = false;
-    QString limitText;
-    switch (limit) {
-    case Limit::AtLeast:
-        met = measured >= bound;
-        limitText = QString(">= %1").arg(bound);
-        break;
-    case Limit::AtMost:
-        met = measured <= bound;
-        limitText = QString("<= %1").arg(bound);
-        break;
-    case Limit::Within:
-        met = std::abs(measured - around) <= bound;
-        limitText = QString("%1 +- %2").arg(around).arg(bound);
-        break;
-    }
-    const double reference = limit == Limit::Within ? around : bound;
-    std::printf("%-44s %9.2f %-6s limit %-10s ratio %-6s %s\n", what, measured, unit, qPrintable(limitText),
-                reference != 0 ? qPrintable(QString::number(measured / reference, 'f', 2)) : "-",
-                met ? "met" : "MISSED");
-    allMet = allMet && met;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
 }
 
 // --- Start of the program ------------------------------------------------------------------------------------------
@@ -126,80 +101,182 @@ void startToWindow()
         viewer.terminate();
         viewer.waitForFinished();
     }
-    report("start to window on screen, median of 5", median(seconds), "s", Limit::AtMost, 0.5);
+    report::print("start to window on screen", report::figureOf(seconds), "s", report::atMost(0.5));
 }
 
-// --- The colour camera at 60 images a second -----------------------------------------------------------------------
+// --- Cameras that are as fast as they can ---------------------------------------------------------------------------
 
-constexpr std::uint32_t kWidth = 1920;
-constexpr std::uint32_t kHeight = 1200;
+struct Road {
+    const char* model;
+    const char* format;
+    std::uint32_t pfnc;
+    std::size_t bitsPerPixel;
+    int width;
+    int height;
+    double imagesPerSecond;
+    double shownAtLeast; ///< a second; at most one image every 26 ms is converted
+    double coreAtMost;   ///< per cent, the camera included
+};
 
-void openColourCamera(WindowDriver& driver)
+constexpr Road roads[] = {
+    {"SIM-C1920", "BayerRG8", 0x01080009, 8, 1920, 1200, 60, 34, 21},
+    {"SIM-C5472", "BayerRG8", 0x01080009, 8, 5472, 3648, 20, 19, 60},
+    {"SIM-C5472", "BayerRG12p", 0x010C0059, 12, 5472, 3648, 20, 19, 60},
+};
+
+void openCamera(WindowDriver& driver, const Road& road)
 {
-    if (!driver.openModel("SIM-C1920") || driver.imageArea().size() != QSizeF(kWidth, kHeight))
+    if (!driver.openModel(road.model) || driver.imageArea().size() != QSizeF(road.width, road.height))
         giveUp("no camera");
+    Orvo::CAM_NODE_HANDLE rate = 0;
+    if (opened::set("PixelFormat", road.format) != Orvo::CAM_API_STS_SUCCESS ||
+        Orvo::Nd_GetNode(opened::camera(), "AcquisitionFrameRate", &rate) != Orvo::CAM_API_STS_SUCCESS ||
+        Orvo::Nd_SetFloatValue(opened::camera(), rate, road.imagesPerSecond) != Orvo::CAM_API_STS_SUCCESS) {
+        giveUp("the camera does not take its settings");
+    }
 }
 
-/// Seconds of processor time that ConvImage takes for an image of the camera, when it has the processor for itself.
-double conversionSeconds()
+/// Milliseconds of processor time that ConvImage takes for an image, where it does nothing else.
+report::Figure conversionMs(const Road& road)
 {
-    constexpr int rounds = 100;
+    constexpr int rounds = 20;
     constexpr std::uint32_t toArgb32 = 0;
-    constexpr std::uint32_t bayerRG8 = 0x01080009;
     constexpr std::uint32_t option = 1;
-    std::vector<std::uint8_t> source(std::size_t{kWidth} * kHeight);
+    const auto width = static_cast<std::uint32_t>(road.width);
+    const auto height = static_cast<std::uint32_t>(road.height);
+    const std::size_t pixels = std::size_t{width} * height;
+    std::vector<std::uint8_t> source(pixels * road.bitsPerPixel / 8);
     std::minstd_rand random;
     std::generate(source.begin(), source.end(), [&] { return static_cast<std::uint8_t>(random() >> 8); });
-    std::vector<std::uint8_t> converted(source.size() * 4);
-    const auto convert = [&] {
-        if (Orvo::ConvImage(toArgb32, bayerRG8, option, converted.data(), source.data(), kWidth, kHeight) !=
+    std::vector<std::uint8_t> converted(pixels * 4);
+    std::vector<double> times;
+    for (int round = 0; round < rounds; ++round) {
+        const double before = process::threadSeconds();
+        if (Orvo::ConvImage(toArgb32, road.pfnc, option, converted.data(), source.data(), width, height) !=
             Orvo::CAM_API_STS_SUCCESS) {
             giveUp("no conversion");
         }
-    };
-    convert(); // into memory that has been touched
-    const double before = process::processorSeconds();
-    for (int round = 0; round < rounds; ++round)
-        convert();
-    return (process::processorSeconds() - before) / rounds;
+        times.push_back(1000 * (process::threadSeconds() - before));
+    }
+    return report::figureOf(times);
 }
 
-void rates(WindowDriver& driver, const ShownImages& images)
+/// Microseconds of processor time that the image callback takes in the library: for the one operation that it calls.
+report::Figure lookUpUs()
+{
+    constexpr int rounds = 20;
+    constexpr int calls = 1000;
+    std::vector<double> times;
+    for (int round = 0; round < rounds; ++round) {
+        const double before = process::threadSeconds();
+        for (int i = 0; i < calls; ++i) {
+            std::uint32_t index = 0;
+            if (Orvo::GetCamIndexFromCamHandle(opened::camera(), &index) != Orvo::CAM_API_STS_SUCCESS)
+                giveUp("no index of the camera");
+        }
+        times.push_back(1e6 * (process::threadSeconds() - before) / calls);
+    }
+    return report::figureOf(times);
+}
+
+/// What a running stream has used so far.
+struct Used {
+    double wall;
+    double process = process::processorSeconds();
+    double gui = process::threadSeconds();
+    double display = process::secondsOfThreads("DispThread");
+    double machine = process::machineSeconds();
+    std::int64_t faults = process::pageFaults();
+    std::uint64_t lost = lostImages;
+    int shown = 0;
+};
+
+/// Between two rates that the window reports, 2 seconds and a bit.
+struct Round {
+    std::vector<double> shown; ///< a second
+    std::vector<double> captured;
+    std::vector<double> core; ///< per cent
+    std::vector<double> gui;
+    std::vector<double> display;
+    std::vector<double> faults; ///< per image shown
+    double lost = 0;
+    double others = 0; ///< cores that other programs had, the X server included
+};
+
+Round measureRound(WindowDriver& driver, const ShownImages& images)
 {
     constexpr int reports = 5;
     const QRegularExpression numbers(R"(Disp = *([\d.]+) fps\] , \[Cap = *([\d.]+) fps)");
+    QElapsedTimer timer;
+    timer.start();
+    const auto used = [&] {
+        Used result{static_cast<double>(timer.nsecsElapsed()) / 1e9};
+        result.shown = images.count();
+        return result;
+    };
+    Round round;
+    const Used begin = used();
+    Used before = begin;
+    for (int i = 0; i < reports; ++i) {
+        QTest::qWait(2050);
+        const Used now = used();
+        const double wall = now.wall - before.wall;
+        const auto percent = [wall](double seconds) { return 100 * seconds / wall; };
+        const auto match = numbers.match(driver.rates());
+        round.shown.push_back(match.captured(1).toDouble());
+        round.captured.push_back(match.captured(2).toDouble());
+        round.core.push_back(percent(now.process - before.process));
+        round.gui.push_back(percent(now.gui - before.gui));
+        round.display.push_back(percent(now.display - before.display));
+        round.faults.push_back(static_cast<double>(now.faults - before.faults) / std::max(1, now.shown - before.shown));
+        before = now;
+    }
+    round.lost = static_cast<double>(before.lost - begin.lost);
+    round.others = ((before.machine - begin.machine) - (before.process - begin.process)) / (before.wall - begin.wall);
+    return round;
+}
+
+void drive(WindowDriver& driver, const ShownImages& images, const Road& road)
+{
+    constexpr int mostRounds = 5;
+    constexpr double quiet = 0.25; // cores of others
+    openCamera(driver, road);
+    driver.clearLog();
     driver.start();
     const QString none = driver.rates();
     if (!QTest::qWaitFor([&] { return driver.rates() != none; }, 10000))
         giveUp("no frame rates");
-
-    lostImages = 0;
-    double display = 1e9;
-    double capture = 0;
-    const int imagesBefore = images.count();
-    const double processorBefore = process::processorSeconds();
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < reports; ++i) {
-        QTest::qWait(2050);
-        const auto match = numbers.match(driver.rates());
-        display = std::min(display, match.captured(1).toDouble());
-        capture += match.captured(2).toDouble() / reports;
+    Round best = measureRound(driver, images);
+    for (int i = 1; i < mostRounds && best.others > quiet; ++i) {
+        Round next = measureRound(driver, images);
+        if (next.others < best.others)
+            best = std::move(next);
     }
-    const double wall = static_cast<double>(timer.nsecsElapsed()) / 1e9;
-    const double processor = process::processorSeconds() - processorBefore;
-    const int shown = images.count() - imagesBefore;
-    report("display rate, lowest of 5 reports", display, "fps", Limit::AtLeast, 34);
-    report("capture rate, mean of 5 reports", capture, "fps", Limit::Within, 1, 60);
-    report("images lost", static_cast<double>(lostImages), "", Limit::AtMost, 0);
-    report("log lines", static_cast<double>(driver.log().size()), "", Limit::AtMost, 0);
+    const int logLines = driver.log().size();
     driver.stop();
 
-    const double conversion = conversionSeconds() * shown;
-    std::printf("%-44s %9.2f %%      (camera, conversion and drawing; 100 %% = one core)\n", "processor share",
-                100 * processor / wall);
-    std::printf("%-44s %9.2f %%\n", "of it ConvImage, by itself", 100 * conversion / wall);
-    report("processor time, times ConvImage's", processor / conversion, "", Limit::AtMost, 3.8);
+    const std::string camera = std::to_string(road.width) + " x " + std::to_string(road.height) + " " + road.format;
+    const auto name = [&camera](const char* what) { return camera + ": " + what; };
+    report::setMachineBusy(best.others > quiet);
+    report::print(name("images shown a second"), report::figureOf(best.shown), "", report::atLeast(road.shownAtLeast));
+    report::print(name("images captured a second"), report::figureOf(best.captured), "",
+                  report::atLeast(road.imagesPerSecond - 1));
+    report::print(name("images lost"), report::single(best.lost), "", report::atMost(0));
+    report::print(name("lines in the message log"), report::single(logLines), "", report::atMost(0));
+    report::print(name("processor share, camera and drawing included"), report::figureOf(best.core), "%",
+                  report::atMost(road.coreAtMost));
+    report::print(name("of it the GUI thread"), report::figureOf(best.gui), "%");
+    report::print(name("of it the display thread"), report::figureOf(best.display), "%");
+    std::vector<double> rest;
+    for (std::size_t i = 0; i < best.core.size(); ++i)
+        rest.push_back(best.core[i] - best.gui[i] - best.display[i]);
+    report::print(name("of it the simulated camera"), report::figureOf(rest), "%");
+    report::print(name("page faults for an image"), report::figureOf(best.faults), "", report::atMost(1));
+    report::print(name("the image callback's call into the library"), lookUpUs(), "us", report::atMost(1));
+    report::print(name("the image callback, with cold caches"), report::figureOf(callbackMicroseconds), "us");
+    report::print(name("ConvImage by itself"), conversionMs(road), "ms");
+    report::print(name("what other programs had of a core meanwhile"), report::single(100 * best.others), "%");
+    report::setMachineBusy(false);
 }
 
 // --- Flat over time ------------------------------------------------------------------------------------------------
@@ -215,9 +292,10 @@ template <typename Cycle> void flat(const char* what, int cycles, const Cycle& c
         cycle();
     const QString name = QString("%1 x %2").arg(cycles).arg(what);
     constexpr double noise = 1; // MiB: the allocator's own ups and downs
-    report(qPrintable(name + ", memory gained"), process::residentMiB() - memory, "MiB", Limit::AtMost, noise);
-    report(qPrintable(name + ", threads gained"), static_cast<double>(process::threads()) - threads, "", Limit::AtMost,
-           0);
+    report::print((name + ", memory gained").toStdString(), report::single(process::residentMiB() - memory), "MiB",
+                  report::atMost(noise));
+    report::print((name + ", threads gained").toStdString(),
+                  report::single(static_cast<double>(process::threads()) - threads), "", report::atMost(0));
 }
 
 } // namespace
@@ -229,8 +307,11 @@ int main(int argc, char* argv[])
 
     WindowDriver driver;
     const ShownImages images(driver.window());
-    openColourCamera(driver);
-    rates(driver, images);
+    for (const Road& road : roads) {
+        drive(driver, images, road);
+        driver.close();
+    }
+    openCamera(driver, roads[0]);
     flat("start/stop", 200, [&] {
         driver.start();
         if (!images.waitForMore(1))
@@ -239,8 +320,8 @@ int main(int argc, char* argv[])
     });
     driver.close();
     flat("open/close", 50, [&] {
-        openColourCamera(driver);
+        openCamera(driver, roads[0]);
         driver.close();
     });
-    return allMet ? EXIT_SUCCESS : EXIT_FAILURE;
+    return report::exitStatus();
 }

@@ -1,13 +1,15 @@
 // Does the window keep answering while a camera floods the message log?
 //
 // The real window with the real camera libraries and the first simulated colour camera, which sends 10,000 errors a
-// second for 10 s: in bursts of 10,000, in bursts of 1,000, and again with a full log. Prints the longest stall of the
-// event loop and the longest time from a callback to its line in the log, each beside its limit, and ends with status 1
-// where one is missed. Needs a screen:
+// second for 10 s: in bursts of 10,000, in bursts of 1,000, and again with a full log. Prints the most processor time
+// that the GUI thread takes in one go, the longest stall of the event loop and the longest time from a callback to its
+// line in the log, each beside its goal, and ends with status 1 where one is missed. On a busy machine only the first
+// is judged. Needs a screen:
 //
 //     tests/support/with-xvfb build/release/bin/message_log
 
 #include "benchmarks/Process.h"
+#include "benchmarks/Report.h"
 #include "camera/OrvoCamApi.h"
 #include "tests/support/OpenedCamera.h"
 #include "tests/support/ShownImages.h"
@@ -26,6 +28,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -38,6 +41,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int kLinesPerSecond = 10000;
 constexpr int kSeconds = 10;
 constexpr int kLines = kLinesPerSecond * kSeconds;
+constexpr double quiet = 0.25; // cores that other programs may have where wall-clock times are judged
 
 // --- Lines, numbered by the status that they show -------------------------------------------------------------------
 
@@ -90,17 +94,6 @@ std::uint32_t newestNumber(const QTextDocument& log)
     return begin < 2 ? 0 : line.mid(begin, line.size() - begin - 1).toUInt(nullptr, 16);
 }
 
-bool allMet = true;
-
-void report(const char* what, double measured)
-{
-    constexpr double limit = 200;
-    const bool met = measured <= limit;
-    std::printf("  %-40s %8.1f ms   limit %.0f ms   ratio %5.2f   %s\n", what, measured, limit, measured / limit,
-                met ? "met" : "MISSED");
-    allMet = allMet && met;
-}
-
 void flood(const char* what, int burst, const QTextDocument& log)
 {
     constexpr int beatMs = 5;
@@ -128,6 +121,7 @@ void flood(const char* what, int burst, const QTextDocument& log)
     });
     const auto noting = QObject::connect(&log, &QTextDocument::contentsChanged, &beat, noteLines);
     const double processorBefore = process::processorSeconds();
+    const double machineBefore = process::machineSeconds();
     QElapsedTimer wall;
     wall.start();
     beat.start(beatMs);
@@ -141,18 +135,25 @@ void flood(const char* what, int burst, const QTextDocument& log)
         }
     });
     const bool all = QTest::qWaitFor([&] { return arrived == kLines; }, 20 * 1000 * kSeconds);
-    const double share =
-        100 * (process::processorSeconds() - processorBefore) * 1000 / static_cast<double>(wall.elapsed());
+    const double seconds = static_cast<double>(wall.elapsed()) / 1000;
+    const double processor = process::processorSeconds() - processorBefore;
+    const double share = 100 * processor / seconds;
+    const double others = (process::machineSeconds() - machineBefore - processor) / seconds;
     sender.join();
     QObject::disconnect(noting);
     if (!all)
         giveUp("lines are missing");
-    std::printf("%s: processor share %.0f %%, camera and drawing included; %d lines in the log\n", what, share,
-                log.blockCount());
-    std::printf("  %-40s %8.1f ms   (what a stall comes to with a processor for itself)\n", "most work in one go",
-                work);
-    report("longest stall", stall);
-    report("longest time to a line", latest);
+    const auto print = [what](const char* name, double value, const char* unit, report::Goal goal = {}) {
+        report::print(std::string(what) + ": " + name, report::single(value), unit, goal);
+    };
+    constexpr double limit = 200;
+    print("most work in one go", work, "ms", report::atMost(limit));
+    report::setMachineBusy(others > quiet);
+    print("longest stall", stall, "ms", report::atMost(limit));
+    print("longest time to a line", latest, "ms", report::atMost(limit));
+    report::setMachineBusy(false);
+    print("processor share, camera and drawing included", share, "%");
+    print("what other programs had of a core meanwhile", 100 * others, "%");
 }
 
 } // namespace
@@ -172,5 +173,5 @@ int main(int argc, char* argv[])
     flood("bursts of 10,000", 10000, log);
     flood("bursts of 1,000, full log", 1000, log);
     flood("bursts of 10,000, full log", 10000, log);
-    return allMet ? EXIT_SUCCESS : EXIT_FAILURE;
+    return report::exitStatus();
 }

@@ -1,7 +1,10 @@
 #include "benchmarks/Process.h"
 
+#include <array>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <numeric>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -10,26 +13,58 @@ namespace process {
 
 namespace {
 
-double usedSeconds(int who)
+// By the clocks: what getrusage tells may be counted in ticks.
+double secondsOf(clockid_t clock)
 {
-    rusage usage{};
-    getrusage(who, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
 } // namespace
 
 double processorSeconds()
 {
-    return usedSeconds(RUSAGE_SELF);
+    return secondsOf(CLOCK_PROCESS_CPUTIME_ID);
 }
 
 double threadSeconds()
 {
-    return usedSeconds(RUSAGE_THREAD);
+    return secondsOf(CLOCK_THREAD_CPUTIME_ID);
+}
+
+double secondsOfThreads(const std::string& name)
+{
+    double seconds = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::string found;
+        std::ifstream(task.path() / "comm") >> found;
+        double nanoseconds = 0;
+        std::ifstream(task.path() / "schedstat") >> nanoseconds;
+        if (found == name)
+            seconds += nanoseconds / 1e9;
+    }
+    return seconds;
+}
+
+double machineSeconds()
+{
+    // user, nice, system, idle, waiting for disks, interrupts, soft interrupts, taken by the host
+    std::array<double, 8> ticks{};
+    std::ifstream file("/proc/stat");
+    std::string cpu;
+    file >> cpu;
+    for (double& count : ticks)
+        file >> count;
+    ticks[3] = ticks[4] = 0;
+    return std::accumulate(ticks.begin(), ticks.end(), 0.0) / static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
+std::int64_t pageFaults()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return std::int64_t{usage.ru_minflt} + usage.ru_majflt;
 }
 
 double residentMiB()

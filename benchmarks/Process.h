@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <string>
 
-/// What the operating system says of this process.
+/// What the operating system says of this process and of the machine.
 namespace process {
 
 /// Seconds of processor time, user and system, of all threads.
@@ -10,6 +12,16 @@ namespace process {
 
 /// Seconds of processor time of the calling thread.
 [[nodiscard]] double threadSeconds();
+
+/// Seconds of processor time so far of the threads of this process that have this name, as the kernel keeps it: at most
+/// 15 bytes. Threads that have ended do not count.
+[[nodiscard]] double secondsOfThreads(const std::string& name);
+
+/// Seconds that the processors of the machine were busy since it started.
+[[nodiscard]] double machineSeconds();
+
+/// Pages that this process was given or had to wait for.
+[[nodiscard]] std::int64_t pageFaults();
 
 /// Resident memory in MiB.
 [[nodiscard]] double residentMiB();

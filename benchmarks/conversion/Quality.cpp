@@ -1,5 +1,6 @@
 #include "benchmarks/conversion/Quality.h"
 
+#include "benchmarks/Report.h"
 #include "camera/OrvoCamUtl.h"
 
 #include <opencv2/imgproc.hpp>
@@ -7,8 +8,8 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace {
@@ -160,13 +161,15 @@ constexpr Scene scenes[] = {
 
 void printQuality()
 {
-    std::printf("\nBayer images beside what they were taken from, decibels\n\n");
-    std::printf("| scene | ours | OpenCV, bilinear | OpenCV, edge-aware |\n|---|---|---|---|\n");
     for (const Scene& scene : scenes) {
         const cv::Mat truth = scene.draw();
         const cv::Mat mosaic = mosaicOf(truth);
-        std::printf("| %s | %.1f | %.1f | %.1f |\n", scene.name, decibels(truth, ours(mosaic)),
-                    decibels(truth, theirs(mosaic, cv::COLOR_BayerBG2BGR)),
-                    decibels(truth, theirs(mosaic, cv::COLOR_BayerBG2BGR_EA)));
+        const auto print = [&](const char* method, const cv::Mat& result) {
+            report::print(std::string("PSNR of a Bayer image, ") + scene.name + ": " + method,
+                          report::single(decibels(truth, result)), "dB");
+        };
+        print("ours", ours(mosaic));
+        print("OpenCV, bilinear", theirs(mosaic, cv::COLOR_BayerBG2BGR));
+        print("OpenCV, edge-aware", theirs(mosaic, cv::COLOR_BayerBG2BGR_EA));
     }
 }

@@ -1,12 +1,13 @@
 // Does the feature table stay quick with thousands of rows?
 //
 // Each step of the feature view beside the same step made by the plain calls of the toolkit (PlainTable), in turn
-// within one run, at three sizes. Prints the medians in milliseconds, their ratio and its limit, and how the time of
-// the feature view grows: the exponent e of rows^e between two sizes. Reading from the camera and painting are left
-// out. Ends with status 1 where a limit is missed. Times differ between machines and hours; ratios are what counts.
+// within one run, at three sizes. Prints the times, their ratios, and how the time of the feature view grows: the
+// exponent e of rows^e between two sizes. Reading from the camera and painting are left out. Ends with status 1 where a
+// goal is missed. Times differ between machines and hours; ratios are what counts.
 //
 //     QT_QPA_PLATFORM=offscreen build/release/bin/feature_table [rounds]
 
+#include "benchmarks/Report.h"
 #include "benchmarks/feature_table/InstantCamera.h"
 #include "benchmarks/feature_table/PlainTable.h"
 #include "features/item/GenAPINodeItem.h"
@@ -23,6 +24,7 @@
 #include <ctime>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -81,28 +83,23 @@ double milliseconds(const std::function<void()>& step)
     return 1000.0 * static_cast<double>(end - start) / CLOCKS_PER_SEC;
 }
 
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 /// The times of each step, a table of one size opened again and again.
 struct Times {
     std::array<std::vector<double>, StepCount> steps;
     std::vector<double> makingItems; // what opening and reading take without a table
     std::vector<double> readingItems;
 
-    /// The median, the camera's part left out.
-    [[nodiscard]] double of(std::size_t step) const
+    /// The camera's part left out.
+    [[nodiscard]] report::Figure of(std::size_t step) const
     {
         double camera = 0;
         if (step == Open) {
-            camera = median(makingItems);
+            camera = report::figureOf(makingItems).median;
         } else if (step == ReadUnchanged || step == ReadChanged) {
-            camera = median(readingItems);
+            camera = report::figureOf(readingItems).median;
         }
-        return median(steps[step]) - camera;
+        const report::Figure all = report::figureOf(steps[step]);
+        return {all.lower - camera, all.median - camera, all.upper - camera};
     }
 };
 
@@ -233,33 +230,23 @@ int main(int argc, char** argv)
         }
     }
 
-    bool passed = true;
-    const auto verdict = [&](double value, double limit) {
-        const bool met = value <= limit;
-        passed = passed && met;
-        return met ? "" : " MISSED";
-    };
-    std::printf("%-22s %6s %10s %10s %7s %7s   %s\n", "step", "rows", "ours ms", "plain ms", "ratio", "limit",
-                "growth of ours (limit)");
     for (std::size_t step = 0; step < StepCount; ++step) {
         const StepLimits& limits = kLimits[step];
+        const auto goal = [](double limit) { return limit < kNoLimit ? report::atMost(limit) : report::Goal(); };
         for (std::size_t size = 0; size < kSizes.size(); ++size) {
-            const double mine = ours[size].of(step);
-            const double theirs = plain[size].of(step);
-            std::printf("%-22s %6d %10.3f %10.3f %7.3f", size == 0 ? limits.name : "", kSizes[size], mine, theirs,
-                        mine / theirs);
-            if (limits.ratio[size] < kNoLimit) {
-                std::printf(" %7.2f%s", limits.ratio[size], verdict(mine / theirs, limits.ratio[size]));
-            } else {
-                std::printf(" %7s", "-");
-            }
+            const std::string name = std::string(limits.name) + ", " + std::to_string(kSizes[size]) + " rows: ";
+            const report::Figure mine = ours[size].of(step);
+            const double theirs = plain[size].of(step).median;
+            report::print(name + "time", mine, "ms");
+            report::print(name + "of the plain table's time",
+                          {mine.lower / theirs, mine.median / theirs, mine.upper / theirs}, "",
+                          goal(limits.ratio[size]));
             if (size > 0) {
-                const double exponent = std::log10(mine / ours[size - 1].of(step));
-                const double limit = limits.exponent[size - 1];
-                std::printf("   %.2f (%.1f)%s", exponent, limit, verdict(exponent, limit));
+                const double exponent = std::log10(mine.median / ours[size - 1].of(step).median);
+                report::print(name + "exponent of growth", report::single(exponent), "",
+                              report::atMost(limits.exponent[size - 1]));
             }
-            std::printf("\n");
         }
     }
-    return passed ? 0 : 1;
+    return report::exitStatus();
 }
