@@ -120,6 +120,13 @@ TEST_F(AcquisitionTest, TheLinkLimitsTheRate)
     EXPECT_NEAR(m_camera.real("AcquisitionResultingFrameRate"), 50e6 / (1280 * 1024), 0.01);
 }
 
+TEST_F(AcquisitionTest, TheLinkCarriesTheFullRateOfDeepPixels)
+{
+    m_camera.setReal("ExposureTime", 100);
+    m_camera.choose("PixelFormat", "Mono16");
+    EXPECT_DOUBLE_EQ(m_camera.greatestReal("AcquisitionFrameRate"), 200);
+}
+
 TEST_F(AcquisitionTest, SoftwareTriggerGivesOneImageEach)
 {
     m_camera.choose("TriggerMode", "On");

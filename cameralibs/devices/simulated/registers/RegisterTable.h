@@ -40,10 +40,10 @@ constexpr auto kTable = laidOut(std::array{
     real("DeviceClockFrequency", RO, 74.25e6).times(3, "DeviceClockSelector"),
     choice("DeviceTLType", 5, 4).readOnly(),
     u32("DeviceLinkSelector", RW).between(0, 0),
-    i64("DeviceLinkSpeed", RO, 500000000),
+    i64("DeviceLinkSpeed", RO, 1000000000),
     i64("DeviceMaxThroughput", RO),
     choice("DeviceLinkThroughputLimitMode", 2),
-    i64("DeviceLinkThroughputLimit", RW, 400000000).between(1000000, 500000000),
+    i64("DeviceLinkThroughputLimit", RW, 400000000).between(1000000, 1000000000),
     choice("DeviceLinkHeartbeatMode", 2),
     real("DeviceLinkHeartbeatTimeout", RW, 3e6).between(500000, 60000000),
 
