@@ -7,16 +7,15 @@ namespace Orvo {
 
 namespace {
 
-CAM_INFO cameraInfo(const DeviceInfo& device, std::uint32_t index)
+void giveCameraInfo(const DeviceInfo& device, std::uint32_t index, CAM_INFO& info)
 {
-    CAM_INFO info = {};
+    info = {};
     info.link = device.link;
     giveAsciiField(device.vendor, info.vendorName, sizeof info.vendorName);
     giveAsciiField(device.model, info.modelName, sizeof info.modelName);
     giveAsciiField(device.serial, info.serialNumber, sizeof info.serialNumber);
     giveAsciiField(device.userName, info.userDefinedName, sizeof info.userDefinedName);
     info.cameraIndex = index;
-    return info;
 }
 
 } // namespace
@@ -28,13 +27,13 @@ CAM_API_STATUS Cam_GetInformation(CAM_HANDLE camera, std::uint32_t cameraIndex, 
     if (camera != 0) {
         return onCamera(camera, [&](System& system, const Camera& opened) {
             requirePointers({info});
-            *info = cameraInfo(system.infoOf(opened), system.indexOf(opened));
+            giveCameraInfo(system.infoOf(opened), system.indexOf(opened), *info);
         });
     }
     return onSystem([&](System& system) {
         const DeviceInfo device = system.listedCamera(cameraIndex);
         requirePointers({info});
-        *info = cameraInfo(device, cameraIndex);
+        giveCameraInfo(device, cameraIndex, *info);
     });
 }
 
