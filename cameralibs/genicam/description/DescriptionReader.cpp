@@ -67,7 +67,7 @@ DescriptionReader::DescriptionReader(const std::string& xml)
         throw Failure(CAM_API_STS_GENICAM_ERR, "The description has more than " + std::to_string(kMaxSize) + " bytes");
     xmlResetLastError();
     m_document.reset(xmlReadMemory(xml.data(), static_cast<int>(length), nullptr, nullptr,
-                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOBLANKS));
     if (m_document == nullptr)
         throw Failure(CAM_API_STS_XML_LOAD_ERR, "The description is not well-formed: " + parserMessage());
 }
@@ -155,10 +155,8 @@ void DescriptionReader::readEntries(xmlNode* element, NodeId enumeration)
 void DescriptionReader::forgetEarlier(const std::string& name, xmlNode* element)
 {
     xmlNode*& known = m_elements[name];
-    if (known != nullptr) {
-        xmlUnlinkNode(known);
-        xmlFreeNode(known);
-    }
+    if (known != nullptr)
+        removeElement(known);
     known = element;
 }
 

@@ -42,6 +42,14 @@ constexpr Token<NodeAccessMode> kAccessModes[] = {
     {"RW", NODE_ACCESS_MODE_RW},
 };
 constexpr std::string_view kKeptWhiteSpace[] = {"ToolTip", "Description", "DisplayName", "DocuURL", "Comment", "Value"};
+/// What no evaluation of Aravis looks at: what a program shows, and how a value may be kept and accessed, which is
+/// decided here. Aravis makes several objects of each element that it is given.
+constexpr std::string_view kNotForAravis[] = {
+    "ToolTip",        "Description",     "DisplayName",       "DocuURL",   "Visibility",   "Unit",
+    "Representation", "DisplayNotation", "DisplayPrecision",  "pFeature",  "pSelected",    "PollingTime",
+    "Cachable",       "AccessMode",      "ImposedAccessMode", "pIsLocked", "pInvalidator",
+};
+constexpr std::string_view kAvailability[] = {"pIsImplemented", "pIsAvailable"};
 constexpr std::string_view kNumbers[] = {"Length", "LSB", "MSB", "Bit"};
 
 template <std::size_t N> bool contains(const std::string_view (&names)[N], const std::string& name)
@@ -185,31 +193,43 @@ std::string readText(xmlNode* element)
     return shorter;
 }
 
-void readChildren(xmlNode* element, DescribedNode& node, Element kind)
+void readChildren(xmlNode* element, DescribedNode& node, Element kind);
+
+void readChild(xmlNode* child, DescribedNode& node, FormulaParts& parts)
 {
-    FormulaParts parts;
-    for (xmlNode* child = element->children; child != nullptr; child = child->next) {
-        if (!isElement(child))
-            continue;
-        const std::string name = elementName(child);
-        if (const Element inner = elementRow(name).element; inner != Element::unknown) {
-            // A formula within a register computes its address; entries are nodes of their own.
-            if (inner == Element::intSwissKnife)
-                readChildren(child, node, inner);
-            continue;
-        }
-        const std::string text = readText(child);
-        parts.read(child, text);
-        if (isReference(name)) {
-            readReference(child, text, node);
-            continue;
-        }
+    const std::string name = elementName(child);
+    if (const Element inner = elementRow(name).element; inner != Element::unknown) {
+        // A formula within a register computes its address; entries are nodes of their own.
+        if (inner == Element::intSwissKnife)
+            readChildren(child, node, inner);
+        return;
+    }
+    const std::string text = readText(child);
+    parts.read(child, text);
+    if (isReference(name)) {
+        readReference(child, text, node);
+    } else {
         if (long long index = 0; name == "ValueIndexed" && toInteger(attribute(child, "Index"), index))
             node.constantIndices.push_back(index);
         readTextOrToken(name, text, node);
         readNumber(name, text, node);
         if (name == "Value" && node.element == Element::boolean)
             readTruth(child, text);
+    }
+    // It does look for the entries that can be chosen.
+    const bool entry = node.element == Element::enumEntry;
+    if (contains(kNotForAravis, name) || (!entry && contains(kAvailability, name)))
+        removeElement(child);
+}
+
+void readChildren(xmlNode* element, DescribedNode& node, Element kind)
+{
+    FormulaParts parts;
+    for (xmlNode* child = element->children; child != nullptr;) {
+        xmlNode* const next = child->next;
+        if (isElement(child))
+            readChild(child, node, parts);
+        child = next;
     }
     parts.addTo(node, kind);
 }

@@ -42,6 +42,12 @@ void setElementText(xmlNode* element, const std::string& text)
     xmlNodeAddContent(element, xmlText(text.c_str()));
 }
 
+void removeElement(xmlNode* element)
+{
+    xmlUnlinkNode(element);
+    xmlFreeNode(element);
+}
+
 std::string attribute(xmlNode* element, const char* name)
 {
     return trimmed(taken(xmlGetNoNsProp(element, xmlText(name))));

@@ -15,6 +15,8 @@ namespace cameralibs {
 [[nodiscard]] std::string elementText(xmlNode* element);
 void setElementText(xmlNode* element, const std::string& text);
 
+void removeElement(xmlNode* element);
+
 /// Without the white space around it; empty for an attribute that is not there.
 [[nodiscard]] std::string attribute(xmlNode* element, const char* name);
 void setAttribute(xmlNode* element, const char* name, const std::string& value);

@@ -22,6 +22,9 @@ NodeMap::NodeMap(std::shared_ptr<const Description> description, ArvDevice* devi
 {
     if (m_gc == nullptr)
         throw Failure(CAM_API_STS_GENICAM_ERR, "The description cannot be evaluated");
+    // What it would need for more it is not given.
+    arv_gc_set_register_cache_policy(m_gc.get(), ARV_REGISTER_CACHE_POLICY_DISABLE);
+    arv_gc_set_access_check_policy(m_gc.get(), ARV_ACCESS_CHECK_POLICY_DISABLE);
     for (NodeId id = 0; id < m_description->size(); ++id) {
         EvaluationBudget::check();
         bind(id);
