@@ -23,6 +23,7 @@ Camera::Camera(std::uint32_t index, DeviceInfo info, std::shared_ptr<Removal> re
     , m_nodes(std::make_unique<NodeMap>(m_description, m_device->registers()))
     , m_toldImages(*m_description)
 {
+    m_device->useNodes(*m_nodes);
 }
 
 Camera::~Camera()

@@ -19,6 +19,7 @@ typedef struct _ArvDevice ArvDevice; // NOLINT(bugprone-reserved-identifier): th
 namespace cameralibs {
 
 class ImageMemory;
+class NodeMap;
 
 /// One camera of an enumeration. `id` names it within its provider for as long as the process runs.
 struct DeviceInfo {
@@ -79,6 +80,10 @@ public:
 
     /// The registers; the node map holds the pointer for no longer than this device lives.
     [[nodiscard]] virtual ArvDevice* registers() = 0;
+
+    /// The map over the registers was made, and no register accessed yet. It ends before this device does, and is used
+    /// only while the device has it to itself: here, in register accesses, and in calls of the device and its source.
+    virtual void useNodes(NodeMap& /*nodes*/) {}
 
     /// The GenICam description (XML). Errors: CAM_API_STS_XML_LOAD_ERR.
     [[nodiscard]] virtual Outcome description(std::string& xml) = 0;

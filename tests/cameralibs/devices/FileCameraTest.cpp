@@ -102,6 +102,18 @@ TEST(FileCameraTest, ImagesShowTheScene)
     EXPECT_EQ(second.bytes.size(), 644U * 481U * 3 / 2);
 }
 
+TEST(FileCameraTest, ImagesHaveTheSizeThatTheDescriptionItselfHolds)
+{
+    const FileCamera camera(descriptionOf(
+        "Owl", "Width Height PixelFormat PayloadSize AcquisitionStart AcquisitionStop",
+        "<Integer Name=\"Width\"><Value>640</Value></Integer><Integer Name=\"Height\"><Value>480</Value></Integer>" +
+            enumerationNode("PixelFormat", 0x10C, entry("Mono8", 0x01080001)) + integerNode("PayloadSize", 0x108, "") +
+            commandNode("AcquisitionStart", 0x110) + commandNode("AcquisitionStop", 0x114)));
+    EXPECT_EQ(camera->integer("Width"), 640);
+    EXPECT_EQ(camera->integer("PayloadSize"), 640 * 480);
+    EXPECT_EQ(takePicture(camera->handle()).bytes.size(), 640U * 480U);
+}
+
 TEST(FileCameraTest, ImagesMayBeOnePixelWideOrHigh)
 {
     const FileCamera camera(imagingCamera(entry("Mono8", 0x01080001)));

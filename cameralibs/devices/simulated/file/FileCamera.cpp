@@ -49,14 +49,10 @@ FileCamera::FileCamera(const DescriptionFile& file, DeviceInfo info)
 {
 }
 
-// Asked for only once the description was found valid: now it can be evaluated here, too.
-ArvDevice* FileCamera::registers()
+void FileCamera::useNodes(NodeMap& nodes)
 {
-    if (m_nodes == nullptr) {
-        m_nodes = std::make_unique<FileNodes>(m_memory, m_file.xml);
-        m_nodes->powerUp(m_info.model, m_info.serial);
-    }
-    return m_arvDevice.get();
+    m_nodes = std::make_unique<FileNodes>(nodes);
+    m_nodes->powerUp(m_info.model, m_info.serial);
 }
 
 Outcome FileCamera::description(std::string& xml)

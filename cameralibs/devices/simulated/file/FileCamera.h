@@ -20,7 +20,8 @@ public:
     FileCamera(const DescriptionFile& file, DeviceInfo info);
 
     [[nodiscard]] const DeviceInfo& info() const override { return m_info; }
-    [[nodiscard]] ArvDevice* registers() override;
+    [[nodiscard]] ArvDevice* registers() override { return m_arvDevice.get(); }
+    void useNodes(NodeMap& nodes) override;
     [[nodiscard]] Outcome description(std::string& xml) override;
     [[nodiscard]] Outcome openSource(FrameSink& sink, const ImageMemory& memory,
                                      const std::vector<FrameBuffer*>& buffers,

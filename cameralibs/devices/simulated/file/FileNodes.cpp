@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace cameralibs::simulated {
 
@@ -82,15 +83,8 @@ const PixelPacking* packingFor(std::uint32_t format)
 
 } // namespace
 
-FileNodes::FileNodes(RegisterSpace& memory, const std::string& xml)
-    : m_device(makeRegisterDevice(memory, xml))
-    , m_nodes(readDescription(xml), m_device.get())
-{
-}
-
 void FileNodes::powerUp(const std::string& model, const std::string& serial)
 {
-    const std::lock_guard lock(m_mutex);
     for (const char* const name : {"SensorWidth", "WidthMax", "Width"})
         setInteger(name, kDefaultWidth);
     for (const char* const name : {"SensorHeight", "HeightMax", "Height"})
@@ -100,21 +94,15 @@ void FileNodes::powerUp(const std::string& model, const std::string& serial)
     setText("DeviceVendorName", "Simulated");
     settle(m_nodes.description().find("Root"));
     m_fillsPayloadSize = integer("PayloadSize").value_or(1) == 0;
-    fillPayloadSize();
+    updatePayloadSize();
+    EvaluationBudget::check(); // a feature that took too long was left as it is
 }
 
 std::optional<FrameSettings> FileNodes::settings() const
 {
-    const std::lock_guard lock(m_mutex);
     auto settings = readSettings();
     EvaluationBudget::check();
     return settings;
-}
-
-void FileNodes::updatePayloadSize()
-{
-    const std::lock_guard lock(m_mutex);
-    fillPayloadSize();
 }
 
 std::optional<FrameSettings> FileNodes::readSettings() const
@@ -141,12 +129,14 @@ std::optional<FrameSettings> FileNodes::readSettings() const
     return settings;
 }
 
-void FileNodes::fillPayloadSize()
+void FileNodes::updatePayloadSize()
 {
-    if (!m_fillsPayloadSize)
+    // To set it is one more write to the camera.
+    if (!std::exchange(m_fillsPayloadSize, false))
         return;
-    if (const auto settings = readSettings())
-        setInteger("PayloadSize", static_cast<std::int64_t>(ImageMaker::sizeOf(settings->image)));
+    if (const auto wanted = readSettings())
+        setInteger("PayloadSize", static_cast<std::int64_t>(ImageMaker::sizeOf(wanted->image)));
+    m_fillsPayloadSize = true;
 }
 
 std::optional<std::int64_t> FileNodes::integer(const char* name) const
@@ -162,7 +152,7 @@ std::optional<std::int64_t> FileNodes::integer(const char* name) const
 void FileNodes::setInteger(const char* name, std::int64_t value)
 {
     ArvGcFeatureNode* const node = feature(name);
-    if (!ARV_IS_GC_INTEGER(node))
+    if (!ARV_IS_GC_INTEGER(node) || isConstant(m_nodes.description().find(name)))
         return;
     Attempt attempt;
     arv_gc_integer_set_value(ARV_GC_INTEGER(node), value, attempt.error());
@@ -171,7 +161,7 @@ void FileNodes::setInteger(const char* name, std::int64_t value)
 void FileNodes::setText(const char* name, const std::string& value)
 {
     ArvGcFeatureNode* const node = feature(name);
-    if (!ARV_IS_GC_STRING(node))
+    if (!ARV_IS_GC_STRING(node) || isConstant(m_nodes.description().find(name)))
         return;
     Attempt attempt;
     arv_gc_string_set_value(ARV_GC_STRING(node), value.c_str(), attempt.error());
@@ -190,6 +180,8 @@ void FileNodes::settleFeature(NodeId id)
         return;
     }
     ArvGcFeatureNode* const node = feature(id);
+    if (isConstant(id))
+        return;
     // An enumeration is an integer, too.
     if (ARV_IS_GC_ENUMERATION(node)) {
         settleEnumeration(ARV_GC_ENUMERATION(node));
@@ -198,6 +190,15 @@ void FileNodes::settleFeature(NodeId id)
     } else if (ARV_IS_GC_FLOAT(node)) {
         settleFloat(ARV_GC_FLOAT(node));
     }
+}
+
+bool FileNodes::isConstant(NodeId id) const
+{
+    NodeId holder = id;
+    while (m_nodes.node(holder).link("pValue") != kNoNode)
+        holder = m_nodes.node(holder).link("pValue");
+    const DescribedNode& node = m_nodes.node(holder);
+    return node.link("pPort") == kNoNode && node.link("pIndex") == kNoNode;
 }
 
 ArvGcFeatureNode* FileNodes::feature(const char* name) const

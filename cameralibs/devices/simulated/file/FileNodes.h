@@ -1,25 +1,26 @@
 #pragma once
 
 #include "cameralibs/devices/simulated/images/FrameSettings.h"
-#include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 #include "cameralibs/genicam/nodes/NodeMap.h"
 
 #include <arv.h>
 
 #include <cstdint>
-#include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
 namespace cameralibs::simulated {
 
 /// What the camera itself knows of the description it was made from: it gives the registers values to begin with, and
-/// finds out what its images are to be like. Safe from any thread.
+/// finds out what its images are to be like. It shares the node map with the program that opened the camera, and is
+/// called only while it has that to itself.
 class FileNodes {
 public:
-    /// The description is known to be valid. Construct one at a time per process.
-    FileNodes(RegisterSpace& memory, const std::string& xml);
+    /// The map outlives its use here.
+    explicit FileNodes(NodeMap& nodes)
+        : m_nodes(nodes)
+    {
+    }
 
     /// Puts every feature that is out of its range into it, and the image at a useful size.
     void powerUp(const std::string& model, const std::string& serial);
@@ -35,16 +36,15 @@ private:
     [[nodiscard]] std::optional<std::int64_t> integer(const char* name) const;
     void setInteger(const char* name, std::int64_t value);
     void setText(const char* name, const std::string& value);
+    [[nodiscard]] std::optional<FrameSettings> readSettings() const;
     void settle(NodeId category);
     void settleFeature(NodeId id);
+    /// Whether the description itself holds the value, and not a register. It stays what the description says.
+    [[nodiscard]] bool isConstant(NodeId id) const;
     [[nodiscard]] ArvGcFeatureNode* feature(const char* name) const;
     [[nodiscard]] ArvGcFeatureNode* feature(NodeId id) const;
-    [[nodiscard]] std::optional<FrameSettings> readSettings() const;
-    void fillPayloadSize();
 
-    mutable std::mutex m_mutex;
-    ArvDevicePtr m_device;
-    NodeMap m_nodes;
+    NodeMap& m_nodes;
     bool m_fillsPayloadSize = false;
 };
 
