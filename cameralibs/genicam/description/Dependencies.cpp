@@ -1,5 +1,7 @@
 #include "cameralibs/genicam/description/Dependencies.h"
 
+#include <string_view>
+
 namespace cameralibs {
 
 namespace {
@@ -7,7 +9,7 @@ namespace {
 /// Which question needs which reference, and what it asks of the node there.
 struct DependencyRow {
     Question question;
-    const char* property;
+    std::string_view property;
     Question asked;
 };
 

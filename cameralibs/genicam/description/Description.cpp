@@ -5,7 +5,7 @@
 
 namespace cameralibs {
 
-NodeId DescribedNode::link(const char* property) const
+NodeId DescribedNode::link(std::string_view property) const
 {
     const auto found = std::find_if(references.begin(), references.end(),
                                     [&](const Reference& reference) { return reference.property == property; });

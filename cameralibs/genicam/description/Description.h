@@ -10,6 +10,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace cameralibs {
@@ -96,7 +98,7 @@ struct DescribedNode {
     std::array<Answerable, kQuestions> questions;
 
     /// The node that the first element of this name refers to, kNoNode without one.
-    [[nodiscard]] NodeId link(const char* property) const;
+    [[nodiscard]] NodeId link(std::string_view property) const;
 
     [[nodiscard]] Answerable& to(Question question) { return questions[static_cast<std::size_t>(question)]; }
     [[nodiscard]] const Answerable& to(Question question) const
@@ -126,7 +128,7 @@ public:
 
 private:
     std::vector<DescribedNode> m_nodes;
-    std::map<std::string, NodeId> m_byName;
+    std::unordered_map<std::string, NodeId> m_byName;
     std::string m_xml;
 };
 

@@ -4,10 +4,6 @@
 #include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/description/ElementTable.h"
 #include "cameralibs/genicam/description/NodeProperties.h"
-#include "cameralibs/genicam/description/XmlElement.h"
-
-#include <libxml/parser.h>
-#include <libxml/xmlerror.h>
 
 #include <string_view>
 #include <utility>
@@ -23,14 +19,14 @@ constexpr std::size_t kMaxName = 255;
 /// To read more takes too much time and memory before anybody can look at the clock.
 constexpr std::size_t kMaxSize = std::size_t{16} << 20;
 
-std::string nameOf(xmlNode* element)
+std::string nameOf(XmlElement element)
 {
-    std::string name = attribute(element, "Name");
+    const std::string name(element.attribute("Name"));
     if (name.size() > kMaxName) {
         throw Failure(CAM_API_STS_GENICAM_ERR, "[" + name.substr(0, kMaxName) + "...] The name is longer than " +
                                                    std::to_string(kMaxName) + " bytes");
     }
-    setAttribute(element, "Name", name);
+    element.setAttribute("Name", name); // without white space for Aravis, too
     return name;
 }
 
@@ -47,79 +43,70 @@ std::string symbolicName(const std::string& enumeration, const DescribedNode& en
     return symbolic;
 }
 
-std::string parserMessage()
+/// Cameras pad their files with zeros.
+std::string_view withoutPadding(const std::string& xml)
 {
-    const xmlError* error = xmlGetLastError();
-    if (error == nullptr || error->message == nullptr)
-        return "no reason is known";
-    return "line " + std::to_string(error->line) + ": " + trimmed(error->message);
+    const std::size_t length = xml.find_last_not_of(std::string_view("\0 \t\r\n", 5)) + 1;
+    if (length > kMaxSize)
+        throw Failure(CAM_API_STS_GENICAM_ERR, "The description has more than " + std::to_string(kMaxSize) + " bytes");
+    return std::string_view(xml).substr(0, length);
 }
 
 } // namespace
 
 DescriptionReader::DescriptionReader(const std::string& xml)
-    : m_document(nullptr, &xmlFreeDoc)
+    : m_document(withoutPadding(xml))
     , m_description(std::make_shared<Description>())
 {
-    // Cameras pad their files with zeros.
-    const std::size_t length = xml.find_last_not_of(std::string_view("\0 \t\r\n", 5)) + 1;
-    if (length > kMaxSize)
-        throw Failure(CAM_API_STS_GENICAM_ERR, "The description has more than " + std::to_string(kMaxSize) + " bytes");
-    xmlResetLastError();
-    m_document.reset(xmlReadMemory(xml.data(), static_cast<int>(length), nullptr, nullptr,
-                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOBLANKS));
-    if (m_document == nullptr)
-        throw Failure(CAM_API_STS_XML_LOAD_ERR, "The description is not well-formed: " + parserMessage());
 }
 
 std::shared_ptr<Description> DescriptionReader::read()
 {
-    xmlNode* root = xmlDocGetRootElement(m_document.get());
-    if (elementName(root) != "RegisterDescription") {
-        throw Failure(CAM_API_STS_GENICAM_ERR,
-                      "The description's outermost element is <" + elementName(root) + ">, not <RegisterDescription>");
-    }
     // No description needs one, and its entities could name files or grow without bound.
-    if (m_document->intSubset != nullptr)
+    if (m_document.declaresType())
         throw Failure(CAM_API_STS_GENICAM_ERR, "The description declares a document type");
+    const XmlElement root = m_document.root();
+    if (root.name() != "RegisterDescription") {
+        const std::string name(root.name());
+        throw Failure(CAM_API_STS_GENICAM_ERR,
+                      "The description's outermost element is <" + name + ">, not <RegisterDescription>");
+    }
     readChildren(root);
     resolveNames();
-    serialise();
+    m_description->setXml(m_document.serialise());
     return m_description;
 }
 
-void DescriptionReader::readChildren(xmlNode* parent)
+void DescriptionReader::readChildren(XmlElement parent)
 {
-    for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+    for (XmlElement child = parent.firstChild(); child; child = child.next()) {
         EvaluationBudget::check();
-        if (!isElement(child))
-            continue;
-        const std::string name = elementName(child);
+        const std::string_view name = child.name();
         if (name == "Group") {
             readChildren(child);
         } else if (name == "StructReg") {
             readStructure(child);
-        } else if (!attribute(child, "Name").empty()) {
+        } else if (!child.attribute("Name").empty()) {
             readNode(child, {});
         }
     }
 }
 
 // The entries of a structure share its address, length, port and access mode.
-void DescriptionReader::readStructure(xmlNode* element)
+void DescriptionReader::readStructure(XmlElement element)
 {
     DescribedNode shared;
     shared.ownAccess = elementRow("StructEntry").access;
     readProperties(element, shared);
-    for (xmlNode* child = element->children; child != nullptr; child = child->next) {
-        if (isElement(child) && elementName(child) == "StructEntry" && !attribute(child, "Name").empty())
+    for (XmlElement child = element.firstChild(); child; child = child.next()) {
+        if (child.name() == "StructEntry" && !child.attribute("Name").empty())
             readNode(child, shared);
     }
 }
 
-void DescriptionReader::readNode(xmlNode* element, DescribedNode node)
+void DescriptionReader::readNode(XmlElement element, DescribedNode node)
 {
-    const ElementRow row = elementRow(elementName(element));
+    const ElementRow row = elementRow(element.name());
     node.element = row.element;
     node.type = row.type;
     if (row.element != Element::structEntry)
@@ -133,10 +120,10 @@ void DescriptionReader::readNode(xmlNode* element, DescribedNode node)
         readEntries(element, id);
 }
 
-void DescriptionReader::readEntries(xmlNode* element, NodeId enumeration)
+void DescriptionReader::readEntries(XmlElement element, NodeId enumeration)
 {
-    for (xmlNode* child = element->children; child != nullptr; child = child->next) {
-        if (!isElement(child) || elementName(child) != "EnumEntry")
+    for (XmlElement child = element.firstChild(); child; child = child.next()) {
+        if (child.name() != "EnumEntry")
             continue;
         EvaluationBudget::check();
         DescribedNode entry;
@@ -152,11 +139,11 @@ void DescriptionReader::readEntries(xmlNode* element, NodeId enumeration)
 }
 
 // Of several nodes with one name the last counts; Aravis must not find the others.
-void DescriptionReader::forgetEarlier(const std::string& name, xmlNode* element)
+void DescriptionReader::forgetEarlier(const std::string& name, XmlElement element)
 {
-    xmlNode*& known = m_elements[name];
-    if (known != nullptr)
-        removeElement(known);
+    XmlElement& known = m_elements[name];
+    if (known)
+        known.remove();
     known = element;
 }
 
@@ -170,16 +157,6 @@ void DescriptionReader::resolveNames()
                 node.features.push_back(reference.target);
         }
     }
-}
-
-void DescriptionReader::serialise()
-{
-    xmlChar* text = nullptr;
-    int size = 0;
-    xmlDocDumpMemoryEnc(m_document.get(), &text, &size, "UTF-8");
-    const std::unique_ptr<xmlChar, void (*)(xmlChar*)> owner(text, [](xmlChar* p) { xmlFree(p); });
-    throwUnless(text != nullptr, CAM_API_STS_NO_MEMORY);
-    m_description->setXml(std::string(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)));
 }
 
 } // namespace cameralibs

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "cameralibs/genicam/description/Description.h"
+#include "cameralibs/genicam/description/XmlDocument.h"
 
-#include <libxml/tree.h>
-
-#include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 namespace cameralibs {
 
@@ -20,19 +19,16 @@ public:
     [[nodiscard]] std::shared_ptr<Description> read();
 
 private:
-    using Document = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
-
-    void readChildren(xmlNode* parent);
-    void readStructure(xmlNode* element);
-    void readNode(xmlNode* element, DescribedNode node);
-    void readEntries(xmlNode* element, NodeId enumeration);
-    void forgetEarlier(const std::string& name, xmlNode* element);
+    void readChildren(XmlElement parent);
+    void readStructure(XmlElement element);
+    void readNode(XmlElement element, DescribedNode node);
+    void readEntries(XmlElement element, NodeId enumeration);
+    void forgetEarlier(const std::string& name, XmlElement element);
     void resolveNames();
-    void serialise();
 
-    Document m_document;
+    XmlDocument m_document;
     std::shared_ptr<Description> m_description;
-    std::map<std::string, xmlNode*> m_elements; ///< those that became nodes
+    std::unordered_map<std::string, XmlElement> m_elements; ///< those that became nodes
 };
 
 } // namespace cameralibs

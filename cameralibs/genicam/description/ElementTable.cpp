@@ -36,7 +36,7 @@ constexpr ElementRow kUnknown{"", Element::unknown, NODE_TYPE_UNKNOWN, NODE_ACCE
 
 } // namespace
 
-const ElementRow& elementRow(const std::string& name)
+const ElementRow& elementRow(std::string_view name)
 {
     const auto* row = std::find_if(std::begin(kElements), std::end(kElements),
                                    [&](const ElementRow& candidate) { return name == candidate.name; });

@@ -1,7 +1,6 @@
 #include "cameralibs/genicam/description/NodeProperties.h"
 
 #include "cameralibs/genicam/description/ElementTable.h"
-#include "cameralibs/genicam/description/XmlElement.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,7 +14,7 @@ using namespace Orvo;
 namespace {
 
 template <class Value> struct Token {
-    const char* text;
+    std::string_view text;
     Value value;
 };
 
@@ -52,14 +51,14 @@ constexpr std::string_view kNotForAravis[] = {
 constexpr std::string_view kAvailability[] = {"pIsImplemented", "pIsAvailable"};
 constexpr std::string_view kNumbers[] = {"Length", "LSB", "MSB", "Bit"};
 
-template <std::size_t N> bool contains(const std::string_view (&names)[N], const std::string& name)
+template <std::size_t N> bool contains(const std::string_view (&names)[N], std::string_view name)
 {
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
 /// `value` is left as it is by a text that is not in the table.
 template <class Value, std::size_t N>
-void assignToken(const Token<Value> (&table)[N], const std::string& text, Value& value)
+void assignToken(const Token<Value> (&table)[N], std::string_view text, Value& value)
 {
     const auto row = std::find_if(std::begin(table), std::end(table), [&](const auto& r) { return text == r.text; });
     if (row != std::end(table))
@@ -67,22 +66,22 @@ void assignToken(const Token<Value> (&table)[N], const std::string& text, Value&
 }
 
 /// Elements such as pValue; all of them, known or not, name a node.
-bool isReference(const std::string& name)
+bool isReference(std::string_view name)
 {
     return name.size() > 1 && name[0] == 'p' && name[1] >= 'A' && name[1] <= 'Z';
 }
 
-void readReference(xmlNode* element, const std::string& text, DescribedNode& node)
+void readReference(XmlElement element, std::string_view text, DescribedNode& node)
 {
-    Reference reference{elementName(element), text};
-    if (long long index = 0; toInteger(attribute(element, "Index"), index))
+    Reference reference{std::string(element.name()), std::string(text)};
+    if (long long index = 0; toInteger(element.attribute("Index"), index))
         reference.index = index;
     node.references.push_back(std::move(reference));
-    if (const std::string offset = attribute(element, "pOffset"); !offset.empty())
-        node.references.push_back({"pOffset", offset});
+    if (const std::string_view offset = element.attribute("pOffset"); !offset.empty())
+        node.references.push_back({"pOffset", std::string(offset)});
 }
 
-void readTextOrToken(const std::string& name, const std::string& text, DescribedNode& node)
+void readTextOrToken(std::string_view name, std::string_view text, DescribedNode& node)
 {
     if (name == "ToolTip") {
         node.toolTip = text;
@@ -105,11 +104,11 @@ void readTextOrToken(const std::string& name, const std::string& text, Described
     } else if (name == "ChunkID" || name == "EventID") {
         node.carriedByImages = true;
     } else if (contains(kNumbers, name)) {
-        node.numbers[name] = text;
+        node.numbers[std::string(name)] = text;
     }
 }
 
-void readNumber(const std::string& name, const std::string& text, DescribedNode& node)
+void readNumber(std::string_view name, std::string_view text, DescribedNode& node)
 {
     long long number = 0;
     if (!toInteger(trimmed(text), number))
@@ -126,12 +125,12 @@ void readNumber(const std::string& name, const std::string& text, DescribedNode&
 }
 
 /// Aravis knows truth by numbers only.
-void readTruth(xmlNode* element, const std::string& text)
+void readTruth(XmlElement element, std::string_view text)
 {
     if (trimmed(text) == "true") {
-        setElementText(element, "1");
+        element.setText("1");
     } else if (trimmed(text) == "false") {
-        setElementText(element, "0");
+        element.setText("0");
     }
 }
 
@@ -142,15 +141,15 @@ struct FormulaParts {
     std::string to;
     std::string from;
 
-    void read(xmlNode* element, const std::string& text)
+    void read(XmlElement element, std::string_view text)
     {
-        const std::string name = elementName(element);
+        const std::string_view name = element.name();
         if (name == "pVariable") {
-            common.variables.emplace_back(attribute(element, "Name"), text);
+            common.variables.emplace_back(element.attribute("Name"), text);
         } else if (name == "Constant") {
-            common.constants.emplace_back(attribute(element, "Name"), text);
+            common.constants.emplace_back(element.attribute("Name"), text);
         } else if (name == "Expression") {
-            common.expressions.emplace_back(attribute(element, "Name"), text);
+            common.expressions.emplace_back(element.attribute("Name"), text);
         } else if (name == "Formula") {
             formula = text;
         } else if (name == "FormulaTo") {
@@ -173,7 +172,7 @@ struct FormulaParts {
     }
 
 private:
-    void add(DescribedNode& node, const std::string& text, const char* input) const
+    void add(DescribedNode& node, std::string_view text, const char* input) const
     {
         node.formulas.push_back(common);
         node.formulas.back().text = text;
@@ -182,34 +181,34 @@ private:
 };
 
 /// The text of an element, in the element itself too without the white space that says nothing.
-std::string readText(xmlNode* element)
+std::string_view readText(XmlElement element)
 {
-    std::string text = elementText(element);
-    if (contains(kKeptWhiteSpace, elementName(element)))
+    const std::string_view text = element.text();
+    if (contains(kKeptWhiteSpace, element.name()))
         return text;
-    std::string shorter = trimmed(text);
-    if (shorter != text)
-        setElementText(element, shorter);
+    const std::string_view shorter = trimmed(text);
+    if (shorter.size() != text.size())
+        element.setText(shorter);
     return shorter;
 }
 
-void readChildren(xmlNode* element, DescribedNode& node, Element kind);
+void readChildren(XmlElement element, DescribedNode& node, Element kind);
 
-void readChild(xmlNode* child, DescribedNode& node, FormulaParts& parts)
+void readChild(XmlElement child, DescribedNode& node, FormulaParts& parts)
 {
-    const std::string name = elementName(child);
+    const std::string_view name = child.name();
     if (const Element inner = elementRow(name).element; inner != Element::unknown) {
         // A formula within a register computes its address; entries are nodes of their own.
         if (inner == Element::intSwissKnife)
             readChildren(child, node, inner);
         return;
     }
-    const std::string text = readText(child);
+    const std::string_view text = readText(child);
     parts.read(child, text);
     if (isReference(name)) {
         readReference(child, text, node);
     } else {
-        if (long long index = 0; name == "ValueIndexed" && toInteger(attribute(child, "Index"), index))
+        if (long long index = 0; name == "ValueIndexed" && toInteger(child.attribute("Index"), index))
             node.constantIndices.push_back(index);
         readTextOrToken(name, text, node);
         readNumber(name, text, node);
@@ -219,24 +218,20 @@ void readChild(xmlNode* child, DescribedNode& node, FormulaParts& parts)
     // It does look for the entries that can be chosen.
     const bool entry = node.element == Element::enumEntry;
     if (contains(kNotForAravis, name) || (!entry && contains(kAvailability, name)))
-        removeElement(child);
+        child.remove();
 }
 
-void readChildren(xmlNode* element, DescribedNode& node, Element kind)
+void readChildren(XmlElement element, DescribedNode& node, Element kind)
 {
     FormulaParts parts;
-    for (xmlNode* child = element->children; child != nullptr;) {
-        xmlNode* const next = child->next;
-        if (isElement(child))
-            readChild(child, node, parts);
-        child = next;
-    }
+    for (XmlElement child = element.firstChild(); child; child = child.next())
+        readChild(child, node, parts);
     parts.addTo(node, kind);
 }
 
 } // namespace
 
-void readProperties(xmlNode* element, DescribedNode& node)
+void readProperties(XmlElement element, DescribedNode& node)
 {
     readChildren(element, node, node.element);
 }

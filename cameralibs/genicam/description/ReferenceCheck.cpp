@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 namespace cameralibs {
 
@@ -25,7 +26,7 @@ constexpr unsigned kPort = bitOf(NODE_TYPE_PORT);
 
 /// The kinds of node that Aravis can evaluate behind a reference; it takes the others for a value of 0.
 struct KindRow {
-    const char* property;
+    std::string_view property;
     unsigned kinds;
 };
 

@@ -1,6 +1,6 @@
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/genicam/description/Validator.h"
-#include "cameralibs/genicam/description/XmlElement.h"
+#include "cameralibs/genicam/description/XmlDocument.h"
 
 #include <algorithm>
 #include <optional>

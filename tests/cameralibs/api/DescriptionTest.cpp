@@ -219,6 +219,18 @@ TEST(Description, NamesLoseWhiteSpaceAndTextsKeepIt)
     EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "Uno");
 }
 
+TEST(Description, TextsMayComeInPieces)
+{
+    DescribedCamera camera(describe("A B", R"(<Integer Name="A">
+        <ToolTip>a &lt;b&gt;<![CDATA[ <c> ]]><!-- not this -->&#100;</ToolTip><Value>1<!-- nor this -->2</Value></Integer>
+        <IntSwissKnife Name="B"><pVariable Name="X">A</pVariable><Formula>(X &lt; 13) &amp;&amp; (X &gt; 11)</Formula>
+        </IntSwissKnife>)"));
+    EXPECT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
+    EXPECT_EQ(camera.text(Nd_GetToolTip, "A"), "a <b> <c> d");
+    EXPECT_EQ(camera.integer("A"), 12);
+    EXPECT_EQ(camera.integer("B"), 1);
+}
+
 TEST(Description, PaddingAndOtherEncodingsAreRead)
 {
     std::string latin = describe("<Integer Name=\"A\"><ToolTip>gr\xFC\xDF</ToolTip><Value>1</Value></Integer>");
