@@ -54,7 +54,7 @@ struct StepLimits {
 };
 constexpr StepLimits kLimits[] = {
     {"open", {kNoLimit, 0.6, 0.3}, {1.1, 1.6}},
-    {"read, nothing changed", {kNoLimit, 0.6, 0.6}, {1.2, 1.4}},
+    {"read, nothing changed", {kNoLimit, 0.4, 0.4}, {1.1, 1.4}},
     {"read, all changed", {kNoLimit, 0.5, 0.5}, {1.1, 1.4}},
     {"toggle a category", {kNoLimit, 0.25, 0.25}, {1.1, 1.2}},
     {"unfold all", {kNoLimit, 0.2, 0.03}, {1.1, 1.2}},

@@ -2,6 +2,8 @@
 
 #include <QLatin1String>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <iterator>
 
@@ -91,7 +93,14 @@ static_assert(standInOrder());
 
 QString text(Fragment fragment)
 {
-    return QLatin1String(kFragments[static_cast<std::size_t>(fragment)].text);
+    // Asked for at every access, and seldom used.
+    static const auto texts = [] {
+        std::array<QString, std::size(kFragments)> all;
+        std::transform(std::begin(kFragments), std::end(kFragments), all.begin(),
+                       [](const auto& row) { return QString::fromLatin1(row.text); });
+        return all;
+    }();
+    return texts[static_cast<std::size_t>(fragment)];
 }
 
 QString text(Fragment fragment, const QString& argument)

@@ -2,8 +2,29 @@
 
 #include <QSignalBlocker>
 
-void FeatureFilterModel::arrange(const QRegExp& filter, int role)
+#include <limits>
+
+namespace {
+
+/// Whether the rows are ordered by whole numbers already.
+bool inOrder(const QAbstractItemModel& source, int role)
 {
+    int last = std::numeric_limits<int>::min();
+    for (int row = 0; row < source.rowCount(); ++row) {
+        const QVariant key = source.index(row, 0).data(role);
+        if (key.userType() != QMetaType::Int || key.toInt() < last)
+            return false;
+        last = key.toInt();
+    }
+    return true;
+}
+
+} // namespace
+
+void FeatureFilterModel::arrange(const QRegExp& filter, int role, const QAbstractItemModel* source)
+{
+    m_accepted.clear();
+    m_inSourceOrder = source && inOrder(*source, role);
     emit layoutAboutToBeChanged();
     {
         // The steps between are nobody's business. Persistent indexes follow each of them all the same.
@@ -23,5 +44,14 @@ void FeatureFilterModel::arrange(const QRegExp& filter, int role)
 bool FeatureFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
 {
     const QModelIndex key = sourceModel()->index(sourceRow, filterKeyColumn(), sourceParent);
-    return m_filter.indexIn(key.data(filterRole()).toString()) >= 0;
+    const QString text = key.data(filterRole()).toString();
+    const auto known = m_accepted.constFind(text);
+    if (known != m_accepted.constEnd())
+        return *known;
+    return *m_accepted.insert(text, m_filter.indexIn(text) >= 0);
+}
+
+bool FeatureFilterModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
+{
+    return m_inSourceOrder ? left.row() < right.row() : QSortFilterProxyModel::lessThan(left, right);
 }

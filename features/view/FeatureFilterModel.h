@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QRegExp>
 #include <QSortFilterProxyModel>
 
@@ -13,12 +14,16 @@ class FeatureFilterModel : public QSortFilterProxyModel {
 public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
 
-    /// Shows the rows whose filter role matches `filter`, ordered by `role` of column 0.
-    void arrange(const QRegExp& filter, int role);
+    /// Shows the rows whose filter role matches `filter`, ordered by `role` of column 0. Where `source` is given it is
+    /// the model whose rows are shown from then on, and what they are ordered by does not change.
+    void arrange(const QRegExp& filter, int role, const QAbstractItemModel* source = nullptr);
 
 protected:
     [[nodiscard]] bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+    [[nodiscard]] bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
 private:
     QRegExp m_filter;
+    mutable QHash<QString, bool> m_accepted; // the few keys that there are
+    bool m_inSourceOrder = false;
 };

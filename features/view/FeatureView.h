@@ -191,7 +191,8 @@ private:
     // FeatureViewFilter.cpp
     void spanCategories();
     void fitColumns();
-    [[nodiscard]] int widthOf(int column, const std::vector<int>& rows) const;
+    class LongestTexts;
+    [[nodiscard]] int widthOf(int column, const LongestTexts& texts) const;
     void closeEditorUnlessAccepted(const QRegExp& filter);
     void readEveryItem();
 
@@ -229,6 +230,7 @@ private:
     bool m_reReading = false;
     bool m_reReadAgain = false;
     HeldChanges* m_heldChanges = nullptr; // while everything is read
+    int m_colouredRow = -1;               // the last one
     std::array<RowColours, 6> m_rowColours;
     QIcon m_foldedIcon{QStringLiteral(":/images/FeatureView/images/Folded.png")};
     QIcon m_expandedIcon{QStringLiteral(":/images/FeatureView/images/Collapsed.png")};

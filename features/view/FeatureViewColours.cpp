@@ -46,6 +46,12 @@ Colours pairOf(const GenAPINodeItem& item)
     }
 }
 
+/// A cell mostly holds the very variant that it was given, and to compare two others is slow.
+bool isColour(const QVariant& value, const QVariant& colour)
+{
+    return value.userType() == colour.userType() && (value.constData() == colour.constData() || value == colour);
+}
+
 } // namespace
 
 void FeatureView::makeRowColours()
@@ -82,10 +88,13 @@ void FeatureView::setCellColor(QStandardItemModel* model, int row)
     const RowCells cells = {cell(NameColumn), cell(TypeColumn), cell(ValueColumn)};
     const RowColours& colours = coloursOf(*m_items.at(row));
 
+    if (model == m_sourceModel.get())
+        m_colouredRow = row;
+
     // Most of the thousands of rows have their colours already, and to look is quicker than to tell of them.
     if (std::all_of(cells.begin(), cells.end(), [&](const QStandardItem* item) {
-            return !item || (item->data(Qt::BackgroundRole) == colours.background &&
-                             item->data(Qt::ForegroundRole) == colours.foreground);
+            return !item || (isColour(item->data(Qt::BackgroundRole), colours.background) &&
+                             isColour(item->data(Qt::ForegroundRole), colours.foreground));
         }))
         return;
 

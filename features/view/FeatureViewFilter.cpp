@@ -7,6 +7,7 @@
 #include "features/view/UpdatesPaused.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -14,8 +15,6 @@
 using Orvo::TC_NODE_VISIBILITY;
 
 namespace {
-
-constexpr int kMostMeasured = 32; // of the texts in a column
 
 /// Lower levels are shown with the higher ones. Categories stand between features in their own order only.
 struct LevelPattern {
@@ -43,6 +42,30 @@ const LevelPattern& patternOf(int level)
 
 } // namespace
 
+/// The widest text of a column is one of the longest, and measuring takes longer than counting.
+class FeatureView::LongestTexts {
+public:
+    void add(int length, int row)
+    {
+        if (m_found.size() == kMost && length <= m_found.front().first)
+            return;
+        if (m_found.size() == kMost) {
+            std::pop_heap(m_found.begin(), m_found.end(), std::greater<>());
+            m_found.pop_back();
+        }
+        m_found.emplace_back(length, row);
+        std::push_heap(m_found.begin(), m_found.end(), std::greater<>());
+    }
+
+    /// Lengths, and rows of the source model.
+    [[nodiscard]] const std::vector<std::pair<int, int>>& found() const { return m_found; }
+
+private:
+    static constexpr std::size_t kMost = 32;
+
+    std::vector<std::pair<int, int>> m_found; // a heap, the shortest in front
+};
+
 void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
 {
     m_level = level;
@@ -57,7 +80,8 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
     m_filterModel.setFilterKeyColumn(NameColumn);
     m_filterModel.setFilterRole(LevelRole);
     // Before a new source, which is then filtered and sorted once.
-    m_filterModel.arrange(filter, sortAtoZ ? static_cast<int>(Qt::DisplayRole) : static_cast<int>(ItemIndexRole));
+    m_filterModel.arrange(filter, sortAtoZ ? static_cast<int>(Qt::DisplayRole) : static_cast<int>(ItemIndexRole),
+                          m_sourceModel.get());
     m_filterModel.setSourceModel(m_sourceModel.get());
     if (m_tableView.model() != &m_filterModel)
         m_tableView.setModel(&m_filterModel);
@@ -90,15 +114,17 @@ void FeatureView::spanCategories()
 /// The value column is stretched to what is left. A hidden column keeps its width.
 void FeatureView::fitColumns()
 {
-    // Of the source model. A folded category is never shown, and spans all columns.
-    std::vector<int> shown;
-    std::vector<int> folded;
+    std::array<LongestTexts, TypeColumn + 1> shown;
+    std::array<LongestTexts, TypeColumn + 1> folded;
     for (int row = 0; row < m_filterModel.rowCount(); ++row) {
         const int source = sourceRow(row);
-        if (!m_tableView.isRowHidden(row)) {
-            shown.push_back(source);
-        } else if (!isCategory(source)) {
-            folded.push_back(source);
+        const bool hidden = m_tableView.isRowHidden(row);
+        // A folded category is never shown, and spans all columns.
+        if (hidden && isCategory(source))
+            continue;
+        for (const int column : {NameColumn, TypeColumn}) {
+            if (const QStandardItem* const cell = m_sourceModel->item(source, column))
+                (hidden ? folded : shown)[static_cast<std::size_t>(column)].add(cell->text().size(), source);
         }
     }
     for (const int column : {NameColumn, TypeColumn}) {
@@ -108,27 +134,19 @@ void FeatureView::fitColumns()
         // their sake a column takes two fifths of the view at most: beside the types that leaves the values room for
         // texts like "== Not Implemented ==".
         m_tableView.resizeColumnToContents(column);
-        const int wanted = std::max(widthOf(column, shown), std::min(widthOf(column, folded), width() * 2 / 5));
+        const auto at = static_cast<std::size_t>(column);
+        const int wanted = std::max(widthOf(column, shown[at]), std::min(widthOf(column, folded[at]), width() * 2 / 5));
         if (wanted > m_tableView.columnWidth(column))
             m_tableView.setColumnWidth(column, wanted);
     }
 }
 
-/// What the column needs for the texts of these source rows.
-int FeatureView::widthOf(int column, const std::vector<int>& rows) const
+/// What the column needs for these texts.
+int FeatureView::widthOf(int column, const LongestTexts& texts) const
 {
-    // The widest text is one of the longest, and measuring takes longer than counting.
-    std::vector<std::pair<int, int>> byLength;
-    byLength.reserve(rows.size());
-    for (const int row : rows) {
-        if (const QStandardItem* const cell = m_sourceModel->item(row, column))
-            byLength.emplace_back(cell->text().size(), row);
-    }
-    const auto measured = byLength.begin() + std::min(kMostMeasured, static_cast<int>(byLength.size()));
-    std::partial_sort(byLength.begin(), measured, byLength.end(), std::greater<>());
     int widest = 0;
-    for (auto entry = byLength.begin(); entry != measured; ++entry) {
-        const QModelIndex cell = m_filterModel.mapFromSource(m_sourceModel->index(entry->second, column));
+    for (const auto& [length, row] : texts.found()) {
+        const QModelIndex cell = m_filterModel.mapFromSource(m_sourceModel->index(row, column));
         widest = std::max(widest, m_tableView.sizeHintForIndex(cell).width());
     }
     return widest + (m_tableView.showGrid() ? 1 : 0);
@@ -179,10 +197,12 @@ void FeatureView::readEveryItem()
     for (int row = 0; row < m_items.size(); ++row) { // reading may change the list
         const QPointer<GenAPINodeItem> item = m_items.at(row);
         const QString before = item->text();
+        m_colouredRow = -1;
         item->updateVals(false);
         if (item && item->text() != before)
             held.note(row, ValueColumn);
-        setCellColor(row);
+        if (m_colouredRow != row) // an item that read its access mode had it coloured
+            setCellColor(row);
     }
     m_heldChanges = nullptr;
 }

@@ -497,7 +497,7 @@ void FeatureViewFilterTest::theModelEqualsAPlainOne()
     const QPersistentModelIndex kept = model.mapFromSource(features.view().sourceModel()->index(1, 0));
     for (int i = 0; i < patterns.size(); ++i) {
         const QRegExp pattern(patterns.at(i));
-        model.arrange(pattern, roles.at(i));
+        model.arrange(pattern, roles.at(i), features.view().sourceModel());
         plain.setFilterRegExp(pattern);
         plain.setSortRole(roles.at(i));
         plain.sort(0);
