@@ -21,7 +21,7 @@ Camera::Camera(std::uint32_t index, DeviceInfo info, std::shared_ptr<Removal> re
     , m_firstNode(newHandles(m_description->size()))
     , m_device(std::move(device))
     , m_nodes(std::make_unique<NodeMap>(m_description, m_device->registers()))
-    , m_toldImages(*m_description)
+    , m_reportedImages(*m_description)
 {
     m_device->useNodes(*m_nodes);
 }
@@ -33,7 +33,7 @@ Camera::~Camera()
 
 NodeId Camera::nodeOf(CAM_NODE_HANDLE node) const
 {
-    // Handles below the first one wrap round to far beyond the last.
+    // For a handle below the first one the subtraction wraps round to a large number, which fails the check.
     const CAM_NODE_HANDLE index = node - m_firstNode;
     throwUnless(index < m_description->size(), CAM_API_STS_INVALID_NODE_HANDLE);
     return static_cast<NodeId>(index);
@@ -90,7 +90,7 @@ void Camera::relax()
 void Camera::release()
 {
     const std::lock_guard lock(m_mutex);
-    // The node map reaches the device without keeping it alive.
+    // The node map refers to the device without owning it, so it goes first.
     m_nodes.reset();
     m_device.reset();
     m_released.store(true, std::memory_order_release);

@@ -17,7 +17,8 @@ namespace cameralibs {
 
 class Stream;
 
-/// Whether a camera is gone. Its own object, because whoever finds out may outlive the camera. Any thread.
+/// Whether a camera is gone. A separate object, because the thread that detects the removal may outlive the camera.
+/// Thread-safe.
 class Removal {
 public:
     /// `signal` may be null.
@@ -26,7 +27,7 @@ public:
     {
     }
 
-    /// Who sees that the camera is gone finds the signal set, and the other way round. True for the first who notes it.
+    /// Sets the flag and the signal together, so no thread sees one without the other. True for the first call only.
     [[nodiscard]] bool note()
     {
         if (m_signal != nullptr)
@@ -41,7 +42,7 @@ private:
     std::atomic<bool> m_noted{false};
 };
 
-/// An opened camera. Any thread; whatever reaches the device or evaluates the description runs one at a time.
+/// An opened camera. Thread-safe: device accesses and evaluations of the description are serialised.
 class Camera {
 public:
     Camera(std::uint32_t index, DeviceInfo info, std::shared_ptr<Removal> removal, std::unique_ptr<Device> device,
@@ -51,28 +52,29 @@ public:
     [[nodiscard]] Orvo::CAM_HANDLE handle() const noexcept { return m_handle; }
     [[nodiscard]] std::uint32_t indexWhenOpened() const noexcept { return m_index; }
     [[nodiscard]] const DeviceInfo& info() const noexcept { return m_info; }
-    [[nodiscard]] const std::string& name() const noexcept { return m_name; } ///< in the diagnostic log
+    [[nodiscard]] const std::string& name() const noexcept { return m_name; } ///< for the diagnostic log
     [[nodiscard]] const Description& description() const noexcept { return *m_description; }
 
     [[nodiscard]] bool removed() const noexcept { return m_removal->noted(); }
 
-    /// False once the camera is gone or closed: the device may be opened anew.
+    /// False once the camera is gone or closed. The device may then be opened again.
     [[nodiscard]] bool holdsDevice() const noexcept
     {
         return !removed() && !m_released.load(std::memory_order_acquire);
     }
 
-    /// Throws Failure(CAM_API_STS_INVALID_NODE_HANDLE) for a handle that is not one of this camera's.
+    /// Throws Failure(CAM_API_STS_INVALID_NODE_HANDLE) if the handle does not belong to this camera.
     [[nodiscard]] NodeId nodeOf(Orvo::CAM_NODE_HANDLE node) const;
     [[nodiscard]] Orvo::CAM_NODE_HANDLE handleOf(NodeId node) const noexcept { return m_firstNode + node; }
 
-    /// `work(NodeMap&)` with the device to itself. A status that tells of a lost device is noted before it is passed
-    /// on.
+    /// Calls `work(NodeMap&)` with exclusive access to the device. A failure that means a lost device marks the camera
+    /// as removed before it propagates.
     template <class Work> void evaluate(Work&& work)
     {
         withDevice([&](Device&, NodeMap& nodes) { work(nodes); });
     }
 
+    /// The same with `work(Device&, NodeMap&)`.
     template <class Work> void withDevice(Work&& work)
     {
         const std::lock_guard lock(m_mutex);
@@ -85,27 +87,27 @@ public:
         }
     }
 
-    /// What the library has told of the camera's images since it was opened. For the work of evaluate() and
-    /// withDevice().
-    [[nodiscard]] ImageBounds& toldImages() noexcept { return m_toldImages; }
+    /// The image sizes and formats that the program has been given since the camera was opened. Only to be used inside
+    /// evaluate() and withDevice().
+    [[nodiscard]] ImageBounds& reportedImages() noexcept { return m_reportedImages; }
 
-    /// Null without one.
+    /// Null if none is open.
     [[nodiscard]] std::shared_ptr<Stream> stream() const;
 
-    /// Makes `stream` this camera's stream. Throws Failure(CAM_API_STS_ALREADY_OPENED) where it has one, and
-    /// Failure(CAM_API_STS_INVALID_CAMERA_HANDLE) where it is being closed.
+    /// Makes `stream` this camera's stream. Throws Failure(CAM_API_STS_ALREADY_OPENED) if it has one, and
+    /// Failure(CAM_API_STS_INVALID_CAMERA_HANDLE) if it is being closed.
     void attachStream(const std::shared_ptr<Stream>& stream);
     void detachStream(const Stream& stream);
 
-    /// The stream to close first, if any; no other can be attached from now on.
+    /// Returns the stream to close first, if any. No stream can be attached from now on.
     [[nodiscard]] std::shared_ptr<Stream> beginClosing();
     [[nodiscard]] bool closing() const;
 
-    /// Whatever waits for the device does so until `time` at most. Comes before release().
+    /// Limits every wait for the device, current or future, to `time`. To be called before release().
     void closeBy(std::chrono::steady_clock::time_point time) { m_device->closeBy(time); }
 
-    /// The same until relax(). Meanwhile a camera that asks for patience gets none. Nothing to do for one that is being
-    /// closed, which is in a greater hurry.
+    /// The same until relax(). Meanwhile a camera's requests for more time are not granted. Does nothing while the
+    /// camera is being closed, because closeBy() sets its own limit.
     void hurry(std::chrono::steady_clock::time_point end);
     void relax();
 
@@ -125,10 +127,10 @@ private:
     const Orvo::CAM_NODE_HANDLE m_firstNode;
     std::atomic<bool> m_released{false};
 
-    std::mutex m_mutex; ///< guards the device, its node map and what was told
+    std::mutex m_mutex; ///< guards the three members below
     std::unique_ptr<Device> m_device;
     std::unique_ptr<NodeMap> m_nodes;
-    ImageBounds m_toldImages;
+    ImageBounds m_reportedImages;
 
     mutable std::mutex m_streamMutex;
     std::shared_ptr<Stream> m_stream;

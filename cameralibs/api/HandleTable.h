@@ -12,15 +12,15 @@ namespace cameralibs {
 
 using Handle = std::uint64_t;
 
-/// The first of `count` consecutive handles that the process has not given out before, whatever they are for.
+/// Reserves `count` consecutive handles, unique within the process across all kinds of objects, and returns the first.
 [[nodiscard]] inline Handle newHandles(std::uint64_t count = 1)
 {
-    // Small numbers are what mistaken callers pass; they stay free.
+    // Small numbers are never valid handles: wrong arguments tend to be small.
     static std::atomic<Handle> next{0x10000};
     return next.fetch_add(count, std::memory_order_relaxed);
 }
 
-/// The living objects of one kind by their handles. Any thread.
+/// The live objects of one kind by handle. Thread-safe.
 template <class T> class HandleTable {
 public:
     /// False once the table is closed.
@@ -41,7 +41,7 @@ public:
         return found == m_objects.end() ? nullptr : found->second;
     }
 
-    /// Ends the life of the handle. Of several threads that try, one gets the object and the others null.
+    /// Invalidates the handle. If several threads try at the same time, one gets the object and the others get null.
     [[nodiscard]] std::shared_ptr<T> take(Handle handle)
     {
         const std::unique_lock lock(m_mutex);
@@ -62,7 +62,7 @@ public:
         return objects;
     }
 
-    /// Ends the life of every handle; nothing can be added any more.
+    /// Invalidates every handle and returns the objects. Nothing can be added any more.
     [[nodiscard]] std::vector<std::shared_ptr<T>> close()
     {
         const std::unique_lock lock(m_mutex);

@@ -15,14 +15,14 @@ using namespace Orvo;
 
 namespace {
 
-constexpr std::uint64_t kLimitInAll = std::uint64_t{1} << 32;
+constexpr std::uint64_t kTotalLimit = std::uint64_t{1} << 32;
 
 std::uint64_t readPayload(const NodeMap& nodes)
 {
     const NodeId node = nodes.description().find("PayloadSize");
     throwUnless(node != kNoNode, CAM_API_STS_NOT_IMPLEMENTED);
     const std::int64_t payload = readInteger(nodes, node);
-    // A size of zero makes some transports divide by it.
+    // Some transports divide by the payload size.
     if (payload <= 0)
         throw Failure(CAM_API_STS_GENICAM_ERR, "[PayloadSize] No image has " + std::to_string(payload) + " bytes");
     return static_cast<std::uint64_t>(payload);
@@ -39,7 +39,7 @@ ImageBounds::ImageBounds(const Description& description)
 
 void ImageBounds::note(NodeId node, std::int64_t value)
 {
-    // What does not fit 32 bits can be asked of no conversion.
+    // The conversion functions take 32-bit values, so no reader can use a larger one.
     if (value <= 0 || value > std::numeric_limits<std::uint32_t>::max())
         return;
     const auto number = static_cast<std::uint32_t>(value);
@@ -47,7 +47,7 @@ void ImageBounds::note(NodeId node, std::int64_t value)
         m_width = std::max(m_width, number);
     if (node == m_heightNode)
         m_height = std::max(m_height, number);
-    // Not more of them than a camera can invent.
+    // Only the bits per pixel matter for an unknown format. This bounds the set even if a camera invents values.
     if (node == m_formatNode)
         m_formats.insert(findPixelFormat(number) != nullptr ? number : bitsPerPixel(number) << 16);
 }
@@ -85,14 +85,14 @@ std::uint64_t ImageBounds::bytes() const
     return most;
 }
 
-SlotRing::ImageSize readImageSize(const NodeMap& nodes, const ImageBounds& told, std::uint32_t buffers)
+SlotRing::ImageSize readImageSize(const NodeMap& nodes, const ImageBounds& reported, std::uint32_t buffers)
 {
     const std::uint64_t payload = readPayload(nodes);
-    ImageBounds bounds = told;
+    ImageBounds bounds = reported;
     bounds.noteFeatures(nodes);
     const std::uint64_t image = bounds.bytes();
     const std::uint64_t room = std::max(payload, image);
-    if (room > (kLimitInAll - 1) / buffers) {
+    if (room > (kTotalLimit - 1) / buffers) {
         throw Failure(CAM_API_STS_INVALID_PARAMETER, std::to_string(buffers) + " buffers of " + std::to_string(room) +
                                                          " bytes each would take 4 GiB or more");
     }

@@ -9,22 +9,22 @@
 
 namespace cameralibs {
 
-/// The largest width, the largest height and the pixel formats of a camera's images, noted one by one. Who reads an
-/// image may go by any of them, whenever he was told.
+/// The largest width, the largest height and all pixel formats that a program has seen. A program may read an image by
+/// any combination of them, however old, so every buffer must be large enough for all.
 class ImageBounds {
 public:
     explicit ImageBounds(const Description& description);
 
-    /// Notes the value of a feature if it is one of the three. What no image can go by changes nothing.
+    /// Notes the value of a feature if it is one of the three. Ignores values that no image can have.
     void note(NodeId node, std::int64_t value);
 
-    /// The same with the name of an entry.
+    /// The same for an enumeration entry given by name.
     void note(NodeId node, std::string_view entry);
 
-    /// Notes what the camera says now, as far as it can be read. Throws Failure where the camera is gone.
+    /// Notes the camera's current values as far as they can be read. Throws Failure if the camera is gone.
     void noteFeatures(const NodeMap& nodes);
 
-    /// Of the largest image, in whichever of the formats it takes most; 0 as long as one of the three is unknown.
+    /// Size of the largest image in the format that needs the most bytes. 0 if one of the three features is unknown.
     [[nodiscard]] std::uint64_t bytes() const;
 
 private:
@@ -33,12 +33,13 @@ private:
     NodeId m_formatNode;
     std::uint32_t m_width = 0;
     std::uint32_t m_height = 0;
-    std::set<std::uint32_t>
-        m_formats; ///< values of the PFNC; of one that is not in our table, only what tells its bits
+    std::set<std::uint32_t> m_formats; ///< PFNC values; for a format outside the table only its bits per pixel
 };
 
-/// How large the images of a stream with so many buffers are: `told` and what the camera says now. Throws Failure:
-/// without a payload size there are no images, and of 4 GiB or more in all CAM_API_STS_INVALID_PARAMETER.
-[[nodiscard]] SlotRing::ImageSize readImageSize(const NodeMap& nodes, const ImageBounds& told, std::uint32_t buffers);
+/// The image size for a stream with `buffers` buffers, from `reported` and the camera's current values. Throws Failure
+/// if the camera has no payload size, and Failure(CAM_API_STS_INVALID_PARAMETER) if the buffers would take 4 GiB or
+/// more.
+[[nodiscard]] SlotRing::ImageSize readImageSize(const NodeMap& nodes, const ImageBounds& reported,
+                                                std::uint32_t buffers);
 
 } // namespace cameralibs

@@ -24,7 +24,7 @@ void ImageTally::noteImage(std::uint64_t frameNumber, bool dropped)
     m_dropped += dropped ? 1 : 0;
 }
 
-// A bad cable brings thousands of them: the first tells which kind they are.
+// A bad cable causes thousands of failures. The first one shows the kind; the rest would only flood the log.
 void ImageTally::noteFailure(Orvo::CAM_API_STATUS status)
 {
     logText(m_failed++ == 0 ? Severity::warning : Severity::debug, m_camera,
@@ -35,7 +35,7 @@ void ImageTally::end() noexcept
 {
     if (!std::exchange(m_started, false))
         return;
-    // The numbers count what was sent: those that are missing belong to images that failed or never came.
+    // The camera numbers every frame that it sends, so gaps are frames that failed or never arrived.
     const std::uint64_t sent = m_images == 0 ? 0 : m_lastNumber - m_firstNumber + 1;
     const std::uint64_t missing = sent - std::min(sent, m_images);
     const Severity severity = m_failed != 0 || missing != 0 ? Severity::warning : Severity::info;

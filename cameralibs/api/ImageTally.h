@@ -7,8 +7,8 @@
 
 namespace cameralibs {
 
-/// What became of the images of one start, for the diagnostic log. On the source's thread, but for start and end, when
-/// the source is stopped.
+/// Counts the images of one acquisition for the diagnostic log. The note functions run on the source's thread; start()
+/// and end() are called while the source is stopped.
 class ImageTally {
 public:
     void start(std::string camera);
@@ -16,7 +16,7 @@ public:
     void noteImage(std::uint64_t frameNumber, bool dropped);
     void noteFailure(Orvo::CAM_API_STATUS status);
 
-    /// Nothing where nothing was started since the last end.
+    /// Does nothing unless start() was called since the last end().
     void end() noexcept;
 
 private:

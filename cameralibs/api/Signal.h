@@ -8,20 +8,20 @@
 
 namespace cameralibs {
 
-/// A flag to wait for: once set it stays set until it is cleared. Any thread.
+/// An event to wait for. Once set it stays set until it is cleared. Thread-safe.
 class Signal {
 public:
     void set();
     void clear();
 
-    /// Sets the signal and the flag in one: nobody sees one without the other. Nothing where the flag is set already:
-    /// the signal may have been cleared since, for another camera. Returns whether it was not.
+    /// Sets the flag and the signal in one step, so no thread sees one without the other. Returns false and does
+    /// nothing if the flag is already set: the signal may have been cleared for another camera in the meantime.
     [[nodiscard]] bool setTogetherWith(std::atomic<bool>& flag);
 
-    /// Every wait, those that are under way included, answers `status` from now on.
+    /// From now on every wait, including those in progress, returns `status`.
     void close(Orvo::CAM_API_STATUS status);
 
-    /// CAM_API_STS_SUCCESS when set, CAM_API_STS_TIMEOUT when not within the time; kForever waits without end.
+    /// CAM_API_STS_SUCCESS once set, CAM_API_STS_TIMEOUT if not set in time. kForever waits without a time-out.
     [[nodiscard]] Orvo::CAM_API_STATUS wait(std::uint32_t milliseconds);
 
     static constexpr std::uint32_t kForever = 0xFFFFFFFF;

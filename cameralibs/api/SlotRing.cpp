@@ -12,13 +12,13 @@ using namespace Orvo;
 
 namespace {
 
-std::size_t roomFor(const SlotRing::ImageSize& size)
+std::size_t bytesNeeded(const SlotRing::ImageSize& size)
 {
     return std::max(size.payload, size.image);
 }
 
-/// For images that arrive while the callback of an earlier one runs.
-std::size_t sparesOf(std::size_t room)
+/// Number of buffers for images that arrive while a callback runs.
+std::size_t spareCount(std::size_t room)
 {
     constexpr std::size_t kLargeImage = 4'000'000;
     constexpr std::size_t kMostBytes = std::size_t{1} << 30;
@@ -32,7 +32,7 @@ SlotRing::SlotRing(std::uint32_t slots, const ImageSize& size)
     : m_size(size)
     , m_slots(slots)
 {
-    useNewMemory(roomFor(size), size.payload);
+    useNewMemory(bytesNeeded(size), size.payload);
 }
 
 std::size_t SlotRing::payload() const
@@ -44,18 +44,18 @@ std::size_t SlotRing::payload() const
 bool SlotRing::holds(const ImageSize& size) const
 {
     const std::lock_guard lock(m_mutex);
-    return size.payload <= m_capacity && roomFor(size) <= m_memory->bytesOfEach();
+    return size.payload <= m_capacity && bytesNeeded(size) <= m_memory->bytesOfEach();
 }
 
 void SlotRing::grow(const ImageSize& size)
 {
     const std::lock_guard lock(m_mutex);
     for (Slot& slot : m_slots) {
-        // Whoever holds a lock goes on reading where the image was.
+        // A program that holds a lock keeps reading at the old address.
         if (slot.locks != 0)
-            slot.left.push_back(m_memory);
+            slot.heldMemory.push_back(m_memory);
     }
-    useNewMemory(std::max(roomFor(size), m_memory->bytesOfEach()), std::max(size.payload, m_capacity));
+    useNewMemory(std::max(bytesNeeded(size), m_memory->bytesOfEach()), std::max(size.payload, m_capacity));
 }
 
 const ImageMemory& SlotRing::memory() const
@@ -136,13 +136,13 @@ void SlotRing::unlock(std::uint32_t index)
     throwUnless(index < m_slots.size() && m_slots[index].locks != 0, CAM_API_STS_INVALID_PARAMETER);
     Slot& slot = m_slots[index];
     if (--slot.locks == 0)
-        slot.left.clear();
+        slot.heldMemory.clear();
 }
 
-/// The images in the slots move there.
+/// Copies the images in the slots to the new memory.
 void SlotRing::useNewMemory(std::size_t room, std::size_t capacity)
 {
-    const auto memory = std::make_shared<const ImageMemory>(m_slots.size() + sparesOf(room), room);
+    const auto memory = std::make_shared<const ImageMemory>(m_slots.size() + spareCount(room), room);
     std::vector<FrameBuffer> buffers(memory->count());
     for (std::size_t i = 0; i < buffers.size(); ++i) {
         buffers[i].data = memory->data(i);
@@ -156,14 +156,15 @@ void SlotRing::useNewMemory(std::size_t room, std::size_t capacity)
             continue;
         std::memcpy(slot.buffer->data, slot.info.data, slot.info.dataSize);
         slot.info.data = slot.buffer->data;
-        slot.clearedTo = room; // fresh memory
+        slot.clearedTo = room; // new memory is zero
     }
     m_buffers = std::move(buffers);
     m_memory = memory;
     m_capacity = capacity;
 }
 
-/// What the camera did not send is not left from an earlier image. Beyond the capacity nobody has ever written.
+/// Clears the rest of the buffer, so that a short image does not show parts of an earlier one. The bytes beyond the
+/// capacity have never been written.
 void SlotRing::clearBehindImage(Slot& slot) const
 {
     const std::size_t begin = std::max<std::size_t>(slot.info.dataSize, slot.clearedTo);

@@ -76,7 +76,7 @@ void Stream::start()
     try {
         startDevice();
     } catch (...) {
-        endOnThisSide();
+        stopLocally();
         setState(State::stopped);
         throw;
     }
@@ -92,11 +92,11 @@ void Stream::stop()
             return;
         m_state = State::changing;
     }
-    // Whatever the camera answers: no callback runs after this.
+    // No callback may run after this, even if the camera refuses to stop.
     try {
         stopDevice();
     } catch (...) {
-        endOnThisSide();
+        stopLocally();
         setState(State::stopped);
         throw;
     }
@@ -118,8 +118,8 @@ void Stream::close()
         if (running)
             stopDevice();
     } catch (...) {
-        // It is stopped on this side at least, and the camera is about to be left alone.
-        endOnThisSide();
+        // Closing cannot fail: stop at least the local side.
+        stopLocally();
     }
     m_source.reset();
     setState(State::closed);
@@ -177,10 +177,10 @@ void Stream::fail(CAM_API_STATUS status)
 
 SlotRing::ImageSize Stream::imageSize(const NodeMap& nodes) const
 {
-    return readImageSize(nodes, m_camera->toldImages(), m_bufferCount);
+    return readImageSize(nodes, m_camera->reportedImages(), m_bufferCount);
 }
 
-// A larger image needs other buffers, and a source that knows them.
+// A larger image needs larger buffers, and a source is bound to its buffers.
 void Stream::prepareSource(const SlotRing::ImageSize& size, Device& device)
 {
     if (!m_ring->holds(size)) {
@@ -208,7 +208,7 @@ void Stream::stopDevice()
 {
     if (!m_camera->removed())
         execute("AcquisitionStop");
-    // Not under the camera's lock: the callback that is waited for may be waiting for that lock.
+    // Not under the camera's lock: stopping waits for a running callback, which may be waiting for that lock.
     stopSource();
     if (!m_camera->removed())
         lockTransportLayer(false);
@@ -220,15 +220,16 @@ void Stream::stopSource()
     m_tally.end();
 }
 
-// After a failure, whose status is the one to tell: nothing runs here, and the camera's settings are free again.
-void Stream::endOnThisSide() noexcept
+// Cleans up after a failure: stops the source and unlocks the camera's settings. Keeps quiet about further errors,
+// because the caller reports the first one.
+void Stream::stopLocally() noexcept
 {
     if (m_source != nullptr)
         stopSource();
     try {
         lockTransportLayer(false);
     } catch (...) {
-        // The first failure tells more.
+        // The caller reports the first failure.
     }
 }
 
@@ -250,13 +251,13 @@ void Stream::lockTransportLayer(bool locked)
                 writeInteger(nodes, node, locked ? 1 : 0, false);
         });
     } catch (const Failure& failure) {
-        // A camera that has the feature but does not take it guards its settings by itself.
+        // A camera that refuses to write TLParamsLocked protects its settings itself.
         if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
             throw;
     }
 }
 
-/// Until nobody is in the middle of starting, stopping or closing.
+/// Waits until no thread is starting, stopping or closing the stream.
 void Stream::waitUntilSettled(std::unique_lock<std::mutex>& lock)
 {
     m_stateChanged.wait(lock, [this] { return m_state != State::changing && m_state != State::closing; });

@@ -13,7 +13,7 @@ namespace cameralibs {
 class Camera;
 class NodeMap;
 
-/// The image stream of a camera. Any thread; the callbacks run on the source's thread, with no lock held.
+/// The image stream of a camera. Thread-safe. The callbacks run on the source's thread with no lock held.
 class Stream : private FrameSink {
 public:
     explicit Stream(std::shared_ptr<Camera> camera);
@@ -21,20 +21,20 @@ public:
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
 
-    /// True on a thread that is in a callback of any stream.
+    /// Whether the calling thread is inside a callback of any stream.
     [[nodiscard]] static bool insideCallback() noexcept;
 
     [[nodiscard]] Orvo::CAM_STRM_HANDLE handle() const noexcept { return m_handle; }
     [[nodiscard]] Camera& camera() const noexcept { return *m_camera; }
 
-    /// Comes first, once. All throw Failure.
+    /// To be called once, before the functions below. All throw Failure.
     void open(std::uint32_t bufferCount);
     [[nodiscard]] std::size_t payload() const { return m_ring->payload(); }
     void start();
     void stop();
 
-    /// Stops, and gives the device's part back. Nothing can be started any more. Of several threads that close, one
-    /// does it and the others wait for it. Does not throw.
+    /// Stops the stream and closes its source. It cannot be started any more. If several threads close, one does the
+    /// work and the others wait for it. Does not throw.
     void close();
 
     [[nodiscard]] SlotRing& slots() noexcept { return *m_ring; }
@@ -58,7 +58,7 @@ private:
     void startDevice();
     void stopDevice();
     void stopSource();
-    void endOnThisSide() noexcept;
+    void stopLocally() noexcept;
     void execute(const char* command);
     void lockTransportLayer(bool locked);
     void waitUntilSettled(std::unique_lock<std::mutex>& lock);

@@ -16,34 +16,34 @@ using namespace Orvo;
 
 namespace {
 
-/// How long a camera is asked politely.
-constexpr std::chrono::milliseconds kClosing{700};
+/// How long closing waits for the camera to answer.
+constexpr std::chrono::milliseconds kClosingLimit{700};
 
-/// Of processor time that the evaluation of a description may take when a camera is opened.
+/// Processor time that reading and evaluating the description may take when a camera is opened.
 constexpr std::chrono::milliseconds kOpeningLimit{2000};
 
-/// The process's one System, if any.
+/// The only System of the process, if any.
 struct Root {
     std::mutex mutex;
     std::shared_ptr<System> system;
     bool terminating = false;
 };
 
-/// Never destroyed: a program may end while cameras are open, with threads that still use them.
+/// Never destroyed: a program may exit while cameras are open and threads still use them.
 Root& root()
 {
     static auto& theRoot = *std::make_unique<Root>().release();
     return theRoot;
 }
 
-/// Held wherever Aravis lists or opens devices or parses a description, which it can do once at a time per process.
+/// Serialises listing and opening devices and parsing descriptions, for which Aravis is not thread-safe.
 std::mutex& providerMutex()
 {
     static std::mutex mutex;
     return mutex;
 }
 
-// Nobody changes the environment while the library starts.
+// getenv() is safe here: nobody changes the environment while the library is initialised.
 const char* environment(const char* variable)
 {
     return std::getenv(variable); // NOLINT(concurrency-mt-unsafe)
@@ -90,7 +90,7 @@ std::shared_ptr<System> System::current()
 CAM_API_STATUS System::initialize(std::uint32_t layers)
 {
     const std::lock_guard lock(root().mutex);
-    // As every other call is answered meanwhile. To wait could be for ever, in a callback that termination waits for.
+    // Waiting for the termination could deadlock: it waits for callbacks, and this may be called from one.
     if (root().terminating)
         return CAM_API_STS_NOT_INITIALIZED;
     if (root().system != nullptr)
@@ -110,7 +110,7 @@ CAM_API_STATUS System::terminate()
         root().terminating = true;
         system = root().system;
     }
-    // Without the lock: the streams that end here may have callbacks under way that call into the library.
+    // Without the lock: shutting down waits for callbacks, which may call into the library.
     system->shutDown();
     const std::lock_guard lock(root().mutex);
     root().system = nullptr;
@@ -135,7 +135,7 @@ std::uint32_t System::enumerate()
     });
     const std::lock_guard lock(m_listMutex);
     m_list = std::move(found);
-    // What a provider knows by now is newer than what was read when the camera was open.
+    // A name found by the enumeration is newer than one read while the camera was open.
     for (const Listed& entry : m_list) {
         if (!entry.info.userName.empty())
             m_userNames.erase({entry.info.link, entry.info.id});
@@ -234,7 +234,7 @@ std::shared_ptr<Stream> System::openStream(const std::shared_ptr<Camera>& camera
     try {
         stream->open(bufferCount);
         throwUnless(m_streams.add(stream->handle(), stream), CAM_API_STS_NOT_INITIALIZED);
-        // Whoever closes the camera meanwhile takes the handle away, but may have come before it was there.
+        // Closing the camera removes the stream's handle, but may have looked for it before it was added.
         if (camera->closing()) {
             (void)m_streams.take(stream->handle());
             throw Failure(CAM_API_STS_INVALID_CAMERA_HANDLE);
@@ -252,7 +252,7 @@ bool System::closeStream(CAM_STRM_HANDLE handle)
     const auto stream = m_streams.take(handle);
     if (stream == nullptr)
         return false;
-    stream->camera().hurry(std::chrono::steady_clock::now() + kClosing);
+    stream->camera().hurry(std::chrono::steady_clock::now() + kClosingLimit);
     stream->close();
     stream->camera().relax();
     stream->camera().detachStream(*stream);
@@ -287,7 +287,7 @@ void System::rememberUserName(Camera& camera)
         const std::lock_guard lock(m_listMutex);
         m_userNames[{camera.info().link, camera.info().id}] = name;
     } catch (const Failure& failure) {
-        // A camera that keeps its name to itself is as good as any other; one that is lost is not.
+        // An unreadable user name does no harm, but a lost camera must be reported.
         if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
             throw;
     }
@@ -295,7 +295,7 @@ void System::rememberUserName(Camera& camera)
 
 void System::close(Camera& camera) noexcept
 {
-    camera.closeBy(std::chrono::steady_clock::now() + kClosing);
+    camera.closeBy(std::chrono::steady_clock::now() + kClosingLimit);
     if (const auto stream = camera.beginClosing(); stream != nullptr) {
         (void)m_streams.take(stream->handle());
         stream->close();
@@ -304,19 +304,19 @@ void System::close(Camera& camera) noexcept
     try {
         rememberUserName(camera);
     } catch (...) {
-        // What was remembered before has to do.
+        // Keep the name that was read when the camera was opened.
     }
     camera.release();
 }
 
 void System::shutDown()
 {
-    // All at once, so that several cameras that do not answer take no longer than one.
+    // Set the limits of all cameras first, so that several unresponsive cameras take no longer than one.
     for (const auto& provider : m_providers)
         provider->cancel();
     const auto cameras = m_cameras.close();
     for (const auto& camera : cameras)
-        camera->closeBy(std::chrono::steady_clock::now() + kClosing);
+        camera->closeBy(std::chrono::steady_clock::now() + kClosingLimit);
     for (const auto& camera : cameras)
         close(*camera);
     {

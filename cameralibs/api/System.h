@@ -16,14 +16,14 @@
 
 namespace cameralibs {
 
-/// The root object, alive between Sys_Initialize and Sys_Terminate. Any thread.
+/// The root object, alive between Sys_Initialize and Sys_Terminate. Thread-safe.
 class System {
 public:
-    /// `layers` are CAM_LAYER values added up.
+    /// `layers` is a combination of CAM_LAYER flags.
     explicit System(std::uint32_t layers);
     ~System();
 
-    /// Null before initialize() and from the begin of terminate() on.
+    /// Null before initialize() and once terminate() has begun.
     [[nodiscard]] static std::shared_ptr<System> current();
     [[nodiscard]] static Orvo::CAM_API_STATUS initialize(std::uint32_t layers);
     [[nodiscard]] static Orvo::CAM_API_STATUS terminate();
@@ -32,20 +32,20 @@ public:
     [[nodiscard]] const HandleTable<Camera>& cameras() const noexcept { return m_cameras; }
     [[nodiscard]] const HandleTable<Stream>& streams() const noexcept { return m_streams; }
 
-    /// Looks for cameras; the number of them.
+    /// Looks for cameras and returns how many there are.
     [[nodiscard]] std::uint32_t enumerate();
 
     /// A camera of the last enumeration. Throws Failure(CAM_API_STS_INVALID_CAMERA_INDEX).
     [[nodiscard]] DeviceInfo listedCamera(std::uint32_t index) const;
 
-    /// The index that an open camera has in the last enumeration, and what is known of it.
+    /// The index of an open camera in the last enumeration, and its information.
     [[nodiscard]] std::uint32_t indexOf(const Camera& camera) const;
     [[nodiscard]] DeviceInfo infoOf(const Camera& camera) const;
 
-    /// `handle` may be null, which is told in its turn.
+    /// `handle` may be null: the documented order of checks reports other errors first.
     void openCamera(std::uint32_t index, Orvo::CAM_SIGNAL_HANDLE removalSignal, Orvo::CAM_HANDLE* handle);
 
-    /// False for a handle that another thread closed meanwhile. Until it returns the camera counts as open.
+    /// False if another thread has closed the handle meanwhile. The camera counts as open until this returns.
     [[nodiscard]] bool closeCamera(Orvo::CAM_HANDLE handle);
 
     [[nodiscard]] std::shared_ptr<Stream> openStream(const std::shared_ptr<Camera>& camera, std::uint32_t bufferCount);
@@ -66,15 +66,15 @@ private:
     void shutDown();
 
     std::vector<std::unique_ptr<DeviceProvider>> m_providers;
-    bool m_ended = false; ///< without providers any more; whoever waited for them finds it so
+    bool m_ended = false; ///< shut down; checked by threads that waited for the providers' mutex
 
     mutable std::mutex m_listMutex;
     std::vector<Listed> m_list;
-    std::map<DeviceKey, std::string> m_userNames; ///< as they were when their cameras were last open
+    std::map<DeviceKey, std::string> m_userNames; ///< as read when the cameras were last open
 
     mutable std::mutex m_closingMutex;
     std::condition_variable m_closed;
-    std::vector<std::shared_ptr<Camera>> m_closing; ///< without a handle any more, but with their devices yet
+    std::vector<std::shared_ptr<Camera>> m_closing; ///< without a handle, but still holding their devices
 
     HandleTable<Signal> m_signals;
     HandleTable<Camera> m_cameras;

@@ -47,7 +47,7 @@ CAM_API_STATUS genicamStatus(int code, Attempted attempted)
     case ARV_GC_ERROR_GET_AS_STRING_UNDEFINED:
     case ARV_GC_ERROR_INVALID_SYNTAX:
         return CAM_API_STS_INVALID_PARAMETER;
-    case ARV_GC_ERROR_READ_ONLY: // of write-only ones, too
+    case ARV_GC_ERROR_READ_ONLY: // Aravis also reports this for reading a write-only register
         return attempted == Attempted::writing ? CAM_API_STS_NOT_WRITABLE : CAM_API_STS_NOT_READABLE;
     default:
         return CAM_API_STS_GENICAM_ERR;
@@ -80,7 +80,7 @@ Outcome takeError(GError* error, Attempted attempted)
 
 Outcome takeOpenError(GError* error)
 {
-    // A claim that is refused comes as a protocol error.
+    // Aravis reports a device that another program has claimed as a protocol error.
     const bool refused = g_error_matches(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_PROTOCOL_ERROR) != FALSE;
     Outcome outcome = take(error, Attempted::reading, CAM_API_STS_UNSUCCESSFUL);
     if (refused)

@@ -6,14 +6,14 @@
 
 namespace cameralibs {
 
-/// What was tried when an error came.
+/// The operation that failed.
 enum class Attempted { reading, writing };
 
-/// What an error of Aravis means to a caller of the camera API. Takes the error over and frees it; null gives success.
-/// An error of the evaluation of a description, and any of another library, gives CAM_API_STS_GENICAM_ERR.
+/// Maps an Aravis error to a status of the camera API. Frees the error; null gives success. Errors from evaluating the
+/// description and errors of other libraries give CAM_API_STS_GENICAM_ERR.
 [[nodiscard]] Outcome takeError(GError* error, Attempted attempted);
 
-/// The same for an error of opening a device or a stream, where another library's error is no GenICam error.
+/// The same for opening a device or a stream, where an error of another library is not a GenICam error.
 [[nodiscard]] Outcome takeOpenError(GError* error);
 
 } // namespace cameralibs

@@ -10,7 +10,7 @@ struct GObjectUnref {
     void operator()(void* object) const noexcept { g_object_unref(object); }
 };
 
-/// Owns one reference of a GObject.
+/// Owns one reference to a GObject.
 template <class T> using GObjectPointer = std::unique_ptr<T, GObjectUnref>;
 
 } // namespace cameralibs

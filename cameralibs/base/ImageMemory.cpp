@@ -20,7 +20,7 @@ std::size_t pageSize()
     return static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 }
 
-/// Tells the address sanitizer whether anybody may touch what lies behind the buffers.
+/// Tells the address sanitizer whether the gaps after the buffers may be accessed.
 void setGapsUsable([[maybe_unused]] const ImageMemory& memory, [[maybe_unused]] bool usable)
 {
 #ifdef __SANITIZE_ADDRESS__
@@ -49,7 +49,7 @@ ImageMemory::ImageMemory(std::size_t count, std::size_t bytes)
     m_size = count * m_stride;
 
     m_descriptor = ::memfd_create("images", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-    // Whoever shares the memory can neither cut it off under a reader nor make it grow.
+    // A process that shares the memory can neither truncate it under a reader nor make it grow.
     const bool ready = m_descriptor >= 0 && ::ftruncate(m_descriptor, static_cast<off_t>(m_size)) == 0 &&
                        ::fcntl(m_descriptor, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;
     void* const begin =

@@ -5,17 +5,18 @@
 
 namespace cameralibs {
 
-/// The buffers of a stream in one piece of memory that can be shared with another process: that process receives a copy
+/// The buffers of a stream in one block of memory that can be shared with another process. That process receives a copy
 /// of the descriptor, maps `size()` bytes of it and finds each buffer at its `offset()`.
 ///
-/// What holds as long as this lives:
-/// - All bytes are zero at first, and memory that nobody touches costs nothing.
-/// - The descriptor belongs to this object and is closed on exec; the size of what is behind it can no longer change.
-/// - Each buffer begins at a page. The rest of its last page and one page more belong to nobody: the address sanitizer
-///   reports who touches them.
+/// Guarantees:
+/// - All bytes are zero at first. Pages that are never touched take no memory.
+/// - The descriptor belongs to this object and is closed on exec. The size of the memory behind it is sealed.
+/// - Each buffer begins on a page boundary. The rest of its last page and one more page form a gap: the address
+///   sanitizer reports every access to it.
 class ImageMemory {
 public:
-    /// Throws std::bad_alloc without the memory, the addresses or the descriptor. `count` and `bytes` are not 0.
+    /// Throws std::bad_alloc if there is not enough memory or address space, or no free descriptor. `count` and `bytes`
+    /// must not be 0.
     ImageMemory(std::size_t count, std::size_t bytes);
     ~ImageMemory();
     ImageMemory(const ImageMemory&) = delete;

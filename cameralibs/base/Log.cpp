@@ -17,10 +17,11 @@ namespace {
 struct LevelRow {
     std::string_view name;
     const char* aravis;   ///< for arv_debug_enable: 1 stands for warnings, 2 for information
-    const char* priority; ///< as the system log has it
+    const char* priority; ///< of the system log
 };
 
-// By Severity. What Aravis takes for information includes tables of every stream and whole descriptions, byte by byte.
+// Indexed by Severity. Aravis stays at warnings for "info": its own information level dumps stream statistics and whole
+// descriptions.
 constexpr LevelRow kLevels[] = {
     {"warning", "all:1", "4"},
     {"info", "all:1", "6"},
@@ -28,15 +29,15 @@ constexpr LevelRow kLevels[] = {
 };
 constexpr const char* kAravisDefault = "all:0,policies:2";
 
-/// How many of the levels are written.
-std::atomic<std::size_t> levels{0};
+/// Number of levels that are written, the most severe first; 0 if the log is off.
+std::atomic<std::size_t> enabledLevels{0};
 
 const LevelRow& rowOf(Severity severity)
 {
     return kLevels[static_cast<std::size_t>(severity)];
 }
 
-/// A line stays one line, whatever a camera calls itself.
+/// Names and texts of a camera may contain line breaks; a log entry stays one line.
 std::string onOneLine(std::string_view part)
 {
     std::string text = errorText(std::string(part));
@@ -59,14 +60,14 @@ void setLogLevel(const char* level)
         std::find_if(std::begin(kLevels), std::end(kLevels), [&](const LevelRow& r) { return r.name == name; });
     const std::size_t wanted =
         row == std::end(kLevels) ? 0 : static_cast<std::size_t>(std::distance(std::begin(kLevels), row)) + 1;
-    const std::size_t before = levels.exchange(wanted, std::memory_order_relaxed);
+    const std::size_t before = enabledLevels.exchange(wanted, std::memory_order_relaxed);
     if (wanted != before && std::getenv("ARV_DEBUG") == nullptr) // NOLINT(concurrency-mt-unsafe): nobody changes it
         arv_debug_enable(wanted == 0 ? kAravisDefault : row->aravis);
 }
 
 bool logs(Severity severity) noexcept
 {
-    return static_cast<std::size_t>(severity) < levels.load(std::memory_order_relaxed);
+    return static_cast<std::size_t>(severity) < enabledLevels.load(std::memory_order_relaxed);
 }
 
 void log(Severity severity, std::string_view camera, std::string_view text) noexcept
@@ -83,11 +84,11 @@ void log(Severity severity, std::string_view camera, std::string_view text) noex
             {"GLIB_DOMAIN", "OrvoCamera", -1},
             field("ORVO_CAMERA", about),
         };
-        // GLib's own writer holds back what it takes for information, and may end the process at what it takes for a
-        // warning. A message always reaches standard error.
+        // GLib's default writer suppresses informational entries, and G_DEBUG can make a warning fatal. Entries of
+        // level "message" always reach standard error.
         g_log_structured_array(G_LOG_LEVEL_MESSAGE, fields, std::size(fields));
     } catch (const std::exception&) {
-        // A line less.
+        // Logging must not fail: the line is lost.
     }
 }
 

@@ -7,21 +7,20 @@ namespace cameralibs {
 
 enum class Severity { warning, info, debug };
 
-/// `level` is the value of ORVO_CAMERA_LOG and may be null: "warning", "info" or "debug"; anything else turns the log
-/// off. Aravis, which writes its messages to standard error by itself, does so at the same level, unless ARV_DEBUG says
-/// what it shall do. Not to be called by several threads at a time.
+/// `level` is the value of ORVO_CAMERA_LOG: "warning", "info" or "debug". Null and any other value turn the log off.
+/// Aravis writes its own messages to standard error; its level follows this one unless ARV_DEBUG is set. Not
+/// thread-safe.
 void setLogLevel(const char* level);
 
-/// Whether log() would write: asked first where it costs something to compose the text. Any thread.
+/// Whether log() would write. Check it first if composing the text is expensive. Thread-safe.
 [[nodiscard]] bool logs(Severity severity) noexcept;
 
-/// Writes a line if the level asks for it: the time, the camera and what happened. It goes through GLib's structured
-/// logging, so that a host program with a writer of its own gets it there; GLib's writes to standard error or, where
-/// that is the journal, to it. `camera` may be empty. Texts may come from a camera: what is no text is escaped. Any
-/// thread.
+/// Writes a line with the time, the camera and the text if the level includes `severity`. The line goes through GLib's
+/// structured logging, so a host program can install its own writer; the default one writes to standard error or to the
+/// journal. `camera` may be empty. Both texts may come from a camera: bytes that are not text are escaped. Thread-safe.
 void log(Severity severity, std::string_view camera, std::string_view text) noexcept;
 
-/// The same with a text that is composed only where it is written. Want of memory costs the line, nothing else.
+/// The same with a text that is composed only if it is written. Lack of memory costs the line, nothing else.
 template <class Compose> void logText(Severity severity, std::string_view camera, Compose&& compose) noexcept
 {
     if (!logs(severity))
@@ -29,7 +28,7 @@ template <class Compose> void logText(Severity severity, std::string_view camera
     try {
         log(severity, camera, compose());
     } catch (const std::exception&) {
-        // A line less.
+        // Logging must not fail: the line is lost.
     }
 }
 

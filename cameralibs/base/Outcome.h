@@ -8,7 +8,7 @@
 
 namespace cameralibs {
 
-/// A status with the text behind it, empty where there is none.
+/// A status with its explanation, which may be empty.
 struct Outcome {
     Orvo::CAM_API_STATUS status = Orvo::CAM_API_STS_SUCCESS;
     std::string text;
@@ -16,7 +16,7 @@ struct Outcome {
     [[nodiscard]] bool ok() const noexcept { return status == Orvo::CAM_API_STS_SUCCESS; }
 };
 
-/// Carries a status from where something fails to the barrier at the exported function. Never leaves the library.
+/// Carries a status from the failing code to the barrier at the exported function. Never leaves the library.
 class Failure : public std::exception {
 public:
     explicit Failure(Orvo::CAM_API_STATUS status, std::string text = {})
@@ -48,7 +48,7 @@ inline void throwIfFailed(Outcome outcome)
         throw Failure(std::move(outcome));
 }
 
-/// A text that tells of an error, cut to 1,000 bytes with its closing NUL. UTF-8 stays UTF-8.
+/// An error text, truncated to 1,000 bytes including its terminating NUL. Valid UTF-8 stays valid.
 [[nodiscard]] std::string errorText(std::string text);
 
 } // namespace cameralibs

@@ -203,7 +203,7 @@ constexpr unsigned bitsInLayout(const PixelFormat& format)
     return 0;
 }
 
-// A PFNC value tells the bits that a pixel takes.
+// A PFNC value encodes the bits per pixel; they must agree with the layout in the table.
 constexpr bool valuesAgreeWithLayouts()
 {
     for (const PixelFormat& format : pixelFormats) {
@@ -235,18 +235,18 @@ template <typename Key> const PixelFormat* find(Key key, Key PixelFormat::*field
     return found == pixelFormats.end() ? nullptr : found;
 }
 
-constexpr std::uint64_t beyondCounting = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t kSaturated = std::numeric_limits<std::uint64_t>::max();
 
-std::uint64_t times(std::uint64_t a, std::uint64_t b)
+std::uint64_t saturatedProduct(std::uint64_t a, std::uint64_t b)
 {
-    return b != 0 && a > beyondCounting / b ? beyondCounting : a * b;
+    return b != 0 && a > kSaturated / b ? kSaturated : a * b;
 }
 
-// A whole number of bytes for bits that fill them from the first to the last.
+// Size of a continuous run of samples, rounded up to whole bytes.
 std::uint64_t bytesFor(std::uint64_t samples, unsigned bits)
 {
-    const std::uint64_t total = times(samples, bits);
-    return total == beyondCounting ? total : total / 8 + (total % 8 != 0 ? 1 : 0);
+    const std::uint64_t total = saturatedProduct(samples, bits);
+    return total == kSaturated ? total : total / 8 + (total % 8 != 0 ? 1 : 0);
 }
 
 std::uint64_t roundedUp(std::uint64_t number, std::uint64_t step)
@@ -269,32 +269,33 @@ std::uint64_t samplesPerRow(const PixelFormat& format, std::uint32_t width) noex
 
 std::uint64_t imageBytes(const PixelFormat& format, std::uint32_t width, std::uint32_t height) noexcept
 {
-    const std::uint64_t samples = times(samplesPerRow(format, width), height);
+    const std::uint64_t samples = saturatedProduct(samplesPerRow(format, width), height);
     switch (format.packing) {
     case SamplePacking::Unpacked:
-        return times(samples, format.bits > 8 ? 2 : 1);
+        return saturatedProduct(samples, format.bits > 8 ? 2 : 1);
     case SamplePacking::Planar:
-        return times(samples, (format.bits > 8 ? 2 : 1) * format.order.size());
+        return saturatedProduct(samples, (format.bits > 8 ? 2 : 1) * format.order.size());
     case SamplePacking::Semiplanar: {
-        // Rows of chroma have pairs; those of 4:2:0 belong to two rows of Y.
+        // Each chroma row consists of Cb/Cr pairs. With 4:2:0, two rows of Y share one.
         const std::uint64_t rows = pixelsPerGroup(format) == 4 ? roundedUp(height, 2) / 2 : height;
-        const std::uint64_t chroma = times(roundedUp(width, 2), rows);
-        return samples > beyondCounting - chroma ? beyondCounting : samples + chroma;
+        const std::uint64_t chroma = saturatedProduct(roundedUp(width, 2), rows);
+        return samples > kSaturated - chroma ? kSaturated : samples + chroma;
     }
     case SamplePacking::Bits:
         return bytesFor(samples, format.bits);
     case SamplePacking::Bits32:
-        return times(samples / 3, 4);
+        return saturatedProduct(samples / 3, 4);
     case SamplePacking::Pairs:
-        return times(samples / 2, 3);
+        return saturatedProduct(samples / 2, 3);
     }
-    return beyondCounting;
+    return kSaturated;
 }
 
 std::uint64_t imageBytes(std::uint32_t value, std::uint32_t width, std::uint32_t height) noexcept
 {
     const PixelFormat* const format = findPixelFormat(value);
-    return format != nullptr ? imageBytes(*format, width, height) : bytesFor(times(width, height), bitsPerPixel(value));
+    return format != nullptr ? imageBytes(*format, width, height)
+                             : bytesFor(saturatedProduct(width, height), bitsPerPixel(value));
 }
 
 const PixelFormat* findPixelFormat(std::uint32_t value) noexcept

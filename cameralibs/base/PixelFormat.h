@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// The table of the pixel formats whose images are understood, and the one place that tells how large an image is.
+/// The table of supported pixel formats, and the only place that computes the size of an image.
 
 namespace cameralibs {
 
@@ -13,19 +13,19 @@ enum class PixelFamily : std::uint8_t {
     Mono,
     Bayer,
     Rgb,
-    YCbCr,    ///< BT.601, full range; the formats named YUV too
+    YCbCr,    ///< BT.601, full range; also the formats named YUV
     YCbCr601, ///< BT.601, limited range
     YCbCr709, ///< BT.709, limited range
 };
 
 /// How samples of more than 8 bits are stored, and in what order the components of an image follow one another.
 enum class SamplePacking : std::uint8_t {
-    Unpacked,   ///< bytes, or little-endian words of two bytes whose upper bits mean nothing
+    Unpacked,   ///< bytes, or little-endian 16-bit words whose unused upper bits are ignored
     Planar,     ///< unpacked; all samples of one component, then all of the next
     Semiplanar, ///< unpacked; all Y, then the pairs of Cb and Cr
     Bits,       ///< "p": one run of bits, least significant first
     Bits32,     ///< "p32": three samples in the lower bits of each 32-bit word
-    Pairs,      ///< "Packed": two samples in three bytes; upper 8 bits, the low bits of both, upper 8 bits
+    Pairs,      ///< "Packed": two samples in three bytes: high byte, low bits of both, high byte
 };
 
 /// One format of the Pixel Format Naming Convention (PFNC).
@@ -38,7 +38,7 @@ struct PixelFormat {
     std::string_view order; ///< the samples of one group, U and V for Cb and Cr; Bayer: the first two of the first row
 };
 
-/// Pixels that the samples of `order` make: chroma samples are shared by those of the Y beside them.
+/// Number of pixels in one group of samples. The pixels of a group share its chroma samples.
 [[nodiscard]] constexpr unsigned pixelsPerGroup(const PixelFormat& format) noexcept
 {
     if (format.family == PixelFamily::Bayer) {
@@ -51,24 +51,24 @@ struct PixelFormat {
     return luminances == 0 ? 1 : luminances;
 }
 
-/// Bits from one pixel to the next, as the value of a PFNC format tells them; of any format, in the table or not.
+/// Average bits per pixel as encoded in a PFNC value. Works for formats that are not in the table, too.
 [[nodiscard]] constexpr std::uint32_t bitsPerPixel(std::uint32_t value) noexcept
 {
     return value >> 16 & 0xFF;
 }
 
-/// From the first sample of a row to that of the next: pairs and groups are completed in each row. In planar images the
-/// samples of the first plane.
+/// Distance between the first samples of two rows. Each row is padded to whole pairs or groups. For planar formats,
+/// this counts the samples of the first plane only.
 [[nodiscard]] std::uint64_t samplesPerRow(const PixelFormat& format, std::uint32_t width) noexcept;
 
-/// The bytes of an image, to the last one that a conversion reads. Whoever makes room for an image, sends one or
-/// converts one goes by this. More than 64 bits can tell become the largest number that they can.
+/// Size of an image in bytes, up to the last byte that a conversion reads. Allocation, simulated cameras and conversion
+/// all use it, so they agree. Saturates at the largest 64-bit number.
 [[nodiscard]] std::uint64_t imageBytes(const PixelFormat& format, std::uint32_t width, std::uint32_t height) noexcept;
 
-/// The same for the value of any format: one that is not in the table is taken for a continuous run of bits.
+/// The same for any PFNC value. A format that is not in the table counts as a continuous run of bits.
 [[nodiscard]] std::uint64_t imageBytes(std::uint32_t value, std::uint32_t width, std::uint32_t height) noexcept;
 
-/// Null for a format that is not in the table.
+/// Null if the format is not in the table.
 [[nodiscard]] const PixelFormat* findPixelFormat(std::uint32_t value) noexcept;
 [[nodiscard]] const PixelFormat* findPixelFormat(std::string_view name) noexcept;
 

@@ -17,8 +17,8 @@ namespace {
 
 thread_local Call* current = nullptr;
 
-/// What is asked over and over until it is no longer so.
-bool isNoFailure(CAM_API_STATUS status)
+/// Programs poll until these statuses change, so they are not logged.
+bool isPollingResult(CAM_API_STATUS status)
 {
     return status == CAM_API_STS_TIMEOUT || status == CAM_API_STS_NOT_READY;
 }
@@ -43,12 +43,12 @@ void Call::setCamera(const std::string& name)
         current->m_camera = name;
 }
 
-// Where there is no reason, the status says it all to whoever called.
+// Without a text the status tells the caller everything, so the entry goes to the debug level.
 void Call::logFailure(CAM_API_STATUS status, const std::string& text) const noexcept
 {
-    if (isNoFailure(status))
+    if (isPollingResult(status))
         return;
-    // One feature that fails is no reason to worry about the camera.
+    // A failing feature does not mean that the camera has a problem.
     const bool ofNode = std::strncmp(m_function, "Nd_", 3) == 0;
     const Severity withReason = ofNode ? Severity::info : Severity::warning;
     logText(text.empty() ? Severity::debug : withReason, m_camera, [&] {

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What every exported function does before and after its own work, and nobody else does: the library's state, handles
-/// and pointers in the documented order, exceptions to statuses, the text of the last GenICam error.
+/// The common frame of all exported functions: it checks the library's state, the handles and the pointers in the
+/// documented order, turns exceptions into statuses and keeps the text of the last GenICam error.
 
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/Stream.h"
@@ -16,7 +16,8 @@
 
 namespace cameralibs {
 
-/// The exported function that runs on this thread: its name and camera for the diagnostic log, its budget of time.
+/// The exported function that runs on this thread: its name and camera for the diagnostic log, and its evaluation
+/// budget.
 class Call {
 public:
     explicit Call(const char* function) noexcept;
@@ -24,11 +25,11 @@ public:
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
 
-    /// What the call is about, as soon as that is known.
+    /// Sets the camera of the current call, as soon as it is known.
     static void setCamera(const std::string& name);
 
-    /// To be called in a catch block: the status of the exception. Its text is kept for Misc_GetLastGenICamError, where
-    /// it belongs there, and logged.
+    /// The status of the current exception; to be called in a catch block. Logs the text, and keeps that of a GenICam
+    /// error for Misc_GetLastGenICamError.
     [[nodiscard]] Orvo::CAM_API_STATUS statusOfException() const noexcept;
 
 private:
@@ -48,10 +49,10 @@ private:
 void requireAttached(const Camera& camera);
 void requirePointers(std::initializer_list<const void*> pointers);
 
-/// For the operations that would wait for the callback that calls them.
+/// For operations that would deadlock in a callback, because they wait for it to return.
 void refuseInsideCallback();
 
-// The last parameter of each is the name of the exported function: that of the caller, by default.
+// The last parameter of each function is the name of the exported function; by default, that of the caller.
 
 template <class Work>
 [[nodiscard]] Orvo::CAM_API_STATUS guarded(Work&& work, const char* function = __builtin_FUNCTION()) noexcept
@@ -65,7 +66,7 @@ template <class Work>
     }
 }
 
-/// `work(System&)` on the initialised library.
+/// Calls `work(System&)` on the initialised library.
 template <class Work>
 [[nodiscard]] Orvo::CAM_API_STATUS onSystem(Work&& work, const char* function = __builtin_FUNCTION()) noexcept
 {
@@ -75,7 +76,7 @@ template <class Work>
             try {
                 work(*system);
             } catch (...) {
-                // Whoever terminates meanwhile takes the handles away one by one.
+                // A concurrent Sys_Terminate removes the handles one by one: report it instead of an invalid handle.
                 throwUnless(System::current() == system, Orvo::CAM_API_STS_NOT_INITIALIZED);
                 throw;
             }
@@ -83,7 +84,7 @@ template <class Work>
         function);
 }
 
-/// `work(System&, Camera&)` on an attached camera.
+/// Calls `work(System&, Camera&)` on an attached camera.
 template <class Work>
 [[nodiscard]] Orvo::CAM_API_STATUS onCamera(Orvo::CAM_HANDLE handle, Work&& work,
                                             const char* function = __builtin_FUNCTION()) noexcept
@@ -97,7 +98,7 @@ template <class Work>
         function);
 }
 
-/// `work(Stream&)` on a stream of an attached camera.
+/// Calls `work(Stream&)` on a stream of an attached camera.
 template <class Work>
 [[nodiscard]] Orvo::CAM_API_STATUS onStream(Orvo::CAM_STRM_HANDLE handle, Work&& work,
                                             const char* function = __builtin_FUNCTION()) noexcept
@@ -111,7 +112,7 @@ template <class Work>
         function);
 }
 
-/// `work(const Camera&, NodeId)`: what the description tells without the device, so it waits for nobody.
+/// Calls `work(const Camera&, NodeId)` for what the description alone answers. Does not wait for the device.
 template <class Work>
 [[nodiscard]] Orvo::CAM_API_STATUS onDescribedNode(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
                                                    std::initializer_list<const void*> pointers, Work&& work,
@@ -127,7 +128,7 @@ template <class Work>
         function);
 }
 
-/// `work(Camera&, NodeMap&, NodeId)` with the camera's node map to itself.
+/// Calls `work(Camera&, NodeMap&, NodeId)` with exclusive access to the camera's node map.
 template <class Work>
 [[nodiscard]] Orvo::CAM_API_STATUS onNodeOfCamera(Orvo::CAM_HANDLE handle, Orvo::CAM_NODE_HANDLE node,
                                                   std::initializer_list<const void*> pointers, Work&& work,

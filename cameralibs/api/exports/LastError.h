@@ -4,8 +4,8 @@
 
 namespace cameralibs {
 
-/// The text behind the calling thread's last GenICam error; empty before the first. It holds until the next call of
-/// setLastGenICamError on the same thread.
+/// The text of the calling thread's last GenICam error, empty if there was none. Valid until the next
+/// setLastGenICamError() on the same thread.
 [[nodiscard]] const char* lastGenICamError() noexcept;
 void setLastGenICamError(const std::string& text);
 

@@ -22,7 +22,7 @@ CAM_API_STATUS giveNodeText(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::string
         function);
 }
 
-/// A node of the list, by its handle.
+/// The handle of a node in the list.
 CAM_NODE_HANDLE childAt(const Camera& camera, const std::vector<NodeId>& children, std::uint32_t index)
 {
     throwUnless(index < children.size(), CAM_API_STS_INVALID_PARAMETER);

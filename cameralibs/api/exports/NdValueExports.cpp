@@ -26,13 +26,14 @@ CAM_API_STATUS give(CAM_HANDLE camera, CAM_NODE_HANDLE node, Result (*read)(cons
 
 extern "C" {
 
-// The values by which a program reads images are noted: there is memory for as much in every buffer.
+// The getters note the image sizes and formats that the program sees, so that every buffer has memory for such an
+// image.
 
 CAM_API_STATUS Nd_GetIntValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::int64_t* value)
 {
     return onNodeOfCamera(camera, node, {value}, [&](Camera& opened, NodeMap& nodes, NodeId id) {
         *value = readInteger(nodes, id);
-        opened.toldImages().note(id, *value);
+        opened.reportedImages().note(id, *value);
     });
 }
 
@@ -40,7 +41,7 @@ CAM_API_STATUS Nd_GetEnumIntValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::
 {
     return onNodeOfCamera(camera, node, {value}, [&](Camera& opened, NodeMap& nodes, NodeId id) {
         *value = readEnumerationNumber(nodes, id);
-        opened.toldImages().note(id, *value);
+        opened.reportedImages().note(id, *value);
     });
 }
 
@@ -48,7 +49,7 @@ CAM_API_STATUS Nd_GetEnumStrValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, char*
 {
     return onNodeOfCamera(camera, node, {size}, [&](Camera& opened, NodeMap& nodes, NodeId id) {
         const std::string entry = readEnumerationName(nodes, id);
-        opened.toldImages().note(id, entry);
+        opened.reportedImages().note(id, entry);
         giveText(entry, buffer, size);
     });
 }
@@ -114,7 +115,7 @@ CAM_API_STATUS Nd_SetFloatValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, double 
     return onNode(camera, node, {}, [&](NodeMap& nodes, NodeId id) { writeFloat(nodes, id, value, verify); });
 }
 
-// The others have neither range nor increment to verify.
+// The other types have neither a range nor an increment to verify.
 
 CAM_API_STATUS Nd_SetBoolValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool value, bool)
 {

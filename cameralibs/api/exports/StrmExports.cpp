@@ -51,7 +51,7 @@ CAM_API_STATUS Strm_Start(CAM_STRM_HANDLE stream, std::uint32_t)
     return onStream(stream, [](Stream& opened) { opened.start(); });
 }
 
-// The three that answer 0 for an unplugged camera do their work all the same.
+// Strm_Close, Strm_Stop and Strm_UnlockBuffer do their work and succeed even if the camera is unplugged.
 
 CAM_API_STATUS Strm_Stop(CAM_STRM_HANDLE stream)
 {

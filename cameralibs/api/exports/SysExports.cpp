@@ -74,10 +74,10 @@ CAM_API_STATUS Sys_CloseSignal(CAM_SIGNAL_HANDLE signal)
 CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE signal, std::uint32_t timeoutMs)
 {
     return guarded([&] {
-        // The system is not kept alive by a wait without end.
+        // Hold only the signal: an endless wait must not keep the system alive.
         const auto waited = requireSystem()->signals().find(signal);
         if (waited == nullptr) {
-            (void)requireSystem(); // whoever terminates meanwhile has taken it away
+            (void)requireSystem(); // a concurrent Sys_Terminate removes the signals and is reported first
             throw Failure(CAM_API_STS_INVALID_EVENT_HANDLE);
         }
         throwIfFailed({waited->wait(timeoutMs), {}});

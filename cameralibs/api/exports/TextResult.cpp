@@ -12,7 +12,7 @@ namespace cameralibs {
 
 namespace {
 
-// A text holds no NUL: what stands behind one was never part of it.
+// Registers pad texts with NUL: the text ends at the first one.
 std::string validUtf8(const std::string& text)
 {
     const std::size_t length = std::min(text.find('\0'), text.size());
