@@ -8,13 +8,14 @@ namespace cameralibs::simulated {
 
 struct CameraModel;
 
-/// The GenICam description of a built-in camera: the fragments in description/ with the register nodes of the table.
+/// The GenICam description of a built-in camera: the fragments in description/ and a register node for each row of
+/// RegisterTable.h.
 ///
-/// A fragment may say @Name@ for the address of a register, @Name.min@ and @Name.max@ for its limits, and
-/// @PixelFormatEntries@ for the entries of the camera's pixel formats.
+/// Placeholders in a fragment: @Name@ is the address of a register, @Name.min@ and @Name.max@ are its limits, and
+/// @PixelFormatEntries@ expands to the enumeration entries of the camera's pixel formats.
 [[nodiscard]] std::string describe(const CameraModel& model);
 
-/// The files description/*.xml, compiled in: each is a Group of nodes.
+/// The compiled-in files description/*.xml. Each contains one <Group> of nodes.
 [[nodiscard]] const std::vector<std::string_view>& descriptionFragments();
 
 } // namespace cameralibs::simulated

@@ -22,7 +22,7 @@ namespace {
 
 using namespace simulated;
 
-/// What a value of ORVO_SIMULATED_CAMERAS asks for.
+/// The parsed value of ORVO_SIMULATED_CAMERAS.
 struct CameraList {
     std::size_t builtIn = 0;
     std::vector<DescriptionFile> files;
@@ -69,7 +69,7 @@ CameraList readCameraList(const char* value)
     }
 }
 
-// One of the two kinds: built-in, or made from a file.
+// Either built-in (`model`) or made from a file (`file`).
 struct Camera {
     const CameraModel* model = nullptr;
     const DescriptionFile* file = nullptr;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uintmax_t kMaxFileSize = 64U << 20;
 
-// The first element is enough, so that a file that is broken further on has a name, too.
+// Reads the root element only, so that a file that is malformed further down still gets a name.
 std::string modelName(const std::string& xml)
 {
     constexpr int kQuiet = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;

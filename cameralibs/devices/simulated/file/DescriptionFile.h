@@ -5,13 +5,13 @@
 
 namespace cameralibs::simulated {
 
-/// A GenICam description from a file, held in memory.
+/// The contents of a GenICam description file.
 struct DescriptionFile {
     std::string xml;
-    std::string model; ///< as the description names it, or the file where it cannot be read so far
+    std::string model; ///< ModelName of the description; the file's name if that cannot be read
 };
 
-/// Nothing where the file cannot be read.
+/// nullopt if the file cannot be read.
 [[nodiscard]] std::optional<DescriptionFile> readDescriptionFile(const std::string& path);
 
 } // namespace cameralibs::simulated

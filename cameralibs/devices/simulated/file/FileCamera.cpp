@@ -8,7 +8,7 @@ namespace cameralibs::simulated {
 
 namespace {
 
-/// The images of the generator, with what the registers say when they begin.
+/// Generated images with the settings that the registers have when the source starts.
 class FileImages : public FrameSource {
 public:
     FileImages(const FileNodes& nodes, Acquisition& acquisition, const DeviceClock& clock, FrameSink& sink,
@@ -26,7 +26,7 @@ public:
             return {Orvo::CAM_API_STS_NOT_IMPLEMENTED,
                     "There are no images of the size and pixel format that the registers tell"};
         }
-        // What starts an acquisition is for the description to say: images come as soon as they are waited for.
+        // Only the description knows how its camera starts an acquisition, so images flow as soon as the source starts.
         m_acquisition.configure(*settings);
         m_acquisition.start();
         return m_generator.start();

@@ -13,10 +13,10 @@
 
 namespace cameralibs::simulated {
 
-/// An opened camera made from a description file: its registers are plain memory, its images show the test scene.
+/// An opened camera made from a description file. Its registers are plain memory, and its images show the test scene.
 class FileCamera : public Device, private RegisterSpace {
 public:
-    /// The file outlives the camera.
+    /// `file` must outlive the camera.
     FileCamera(const DescriptionFile& file, DeviceInfo info);
 
     [[nodiscard]] const DeviceInfo& info() const override { return m_info; }
@@ -27,7 +27,7 @@ public:
                                      const std::vector<FrameBuffer*>& buffers,
                                      std::unique_ptr<FrameSource>& source) override;
 
-    /// It never leaves.
+    /// Such a camera cannot be unplugged.
     void onRemoval(std::function<void(const std::string&)>) override {}
 
 private:

@@ -21,7 +21,7 @@ constexpr std::int64_t kMaxPixels = 1 << 27;
 constexpr double kDefaultRate = 30;
 constexpr double kMaxRate = 200;
 
-/// Takes the error of a call and frees it. Features that cannot be read or set are left as they are.
+/// Receives and frees the error of a call. Errors are ignored: a feature that cannot be read or set keeps its value.
 class Attempt {
 public:
     Attempt() = default;
@@ -36,7 +36,7 @@ private:
     GError* m_error = nullptr;
 };
 
-void settleInteger(ArvGcInteger* node)
+void clampInteger(ArvGcInteger* node)
 {
     Attempt attempt;
     const gint64 value = arv_gc_integer_get_value(node, attempt.error());
@@ -46,7 +46,7 @@ void settleInteger(ArvGcInteger* node)
         arv_gc_integer_set_value(node, std::clamp(value, low, high), attempt.error());
 }
 
-void settleFloat(ArvGcFloat* node)
+void clampFloat(ArvGcFloat* node)
 {
     Attempt attempt;
     const double value = arv_gc_float_get_value(node, attempt.error());
@@ -56,7 +56,7 @@ void settleFloat(ArvGcFloat* node)
         arv_gc_float_set_value(node, low, attempt.error());
 }
 
-void settleEnumeration(ArvGcEnumeration* node)
+void chooseAvailableEntry(ArvGcEnumeration* node)
 {
     Attempt attempt;
     const gint64 value = arv_gc_enumeration_get_int_value(node, attempt.error());
@@ -68,7 +68,8 @@ void settleEnumeration(ArvGcEnumeration* node)
     g_free(values);
 }
 
-// That of the format itself, or one with as many bits that completes nothing in a row: its image is not larger.
+// The packing of the format itself. For an unsupported format, one with the same bits per pixel that does not pad its
+// rows, so that its image is not larger.
 const PixelPacking* packingFor(std::uint32_t format)
 {
     if (const PixelPacking* const known = findPacking(format))
@@ -92,10 +93,10 @@ void FileNodes::powerUp(const std::string& model, const std::string& serial)
     setText("DeviceModelName", model);
     setText("DeviceSerialNumber", serial);
     setText("DeviceVendorName", "Simulated");
-    settle(m_nodes.description().find("Root"));
+    clampFeatures(m_nodes.description().find("Root"));
     m_fillsPayloadSize = integer("PayloadSize").value_or(1) == 0;
     updatePayloadSize();
-    EvaluationBudget::check(); // a feature that took too long was left as it is
+    EvaluationBudget::check(); // a feature that exceeded the budget kept its value
 }
 
 std::optional<FrameSettings> FileNodes::settings() const
@@ -167,28 +168,28 @@ void FileNodes::setText(const char* name, const std::string& value)
     arv_gc_string_set_value(ARV_GC_STRING(node), value.c_str(), attempt.error());
 }
 
-void FileNodes::settle(NodeId category)
+void FileNodes::clampFeatures(NodeId category)
 {
     for (const NodeId id : m_nodes.node(category).features)
-        settleFeature(id);
+        clampFeature(id);
 }
 
-void FileNodes::settleFeature(NodeId id)
+void FileNodes::clampFeature(NodeId id)
 {
     if (m_nodes.node(id).type == Orvo::NODE_TYPE_CATEGORY) {
-        settle(id);
+        clampFeatures(id);
         return;
     }
     ArvGcFeatureNode* const node = feature(id);
     if (isConstant(id))
         return;
-    // An enumeration is an integer, too.
+    // Aravis' enumerations also implement the integer interface, so they are checked first.
     if (ARV_IS_GC_ENUMERATION(node)) {
-        settleEnumeration(ARV_GC_ENUMERATION(node));
+        chooseAvailableEntry(ARV_GC_ENUMERATION(node));
     } else if (ARV_IS_GC_INTEGER(node)) {
-        settleInteger(ARV_GC_INTEGER(node));
+        clampInteger(ARV_GC_INTEGER(node));
     } else if (ARV_IS_GC_FLOAT(node)) {
-        settleFloat(ARV_GC_FLOAT(node));
+        clampFloat(ARV_GC_FLOAT(node));
     }
 }
 
@@ -207,7 +208,7 @@ ArvGcFeatureNode* FileNodes::feature(const char* name) const
     return id == kNoNode ? nullptr : feature(id);
 }
 
-// Null for one that cannot be evaluated without harm.
+// Null for a feature that is not safe to evaluate.
 ArvGcFeatureNode* FileNodes::feature(NodeId id) const
 {
     try {

@@ -11,25 +11,23 @@
 
 namespace cameralibs::simulated {
 
-/// What the camera itself knows of the description it was made from: it gives the registers values to begin with, and
-/// finds out what its images are to be like. It shares the node map with the program that opened the camera, and is
-/// called only while it has that to itself.
+/// Initialises the registers of a camera made from a description file, and reads the image settings from them. Shares the
+/// node map with the program that opened the camera, and is called only with exclusive access to it.
 class FileNodes {
 public:
-    /// The map outlives its use here.
+    /// `nodes` must outlive this object.
     explicit FileNodes(NodeMap& nodes)
         : m_nodes(nodes)
     {
     }
 
-    /// Puts every feature that is out of its range into it, and the image at a useful size.
+    /// Sets a usable image size and clamps every feature to its range.
     void powerUp(const std::string& model, const std::string& serial);
 
-    /// Nothing where the description has no size of an image, a pixel format of which none is known here, or rows that
-    /// the format does not fill with whole groups of pixels.
+    /// nullopt if the description has no valid image size, or if no packing has the bits per pixel of its pixel format.
     [[nodiscard]] std::optional<FrameSettings> settings() const;
 
-    /// Keeps PayloadSize right where it is a register that the camera is expected to fill.
+    /// Updates PayloadSize if it is a register that the camera has to fill.
     void updatePayloadSize();
 
 private:
@@ -37,9 +35,9 @@ private:
     void setInteger(const char* name, std::int64_t value);
     void setText(const char* name, const std::string& value);
     [[nodiscard]] std::optional<FrameSettings> readSettings() const;
-    void settle(NodeId category);
-    void settleFeature(NodeId id);
-    /// Whether the description itself holds the value, and not a register. It stays what the description says.
+    void clampFeatures(NodeId category);
+    void clampFeature(NodeId id);
+    /// Whether the description itself contains the value. Such a value never changes.
     [[nodiscard]] bool isConstant(NodeId id) const;
     [[nodiscard]] ArvGcFeatureNode* feature(const char* name) const;
     [[nodiscard]] ArvGcFeatureNode* feature(NodeId id) const;

@@ -6,11 +6,10 @@ namespace cameralibs::simulated {
 
 namespace {
 
-// Triggers that wait for the sensor; further ones are missed.
+// Number of triggers that can be pending. Further ones are lost.
 constexpr std::uint32_t kMaxTriggers = 16;
 
-// A delay of the machine up to this long is made up for, so that the rate stays exact; after a longer one the camera
-// goes on from where it is.
+// After a shorter delay the camera catches up, so that the average rate stays exact. After a longer one it reschedules.
 constexpr std::chrono::milliseconds kMaxLag(250);
 
 Acquisition::Clock::duration seconds(double value)
@@ -24,7 +23,7 @@ void Acquisition::configure(const FrameSettings& settings)
 {
     const std::lock_guard lock(m_mutex);
     if (m_scheduled && settings.trigger == TriggerKind::None) {
-        // A new rate counts from the last image.
+        // A new period is measured from the last image.
         m_due += seconds(settings.period) - seconds(m_settings.period);
     }
     if (settings.trigger != m_settings.trigger) {

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Where the registers of a built-in camera and the thread that makes its images meet. The registers say what to do;
-/// the thread asks what comes next. Safe from any thread.
+/// Connects the registers of a simulated camera with the thread that generates its images. The registers set the state;
+/// the thread waits here for its next task. Thread-safe.
 
 #include "cameralibs/devices/simulated/images/FrameSettings.h"
 
@@ -16,33 +16,33 @@ class Acquisition {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // For the registers.
+    // Called by the registers.
 
     void configure(const FrameSettings& settings);
     void start();
     void stop();
     void trigger();
-    void sendErrors(std::uint32_t count); ///< forgotten where no source is open
+    void sendErrors(std::uint32_t count); ///< discarded if no source is open
     void disconnect();
     [[nodiscard]] bool isActive() const;
 
-    /// Images taken since the camera was switched on.
+    /// Images taken since power-up.
     [[nodiscard]] std::uint64_t imageCount() const;
 
-    // For the source of images.
+    // Called by the source of images.
 
     enum class Task { Image, Error, End };
 
-    /// What the source does next.
+    /// The next task of the source.
     struct Next {
         Task task = Task::End;
-        FrameSettings settings; ///< of an image
+        FrameSettings settings; ///< for Task::Image
     };
 
     void openSource();
     void closeSource();
 
-    /// Waits until an image is due, an error is to be sent or the source was closed.
+    /// Waits until an image is due, an error is to be sent or the source is closed.
     [[nodiscard]] Next waitForNext();
 
 private:
@@ -58,12 +58,12 @@ private:
     bool m_active = false;
     bool m_sourceOpen = false;
     std::uint64_t m_images = 0;
-    std::uint32_t m_framesSent = 0; ///< of the present acquisition
+    std::uint32_t m_framesSent = 0; ///< in the current acquisition
     std::uint32_t m_triggers = 0;
     std::uint32_t m_errors = 0;
 
     bool m_scheduled = false;
-    Clock::time_point m_due; ///< of the next image, where one is scheduled
+    Clock::time_point m_due; ///< time of the next image if one is scheduled
 };
 
 } // namespace cameralibs::simulated

@@ -5,15 +5,15 @@
 
 namespace cameralibs::simulated {
 
-/// The clock that stamps the images. Safe from any thread.
+/// The clock for the time stamps of images. Thread-safe.
 class DeviceClock {
 public:
     DeviceClock();
 
-    /// Since the clock was made or reset.
+    /// Time since construction or the last reset.
     [[nodiscard]] std::int64_t nanoseconds() const;
 
-    /// Since the clock was made.
+    /// Time since construction.
     [[nodiscard]] double secondsOn() const;
 
     void reset();

@@ -87,16 +87,16 @@ void FrameGenerator::sendImage(const FrameSettings& settings)
     m_buffer = m_sink.deliver(m_buffer);
 }
 
-/// False where there is no memory to make it in, as for the rows that a description may ask for.
+/// False if there is not enough memory: a description file may ask for very long rows.
 bool FrameGenerator::makeImage(const FrameSettings& settings)
 {
-    // The scene has a time of its own: it does not stop with the camera, nor jump when the clock is reset.
+    // The scene does not use the camera's clock: it neither stops with the camera nor jumps when the clock is reset.
     const std::chrono::duration<double> sceneTime = Acquisition::Clock::now().time_since_epoch();
     try {
         m_maker.make(settings.image, m_frameNumber, sceneTime.count(), m_buffer->data);
         return true;
     } catch (const std::exception&) {
-        m_maker = ImageMaker(); // it may have been interrupted anywhere
+        m_maker = ImageMaker(); // the exception may have left it inconsistent
         return false;
     }
 }

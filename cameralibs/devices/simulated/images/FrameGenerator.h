@@ -12,7 +12,7 @@ namespace cameralibs::simulated {
 
 class DeviceClock;
 
-/// The images of a simulated camera: a thread of its own makes each one when it is due and hands it to the sink.
+/// Generates the images of a simulated camera on its own thread and delivers each one to the sink when it is due.
 class FrameGenerator : public FrameSource {
 public:
     FrameGenerator(Acquisition& acquisition, const DeviceClock& clock, FrameSink& sink,
@@ -30,7 +30,7 @@ private:
     Acquisition& m_acquisition;
     const DeviceClock& m_clock;
     FrameSink& m_sink;
-    FrameBuffer* m_buffer; ///< the one to fill next: no other is needed
+    FrameBuffer* m_buffer; ///< to fill next; the generator needs only one
     ImageMaker m_maker;
     std::uint64_t m_frameNumber = 0;
     std::thread m_thread;

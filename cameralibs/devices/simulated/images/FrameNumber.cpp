@@ -6,7 +6,7 @@ namespace cameralibs::simulated {
 
 namespace {
 
-// In units: the box begins at (4, 4) and has a margin of 3; digits are 8 x 14, their segments 2 thick, 3 apart.
+// In units: the box begins at (4, 4) with a margin of 3. Digits are 8 x 14 and 3 apart; segments are 2 thick.
 constexpr int kOrigin = 4;
 constexpr int kMargin = 3;
 constexpr int kDigitWidth = 8;
@@ -15,13 +15,13 @@ constexpr int kThickness = 2;
 constexpr int kDigitPitch = 11;
 constexpr int kMinDigits = 6;
 
-// Bits: top, upper right, lower right, bottom, lower left, upper left, middle.
+// Bits, lowest first: top, upper right, lower right, bottom, lower left, upper left, middle.
 constexpr unsigned kSegments[10] = {0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
 
 constexpr Sample kLit{0xFFFF, 0xFFFF, 0xFFFF};
 constexpr Sample kDark{0x0A00, 0x0A00, 0x0A00};
 
-// The segments that cover a place within a digit: at corners, more than one.
+// The segments that cover a point of a digit. Corners belong to more than one.
 unsigned segmentsAt(int x, int y)
 {
     constexpr int kMiddle = kDigitHeight / 2 - kThickness / 2;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The frame number that stands in the upper left corner of an image, in the digits of a seven-segment display.
+/// Draws the frame number into the upper left corner of an image in seven-segment digits.
 
 #include "cameralibs/devices/simulated/images/Scene.h"
 
@@ -12,10 +12,10 @@ class FrameNumber {
 public:
     FrameNumber(std::uint64_t number, std::uint32_t imageWidth, std::uint32_t imageHeight);
 
-    /// The box around the digits, cut to the image; left side and width are multiples of kPixelGroup.
+    /// The box around the digits, clipped to the image. Its left edge and width are multiples of kPixelGroup.
     [[nodiscard]] Rect box() const { return m_box; }
 
-    /// One row of the box.
+    /// Paints one row of the box.
     void paint(int y, Sample* row) const;
 
 private:
@@ -23,7 +23,7 @@ private:
 
     std::uint64_t m_number;
     int m_digits;
-    int m_unit; ///< pixels of a segment's thickness
+    int m_unit; ///< pixels per unit of the layout
     Rect m_box;
 };
 

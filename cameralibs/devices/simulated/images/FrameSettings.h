@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the registers say about the images, as the thread that makes them needs it.
+/// A snapshot of the image settings in the registers, for the thread that generates the images.
 
 #include "cameralibs/devices/simulated/images/PixelPacking.h"
 
@@ -10,7 +10,7 @@
 
 namespace cameralibs::simulated {
 
-/// In the order of the description's entries.
+/// In the order of the enumeration entries in the description.
 enum class TestPattern : std::uint8_t {
     Off,
     Black,
@@ -29,8 +29,8 @@ struct ImageSettings {
     std::uint32_t sensorHeight = 0;
     bool color = false;
 
-    std::uint32_t format = 0;              ///< its value in the PFNC: how large the image is
-    const PixelPacking* packing = nullptr; ///< of that format, or of one with as many bits: what it looks like
+    std::uint32_t format = 0;              ///< PFNC value; determines the size of the image
+    const PixelPacking* packing = nullptr; ///< of that format, or of one with the same bits per pixel
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint32_t offsetX = 0;
@@ -41,14 +41,14 @@ struct ImageSettings {
     bool reverseY = false;
     TestPattern pattern = TestPattern::Off;
 
-    // From the light of the scene to the value of a pixel.
+    // Conversion from the light of the scene to pixel values.
     double red = 1; ///< factors of the light
     double green = 1;
     double blue = 1;
     double blackLevel = 0; ///< fraction of the full scale
     double gamma = 1;
     bool useTable = false;
-    std::array<std::uint8_t, 256> table{}; ///< look-up table, of and to values of 8 bits
+    std::array<std::uint8_t, 256> table{}; ///< look-up table from 8-bit to 8-bit values
 
     [[nodiscard]] auto members() const
     {
@@ -67,7 +67,7 @@ struct FrameSettings {
     double exposure = 0; ///< seconds
     TriggerKind trigger = TriggerKind::None;
     double triggerDelay = 0;        ///< seconds
-    std::uint32_t framesToSend = 0; ///< images of one acquisition, 0 = without end
+    std::uint32_t framesToSend = 0; ///< images per acquisition; 0 = unlimited
     std::uint32_t loseEvery = 0;
     std::uint32_t incompleteEvery = 0;
 };

@@ -20,7 +20,7 @@ Sample luma(const Sample& light)
     return {level, level, level};
 }
 
-// Sixteen joined pixels, the most there are, stay within 16 bits.
+// Up to 16 pixels are binned; their sum must fit 16 bits.
 static_assert(16 * kFullLight <= std::numeric_limits<std::uint16_t>::max());
 
 Sample sum(const Sample& a, const Sample& b)
@@ -29,7 +29,7 @@ Sample sum(const Sample& a, const Sample& b)
     return {add(a.red, b.red), add(a.green, b.green), add(a.blue, b.blue)};
 }
 
-// Between the values of the table, so that more than 8 bits keep their steps.
+// Interpolates between table entries, so that formats with more than 8 bits keep their resolution.
 double lookUp(const std::array<std::uint8_t, 256>& table, double value)
 {
     const double place = value * 255;
@@ -112,7 +112,8 @@ void ImageMaker::makeScene(std::uint64_t frameNumber, double seconds, std::uint8
 
 void ImageMaker::makePattern(std::uint64_t frameNumber, std::uint8_t* out)
 {
-    // Rows that do not fill their last byte share it with the next row, and the format may take more than its packing.
+    // Packing preserves the other bits of a byte that two rows share, and the image may be larger than its packed rows:
+    // clear what packing does not overwrite.
     const bool wholeBytes = m_bitsPerRow % 8 == 0;
     const std::size_t rowBytes = m_bitsPerRow / 8;
     const std::size_t filled = wholeBytes ? rowBytes * m_settings.height : 0;
@@ -135,7 +136,7 @@ void ImageMaker::drawBall(double seconds, std::uint8_t* out)
     const Ball ball = m_scene.ballAt(seconds);
     const Rect onSensor = ball.bounds();
 
-    // From the sensor to the image: what ReverseX and ReverseY mirror, what the offset cuts, what binning joins.
+    // Converts sensor coordinates to image coordinates, applying ReverseX and ReverseY, the offset and binning.
     const auto toImage = [](int low, int high, bool reversed, std::uint32_t sensor, std::uint32_t binning,
                             std::uint32_t offset, std::uint32_t size, int& first, int& last) {
         const int end = static_cast<int>(sensor);
@@ -197,7 +198,7 @@ void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
             readSensor(sensorX, sensorY + row, sensorCount, ball, m_light.data());
             std::transform(m_light.begin(), m_light.begin() + sensorCount, m_row.begin(), m_row.begin(), sum);
         }
-        joinColumns(count, stepX, stepX * stepY);
+        binColumns(count, stepX, stepX * stepY);
     }
     for (int i = 0; i < count; ++i) {
         Sample& pixel = m_row[static_cast<std::size_t>(i)];
@@ -205,9 +206,9 @@ void ImageMaker::renderSpan(int x, int y, int count, const Ball* ball)
     }
 }
 
-void ImageMaker::joinColumns(int count, int columns, int joined)
+void ImageMaker::binColumns(int count, int columns, int pixelsPerBin)
 {
-    const auto mean = [&](std::uint16_t light) { return static_cast<std::uint16_t>(light / joined); };
+    const auto mean = [&](std::uint16_t light) { return static_cast<std::uint16_t>(light / pixelsPerBin); };
     const Sample* first = m_row.data();
     for (int i = 0; i < count; ++i, first += columns) {
         const Sample total = std::accumulate(first, first + columns, Sample{}, sum);

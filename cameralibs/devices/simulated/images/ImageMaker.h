@@ -1,7 +1,7 @@
 #pragma once
 
-/// Makes the images of a built-in camera. What stands still in them is kept packed as long as the settings stay, so an
-/// image costs a copy and the few pixels that move. Lives on one thread.
+/// Renders the images of a simulated camera. The static part stays packed until the settings change, so an image costs
+/// one copy and the few moving pixels. Not thread-safe.
 
 #include "cameralibs/devices/simulated/images/FrameSettings.h"
 #include "cameralibs/devices/simulated/images/Scene.h"
@@ -15,10 +15,10 @@ namespace cameralibs::simulated {
 
 class ImageMaker {
 public:
-    /// Bytes of an image with these settings.
+    /// Size in bytes of an image with these settings.
     [[nodiscard]] static std::size_t sizeOf(const ImageSettings& settings);
 
-    /// Fills `out`, of sizeOf(settings) bytes, with the image of a moment.
+    /// Renders the image at time `seconds` of the scene into `out`, which holds sizeOf(settings) bytes.
     void make(const ImageSettings& settings, std::uint64_t frameNumber, double seconds, std::uint8_t* out);
 
 private:
@@ -29,9 +29,9 @@ private:
     void drawBall(double seconds, std::uint8_t* out);
     void drawNumber(std::uint64_t frameNumber, std::uint8_t* out);
 
-    /// Pixels of row `y` from column `x` in 16 bits per channel, with the ball where there is one.
+    /// Renders pixels of row `y` from column `x` in 16 bits per channel. `ball` may be null.
     void renderSpan(int x, int y, int count, const Ball* ball);
-    void joinColumns(int count, int columns, int joined);
+    void binColumns(int count, int columns, int pixelsPerBin);
     void readSensor(int x, int y, int count, const Ball* ball, Sample* light) const;
     void packSpan(int x, int y, int count, std::uint8_t* image) const;
 
@@ -41,8 +41,8 @@ private:
     std::vector<std::uint8_t> m_still;
     std::size_t m_bitsPerPixel = 0; ///< as packed
     std::size_t m_bitsPerRow = 0;
-    std::vector<Sample> m_row;   ///< sensor pixels of one row or less, then pixels of the image
-    std::vector<Sample> m_light; ///< a further row of the sensor, to be joined
+    std::vector<Sample> m_row;   ///< sensor pixels of a row or a part of it, then image pixels
+    std::vector<Sample> m_light; ///< another sensor row to be binned with the first
 };
 
 } // namespace cameralibs::simulated

@@ -9,7 +9,7 @@ namespace cameralibs::simulated {
 
 namespace {
 
-// What one pixel of a row says, in 16 bits.
+// Sources: the 16-bit sample of one pixel in a row.
 
 struct Mono {
     static std::uint32_t component(const Sample& pixel, std::size_t, std::uint32_t)
@@ -27,7 +27,7 @@ struct BayerRG {
     }
 };
 
-// How the pixels of a row follow each other.
+// Packings: how the samples of a row are stored.
 
 template <typename Source>
 void packBytes(const Sample* pixels, std::size_t count, std::uint32_t y, std::uint8_t* out, unsigned)
@@ -72,8 +72,8 @@ void packRgb8(const Sample* pixels, std::size_t count, std::uint32_t, std::uint8
     }
 }
 
-// Full range BT.601 in 14 bits of fraction; the chroma of a pair is that of its mean. A last pixel without a partner is
-// its own.
+// Full-range BT.601 in fixed point with 14 fractional bits. The chroma of a pair is that of its mean. In an odd row the
+// last pixel is its own partner.
 void packYuv422(const Sample* pixels, std::size_t count, std::uint32_t, std::uint8_t* out, unsigned)
 {
     const auto weigh = [](const Sample& pixel, int red, int green, int blue, int offset) {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The pixel formats that the simulated cameras can make images in.
+/// The pixel formats that the simulated cameras can generate.
 
 #include <cstddef>
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace cameralibs::simulated {
 
-/// One pixel before it is packed: three channels of 16 bits, all alike where the sensor is monochrome.
+/// One pixel before packing: three 16-bit channels, all equal for a monochrome sensor.
 struct Sample {
     std::uint16_t red = 0;
     std::uint16_t green = 0;
@@ -16,19 +16,19 @@ struct Sample {
 };
 
 struct PixelPacking {
-    std::string_view format; ///< its name
+    std::string_view format; ///< PFNC name
 
-    /// Packs `count` pixels of row `y`, the first at an even x, from bit `firstBit` of `out` on. Only formats that are
-    /// one run of bits begin within a byte, and they leave the bits beside theirs as they are. In formats with groups
-    /// an odd `count` ends the row.
+    /// Packs `count` pixels of row `y` to `out`, starting at bit `firstBit`. The first pixel has an even x. Only
+    /// formats packed as one run of bits use `firstBit`; they preserve the neighbouring bits. In formats with groups,
+    /// `count` is odd only at the end of a row.
     void (*pack)(const Sample* pixels, std::size_t count, std::uint32_t y, std::uint8_t* out, unsigned firstBit);
 };
 
-/// Parts of a row that are packed by themselves begin at a multiple of this, so that no group is cut. The widths and
-/// offsets of the built-in cameras are multiples of it, too.
+/// A part of a row that is packed separately begins at a multiple of this, so that no group is split. The widths and
+/// offsets of the built-in cameras are multiples, too.
 constexpr std::uint32_t kPixelGroup = 4;
 
-/// Null for a format that is not among them.
+/// Null if there is no packing for the format.
 [[nodiscard]] const PixelPacking* findPacking(std::uint32_t format);
 
 } // namespace cameralibs::simulated

@@ -34,7 +34,7 @@ constexpr Sample kChart[kChartRows][kChartColumns] = {
     {grey8(243), grey8(200), grey8(160), grey8(121), grey8(84), grey8(50)},
 };
 
-// What the elements of the chart know of the pixel that they colour: its place within the element.
+// Position of a pixel within an element of the chart, and the size of the element.
 struct Place {
     int x;
     int y;
@@ -68,7 +68,7 @@ Sample greyRamp(const Place& at)
     return {level, level, level};
 }
 
-// Blocks of bars 1, 2, 3, 4, 6 and 8 pixels wide: upright in the upper row, lying in the lower one.
+// Blocks of bars 1, 2, 3, 4, 6 and 8 pixels wide: vertical in the upper row, horizontal in the lower one.
 Sample bars(const Place& at)
 {
     constexpr std::array kBarWidths{1, 2, 3, 4, 6, 8};
@@ -82,7 +82,7 @@ Sample bars(const Place& at)
     return along / kBarWidths[static_cast<std::size_t>(block)] % 2 == 0 ? grey8(20) : grey8(235);
 }
 
-// Rings that narrow outwards, to the finest that pixels can show at the rim.
+// Concentric rings whose spatial frequency rises to the pixel limit at the rim.
 Sample zonePlate(const Place& at)
 {
     static const auto kWave = [] {
@@ -107,7 +107,7 @@ Sample star(const Place& at)
     return static_cast<int>(turn * 2 * kSpokes) % 2 == 0 ? light8(24, 22, 30) : light8(238, 234, 220);
 }
 
-// The wall behind the chart: dark at the foot, with the lines of a grid.
+// The wall behind the chart: a vertical gradient with grid lines.
 void paintWall(int x, int y, int count, int height, int pitch, Sample* light)
 {
     constexpr unsigned kLine = 18;
@@ -120,7 +120,7 @@ void paintWall(int x, int y, int count, int height, int pitch, Sample* light)
         light[column - x] = colour(kLine);
 }
 
-// Places in units of a 1200th of the height; a negative left side counts from the right edge.
+// In units of 1/1200 of the image height. A negative `left` counts from the right edge.
 struct Element {
     int left;
     int top;

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the built-in cameras look at: a chart of colours, greys and fine detail, and a ball that flies over it. Pure
-/// functions of the place on the sensor and of the time.
+/// The test scene of the simulated cameras: a chart of colours, greys and fine detail with a moving ball in front.
+/// Depends only on the position on the sensor and the time.
 
 #include "cameralibs/devices/simulated/images/PixelPacking.h"
 
@@ -9,7 +9,7 @@
 
 namespace cameralibs::simulated {
 
-/// Light falling on the sensor, per channel; a Sample of the scene is at most this bright.
+/// The brightest value of a channel in the scene.
 constexpr std::uint32_t kFullLight = 4095;
 
 struct Rect {
@@ -31,13 +31,13 @@ struct Ball {
 
     [[nodiscard]] Rect bounds() const;
 
-    /// The columns that the ball reaches into in any of these rows.
+    /// The columns that the ball covers, at least partly, in any of these rows.
     [[nodiscard]] Columns columnsOf(int firstRow, int endRow) const;
 
-    /// The columns of a row of which the ball leaves nothing to see.
+    /// The columns that the ball covers completely in a row.
     [[nodiscard]] Columns coveredOf(int row) const;
 
-    /// Lays the ball over `count` pixels of row `y` from column `x`.
+    /// Paints the ball over `count` pixels of row `y` from column `x`.
     void paint(int x, int y, int count, Sample* light) const;
 
 private:
@@ -48,7 +48,7 @@ class Scene {
 public:
     Scene(std::uint32_t width, std::uint32_t height);
 
-    /// The part that stands still: `count` pixels of row `y` from column `x`, all of them on the sensor.
+    /// Renders the static part: `count` pixels of row `y` from column `x`, all within the sensor.
     void render(int x, int y, int count, Sample* light) const;
 
     [[nodiscard]] Ball ballAt(double seconds) const;
@@ -56,7 +56,7 @@ public:
 private:
     int m_width;
     int m_height;
-    double m_unit; ///< sensor pixels of a 1200th of the height
+    double m_unit; ///< 1/1200 of the height, in pixels
 };
 
 } // namespace cameralibs::simulated

@@ -22,10 +22,10 @@ constexpr Sample kBars[] = {
 };
 constexpr std::uint32_t kBarCount = std::size(kBars);
 
-// A ramp of 256 steps, a pixel each, over and over.
-Sample step(std::uint64_t place)
+// A repeating ramp of 256 levels, one pixel each.
+Sample rampLevel(std::uint64_t position)
 {
-    const auto level = static_cast<std::uint16_t>((place & 0xFF) * 0x101);
+    const auto level = static_cast<std::uint16_t>((position & 0xFF) * 0x101);
     return {level, level, level};
 }
 
@@ -45,13 +45,13 @@ void paintPattern(const ImageSettings& settings, std::uint64_t frameNumber, std:
     case TestPattern::White:
         return fill([](std::uint32_t) { return kWhite; });
     case TestPattern::GreyHorizontalRamp:
-        return fill([](std::uint32_t x) { return step(x); });
+        return fill([](std::uint32_t x) { return rampLevel(x); });
     case TestPattern::GreyVerticalRamp:
-        return fill([&](std::uint32_t) { return step(y); });
+        return fill([&](std::uint32_t) { return rampLevel(y); });
     case TestPattern::GreyHorizontalRampMoving:
-        return fill([&](std::uint32_t x) { return step(x + frameNumber); });
+        return fill([&](std::uint32_t x) { return rampLevel(x + frameNumber); });
     case TestPattern::GreyVerticalRampMoving:
-        return fill([&](std::uint32_t) { return step(y + frameNumber); });
+        return fill([&](std::uint32_t) { return rampLevel(y + frameNumber); });
     case TestPattern::HorizontalLineMoving:
         return fill([&](std::uint32_t) { return y == frameNumber % settings.height ? kWhite : kBlack; });
     case TestPattern::VerticalLineMoving:

@@ -11,24 +11,23 @@
 
 namespace cameralibs::simulated {
 
-/// What a camera remembers without power.
+/// The camera's non-volatile memory.
 struct NonVolatile {
-    static constexpr std::size_t kUserSets = 3; ///< the first is that of the factory
+    static constexpr std::size_t kUserSets = 3; ///< the first holds the factory settings
 
     std::string userName;
     std::uint32_t defaultSet = 0;
-    std::array<std::vector<std::uint8_t>, kUserSets>
-        sets; ///< as RegisterMemory saves them; empty before the first time
+    std::array<std::vector<std::uint8_t>, kUserSets> sets; ///< as saved by RegisterMemory; empty if never saved
     std::array<std::string, kUserSets> descriptions{"Settings of the factory", "", ""};
 };
 
-/// What of a simulated camera outlives its being opened and closed. Cameras are listed and used at the same time, so it
-/// is safe from any thread.
+/// The state of a simulated camera that survives closing it. Thread-safe, because cameras are listed while others are
+/// in use.
 class Attachment {
 public:
     [[nodiscard]] bool isPlugged() const;
 
-    /// Unplugs it, for good where `seconds` is 0.
+    /// Unplugs the camera for `seconds`; 0 means for good.
     void unplug(unsigned seconds);
 
     [[nodiscard]] NonVolatile memory() const;

@@ -6,7 +6,7 @@
 
 namespace cameralibs::simulated {
 
-/// What tells one built-in camera from another.
+/// The properties in which the built-in cameras differ.
 struct CameraModel {
     std::string_view name;
     std::string_view sensor;
@@ -15,12 +15,12 @@ struct CameraModel {
     bool color;
     bool rollingShutter;
     double pixelPitch;                       ///< micrometres
-    double fullFrameRate;                    ///< frames per second of the whole sensor, at the most
+    double fullFrameRate;                    ///< maximum frames per second of the whole sensor
     double defaultFrameRate;                 ///< frames per second
-    std::array<std::string_view, 6> formats; ///< names of pixel formats, the default first; empty ones end the list
+    std::array<std::string_view, 6> formats; ///< names of pixel formats, the default first; padded with empty names
 };
 
-/// In the order in which they are listed.
+/// In enumeration order.
 inline constexpr std::array kCameraModels{
     CameraModel{"SIM-M1280",
                 "S1300M",

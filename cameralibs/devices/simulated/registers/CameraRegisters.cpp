@@ -23,7 +23,7 @@ CameraRegisters::CameraRegisters(const CameraModel& model, const std::string& se
     m_firmware.powerUp();
 }
 
-AccessResult CameraRegisters::reach(const RegisterEntry* entry) const
+AccessResult CameraRegisters::checkAccess(const RegisterEntry* entry) const
 {
     if (!m_connected)
         return AccessResult::NotConnected;
@@ -31,7 +31,7 @@ AccessResult CameraRegisters::reach(const RegisterEntry* entry) const
         std::this_thread::sleep_for(std::chrono::microseconds(delay));
     if (entry == nullptr)
         return AccessResult::InvalidAddress;
-    // The switch itself stays within reach, to end the refusal.
+    // The switch itself stays accessible, so that the fault can be turned off.
     if (m_memory.flag(kRefuseAccess) && entry != &kRefuseAccess)
         return AccessResult::Refused;
     return AccessResult::Done;
@@ -40,7 +40,7 @@ AccessResult CameraRegisters::reach(const RegisterEntry* entry) const
 AccessResult CameraRegisters::read(std::uint64_t address, void* buffer, std::uint32_t size)
 {
     const RegisterEntry* const entry = RegisterMemory::find(address, size);
-    const AccessResult result = reach(entry);
+    const AccessResult result = checkAccess(entry);
     if (result != AccessResult::Done)
         return result;
     m_firmware.refresh(*entry);
@@ -51,7 +51,7 @@ AccessResult CameraRegisters::read(std::uint64_t address, void* buffer, std::uin
 AccessResult CameraRegisters::write(std::uint64_t address, const void* buffer, std::uint32_t size)
 {
     const RegisterEntry* const entry = RegisterMemory::find(address, size);
-    const AccessResult result = reach(entry);
+    const AccessResult result = checkAccess(entry);
     if (result != AccessResult::Done)
         return result;
     if (entry->access == RegisterAccess::ReadOnly)
@@ -84,7 +84,7 @@ bool CameraRegisters::accepts(const RegisterEntry& entry, const void* buffer, st
 bool CameraRegisters::acceptsElement(const RegisterEntry& entry, const std::uint8_t* element) const
 {
     const auto isWithin = [&](double number) {
-        // False for what is not a number.
+        // Both comparisons are false for NaN.
         return !entry.limited || (number >= entry.minimum && number <= entry.maximum);
     };
     if (entry.kind == RegisterKind::Real)

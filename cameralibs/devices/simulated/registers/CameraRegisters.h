@@ -11,21 +11,21 @@
 
 namespace cameralibs::simulated {
 
-/// The registers of a built-in camera as they are reached from outside: through a link that can be slow, refuse or be
-/// gone, by the rules of the table, with the consequences that the firmware knows.
+/// The registers of a built-in camera as accessed through its link. Simulates a slow, refusing or disconnected link,
+/// enforces the access modes and limits of the table, and lets the firmware react.
 class CameraRegisters : public RegisterSpace {
 public:
     CameraRegisters(const CameraModel& model, const std::string& serial, Attachment& attachment,
                     Acquisition& acquisition, DeviceClock& clock);
 
-    /// Called once, when the camera was told to unplug itself.
+    /// The handler is called once, when the camera is told to unplug itself.
     void onUnplug(std::function<void(unsigned replugAfter)> handler) { m_unplugged = std::move(handler); }
 
     [[nodiscard]] AccessResult read(std::uint64_t address, void* buffer, std::uint32_t size) override;
     [[nodiscard]] AccessResult write(std::uint64_t address, const void* buffer, std::uint32_t size) override;
 
 private:
-    [[nodiscard]] AccessResult reach(const RegisterEntry* entry) const;
+    [[nodiscard]] AccessResult checkAccess(const RegisterEntry* entry) const;
     [[nodiscard]] bool accepts(const RegisterEntry& entry, const void* buffer, std::uint32_t size) const;
     [[nodiscard]] bool acceptsElement(const RegisterEntry& entry, const std::uint8_t* element) const;
     void unplug();

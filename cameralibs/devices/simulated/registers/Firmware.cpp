@@ -16,7 +16,7 @@ namespace cameralibs::simulated {
 
 namespace {
 
-// Numbered words, so that one can tell what is missing.
+// Numbered words show where a truncated text ends.
 std::string longText(std::size_t size)
 {
     std::string text;
@@ -109,7 +109,7 @@ void Firmware::showTemperature()
 {
     constexpr auto& kTemperature = registerNamed("DeviceTemperature");
     const double seconds = m_clock.secondsOn();
-    // Warming up, and never quite still.
+    // The temperature rises after power-up and keeps fluctuating.
     const double warm = 1 - std::exp(-seconds / 300);
     m_memory.setReal(kTemperature, 32 + 14 * warm + 0.6 * std::sin(seconds / 7) + 0.2 * std::sin(seconds * 1.7), 0);
     m_memory.setReal(kTemperature, 28 + 9 * warm + 0.3 * std::sin(seconds / 11), 1);
@@ -140,7 +140,7 @@ void Firmware::showLines()
     constexpr std::int64_t kAcquisitionActive = 3;
     std::int64_t all = 0;
     for (std::uint32_t line = 0; line < kStatus.count; ++line) {
-        bool high = false; // nothing is connected to inputs
+        bool high = false; // inputs are not connected
         const std::int64_t source = m_memory.integer(registerNamed("LineSource"), line);
         if (m_memory.integer(registerNamed("LineMode"), line) != 0 && source != 0) {
             const std::int64_t outputs = m_memory.integer(registerNamed("UserOutputValueAll"));

@@ -13,22 +13,22 @@ namespace cameralibs::simulated {
 class Acquisition;
 class DeviceClock;
 
-/// What a built-in camera does when its registers are read and written: it executes commands, brings up to date what
-/// moves by itself and tells the acquisition what the images are to be like. Accessed by one thread at a time.
+/// Reacts to register accesses of a built-in camera: executes commands, updates live values and configures the
+/// acquisition. Not thread-safe.
 class Firmware {
 public:
     Firmware(const CameraModel& model, std::string serial, RegisterMemory& memory, Attachment& attachment,
              Acquisition& acquisition, DeviceClock& clock);
 
-    /// Puts the registers as they are when the camera is switched on.
+    /// Sets the registers to their power-up values.
     void powerUp();
 
     [[nodiscard]] const SensorModel& sensor() const { return m_sensor; }
 
-    /// Before a register is read.
+    /// To be called before a register is read.
     void refresh(const RegisterEntry& entry);
 
-    /// After a register was written.
+    /// To be called after a register has been written.
     void apply(const RegisterEntry& entry);
 
 private:

@@ -10,7 +10,7 @@ namespace {
 using cameralibs::simulated::AccessResult;
 using cameralibs::simulated::RegisterSpace;
 
-// Instance memory comes zeroed from GObject, without constructors: plain members only.
+// GObject zeroes the instance but calls no constructors, so all members must be trivial.
 struct OrvoRegisterDevice {
     ArvDevice parent;
     RegisterSpace* space;
@@ -31,13 +31,13 @@ OrvoRegisterDevice* self(ArvDevice* device)
     return reinterpret_cast<OrvoRegisterDevice*>(device);
 }
 
-struct Failure {
+struct ErrorRow {
     ArvDeviceError code;
     const char* text;
 };
 
-// Indexed by AccessResult; Done has none.
-constexpr Failure kFailures[] = {
+// Indexed by AccessResult; the entry of Done is not used.
+constexpr ErrorRow kErrors[] = {
     {ARV_DEVICE_ERROR_UNKNOWN, ""},
     {ARV_DEVICE_ERROR_NOT_CONNECTED, "The camera is not connected"},
     {ARV_DEVICE_ERROR_PROTOCOL_ERROR_INVALID_ADDRESS, "There is no register at this address"},
@@ -51,33 +51,33 @@ gboolean answer(AccessResult result, GError** error)
 {
     if (result == AccessResult::Done)
         return TRUE;
-    const Failure& failure = kFailures[static_cast<std::size_t>(result)];
-    g_set_error_literal(error, ARV_DEVICE_ERROR, failure.code, failure.text);
+    const ErrorRow& row = kErrors[static_cast<std::size_t>(result)];
+    g_set_error_literal(error, ARV_DEVICE_ERROR, row.code, row.text);
     return FALSE;
 }
 
-// The callers are C functions, which no exception may pass through.
-template <typename Access> gboolean answerOf(Access&& access, GError** error)
+// Exceptions must not propagate into the calling C code.
+template <typename Access> gboolean guardedAnswer(Access&& access, GError** error)
 {
     AccessResult result = AccessResult::Failed;
     try {
         result = access();
     } catch (...) {
-        // Such as want of memory for a page of registers.
+        // For example, no memory for a page of registers.
     }
     return answer(result, error);
 }
 
 gboolean readMemory(ArvDevice* device, guint64 address, guint32 size, void* buffer, GError** error)
 {
-    return answerOf([&] { return self(device)->space->read(address, buffer, size); }, error);
+    return guardedAnswer([&] { return self(device)->space->read(address, buffer, size); }, error);
 }
 
-// `Buffer` is void in older versions of Aravis and const void in newer ones.
+// Older versions of Aravis pass void*, newer ones const void*.
 template <typename Buffer>
 gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, Buffer* buffer, GError** error)
 {
-    return answerOf([&] { return self(device)->space->write(address, buffer, size); }, error);
+    return guardedAnswer([&] { return self(device)->space->write(address, buffer, size); }, error);
 }
 
 gboolean readRegister(ArvDevice* device, guint64 address, guint32* value, GError** error)
@@ -96,13 +96,13 @@ const char* description(ArvDevice* device, std::size_t* size)
     return self(device)->description;
 }
 
-// Whoever browses the camera makes the node map from the description.
+// The library makes its own node map from the description.
 ArvGc* noNodeMap(ArvDevice*)
 {
     return nullptr;
 }
 
-// Images come from the camera's own source.
+// Images come from FrameGenerator.
 ArvStream* noStream(ArvDevice*, ArvStreamCallback, void*, GDestroyNotify, GError** error)
 {
     g_set_error_literal(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_NO_STREAM_CHANNEL, "No stream channel");

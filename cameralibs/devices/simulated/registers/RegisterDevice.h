@@ -14,7 +14,7 @@ struct UnrefDevice {
 };
 using ArvDevicePtr = std::unique_ptr<ArvDevice, UnrefDevice>;
 
-/// A register space in the form that a node map of Aravis reads and writes. Space and description outlive it.
+/// Wraps a register space as an ArvDevice for Aravis' node map. `space` and `description` must outlive it.
 [[nodiscard]] ArvDevicePtr makeRegisterDevice(RegisterSpace& space, std::string_view description);
 
 } // namespace cameralibs::simulated

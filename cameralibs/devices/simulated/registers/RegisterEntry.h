@@ -8,8 +8,8 @@ namespace cameralibs::simulated {
 enum class RegisterKind { Unsigned, Signed, Real, Text, Bytes };
 enum class RegisterAccess { ReadOnly, ReadWrite, WriteOnly };
 
-/// One register of the built-in cameras, or an array of them of which a selector chooses one element. The memory, the
-/// register nodes of the description and the limits named in it are all made from these rows, so they cannot disagree.
+/// One register of the built-in cameras, or an array of registers indexed by a selector. The memory, the register nodes
+/// and the limits in the description are all made from these rows, so they cannot disagree.
 struct RegisterEntry {
     std::string_view name;
     RegisterKind kind = RegisterKind::Unsigned;
@@ -18,20 +18,20 @@ struct RegisterEntry {
     std::uint32_t count = 1;
     std::string_view selector; ///< the register that holds the index of the element
 
-    std::int64_t integer = 0; ///< initial value of an Unsigned or Signed one
-    double real = 0;          ///< initial value of a Real one
-    std::string_view text;    ///< initial value of a Text one
+    std::int64_t integer = 0; ///< initial value if Unsigned or Signed
+    double real = 0;          ///< initial value if Real
+    std::string_view text;    ///< initial value if Text
 
-    bool limited = false; ///< the camera itself refuses numbers outside minimum..maximum
+    bool limited = false; ///< the camera refuses numbers outside minimum..maximum
     double minimum = 0;
     double maximum = 0;
-    bool stored = true; ///< belongs to the user sets, where it can be written
+    bool stored = true; ///< saved in user sets if writable
 
     std::uint32_t address = 0;
 
     [[nodiscard]] constexpr std::uint32_t size() const { return length * count; }
 
-    // What a row of the table says beyond its kind.
+    // Modifiers for the rows of the table.
 
     [[nodiscard]] constexpr RegisterEntry between(double low, double high) const
     {

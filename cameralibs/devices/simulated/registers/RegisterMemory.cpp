@@ -22,7 +22,7 @@ bool isInUserSet(const RegisterEntry& entry)
 
 std::int64_t decodeInteger(const RegisterEntry& entry, const void* element)
 {
-    // Registers and the processor are both little-endian: the low bytes come first.
+    // Works because both the registers and the processor are little-endian.
     std::uint64_t bits = 0;
     std::memcpy(&bits, element, entry.length);
     if (entry.kind == RegisterKind::Signed) {
@@ -138,7 +138,8 @@ void RegisterMemory::setText(const RegisterEntry& entry, std::string_view value,
 {
     auto* const begin = at(entry, index);
     std::memset(begin, 0, entry.length);
-    value.copy(reinterpret_cast<char*>(begin), entry.length); // unlike memcpy, an empty text may have no address
+    // Not memcpy, which must not be given the null pointer of an empty text.
+    value.copy(reinterpret_cast<char*>(begin), entry.length);
 }
 
 std::vector<std::uint8_t> RegisterMemory::save() const

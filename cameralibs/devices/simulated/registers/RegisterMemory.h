@@ -1,7 +1,6 @@
 #pragma once
 
-/// The contents of the registers of one built-in camera. Not for two threads at a time: register accesses come under
-/// the camera's mutex.
+/// The register contents of one built-in camera. Not thread-safe: the camera's mutex guards register accesses.
 
 #include "cameralibs/devices/simulated/registers/RegisterEntry.h"
 
@@ -12,7 +11,7 @@
 
 namespace cameralibs::simulated {
 
-/// The number that the bytes of one element stand for.
+/// Decodes the bytes of one element.
 [[nodiscard]] std::int64_t decodeInteger(const RegisterEntry& entry, const void* element);
 [[nodiscard]] double decodeReal(const RegisterEntry& entry, const void* element);
 
@@ -20,10 +19,10 @@ class RegisterMemory {
 public:
     RegisterMemory();
 
-    /// The initial values of the table.
+    /// Sets the initial values of the table.
     void reset();
 
-    /// The register that holds all of `size` bytes at `address`; null where there is none. Part of a register is fine.
+    /// The register that contains `size` bytes at `address`, or null. The range may be a part of the register.
     [[nodiscard]] static const RegisterEntry* find(std::uint64_t address, std::uint32_t size);
 
     void read(std::uint64_t address, void* buffer, std::uint32_t size) const;
@@ -38,7 +37,7 @@ public:
     void setReal(const RegisterEntry& entry, double value, std::uint32_t index = 0);
     void setText(const RegisterEntry& entry, std::string_view value, std::uint32_t index = 0);
 
-    /// What a user set keeps: every writable register that is stored.
+    /// The contents of a user set: all registers that are writable and stored.
     [[nodiscard]] std::vector<std::uint8_t> save() const;
     void load(const std::vector<std::uint8_t>& saved);
 

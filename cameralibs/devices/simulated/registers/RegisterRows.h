@@ -1,6 +1,6 @@
 #pragma once
 
-/// The words in which RegisterTable.h is written.
+/// Constructors for the rows of RegisterTable.h.
 
 #include "cameralibs/devices/simulated/registers/RegisterEntry.h"
 
@@ -101,8 +101,8 @@ constexpr RegisterEntry bytes(std::string_view name, RegisterAccess access, std:
     return row;
 }
 
-/// Gives the rows their addresses, in their order, on multiples of eight bytes.
-template <std::size_t N> constexpr std::array<RegisterEntry, N> laidOut(std::array<RegisterEntry, N> table)
+/// Assigns consecutive addresses, aligned to eight bytes.
+template <std::size_t N> constexpr std::array<RegisterEntry, N> withAddresses(std::array<RegisterEntry, N> table)
 {
     std::uint32_t next = 0x1000;
     for (RegisterEntry& row : table) {

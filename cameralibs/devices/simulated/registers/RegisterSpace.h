@@ -4,10 +4,10 @@
 
 namespace cameralibs::simulated {
 
-/// How a camera answers a register access.
+/// The result of a register access.
 enum class AccessResult { Done, NotConnected, InvalidAddress, WriteProtected, Refused, InvalidValue, Failed };
 
-/// Whatever has registers: a built-in camera, or the bare memory of one made from a description file.
+/// Anything with registers: a built-in camera, or the plain memory of a camera made from a description file.
 class RegisterSpace {
 public:
     virtual ~RegisterSpace() = default;

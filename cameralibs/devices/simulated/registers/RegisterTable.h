@@ -1,7 +1,7 @@
 #pragma once
 
-/// Every register of the built-in cameras. A feature "Width" of the description refers to the register "Width" by the
-/// node name "WidthReg". What differs between the cameras is set when one of them is switched on (CameraModel.h).
+/// All registers of the built-in cameras. The description refers to the register "Width" by the node name "WidthReg".
+/// Values that differ between the cameras (CameraModel.h) are set at power-up.
 
 #include "cameralibs/devices/simulated/registers/RegisterRows.h"
 
@@ -11,7 +11,7 @@ namespace cameralibs::simulated {
 
 namespace rows {
 
-constexpr auto kTable = laidOut(std::array{
+constexpr auto kTable = withAddresses(std::array{
     // Device
     choice("DeviceType", 2).readOnly(),
     choice("DeviceScanType", 2).readOnly(),
@@ -86,7 +86,7 @@ constexpr auto kTable = laidOut(std::array{
     u32("AcquisitionFrameCount", RW, 10).between(1, 65535),
     flag("AcquisitionFrameRateEnable", RW, true),
     real("AcquisitionFrameRate", RW).between(0.1, 1000),
-    real("AcquisitionFrameRateWanted", RW).between(0.1, 1000), // what was written, whatever the exposure allows
+    real("AcquisitionFrameRateWanted", RW).between(0.1, 1000), // as written, even if the exposure is too long for it
     real("AcquisitionFrameRateMax", RO),
     real("AcquisitionResultingFrameRate", RO),
     choice("AcquisitionStatusSelector", 2),
@@ -136,7 +136,7 @@ constexpr auto kTable = laidOut(std::array{
     choice("EventSelector", 1),
     choice("EventNotification", 2),
 
-    // User sets; they outlive the power, and so does the choice of the first
+    // User sets: these registers survive a power cycle, like the default set
     choice("UserSetSelector", 3).notStored(),
     text("UserSetDescription", RW, 64).times(3, "UserSetSelector").notStored(),
     command("UserSetLoad"),
@@ -204,7 +204,7 @@ constexpr auto kTable = laidOut(std::array{
     real("FloatPrecision0", RW, 1234.5).between(-1e12, 1e12),
     real("FloatPrecision15", RW, 1.0 / 3).between(-10, 10),
     real("FloatIncrement", RW, 0.75).between(-1, 10),
-    single("FloatSingle", RW, 0.1).between(-0x1p100, 0x1p100), // numbers that four bytes do not round
+    single("FloatSingle", RW, 0.1).between(-0x1p100, 0x1p100), // the limits are exact in single precision
     real("FloatLargest", RW, 1.7976931348623157e308),
     real("FloatSmallest", RW, 1e-305).between(0, 1e-300),
     real("FloatNotANumber", RO, kNotANumber),
@@ -285,7 +285,7 @@ constexpr auto kTable = laidOut(std::array{
 
 inline constexpr auto kRegisters = rows::kTable;
 
-/// In a constant expression a name that is not in the table does not compile.
+/// In a constant expression, an unknown name is a compile-time error.
 constexpr const RegisterEntry& registerNamed(std::string_view name)
 {
     for (const RegisterEntry& row : kRegisters) {

@@ -26,7 +26,7 @@ constexpr auto& kGainAuto = registerNamed("GainAuto");
 constexpr auto& kBalanceWhiteAuto = registerNamed("BalanceWhiteAuto");
 constexpr auto& kBalanceRatio = registerNamed("BalanceRatio");
 
-/// The registers of one direction of the image.
+/// The registers of one axis of the image.
 struct Axis {
     const RegisterEntry& sensorSize;
     const RegisterEntry& greatest;
@@ -120,7 +120,7 @@ void SensorModel::update()
     updateFrameRate();
 }
 
-// The same part of the sensor is seen as before, as nearly as the steps allow.
+// Keeps the visible part of the sensor as closely as the steps allow.
 void SensorModel::applyBinning()
 {
     for (std::size_t i = 0; i < m_binning.size(); ++i) {

@@ -10,22 +10,22 @@ namespace cameralibs::simulated {
 struct CameraModel;
 class RegisterMemory;
 
-/// How the registers of the image depend on each other: the region of interest on binning, the greatest frame rate on
-/// exposure, height and link, the automatic functions on what they adjust.
+/// The dependencies between image registers: the region of interest depends on binning, the maximum frame rate on
+/// exposure, height and link speed, and the automatic functions on the values they adjust.
 class SensorModel {
 public:
     SensorModel(const CameraModel& model, RegisterMemory& memory);
 
-    /// Sets the registers as the camera leaves the factory.
+    /// Sets the factory defaults.
     void setFactoryDefaults();
 
-    /// Whether the camera takes this value, beyond the limits of the table.
+    /// Whether the camera accepts this value. Checks only dependencies, not the limits of the table.
     [[nodiscard]] bool accepts(const RegisterEntry& entry, std::int64_t value) const;
 
-    /// After a register was written by the user.
+    /// To be called after the user has written a register.
     void apply(const RegisterEntry& entry);
 
-    /// After any number of registers changed together.
+    /// To be called after several registers have changed together.
     void update();
 
 private:
@@ -36,7 +36,7 @@ private:
 
     const CameraModel& m_model;
     RegisterMemory& m_memory;
-    std::array<std::int64_t, 2> m_binning{1, 1}; ///< that the region of interest is fitted to: across, down
+    std::array<std::int64_t, 2> m_binning{1, 1}; ///< that the region of interest is adapted to: horizontal, vertical
 };
 
 } // namespace cameralibs::simulated

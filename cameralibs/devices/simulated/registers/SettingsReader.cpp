@@ -22,7 +22,7 @@ std::uint32_t word(const RegisterMemory& memory, const RegisterEntry& entry)
     return static_cast<std::uint32_t>(memory.integer(entry));
 }
 
-// Joined pixels give their sum or their mean; the image maker takes the mean.
+// The image maker averages binned pixels, so the sum needs a factor.
 double binningFactor(const RegisterMemory& memory, const RegisterEntry& mode, std::uint32_t binning)
 {
     return static_cast<BinningMode>(memory.integer(mode)) == BinningMode::Sum ? binning : 1;

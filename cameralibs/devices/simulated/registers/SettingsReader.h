@@ -6,10 +6,10 @@ namespace cameralibs::simulated {
 
 class RegisterMemory;
 
-/// What the registers of a built-in camera say about its images.
+/// Reads the image settings from the registers of a built-in camera.
 [[nodiscard]] FrameSettings readSettings(const RegisterMemory& memory);
 
-/// How much brighter the image is than the scene, from exposure and gain.
+/// Factor between the brightness of the scene and the image, from exposure and gain.
 [[nodiscard]] double brightness(double exposureTime, double gain);
 
 } // namespace cameralibs::simulated

@@ -7,14 +7,14 @@ namespace cameralibs::simulated {
 
 namespace {
 
-/// Calls `visit(page number, offset in the page, offset in the range, bytes)` for each page of a range.
+/// Calls `visit(page number, offset in page, offset in range, byte count)` for each page of the range.
 template <typename Visit> void forEachPage(std::uint64_t address, std::size_t size, std::size_t pageSize, Visit visit)
 {
     for (std::size_t done = 0; done < size;) {
-        const std::uint64_t place = address + done; // wraps round at the end of the address space
-        const auto offset = static_cast<std::size_t>(place % pageSize);
+        const std::uint64_t current = address + done; // wraps round at the end of the address space
+        const auto offset = static_cast<std::size_t>(current % pageSize);
         const std::size_t bytes = std::min(size - done, pageSize - offset);
-        visit(place / pageSize, offset, done, bytes);
+        visit(current / pageSize, offset, done, bytes);
         done += bytes;
     }
 }

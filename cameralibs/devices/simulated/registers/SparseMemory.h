@@ -10,7 +10,8 @@
 
 namespace cameralibs::simulated {
 
-/// Memory for registers wherever a description puts them: every address can be written, and what never was is zero.
+/// Register memory over the whole 64-bit address space, because a description file may use any address. Unwritten bytes
+/// read as zero.
 class SparseMemory : public RegisterSpace {
 public:
     [[nodiscard]] AccessResult read(std::uint64_t address, void* buffer, std::uint32_t size) override;

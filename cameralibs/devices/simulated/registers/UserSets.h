@@ -8,19 +8,19 @@ namespace cameralibs::simulated {
 class Attachment;
 class RegisterMemory;
 
-/// The user sets of a built-in camera, and what else it remembers without power.
+/// The user sets and other non-volatile settings of a built-in camera.
 class UserSets {
 public:
     UserSets(RegisterMemory& memory, Attachment& attachment);
 
-    /// At power-up, with the registers as they leave the factory: loads what was remembered.
+    /// Loads the non-volatile settings. To be called at power-up, when the registers have their factory defaults.
     void powerUp();
 
-    /// Loads or saves the set that is selected.
+    /// Loads or saves the selected set.
     void load();
     void save();
 
-    /// Remembers those registers that are kept as soon as they are written.
+    /// Saves the registers that are non-volatile without a user set.
     void keep();
 
 private:
