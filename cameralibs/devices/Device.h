@@ -80,8 +80,9 @@ public:
     /// The registers for the node map. Valid as long as this device.
     [[nodiscard]] virtual ArvDevice* registers() = 0;
 
-    /// The map over the registers was made, and no register accessed yet. It ends before this device does, and is used
-    /// only while the device has it to itself: here, in register accesses, and in calls of the device and its source.
+    /// Passes the node map, before the first register access. It is destroyed before the device. The device may use it
+    /// only while it has exclusive access: in this function, in register accesses and in calls of the device and its
+    /// source.
     virtual void useNodes(NodeMap& /*nodes*/) {}
 
     /// The GenICam description (XML). Errors: CAM_API_STS_XML_LOAD_ERR.

@@ -8,7 +8,7 @@ namespace cameralibs {
 
 namespace {
 
-/// Some tenths of a millisecond.
+/// So many steps take a few tenths of a millisecond.
 constexpr std::uint64_t kUntimedSteps = 1024;
 
 thread_local EvaluationBudget* current = nullptr;
@@ -61,7 +61,7 @@ void EvaluationBudget::check()
         current->checkTime();
 }
 
-// A thread cannot have taken more processor time than has passed, and that clock is the cheaper one.
+// Processor time never exceeds wall time, whose clock is cheaper to read, so check that one first.
 void EvaluationBudget::checkTime() const
 {
     if (Clock::now() - m_beganOnTheWall <= m_limit || processorTime() - *m_began <= m_limit)

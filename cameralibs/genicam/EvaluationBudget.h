@@ -7,11 +7,12 @@
 
 namespace cameralibs {
 
-/// How much processor time the calling thread may take to evaluate a description while this lives; an inner one stands
-/// in for an outer one. What a busy machine or a slow camera makes the thread wait does not count.
+/// Limits the processor time that the calling thread may spend on evaluating a description, as long as this object
+/// lives. A nested budget replaces the outer one. Only processor time counts, so neither a busy machine nor a slow
+/// camera uses it up.
 ///
-/// Nothing can interrupt Aravis in the middle of an evaluation. The validator bounds the steps of each; here the time
-/// is looked at before and after.
+/// An evaluation by Aravis cannot be interrupted. The validator bounds the steps of each evaluation; this class checks
+/// the time before and after it.
 class EvaluationBudget {
 public:
     explicit EvaluationBudget(std::chrono::milliseconds limit) noexcept;
@@ -19,14 +20,14 @@ public:
     EvaluationBudget(const EvaluationBudget&) = delete;
     EvaluationBudget& operator=(const EvaluationBudget&) = delete;
 
-    /// Time counts from here on, at the latest.
+    /// Starts the clock, unless it is running already.
     void begin();
 
-    // On a thread without a budget these do nothing. Both throw Failure(CAM_API_STS_GENICAM_ERR) once it is used up,
-    // and go on to do so.
+    // Both do nothing on a thread without a budget. Once the budget is used up, every call throws
+    // Failure(CAM_API_STS_GENICAM_ERR).
 
-    /// To be called before so many steps are evaluated. Few steps are not timed: to read the clock takes as long as to
-    /// read a register.
+    /// To be called before `steps` steps are evaluated. Small numbers are not timed, because reading the clock takes as
+    /// long as reading a register.
     static void expect(const std::string& node, std::uint64_t steps);
 
     /// To be called after each piece of work.
@@ -40,7 +41,7 @@ private:
     EvaluationBudget* const m_outer;
     const std::chrono::milliseconds m_limit;
     std::uint64_t m_untimedSteps = 0;
-    std::string m_node; ///< the last one that took many steps
+    std::string m_node; ///< the last node with many steps, for the error text
     std::optional<std::chrono::nanoseconds> m_began;
     Clock::time_point m_beganOnTheWall;
 };

@@ -4,7 +4,8 @@
 #include <limits>
 #include <string_view>
 
-// Short cuts written on the exported camera API only: another maker's library behind its soname serves as well.
+// Convenience functions that use only the exported camera API, so that they also work with another implementation of
+// it.
 
 namespace Orvo {
 
@@ -12,7 +13,7 @@ namespace {
 
 using IntegerGetter = CAM_API_STATUS (*)(CAM_HANDLE, CAM_NODE_HANDLE, std::int64_t*);
 
-// A feature whose value is a 32-bit number.
+// Reads a feature whose value is a 32-bit number.
 CAM_API_STATUS readNumber(CAM_HANDLE camera, const char* feature, IntegerGetter getter, std::uint32_t* number)
 {
     CAM_NODE_HANDLE node = 0;
@@ -33,9 +34,8 @@ CAM_API_STATUS readNumber(CAM_HANDLE camera, const char* feature, IntegerGetter 
     return CAM_API_STS_SUCCESS;
 }
 
-// Whether an enumeration stands at the entry of this name. The numbers behind the names of the standard are the
-// camera's own.
-CAM_API_STATUS standsAt(CAM_HANDLE camera, const char* feature, std::string_view entry, bool* result)
+// Whether the enumeration has this entry selected. Compares names, because the standard does not define the numbers.
+CAM_API_STATUS hasEntrySelected(CAM_HANDLE camera, const char* feature, std::string_view entry, bool* result)
 {
     CAM_NODE_HANDLE node = 0;
     if (const CAM_API_STATUS status = Nd_GetNode(camera, feature, &node); status != CAM_API_STS_SUCCESS) {
@@ -73,14 +73,14 @@ CAM_API_STATUS GetCamPixelFormat(CAM_HANDLE camera, std::uint32_t* pixelFormat)
 
 CAM_API_STATUS GetCamTriggerMode(CAM_HANDLE camera, bool* on)
 {
-    return standsAt(camera, "TriggerMode", "On", on);
+    return hasEntrySelected(camera, "TriggerMode", "On", on);
 }
 
 CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE camera, std::uint32_t* source)
 {
     bool software = false;
     const CAM_API_STATUS status =
-        standsAt(camera, "TriggerSource", "Software", source == nullptr ? nullptr : &software);
+        hasEntrySelected(camera, "TriggerSource", "Software", source == nullptr ? nullptr : &software);
     if (status != CAM_API_STS_SUCCESS) {
         return status;
     }
@@ -102,8 +102,8 @@ CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE camera)
 
 CAM_API_STATUS GetCamIndexFromCamHandle(CAM_HANDLE camera, std::uint32_t* cameraIndex)
 {
-    // Cam_GetInformation takes handle 0 for "by index". Any other operation tells what is wrong with it. Image
-    // callbacks call this for every image, so that a second look-up would cost them half as much again.
+    // Cam_GetInformation would treat handle 0 as "use the index", so another function reports the error. Other handles
+    // need no second look-up, which would cost image callbacks half as much time again.
     if (camera == 0) {
         CAM_NODE_HANDLE root = 0;
         return Nd_GetNode(camera, "Root", &root);

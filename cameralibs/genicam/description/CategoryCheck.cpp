@@ -8,9 +8,9 @@ using namespace Orvo;
 
 namespace {
 
-/// The features in Root have depth 1.
+/// Features directly in Root have depth 1.
 constexpr std::uint32_t kMaxDepth = 256;
-/// What a tree of all features shows: a category that two others list counts twice.
+/// Rows of a tree with all features. A category that is listed twice counts twice.
 constexpr std::uint64_t kMaxRows = 65536;
 
 } // namespace

@@ -6,7 +6,7 @@ namespace cameralibs {
 
 namespace {
 
-/// Which question needs which reference, and what it asks of the node there.
+/// Answering `question` needs the answer to `asked` of the node behind `property`.
 struct DependencyRow {
     Question question;
     std::string_view property;

@@ -7,7 +7,7 @@
 
 namespace cameralibs {
 
-/// A node and what is asked of it: a vertex of the graph of all evaluations.
+/// A question about a node: a vertex of the graph of all evaluations.
 struct Evaluation {
     NodeId node;
     Question question;
@@ -19,7 +19,7 @@ struct Evaluation {
     }
 };
 
-/// The evaluations that come before this one, as far as the nodes exist.
+/// The evaluations that this one needs directly. References to missing nodes are skipped.
 [[nodiscard]] std::vector<Evaluation> dependencies(const Description& description, const Evaluation& evaluation);
 
 } // namespace cameralibs

@@ -29,7 +29,7 @@ NodeId Description::add(DescribedNode node)
     const auto id = static_cast<NodeId>(m_nodes.size());
     if (node.element != Element::enumEntry) {
         const auto [entry, isNew] = m_byName.try_emplace(node.name, id);
-        // Of several nodes with one name the last counts; nothing leads to the others any more.
+        // If several nodes have the same name, the last one counts. Empty the earlier one, which nothing refers to.
         if (!isNew)
             m_nodes[std::exchange(entry->second, id)] = {};
     }

@@ -16,7 +16,7 @@
 
 namespace cameralibs {
 
-/// A node's place in its description.
+/// Index of a node in its description.
 using NodeId = std::uint32_t;
 constexpr NodeId kNoNode = 0xFFFFFFFF;
 
@@ -45,29 +45,29 @@ enum class Element {
     unknown,
 };
 
-/// What can be asked of a node. A range does not enter a value: Width's maximum may depend on OffsetX and OffsetX's on
-/// Width.
+/// What can be asked about a node. Value and range are separate, because reading a value does not need the range:
+/// Width's maximum may depend on OffsetX, and OffsetX's maximum on Width, without a cycle.
 enum class Question : std::size_t { value, range, access };
 constexpr std::size_t kQuestions = 3;
 
-/// One element that names another node, such as <pValue>Width</pValue>.
+/// An element that refers to another node, such as <pValue>Width</pValue>.
 struct Reference {
-    std::string property; ///< the element's name
-    std::string name;     ///< the name it gives
+    std::string property; ///< name of the element
+    std::string name;     ///< name of the other node
     NodeId target = kNoNode;
-    std::int64_t index = 0; ///< of a <pValueIndexed>: the index it is for
+    std::int64_t index = 0; ///< the Index attribute of a <pValueIndexed>
 };
 
-/// Whether a question can be answered at all, and whether something has to be looked at before Aravis is asked: it
-/// takes some errors for a value of 0, and others end the process.
+/// Whether a question can be answered, and whether it needs checks before Aravis evaluates it. Aravis turns some errors
+/// into the value 0, and others crash the process.
 struct Answerable {
-    NodeId faulty = kNoNode;   ///< the node whose fault prevents it
-    bool needsChecks = false;  ///< a node behind the answer may fail while it is evaluated
-    bool checksItself = false; ///< this one may
-    std::uint64_t steps = 0;   ///< that Aravis takes to answer, at most
+    NodeId faulty = kNoNode;   ///< the node whose fault prevents an answer
+    bool needsChecks = false;  ///< evaluating this node or one it depends on may fail
+    bool checksItself = false; ///< evaluating this node may fail
+    std::uint64_t steps = 0;   ///< upper limit of Aravis' evaluation steps
 };
 
-/// A node as its description tells it, without the device.
+/// The static properties of a node, known without the device.
 struct DescribedNode {
     Element element = Element::unknown;
     Orvo::NodeType type = Orvo::NODE_TYPE_UNKNOWN;
@@ -75,29 +75,29 @@ struct DescribedNode {
     std::string toolTip;
     std::string description;
     std::string unit;
-    std::string symbolic; ///< of an entry: its symbolic name
+    std::string symbolic; ///< symbolic name of an enumeration entry
     Orvo::TC_NODE_VISIBILITY visibility = Orvo::NODE_VISIBILITY_BEGINNER;
     Orvo::NodeRepresentation representation = Orvo::NODE_REPRESENTATION_PURE_NUMBER;
     Orvo::FloatDisplayNotation notation = Orvo::FLOAT_DISPLAY_NOTATION_AUTOMATIC;
     std::int64_t precision = 6;
 
-    Orvo::NodeAccessMode ownAccess = Orvo::NODE_ACCESS_MODE_RW; ///< before anything else is looked at
+    Orvo::NodeAccessMode ownAccess = Orvo::NODE_ACCESS_MODE_RW; ///< without the effects of other nodes
     Orvo::NodeAccessMode imposedAccess = Orvo::NODE_ACCESS_MODE_RW;
-    bool carriedByImages = false; ///< of a port: its registers come with images or events, not from the device
+    bool carriedByImages = false; ///< of a port for chunk or event data: its registers are not on the device
     std::int64_t onValue = 1;
     std::int64_t offValue = 0;
-    std::optional<std::int64_t> entryValue;     ///< of an entry whose value is a number
-    std::map<std::string, std::string> numbers; ///< <Length>, <LSB>, <MSB> and <Bit> as they stand
-    std::vector<std::int64_t> constantIndices;  ///< of the <ValueIndexed> elements: constants of the node itself
+    std::optional<std::int64_t> entryValue;     ///< constant value of an enumeration entry
+    std::map<std::string, std::string> numbers; ///< texts of <Length>, <LSB>, <MSB> and <Bit>
+    std::vector<std::int64_t> constantIndices;  ///< indices of the <ValueIndexed> constants
     std::vector<Formula> formulas;
 
-    std::vector<NodeId> features; ///< of a category, in the order of the description
-    std::vector<NodeId> entries;  ///< of an enumeration, in the order of the description
+    std::vector<NodeId> features; ///< of a category, in document order
+    std::vector<NodeId> entries;  ///< of an enumeration, in document order
     std::vector<Reference> references;
-    std::string fault; ///< what makes the node unusable; empty where nothing does
+    std::string fault; ///< why the node is unusable; empty if it is usable
     std::array<Answerable, kQuestions> questions;
 
-    /// The node that the first element of this name refers to, kNoNode without one.
+    /// The target of the first reference with this name, or kNoNode.
     [[nodiscard]] NodeId link(std::string_view property) const;
 
     [[nodiscard]] Answerable& to(Question question) { return questions[static_cast<std::size_t>(question)]; }
@@ -106,23 +106,23 @@ struct DescribedNode {
         return questions[static_cast<std::size_t>(question)];
     }
 
-    /// Keeps the first reason that is given.
+    /// The first reason is kept.
     void setFault(const std::string& reason);
 };
 
-/// The nodes of one camera. Does not change once it is read, so that any thread may look at it.
+/// The nodes of one camera. Immutable once read, so any thread may use it.
 class Description {
 public:
     [[nodiscard]] std::size_t size() const noexcept { return m_nodes.size(); }
     [[nodiscard]] const DescribedNode& node(NodeId id) const { return m_nodes[id]; }
     [[nodiscard]] DescribedNode& node(NodeId id) { return m_nodes[id]; }
 
-    /// kNoNode for an unknown name. Entries of enumerations are found through their enumeration only.
+    /// kNoNode if the name is unknown. Enumeration entries are not found by name, only through their enumeration.
     [[nodiscard]] NodeId find(const std::string& name) const;
 
     [[nodiscard]] NodeId add(DescribedNode node);
 
-    /// The description in the form that Aravis reads.
+    /// The normalised description for Aravis.
     [[nodiscard]] const std::string& xml() const noexcept { return m_xml; }
     void setXml(std::string xml);
 
@@ -132,8 +132,8 @@ private:
     std::string m_xml;
 };
 
-/// Throws Failure: CAM_API_STS_XML_LOAD_ERR for a text that is not well-formed, CAM_API_STS_GENICAM_ERR for what cannot
-/// be used, with a text that names the node.
+/// Reads and validates a description. Throws Failure: CAM_API_STS_XML_LOAD_ERR if it is not well-formed,
+/// CAM_API_STS_GENICAM_ERR with the name of the node if it cannot be used.
 [[nodiscard]] std::shared_ptr<const Description> readDescription(const std::string& xml);
 
 } // namespace cameralibs

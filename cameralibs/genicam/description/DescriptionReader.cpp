@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kMaxName = 255;
 
-/// To read more takes too much time and memory before anybody can look at the clock.
+/// Parsing cannot be interrupted, so the size bounds its time and memory.
 constexpr std::size_t kMaxSize = std::size_t{16} << 20;
 
 std::string nameOf(XmlElement element)
@@ -26,7 +26,7 @@ std::string nameOf(XmlElement element)
         throw Failure(CAM_API_STS_GENICAM_ERR, "[" + name.substr(0, kMaxName) + "...] The name is longer than " +
                                                    std::to_string(kMaxName) + " bytes");
     }
-    element.setAttribute("Name", name); // without white space for Aravis, too
+    element.setAttribute("Name", name); // stripped of white space for Aravis, too
     return name;
 }
 
@@ -43,7 +43,7 @@ std::string symbolicName(const std::string& enumeration, const DescribedNode& en
     return symbolic;
 }
 
-/// Cameras pad their files with zeros.
+/// Cameras pad their description files with zeros.
 std::string_view withoutPadding(const std::string& xml)
 {
     const std::size_t length = xml.find_last_not_of(std::string_view("\0 \t\r\n", 5)) + 1;
@@ -62,7 +62,7 @@ DescriptionReader::DescriptionReader(const std::string& xml)
 
 std::shared_ptr<Description> DescriptionReader::read()
 {
-    // No description needs one, and its entities could name files or grow without bound.
+    // No description needs a DTD, and its entities could refer to files or expand without limit.
     if (m_document.declaresType())
         throw Failure(CAM_API_STS_GENICAM_ERR, "The description declares a document type");
     const XmlElement root = m_document.root();
@@ -92,7 +92,7 @@ void DescriptionReader::readChildren(XmlElement parent)
     }
 }
 
-// The entries of a structure share its address, length, port and access mode.
+// The entries of a StructReg share its address, length, port and access mode.
 void DescriptionReader::readStructure(XmlElement element)
 {
     DescribedNode shared;
@@ -138,7 +138,7 @@ void DescriptionReader::readEntries(XmlElement element, NodeId enumeration)
     }
 }
 
-// Of several nodes with one name the last counts; Aravis must not find the others.
+// If several nodes have the same name, the last one counts. Aravis must not find the earlier ones.
 void DescriptionReader::forgetEarlier(const std::string& name, XmlElement element)
 {
     XmlElement& known = m_elements[name];

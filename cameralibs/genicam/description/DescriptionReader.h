@@ -9,7 +9,7 @@
 
 namespace cameralibs {
 
-/// Turns the text of a GenICam description into nodes. One use each.
+/// Turns the text of a GenICam description into nodes. Each object is used once.
 class DescriptionReader {
 public:
     /// Throws Failure(CAM_API_STS_XML_LOAD_ERR).
@@ -28,7 +28,7 @@ private:
 
     XmlDocument m_document;
     std::shared_ptr<Description> m_description;
-    std::unordered_map<std::string, XmlElement> m_elements; ///< those that became nodes
+    std::unordered_map<std::string, XmlElement> m_elements; ///< elements of nodes, by node name
 };
 
 } // namespace cameralibs

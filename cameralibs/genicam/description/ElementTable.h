@@ -6,15 +6,15 @@
 
 namespace cameralibs {
 
-/// What an element of a description is as a node.
+/// The node type and default access mode of an element.
 struct ElementRow {
     std::string_view name;
     Element element;
     Orvo::NodeType type;
-    Orvo::NodeAccessMode access; ///< where the element says nothing of it
+    Orvo::NodeAccessMode access; ///< if the element does not specify one
 };
 
-/// Element::unknown for an element that is no node.
+/// The row of Element::unknown if the element is not a node.
 [[nodiscard]] const ElementRow& elementRow(std::string_view name);
 
 } // namespace cameralibs

@@ -13,15 +13,15 @@ using namespace Orvo;
 
 namespace {
 
-/// Each step of an evaluation takes room on the stack, and each asks anew for what it needs. Aravis takes about a
-/// quarter of a microsecond for a step, more for one that reads a register.
+/// Aravis evaluates recursively and does not share results, so both the depth and the number of steps need a limit. A
+/// step takes about a quarter of a microsecond, more if it reads a register.
 constexpr std::uint32_t kMaxDepth = 256;
 constexpr std::uint64_t kMaxSteps = 65536;
 
-/// Of all that a program can show, once: about a second.
+/// For evaluating every feature once, which takes about a second.
 constexpr std::uint64_t kMaxStepsOfAll = 64 * kMaxSteps;
 
-/// Bytes of a formula that take as long as a step.
+/// Bytes of a formula that take as long as one step.
 constexpr std::size_t kBytesPerStep = 4;
 
 [[noreturn]] void refuse(const Description& description, std::size_t vertex, const char* reason)
@@ -30,17 +30,17 @@ constexpr std::size_t kBytesPerStep = 4;
     throw Failure(CAM_API_STS_GENICAM_ERR, "[" + node.name + "] " + reason);
 }
 
-/// Whether the node itself can go wrong while it answers, in a way that Aravis does not tell.
+/// Whether evaluating the node itself may fail without Aravis reporting an error.
 bool needsCheck(const DescribedNode& node, Question question)
 {
     if (question != Question::access && node.link("pLength") != kNoNode)
         return true;
-    // Converters tell of their own errors where they are read.
+    // Aravis does report errors of converters when they are read.
     return question == Question::value && node.element != Element::converter && node.element != Element::intConverter &&
            std::any_of(node.formulas.begin(), node.formulas.end(), [](const Formula& f) { return f.mayFail(); });
 }
 
-/// What a node itself takes, without what lies behind it.
+/// Steps of the node itself, without the nodes it depends on.
 std::uint64_t ownSteps(const DescribedNode& node)
 {
     std::uint64_t steps = 1;
@@ -56,7 +56,7 @@ std::uint64_t stepsOf(const DescribedNode& node)
     return node.to(Question::value).steps + node.to(Question::range).steps + node.to(Question::access).steps;
 }
 
-/// Aravis looks at all the entries wherever one is chosen.
+/// Aravis evaluates all entries to find the selected one.
 std::uint64_t stepsOfEntries(const Description& description, const DescribedNode& node)
 {
     std::uint64_t steps = 0;

@@ -14,14 +14,14 @@ namespace cameralibs {
 
 namespace {
 
-/// The code of the evaluator's error, which it does not publish.
+/// ArvEvaluator's error code for a division by zero. Aravis does not export it.
 constexpr int kDivisionByZero = 11;
 
 struct Unref {
     void operator()(ArvEvaluator* evaluator) const { g_object_unref(evaluator); }
 };
 
-/// The nearest there is, where a double is beyond the integers.
+/// Converts to the nearest integer in range; a plain cast would be undefined behaviour.
 std::int64_t toInteger(double number)
 {
     constexpr double kLimit = 9223372036854775808.0;

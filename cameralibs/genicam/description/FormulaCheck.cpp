@@ -9,7 +9,7 @@ namespace cameralibs {
 
 namespace {
 
-/// Aravis keeps more than a hundred bytes for each that it reads.
+/// Aravis allocates more than a hundred bytes per byte of a formula.
 constexpr std::size_t kMaxFormula = 65536;
 constexpr std::size_t kMaxAllFormulas = 16 * kMaxFormula;
 
@@ -18,7 +18,7 @@ constexpr std::size_t kMaxAllFormulas = 16 * kMaxFormula;
     throw Failure(Orvo::CAM_API_STS_GENICAM_ERR, "[" + node.name + "] " + reason);
 }
 
-/// The bytes of a node's formulas.
+/// Returns the total size of a node's formulas in bytes.
 std::size_t checkSize(const DescribedNode& node)
 {
     std::size_t size = 0;
@@ -33,7 +33,7 @@ std::size_t checkSize(const DescribedNode& node)
     return size;
 }
 
-/// Names such as "A.Max" ask for more than a value. Aravis gives the value all the same.
+/// Names such as "A.Max" refer to a limit, but Aravis would use the value instead.
 bool asksForLimits(const std::string& variable)
 {
     for (const char* suffix : {".Min", ".Max", ".Inc"}) {
@@ -50,7 +50,7 @@ void checkFormula(DescribedNode& node, const Formula& formula)
         if (asksForLimits(variable))
             node.setFault("The variable \"" + variable + "\" is none that can be evaluated");
     }
-    // Any numbers do to see whether a formula is one; only what they are may still be wrong.
+    // Any values do for a syntax check. A division by zero only means that these values do not suit the formula.
     const FormulaResult result = evaluate(formula, 1.0, [](const std::string&) { return 1.0; });
     if (!result.error.empty() && !result.divisionByZero)
         node.setFault("\"" + formula.text + "\": " + result.error);

@@ -41,8 +41,8 @@ constexpr Token<NodeAccessMode> kAccessModes[] = {
     {"RW", NODE_ACCESS_MODE_RW},
 };
 constexpr std::string_view kKeptWhiteSpace[] = {"ToolTip", "Description", "DisplayName", "DocuURL", "Comment", "Value"};
-/// What no evaluation of Aravis looks at: what a program shows, and how a value may be kept and accessed, which is
-/// decided here. Aravis makes several objects of each element that it is given.
+/// Elements that Aravis does not need: texts for display, and caching and access rules, which this library implements.
+/// They are removed, because Aravis creates several objects per element.
 constexpr std::string_view kNotForAravis[] = {
     "ToolTip",        "Description",     "DisplayName",       "DocuURL",   "Visibility",   "Unit",
     "Representation", "DisplayNotation", "DisplayPrecision",  "pFeature",  "pSelected",    "PollingTime",
@@ -56,7 +56,7 @@ template <std::size_t N> bool contains(const std::string_view (&names)[N], std::
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-/// `value` is left as it is by a text that is not in the table.
+/// `value` does not change if the text is not in the table.
 template <class Value, std::size_t N>
 void assignToken(const Token<Value> (&table)[N], std::string_view text, Value& value)
 {
@@ -65,7 +65,7 @@ void assignToken(const Token<Value> (&table)[N], std::string_view text, Value& v
         value = row->value;
 }
 
-/// Elements such as pValue; all of them, known or not, name a node.
+/// Every element with a name such as pValue refers to a node, known or not.
 bool isReference(std::string_view name)
 {
     return name.size() > 1 && name[0] == 'p' && name[1] >= 'A' && name[1] <= 'Z';
@@ -124,8 +124,8 @@ void readNumber(std::string_view name, std::string_view text, DescribedNode& nod
     }
 }
 
-/// Aravis knows truth by numbers only.
-void readTruth(XmlElement element, std::string_view text)
+/// Aravis accepts booleans only as 0 or 1.
+void normaliseBoolean(XmlElement element, std::string_view text)
 {
     if (trimmed(text) == "true") {
         element.setText("1");
@@ -134,7 +134,7 @@ void readTruth(XmlElement element, std::string_view text)
     }
 }
 
-/// What the formulas of one element share, and what each has.
+/// The common and the individual parts of an element's formulas.
 struct FormulaParts {
     Formula common;
     std::string formula;
@@ -180,7 +180,8 @@ private:
     }
 };
 
-/// The text of an element, in the element itself too without the white space that says nothing.
+/// The text of an element. Also strips insignificant white space from the element itself, so that Aravis reads the
+/// same.
 std::string_view readText(XmlElement element)
 {
     const std::string_view text = element.text();
@@ -198,7 +199,7 @@ void readChild(XmlElement child, DescribedNode& node, FormulaParts& parts)
 {
     const std::string_view name = child.name();
     if (const Element inner = elementRow(name).element; inner != Element::unknown) {
-        // A formula within a register computes its address; entries are nodes of their own.
+        // A nested formula computes a register's address. Other nested nodes, such as entries, are read separately.
         if (inner == Element::intSwissKnife)
             readChildren(child, node, inner);
         return;
@@ -213,9 +214,9 @@ void readChild(XmlElement child, DescribedNode& node, FormulaParts& parts)
         readTextOrToken(name, text, node);
         readNumber(name, text, node);
         if (name == "Value" && node.element == Element::boolean)
-            readTruth(child, text);
+            normaliseBoolean(child, text);
     }
-    // It does look for the entries that can be chosen.
+    // Aravis needs the availability of enumeration entries.
     const bool entry = node.element == Element::enumEntry;
     if (contains(kNotForAravis, name) || (!entry && contains(kAvailability, name)))
         child.remove();

@@ -5,8 +5,8 @@
 
 namespace cameralibs {
 
-/// Reads what the children of a node's element say into the node. Names and numbers lose the white space around them in
-/// the element itself too, so that Aravis reads the same.
+/// Reads the children of a node's element into `node`. Also strips the white space around names and numbers from the
+/// elements themselves, so that Aravis reads the same.
 void readProperties(XmlElement element, DescribedNode& node);
 
 } // namespace cameralibs

@@ -24,7 +24,7 @@ constexpr unsigned kEnumeration = bitOf(NODE_TYPE_ENUMERATION);
 constexpr unsigned kString = bitOf(NODE_TYPE_STRING);
 constexpr unsigned kPort = bitOf(NODE_TYPE_PORT);
 
-/// The kinds of node that Aravis can evaluate behind a reference; it takes the others for a value of 0.
+/// The kinds of node that Aravis can evaluate behind a reference. It reads all others as 0.
 struct KindRow {
     std::string_view property;
     unsigned kinds;
@@ -76,7 +76,7 @@ void checkReferences(Description& description)
     for (NodeId id = 0; id < description.size(); ++id) {
         DescribedNode& node = description.node(id);
         for (const Reference& reference : node.references) {
-            // What a category lists and does not exist was left out.
+            // Categories may list missing features; they are skipped when the description is read.
             if (reference.property == "pFeature")
                 continue;
             if (reference.target == kNoNode) {

@@ -36,7 +36,7 @@ bool isRegister(Element element)
                                                property + "> " + reason);
 }
 
-/// Within its limits, or refused; nothing where the node leaves it out.
+/// Reads a number and checks its limits. nullopt if the node does not have the element.
 std::optional<long long> number(const DescribedNode& node, const char* property, long long lowest, long long highest)
 {
     const auto found = node.numbers.find(property);

@@ -4,19 +4,19 @@
 
 namespace cameralibs {
 
-/// Whether a description can be evaluated without harm: a category named Root, categories without a cycle and of
-/// bounded depth and size, an evaluation without a cycle, lengths and bit ranges that exist.
-/// Throws Failure(CAM_API_STS_GENICAM_ERR) with a text that names the node. What concerns single nodes only is noted as
-/// their fault.
+/// Checks that a description is safe to evaluate: it has a category Root, its categories have no cycle and a limited
+/// depth and size, evaluations have no cycle and limited cost, and lengths and bit ranges are valid. Throws
+/// Failure(CAM_API_STS_GENICAM_ERR) with the name of the node. A problem of a single node becomes the fault of that
+/// node instead.
 void validate(Description& description);
 
-// The checks one by one, in their order.
+// The individual checks, in the order in which they run.
 void checkCategories(const Description& description);
 void checkRegisters(Description& description);
 void checkReferences(Description& description);
 void checkFormulas(Description& description);
 
-/// Last: passes on to each node what was found about those behind it.
+/// Must be the last: it propagates the faults to all nodes that depend on a faulty one.
 void checkEvaluation(Description& description);
 
 } // namespace cameralibs

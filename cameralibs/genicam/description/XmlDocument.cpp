@@ -42,7 +42,8 @@ void escape(std::string_view text, std::string& xml)
 
 } // namespace
 
-/// Receives what libxml2 finds. Its functions are called from C, which no exception may pass through.
+/// Receives the SAX events of libxml2. Exceptions must not propagate through the C code that calls the handlers, so
+/// they are stored and rethrown.
 class XmlParser {
 public:
     XmlParser(XmlDocument& document, std::string_view xml)
@@ -113,7 +114,7 @@ private:
         XmlDocument::Item item;
         item.name = m_document.keep(viewOf(name));
         item.firstAttribute = static_cast<std::uint32_t>(m_document.m_attributes.size());
-        // Each has name, prefix, name space, begin and end of the value.
+        // Each attribute has five fields: name, prefix, name space, begin and end of the value.
         for (int i = 0; i < attributes; ++i, fields += 5) {
             if (fields[1] != nullptr)
                 continue;
@@ -127,12 +128,12 @@ private:
 
     void onEnd()
     {
-        // White space that is all of an element is its value.
+        // White space is kept only if it is the whole content of the element.
         flush(m_document.m_items[m_open.back()].firstChild != XmlDocument::kNone && isBlank(m_text));
         m_open.pop_back();
     }
 
-    /// It comes in pieces.
+    /// Stores the text, which libxml2 delivers in pieces.
     void flush(bool dropped)
     {
         if (!dropped && !m_text.empty()) {
@@ -155,7 +156,7 @@ private:
     XmlDocument& m_document;
     const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> m_context;
     std::vector<std::uint32_t> m_open;
-    std::string m_text; ///< since the last tag
+    std::string m_text; ///< text since the last tag
     std::exception_ptr m_exception;
 };
 
@@ -307,7 +308,7 @@ std::string_view trimmed(std::string_view text)
 
 bool toInteger(std::string_view text, long long& value)
 {
-    // Base 0 would read a leading zero as octal.
+    // Base 0 would parse a leading zero as octal.
     const std::size_t digits = text.find_first_not_of("+-");
     const bool prefixed =
         digits != std::string_view::npos && (text.substr(digits, 2) == "0x" || text.substr(digits, 2) == "0X");

@@ -11,24 +11,24 @@ namespace cameralibs {
 
 class XmlDocument;
 
-/// An element of a document, which outlives it. What it returns lives as long as the document.
+/// Refers to an element of a document. It and everything it returns are valid as long as the document.
 class XmlElement {
 public:
-    /// None.
+    /// No element.
     XmlElement() = default;
     [[nodiscard]] explicit operator bool() const noexcept { return m_document != nullptr; }
 
     [[nodiscard]] std::string_view name() const;
 
-    /// All text within it, as it stands, entities replaced.
+    /// The unmodified text of the element and its children, with entities resolved.
     [[nodiscard]] std::string_view text() const;
     void setText(std::string_view text);
 
-    /// Without the white space around it; empty for an attribute that is not there.
+    /// The attribute without surrounding white space, empty if it is missing.
     [[nodiscard]] std::string_view attribute(std::string_view name) const;
     void setAttribute(std::string_view name, std::string_view value);
 
-    /// The elements in it. From one that was removed next() still leads on.
+    /// Iterate over the child elements. next() also works on a removed element.
     [[nodiscard]] XmlElement firstChild() const;
     [[nodiscard]] XmlElement next() const;
     void remove();
@@ -46,21 +46,22 @@ private:
     std::uint32_t m_item = 0;
 };
 
-/// A parsed text. Its thousands of elements lie in a few large pieces of memory, because to allocate and free them one
-/// by one takes longer than to parse the text. Comments, name spaces and the white space between elements are left out.
+/// A parsed XML document. Its thousands of elements are stored in a few large blocks of memory, because allocating and
+/// freeing them one by one takes longer than parsing. Comments, name spaces and white space between elements are
+/// dropped.
 class XmlDocument {
 public:
-    /// Throws Failure(CAM_API_STS_XML_LOAD_ERR). Reads no further than a document type.
+    /// Stops at a document type declaration. Throws Failure(CAM_API_STS_XML_LOAD_ERR).
     explicit XmlDocument(std::string_view xml);
     XmlDocument(const XmlDocument&) = delete;
     XmlDocument& operator=(const XmlDocument&) = delete;
 
     [[nodiscard]] bool declaresType() const noexcept { return m_declaresType; }
 
-    /// None in a document that declares a type.
+    /// No element if the document declares a type.
     [[nodiscard]] XmlElement root();
 
-    /// What is left of the elements, in UTF-8.
+    /// The elements that have not been removed, in UTF-8.
     [[nodiscard]] std::string serialise() const;
 
 private:
@@ -74,7 +75,7 @@ private:
         std::string_view value;
     };
 
-    /// An element, or a piece of text.
+    /// An element or a piece of text.
     struct Item {
         std::string_view name; ///< empty for text
         std::string_view text;
@@ -100,7 +101,7 @@ private:
 
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
-/// Decimal or, with 0x, hexadecimal, and nothing after it. False for anything else.
+/// Parses a decimal number, or a hexadecimal one with the prefix 0x. False if the text is anything else.
 [[nodiscard]] bool toInteger(std::string_view text, long long& value);
 
 } // namespace cameralibs

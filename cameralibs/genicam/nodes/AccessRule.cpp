@@ -10,7 +10,7 @@ using namespace Orvo;
 
 namespace {
 
-/// What is left where both apply.
+/// The access mode if both apply.
 NodeAccessMode combined(NodeAccessMode a, NodeAccessMode b)
 {
     if (std::min(a, b) <= NODE_ACCESS_MODE_NA)
@@ -34,14 +34,14 @@ NodeAccessMode locked(NodeAccessMode mode)
     }
 }
 
-/// What the flag says, or `otherwise` where the node has none.
+/// The value of the flag, or `otherwise` if the node does not have it.
 bool flag(const NodeMap& nodes, NodeId id, const char* property, bool otherwise)
 {
     const NodeId target = nodes.node(id).link(property);
     return target == kNoNode ? otherwise : nodes.rawInteger(target) != 0;
 }
 
-/// The node that holds the value now, kNoNode where the node holds it itself.
+/// The node that currently provides the value, or kNoNode if it is the node itself.
 NodeId valueNode(const NodeMap& nodes, NodeId id)
 {
     const DescribedNode& node = nodes.node(id);

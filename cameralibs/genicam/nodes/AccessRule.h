@@ -4,8 +4,8 @@
 
 namespace cameralibs {
 
-/// The access mode of a node now: what it and the nodes behind it are by themselves, restricted by what is imposed,
-/// not implemented, not available and locked. Aravis' own answer leaves half of that out.
+/// The current access mode of a node: its own mode and that of the nodes behind it, restricted by ImposedAccessMode,
+/// pIsImplemented, pIsAvailable and pIsLocked. Aravis' own function does not take all of these into account.
 [[nodiscard]] Orvo::NodeAccessMode accessMode(const NodeMap& nodes, NodeId id);
 
 /// Throws Failure: CAM_API_STS_NOT_AVAILABLE, CAM_API_STS_NOT_READABLE.

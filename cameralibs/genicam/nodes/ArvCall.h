@@ -10,8 +10,8 @@
 
 namespace cameralibs {
 
-/// What comes after each call of Aravis: an evaluation that took too long has no result, whatever came of it. Only that
-/// the camera is lost is told all the same.
+/// To be called after each call of Aravis. An evaluation that exceeded its budget fails, whatever its result was; only
+/// a lost camera takes precedence.
 inline void finishArvCall(Outcome outcome)
 {
     if (outcome.status != Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
@@ -19,7 +19,7 @@ inline void finishArvCall(Outcome outcome)
     throwIfFailed(std::move(outcome));
 }
 
-/// `call(GError**)` of Aravis, which reads; its error thrown as a Failure.
+/// Makes `call(GError**)`, which reads, and throws its error as a Failure.
 template <class Call> auto arvRead(Call&& call)
 {
     GError* error = nullptr;
@@ -28,7 +28,7 @@ template <class Call> auto arvRead(Call&& call)
     return result;
 }
 
-/// The same for one that writes.
+/// The same for a call that writes.
 template <class Call> void arvWrite(Call&& call)
 {
     GError* error = nullptr;
@@ -36,7 +36,7 @@ template <class Call> void arvWrite(Call&& call)
     finishArvCall(takeError(error, Attempted::writing));
 }
 
-/// `call(GError**)` of Aravis, which reads, with `otherwise` where the description does not define what is asked for.
+/// Like arvRead(), but returns `otherwise` if the description does not define the property.
 template <class Call, class Result> Result arvReadOr(Result otherwise, Call&& call)
 {
     GError* error = nullptr;

@@ -18,7 +18,7 @@ ArvGcEnumeration* enumerationNode(const NodeMap& nodes, NodeId id)
     return ARV_GC_ENUMERATION(nodes.feature(id));
 }
 
-/// Nothing for an entry that cannot tell: it is not the one that is looked for.
+/// The value of an entry; nullopt if it cannot be determined, so that the entry never matches.
 std::optional<std::int64_t> entryNumber(const NodeMap& nodes, NodeId entry)
 {
     const DescribedNode& described = nodes.node(entry);
@@ -34,7 +34,7 @@ bool canBeChosen(const NodeMap& nodes, NodeId entry)
     return accessMode(nodes, entry) == NODE_ACCESS_MODE_RO;
 }
 
-/// The entry with this number; where several have it, one that can be chosen. kNoNode without one.
+/// The entry with this value, or kNoNode. If several entries have it, an available one.
 NodeId entryOf(const NodeMap& nodes, NodeId id, std::int64_t number)
 {
     std::vector<NodeId> candidates;
@@ -51,7 +51,7 @@ NodeId entryOf(const NodeMap& nodes, NodeId id, std::int64_t number)
     return chosen != candidates.end() ? *chosen : candidates.front();
 }
 
-/// Aravis looks at all of them before it writes.
+/// Aravis evaluates all entries before it writes.
 void expectEntries(const NodeMap& nodes, NodeId id)
 {
     std::uint64_t steps = 0;

@@ -6,7 +6,7 @@
 
 namespace cameralibs {
 
-// The Enumeration operations of the interface that need the device. All throw Failure.
+// The Enumeration operations of the camera API that access the device. All throw Failure.
 
 [[nodiscard]] std::int64_t readEnumerationNumber(const NodeMap& nodes, NodeId id);
 [[nodiscard]] std::string readEnumerationName(const NodeMap& nodes, NodeId id);

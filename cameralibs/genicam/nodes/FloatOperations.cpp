@@ -35,11 +35,11 @@ double maximum(ArvGcFloat* node)
 double increment(ArvGcFloat* node)
 {
     const double step = arvReadOr(kNoIncrement, [&](GError** error) { return arv_gc_float_get_inc(node, error); });
-    // Aravis says "none" by the smallest positive number.
+    // Aravis returns the smallest positive number if there is no increment.
     return step > std::numeric_limits<double>::min() ? step : kNoIncrement;
 }
 
-/// With room for what the arithmetic of doubles loses.
+/// With a tolerance for rounding errors.
 bool onIncrement(double value, double lowest, double step)
 {
     const double base = lowest == -kHighest ? 0.0 : lowest;

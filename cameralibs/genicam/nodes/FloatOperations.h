@@ -4,7 +4,7 @@
 
 namespace cameralibs {
 
-// The Float operations of the interface. All throw Failure.
+// The Float operations of the camera API. All throw Failure.
 
 [[nodiscard]] double readFloat(const NodeMap& nodes, NodeId id);
 [[nodiscard]] double floatMinimum(const NodeMap& nodes, NodeId id);

@@ -37,7 +37,7 @@ std::int64_t increment(ArvGcInteger* node)
                      [&](GError** error) -> std::int64_t { return arv_gc_integer_get_inc(node, error); });
 }
 
-/// Increments count from the minimum, or from 0 where there is none.
+/// Increments count from the minimum, or from 0 if there is none.
 bool onIncrement(std::int64_t value, std::int64_t lowest, std::int64_t step)
 {
     if (step <= 1)

@@ -4,7 +4,7 @@
 
 namespace cameralibs {
 
-// The Integer operations of the interface. All throw Failure.
+// The Integer operations of the camera API. All throw Failure.
 
 [[nodiscard]] std::int64_t readInteger(const NodeMap& nodes, NodeId id);
 [[nodiscard]] std::int64_t integerMinimum(const NodeMap& nodes, NodeId id);

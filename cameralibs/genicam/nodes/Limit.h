@@ -5,8 +5,8 @@
 
 namespace cameralibs {
 
-/// A minimum, maximum or increment: told even for a node that cannot be read, where that is possible; where it is not,
-/// the node's own status comes first.
+/// Reads a minimum, maximum or increment. This may succeed even if the node itself is not readable; if it fails, the
+/// node's own status takes precedence.
 template <class Limit> auto limitOf(const NodeMap& nodes, NodeId id, Limit&& limit)
 {
     try {

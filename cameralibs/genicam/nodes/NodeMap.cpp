@@ -10,7 +10,7 @@ using namespace Orvo;
 
 namespace {
 
-/// Aravis allocates what a register's length node says; more than this is not believed.
+/// Aravis allocates as many bytes as a register's length node returns, so that value needs a limit.
 constexpr std::int64_t kMaxLength = 65536;
 
 } // namespace
@@ -22,7 +22,7 @@ NodeMap::NodeMap(std::shared_ptr<const Description> description, ArvDevice* devi
 {
     if (m_gc == nullptr)
         throw Failure(CAM_API_STS_GENICAM_ERR, "The description cannot be evaluated");
-    // What it would need for more it is not given.
+    // This library implements caching and access checks; the elements that Aravis needs for them have been removed.
     arv_gc_set_register_cache_policy(m_gc.get(), ARV_REGISTER_CACHE_POLICY_DISABLE);
     arv_gc_set_access_check_policy(m_gc.get(), ARV_ACCESS_CHECK_POLICY_DISABLE);
     for (NodeId id = 0; id < m_description->size(); ++id) {
@@ -61,7 +61,7 @@ std::int64_t NodeMap::rawInteger(NodeId id) const
         return arvRead(
             [&](GError** error) { return arv_gc_enumeration_get_int_value(ARV_GC_ENUMERATION(aravis), error); });
     case NODE_TYPE_BOOLEAN:
-        // Aravis compares with 32 bits of the two values.
+        // Aravis compares only 32 bits of OnValue and OffValue.
         if (behind != kNoNode)
             return rawInteger(behind) == node(id).onValue ? 1 : 0;
         return arvRead([&](GError** error) { return arv_gc_boolean_get_value(ARV_GC_BOOLEAN(aravis), error); });
@@ -97,7 +97,7 @@ void NodeMap::checkConversion(NodeId id, double value) const
 void NodeMap::bind(NodeId id)
 {
     const DescribedNode& described = node(id);
-    // Entries come with their enumeration; of nodes with one name only the last is in use.
+    // Entries are bound with their enumeration. If several nodes have the same name, only the last one is used.
     if (described.element == Element::enumEntry || m_description->find(described.name) != id)
         return;
     ArvGcNode* const found = arv_gc_get_node(m_gc.get(), described.name.c_str());
@@ -106,14 +106,14 @@ void NodeMap::bind(NodeId id)
     m_features[id] = ARV_GC_FEATURE_NODE(found);
     if (!ARV_IS_GC_ENUMERATION(found))
         return;
-    // Aravis lists entries from the last to the first.
+    // Aravis lists the entries in reverse order.
     auto entry = described.entries.rbegin();
     for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(found));
          item != nullptr && entry != described.entries.rend(); item = item->next, ++entry)
         m_features[*entry] = ARV_GC_FEATURE_NODE(item->data);
 }
 
-// What lies behind comes first, so that each may rely on what it needs.
+// Depth first, so that a check can rely on the nodes it depends on.
 void NodeMap::checkNow(NodeId asked, const Evaluation& evaluation, std::set<std::size_t>& done) const
 {
     const Answerable& answerable = node(evaluation.node).to(evaluation.question);
@@ -121,7 +121,7 @@ void NodeMap::checkNow(NodeId asked, const Evaluation& evaluation, std::set<std:
         return;
     for (const Evaluation& behind : dependencies(*m_description, evaluation))
         checkNow(asked, behind, done);
-    // However cheap, for they are many.
+    // Even a cheap check counts, because there may be many.
     EvaluationBudget::expect(node(evaluation.node).name, answerable.checksItself ? answerable.steps : 1);
     if (answerable.checksItself) {
         if (const std::string error = errorNow(evaluation.node); !error.empty())

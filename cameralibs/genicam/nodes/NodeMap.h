@@ -12,11 +12,12 @@
 
 namespace cameralibs {
 
-/// The nodes of an opened camera, ready to be evaluated on its device. One thread at a time: Aravis keeps results
-/// within its nodes. All throw Failure.
+/// The nodes of an opened camera, evaluated on its device. Not thread-safe, because Aravis keeps state in its nodes.
+/// All functions throw Failure.
 class NodeMap {
 public:
-    /// The device outlives the map. Construct one at a time per process.
+    /// `device` must outlive the map. Not to be constructed concurrently, because Aravis parses one description at a
+    /// time.
     NodeMap(std::shared_ptr<const Description> description, ArvDevice* device);
     NodeMap(const NodeMap&) = delete;
     NodeMap& operator=(const NodeMap&) = delete;
@@ -24,17 +25,18 @@ public:
     [[nodiscard]] const Description& description() const noexcept { return *m_description; }
     [[nodiscard]] const DescribedNode& node(NodeId id) const { return m_description->node(id); }
 
-    /// Comes before Aravis is asked: whether it can answer.
+    /// Throws if Aravis cannot answer the question. To be called before Aravis evaluates the node.
     void check(NodeId id, Question question) const;
 
-    /// Aravis' node.
+    /// The node of Aravis.
     [[nodiscard]] ArvGcFeatureNode* feature(NodeId id) const;
 
-    // What flags, selectors and formulas take from a node, whatever its access mode. Checked before.
+    // The value as flags, selectors and formulas use it, regardless of the access mode. check() comes first.
     [[nodiscard]] std::int64_t rawInteger(NodeId id) const;
     [[nodiscard]] double rawNumber(NodeId id) const;
 
-    /// `value` as the converters on its way to the device take it. Aravis writes what it can make of a formula's error.
+    /// Throws if a converter between the node and the device cannot convert `value`. Aravis would ignore the formula's
+    /// error and write a wrong value.
     void checkConversion(NodeId id, double value) const;
 
 private:
@@ -42,7 +44,7 @@ private:
     void checkNow(NodeId asked, const Evaluation& evaluation, std::set<std::size_t>& done) const;
     [[noreturn]] void refuse(NodeId asked, NodeId failing, const std::string& error) const;
 
-    /// Empty without one.
+    /// Empty if there is no error.
     [[nodiscard]] std::string errorNow(NodeId id) const;
     [[nodiscard]] FormulaResult evaluateNow(const Formula& formula, double input) const;
 
@@ -52,7 +54,7 @@ private:
 
     const std::shared_ptr<const Description> m_description;
     const std::unique_ptr<ArvGc, Unref> m_gc;
-    std::vector<ArvGcFeatureNode*> m_features; ///< by NodeId; they belong to m_gc
+    std::vector<ArvGcFeatureNode*> m_features; ///< indexed by NodeId; owned by m_gc
 };
 
 } // namespace cameralibs

@@ -52,7 +52,7 @@ void writeBoolean(NodeMap& nodes, NodeId id, bool value)
         arvWrite([&](GError** error) { arv_gc_boolean_set_value(ARV_GC_BOOLEAN(node), value ? TRUE : FALSE, error); });
         return;
     }
-    // Aravis writes 32 bits of the two values.
+    // Aravis writes only 32 bits of OnValue and OffValue.
     const std::int64_t number = value ? nodes.node(id).onValue : nodes.node(id).offValue;
     nodes.checkConversion(behind, static_cast<double>(number));
     arvWrite([&](GError** error) { arv_gc_integer_set_value(ARV_GC_INTEGER(nodes.feature(behind)), number, error); });

@@ -6,7 +6,7 @@
 
 namespace cameralibs {
 
-// The String, Boolean and Command operations of the interface. All throw Failure.
+// The String, Boolean and Command operations of the camera API. All throw Failure.
 
 [[nodiscard]] std::string readText(const NodeMap& nodes, NodeId id);
 void writeText(NodeMap& nodes, NodeId id, const char* text);

@@ -132,7 +132,7 @@ std::optional<FrameSettings> FileNodes::readSettings() const
 
 void FileNodes::updatePayloadSize()
 {
-    // To set it is one more write to the camera.
+    // Setting PayloadSize writes a register, which calls this function again.
     if (!std::exchange(m_fillsPayloadSize, false))
         return;
     if (const auto wanted = readSettings())

@@ -135,7 +135,7 @@ constexpr Element kElements[] = {
     {80, 850, 660, 260, false, bars},    {-640, 60, 560, 560, true, zonePlate}, {-600, 660, 480, 480, true, star},
 };
 
-/// The light of the ball by how much its surface faces the lamp, with a highlight where that is most.
+/// The light of the ball, indexed by how much its surface faces the lamp. There is a highlight at the maximum.
 constexpr std::size_t kBallSteps = 2048;
 constexpr auto kBallLight = [] {
     std::array<Sample, kBallSteps + 1> result{};
