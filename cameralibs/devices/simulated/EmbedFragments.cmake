@@ -1,3 +1,4 @@
+# Writes a source file that contains the description fragments as raw string literals:
 # cmake -D FRAGMENTS=a.xml;b.xml -D OUTPUT=file.cpp -P EmbedFragments.cmake
 set(literals "")
 foreach(file IN LISTS FRAGMENTS)
