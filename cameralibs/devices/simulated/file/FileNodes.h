@@ -11,8 +11,8 @@
 
 namespace cameralibs::simulated {
 
-/// Initialises the registers of a camera made from a description file, and reads the image settings from them. Shares the
-/// node map with the program that opened the camera, and is called only with exclusive access to it.
+/// Initialises the registers of a camera made from a description file, and reads the image settings from them. Shares
+/// the node map with the program that opened the camera, and is called only with exclusive access to it.
 class FileNodes {
 public:
     /// `nodes` must outlive this object.
