@@ -11,6 +11,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStyle>
 
 namespace {
 
@@ -28,12 +29,6 @@ public:
     Q_DISABLE_COPY_MOVE(WaitCursor)
 };
 
-QPoint centredPosition(const QRect& available, const QSize& size)
-{
-    return {available.x() + available.width() / 2 - size.width() / 2,
-            available.y() + available.height() / 2 - size.height() / 2};
-}
-
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
@@ -42,7 +37,8 @@ MainWindow::MainWindow(QWidget* parent)
 {
     ui->setupUi(this);
     messageLog = new MessageLog(*ui->messageLogEdit);
-    move(centredPosition(QGuiApplication::primaryScreen()->availableGeometry(), size()));
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    move(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(), screen).topLeft());
 
     if (!operationLog.open())
         set_error(Orvo::CAM_API_STS_FILE_OPEN_ERROR, operationLog.failure());

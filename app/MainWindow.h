@@ -109,7 +109,7 @@ private:
     std::atomic<bool> firstFrameSeen{false}; // set by the callback, read by the display thread; never cleared
     CAM_STRM_HANDLE stream = 0;
     std::uint32_t pixelFormat = 0;
-    ConversionBuffer::Owner convBuffer; // the display thread fills and lends it
+    std::shared_ptr<ConversionBuffer> convBuffer; // the display thread fills and lends it
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::atomic<std::uint32_t> captureCount{0}; // added to by the callback, taken by the display thread

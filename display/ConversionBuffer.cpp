@@ -10,17 +10,19 @@ constexpr std::uint32_t kBytesPerPixel = 4;
 
 } // namespace
 
-ConversionBuffer::Owner ConversionBuffer::create(std::uint32_t width, std::uint32_t height)
+std::shared_ptr<ConversionBuffer> ConversionBuffer::create(std::uint32_t width, std::uint32_t height)
 {
     const std::uint32_t bytes = width * height * kBytesPerPixel;
     if (bytes == 0 || bytes / kBytesPerPixel / width != height)
         return nullptr;
     const std::size_t count = bytes / kBytesPerPixel;
-    std::unique_ptr<QRgb[]> pixels(new (std::nothrow) QRgb[count]);
-    if (!pixels)
+    try {
+        std::unique_ptr<QRgb[]> pixels(new QRgb[count]);
+        std::fill_n(pixels.get(), count, qRgb(0, 0, 0));
+        return std::shared_ptr<ConversionBuffer>(new ConversionBuffer(width, height, std::move(pixels)));
+    } catch (const std::bad_alloc&) {
         return nullptr;
-    std::fill_n(pixels.get(), count, qRgb(0, 0, 0));
-    return Owner(new (std::nothrow) ConversionBuffer(width, height, std::move(pixels)));
+    }
 }
 
 ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<QRgb[]> pixels) noexcept
@@ -30,19 +32,16 @@ ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height, st
 {
 }
 
-void ConversionBuffer::release() noexcept
-{
-    if (m_users.fetch_sub(1, std::memory_order_acq_rel) == 1)
-        delete this;
-}
-
 QImage ConversionBuffer::lend()
 {
-    QImage image(pixels(), static_cast<int>(m_width), static_cast<int>(m_height), QImage::Format_ARGB32, releaseImage,
-                 this);
-    // A size beyond what QImage takes gives a null image, which holds nothing and could never be given back.
+    using Hold = std::shared_ptr<ConversionBuffer>;
+    auto hold = std::make_unique<Hold>(shared_from_this());
+    const QImageCleanupFunction letGo = [](void* held) { delete static_cast<Hold*>(held); };
+    QImage image(pixels(), static_cast<int>(m_width), static_cast<int>(m_height), QImage::Format_ARGB32, letGo,
+                 hold.get());
+    // A size beyond what QImage takes gives a null image, which cleans up nothing and could never be given back.
     if (!image.isNull()) {
-        m_users.fetch_add(1, std::memory_order_acq_rel);
+        static_cast<void>(hold.release());
         m_lent.store(true, std::memory_order_release);
     }
     return image;

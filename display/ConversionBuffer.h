@@ -12,17 +12,12 @@
 /// Lent images keep the memory alive, so that one still queued when its stream is closed never shows freed memory.
 /// create(), isLent() and lend() are called on the display thread or while it does not run; ImageLoan is the GUI
 /// thread's side.
-class ConversionBuffer {
+class ConversionBuffer : public std::enable_shared_from_this<ConversionBuffer> {
 public:
-    struct OwnerLeaves {
-        void operator()(ConversionBuffer* buffer) const noexcept { buffer->release(); }
-    };
-    using Owner = std::unique_ptr<ConversionBuffer, OwnerLeaves>;
-
     /// Room for width x height pixels of 4 bytes. Null where memory is short, or where the product, taken in 32 bits
     /// as the camera's sizes are, is 0 or does not fit. Black at first, so that an image that cannot be converted does
     /// not show what the memory held before.
-    [[nodiscard]] static Owner create(std::uint32_t width, std::uint32_t height);
+    [[nodiscard]] static std::shared_ptr<ConversionBuffer> create(std::uint32_t width, std::uint32_t height);
     Q_DISABLE_COPY_MOVE(ConversionBuffer)
 
     [[nodiscard]] uchar* pixels() noexcept { return reinterpret_cast<uchar*>(m_pixels.get()); }
@@ -30,23 +25,16 @@ public:
     /// True from lend() to the end of the ImageLoan: the GUI thread may be reading.
     [[nodiscard]] bool isLent() const noexcept { return m_lent.load(std::memory_order_acquire); }
 
-    /// The buffer as an ARGB32 image of the size given at creation, without a copy. Nothing is allocated but the
-    /// image's own record.
+    /// The buffer as an ARGB32 image of the size given at creation, without a copy of its pixels.
     [[nodiscard]] QImage lend();
 
 private:
     friend class ImageLoan;
 
     ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<QRgb[]> pixels) noexcept;
-    ~ConversionBuffer() = default;
-
-    /// Ends the use by the owner or by one image; the last one frees the buffer.
-    void release() noexcept;
-    static void releaseImage(void* buffer) { static_cast<ConversionBuffer*>(buffer)->release(); }
 
     const std::uint32_t m_width;
     const std::uint32_t m_height;
     const std::unique_ptr<QRgb[]> m_pixels;
-    std::atomic<int> m_users{1}; // the owner, and every lent image that somebody still has
     std::atomic<bool> m_lent{false};
 };

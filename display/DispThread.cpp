@@ -100,6 +100,7 @@ DispThread::Next DispThread::takeImage(Loop& loop)
     static_cast<void>(Orvo::ConvImage(kToArgb32, m_mainWindow->pixelFormat, kConversionOption, buffer.pixels(),
                                       loop.info.data, m_mainWindow->width, m_mainWindow->height));
     loop.lastShownFrameNumber = loop.info.frameNumber;
+    // A buffer that cannot be unlocked changes nothing for the image that was taken from it.
     static_cast<void>(Orvo::Strm_UnlockBuffer(m_mainWindow->stream, loop.bufferIndex));
     if (isStopRequested())
         return Next::End;

@@ -6,6 +6,9 @@
 
 /// A label of plain text of any length: broken at its words and, where one is too wide, within it; higher than
 /// `mostLines` lines it never asks to be, and what does not fit is scrolled. Lives on the GUI thread.
+///
+/// The text widgets of the toolkit do not serve: those that scroll have no height for a width, so the box would neither
+/// shrink to a short text nor stop at `mostLines`; a QLabel does not break a line within a word.
 class ScrollingLabel : public QLabel {
     Q_OBJECT
 
