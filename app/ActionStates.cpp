@@ -11,7 +11,7 @@ enum class Enable {
     On,
     Off,
     Keep,
-    CanZoomIn,  // scale < 4.0; scaleImage() allows up to 8.0, and both limits are meant
+    CanZoomIn,  // scale < 4.0; scaleImage() allows up to 8.0, both on purpose
     CanZoomOut, // scale > 0.25
     IsZoomed,   // scale != 1.0
 };
@@ -28,8 +28,8 @@ struct ActionRow {
     std::array<Enable, 5> states; // from MAIN_STATE_IDLE to MAIN_STATE_ACQUIRING
 };
 
-// Tool bar and menu differ in places: the menu's Pause and Stop stay enabled while a camera is merely open, and
-// a running stream keeps the menu's Start. This is meant.
+// Tool bar and menu deliberately differ: the menu's Pause and Stop stay enabled while a camera is merely open, and its
+// Start while a stream is running.
 constexpr ActionRow kActionRows[] = {
     // clang-format off
     //                                           idle  opening  opened     locked  acquiring

@@ -43,7 +43,7 @@ MainWindow::MainWindow(QWidget* parent)
     if (!operationLog.open())
         set_error(Orvo::CAM_API_STS_FILE_OPEN_ERROR, operationLog.failure());
 
-    // A failure leaves a window that can be looked at, with the actions as the form has them.
+    // After a failure the window stays open, with the actions as the form sets them.
     CAM_API_STATUS status = Orvo::Sys_Initialize(kEveryLayer);
     if (status != Orvo::CAM_API_STS_SUCCESS) {
         set_error(status, "Sys_Initialize error!");
@@ -119,8 +119,7 @@ void MainWindow::open_camera()
         DiscoveryDlg dialog(this);
         connect(&dialog, &DiscoveryDlg::setError, this, &MainWindow::set_error);
         connect(&dialog, &DiscoveryDlg::writeLog, this, &MainWindow::write_log);
-        // Connected anew at every opening, so that after the n-th a line of a callback is written n times. This is
-        // meant.
+        // Deliberately connected again at every opening: after the n-th, each line of a callback is written n times.
         connect(this, &MainWindow::writeLog, this, &MainWindow::write_log);
         chosen = dialog.exec() == QDialog::Accepted;
         if (chosen)
@@ -133,7 +132,7 @@ void MainWindow::open_camera()
 
     const WaitCursor waitCursor;
     if (removalSignal == 0) {
-        // Without a signal the camera opens all the same; only its removal goes unnoticed.
+        // The camera opens even without a signal; only its removal then goes unnoticed.
         static_cast<void>(Orvo::Sys_CreateSignal(&removalSignal));
     }
     const CAM_API_STATUS status = Orvo::Cam_Open(cameraIndex, &camera, removalSignal, 1, nullptr, 1);
@@ -151,7 +150,7 @@ void MainWindow::open_camera()
 
     bool changed = false;
     if (!get_camera_parameter(&changed)) {
-        // The line names success: what failed has been logged by the reading already.
+        // The line names success: the failed read has already logged the failure.
         set_error(Orvo::CAM_API_STS_SUCCESS, "Error Cam_Open()");
         close_camera();
         return;
@@ -162,7 +161,7 @@ void MainWindow::open_camera()
 
     featureView = new FeatureView;
     ui->dockWidgetRight->setWidget(featureView);
-    // Before the camera is set, which makes the first entry.
+    // Connected before SetCam(), which makes the first entry.
     connect(featureView, &FeatureView::OpeLogAppended, this, &MainWindow::write_operation);
     static_cast<void>(featureView->SetCam(camera)); // without a node map the browser stays empty
     connect(featureView, &FeatureView::checkSoftwareTriggerMode, this, &MainWindow::check_software_trigger_mode);
@@ -187,7 +186,7 @@ void MainWindow::close_camera()
 
     close_stream();
     if (camera != 0) {
-        static_cast<void>(Orvo::Cam_Close(camera)); // a camera that cannot be closed is gone all the same
+        static_cast<void>(Orvo::Cam_Close(camera)); // ignored: there is nothing else to do with the camera
         camera = 0;
     }
     if (removalSignal != 0) {
@@ -205,12 +204,12 @@ void MainWindow::close_camera()
 void MainWindow::removed_camera()
 {
     write_log("A camera has been Removed.");
-    // The display thread reports a removal through the event queue, so the user may have closed that camera meanwhile.
-    // The next one may just be chosen then, and has to stay as it is.
+    // The removal arrives through the event queue: by then the user may have closed that camera and be choosing the
+    // next one, which must not be affected.
     if (!cameraOpened)
         return;
 
-    // What fails while a vanished camera is closed is of no interest to the user.
+    // Failures while closing a removed camera do not interest the user.
     const bool logWasEnabled = logEnabled;
     logEnabled = false;
     close_camera();

@@ -22,7 +22,7 @@ class MessageLog;
 class Ui_MainWindow;
 
 /// The window of the program and the owner of the camera connection: one camera at a time, its stream, its display
-/// thread and its feature browser. Lives on the GUI thread; what other threads touch is said at the members.
+/// thread and its feature browser. Lives on the GUI thread; members that other threads touch say so.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    /// None: docks and tool bar have no titles to choose by, and one that was hidden could not be brought back.
+    /// No menu: docks and tool bar have no titles to choose by, and a hidden one could not be brought back.
     [[nodiscard]] QMenu* createPopupMenu() override { return nullptr; }
 
 signals:

@@ -20,7 +20,7 @@ struct VersionRow {
     const char* label;
     const char (Orvo::CAM_SYSTEM_INFO::*text)[64];
 };
-// The names are padded so that every colon stands in one column of the monospace font.
+// The names are padded so that the colons line up in the monospace font.
 constexpr VersionRow kVersionRows[] = {
     {QT_TRANSLATE_NOOP("QMainWindow", "\n\n  OrvoU3vDriver : "), &Orvo::CAM_SYSTEM_INFO::driverVersion},
     {QT_TRANSLATE_NOOP("QMainWindow", "\n  OrvoU3vApi2   : "), &Orvo::CAM_SYSTEM_INFO::u3vApi2Version},
@@ -37,7 +37,7 @@ QString versionTexts()
 {
     QString text = translated(kVersionText);
     Orvo::CAM_SYSTEM_INFO info{};
-    // Without an answer the box shows the version and the rights line only.
+    // If the call fails the box shows only the version and the rights line.
     if (Orvo::Sys_GetInformation(&info) == Orvo::CAM_API_STS_SUCCESS) {
         for (const VersionRow& row : kVersionRows)
             text += translated(row.label) + QString::fromUtf8(fieldBytes(info.*row.text));
@@ -58,7 +58,7 @@ void MainWindow::on_action_Menu_About_triggered()
     box.setInformativeText(details);
     box.setStandardButtons(QMessageBox::Ok);
     box.setDefaultButton(QMessageBox::Ok);
-    // Last, because every setter above lays the grid out anew.
+    // Comes last, because every setter above rebuilds the grid layout.
     if (auto* const grid = qobject_cast<QGridLayout*>(box.layout())) {
         grid->addItem(new QSpacerItem(kContentWidth, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), grid->rowCount(),
                       0, 1, grid->columnCount());

@@ -1,4 +1,4 @@
-// The slots of tool bar and menus. The form connects them by name; most commands stand in both places.
+// The slots of tool bar and menus. The form connects them by name; most commands exist in both.
 
 #include "app/MainWindow.h"
 
@@ -56,7 +56,7 @@ void MainWindow::on_actionPause_triggered(bool checked)
 
 void MainWindow::on_action_Menu_Pause_triggered(bool checked)
 {
-    // The two Pause actions keep their check marks to themselves; the one used last decides.
+    // The two Pause actions have separate check marks; the one used last decides.
     set_disp_image(checked);
 }
 
@@ -118,8 +118,8 @@ void MainWindow::on_action_Menu_Normal_Size_triggered()
 
 void MainWindow::scaleImage(double factor)
 {
-    // Zooming goes up to 8.0 here, while the next change of state stops at 4.0; and the menu's Zoom Out is off at 1.0,
-    // the tool bar's is not. Both are meant.
+    // Two deliberate oddities: zooming goes up to 8.0 here, while a change of state stops at 4.0; and at 1.0 the menu's
+    // Zoom Out is disabled but the tool bar's is not.
     scale *= factor;
     ui->actionZoomIn->setEnabled(scale < 8.0);
     ui->actionZoomOut->setEnabled(scale > 0.25);

@@ -10,8 +10,8 @@
 
 namespace {
 
-/// `fileName` with the suffix that `format` ("PNG", "BMP", "JPEG") asks for. A suffix that does not fit is taken off
-/// without its dot, so that shot.bmp becomes shot..png; this is meant.
+/// `fileName` with the suffix for `format` ("PNG", "BMP", "JPEG"). A different suffix is removed without its dot, so
+/// that shot.bmp becomes shot..png; this is deliberate.
 QString withSuffixOf(const QString& format, QString fileName)
 {
     const QString suffix = QFileInfo(fileName).suffix();
@@ -21,8 +21,7 @@ QString withSuffixOf(const QString& format, QString fileName)
     return fileName + '.' + format.toLower();
 }
 
-/// QImage::save(), but for one thing: it does not tell when the disk is full for the file's last bytes, which go out
-/// when the writer flushes the file.
+/// Like QImage::save(), which however does not report a full disk for the last bytes, written when the file is flushed.
 bool save(const QImage& image, const QString& fileName)
 {
     QImageWriter writer(fileName);
@@ -44,11 +43,11 @@ void MainWindow::on_actionSnapshot_triggered()
                                      tr("PNG (*.png);;BMP (*.bmp);;JPEG (*.jpg *.jpeg)"), &selectedFilter);
     if (chosen.isEmpty())
         return;
-    // The file's own path, not its folder: the next dialog proposes the same name in the same place.
+    // The file's path, not its folder: the next dialog proposes the same name in the same place.
     snapshotPath = QDir(chosen).path();
 
     const QString format = selectedFilter.split(' ').first();
-    // Images go on arriving while the dialog is open: what is saved is the one displayed now.
+    // Images keep arriving while the dialog is open: save the one displayed now.
     if (!save(captureImage, withSuffixOf(format, chosen))) {
         QMessageBox::warning(this, tr("Save failed"), tr("Cannot save a file."), QMessageBox::Ok);
         write_log(tr("Cannot save a file."));

@@ -1,5 +1,5 @@
-// Running the stream of the open camera: start and stop, the callbacks of the camera library, and the road of images
-// and frame rates from the display thread to the window.
+// The stream of the open camera: start and stop, the callbacks of the camera library, and the way of images and frame
+// rates from the display thread to the window.
 
 #include "app/MainWindow.h"
 
@@ -30,7 +30,7 @@ QString rateText(double rate)
 
 bool MainWindow::get_camera_parameter(bool* changed)
 {
-    // They outlive the camera on purpose: another one of the same size and format is no change.
+    // Deliberately kept when the camera is closed: another one of the same size and format is not a change.
     static std::uint32_t lastWidth = 0;
     static std::uint32_t lastHeight = 0;
     static std::uint32_t lastPixelFormat = 0;
@@ -69,7 +69,7 @@ bool MainWindow::get_camera_parameter(bool* changed)
 void MainWindow::initialize_image_view(int newWidth, int newHeight)
 {
     if (imageView) {
-        // Taken out first: the window would delete it by itself when the next one comes.
+        // Taken out first: the window would delete it when the next central widget is set.
         takeCentralWidget();
         delete imageView;
         imageView = nullptr;
@@ -103,7 +103,7 @@ bool MainWindow::open_stream()
         return false;
     }
 
-    // What cannot be read has been logged; the stream goes on with the values from before.
+    // A failed read has been logged; the stream uses the previous values.
     bool changed = false;
     if (get_camera_parameter(&changed) && changed)
         initialize_image_view(static_cast<int>(width), static_cast<int>(height));
@@ -155,7 +155,7 @@ void MainWindow::start_acquisition()
         featureView->closeEditOperation();
         featureView->updateAllFeatures(true);
     }
-    // Last, so that the display thread and the callbacks see everything above.
+    // Comes last, so that the display thread and the callbacks see everything above.
     acquiring.store(true, std::memory_order_release);
 }
 
@@ -175,7 +175,7 @@ void MainWindow::stop_acquisition()
 
 bool MainWindow::close_stream()
 {
-    // The thread reads stream and buffer, so it goes first.
+    // The thread reads stream and buffer, so it ends first.
     if (dispThread) {
         dispThread->requestStop();
         dispThread->wait();
@@ -183,7 +183,7 @@ bool MainWindow::close_stream()
         dispThread = nullptr;
     }
     if (stream != 0) {
-        static_cast<void>(Orvo::Strm_Close(stream)); // a stream that cannot be closed is gone all the same
+        static_cast<void>(Orvo::Strm_Close(stream)); // ignored: there is nothing else to do with the stream
         stream = 0;
     }
     convBuffer.reset();
@@ -204,8 +204,8 @@ void MainWindow::execute_software_trigger()
 
 void MainWindow::check_software_trigger_mode()
 {
-    // What cannot be read counts as "no software trigger". The flag is a byte, on where that is not 0: a library may
-    // write one that no C++ bool may hold.
+    // A failed read counts as "no software trigger". The flag is a byte, non-zero meaning on: a library may write a
+    // value that a C++ bool must not hold.
     std::uint8_t flag = 0;
     auto* const triggerMode = reinterpret_cast<bool*>(&flag);
     std::uint32_t source = 0;
@@ -228,8 +228,9 @@ void MainWindow::CallBackImageAcquired(Orvo::CAM_HANDLE camera, CAM_STRM_HANDLE,
     MainWindow& window = *static_cast<MainWindow*>(context);
     const auto frameNumber = static_cast<std::uint32_t>(info->frameNumber);
     const std::uint32_t previous = window.lastFrameNumber.exchange(frameNumber, std::memory_order_relaxed);
-    // Frame numbers are counted, so that lost images belong to the rate. The first image of a later stream counts from
-    // the last one of the stream before: that lands in the first report after a start, which is never shown.
+    // Differences of frame numbers are counted, so that lost images belong to the rate. The first image of a stream
+    // counts from the last one of the previous stream; that affects only the first report after a start, which is never
+    // shown.
     const bool first = !window.firstFrameSeen.exchange(true, std::memory_order_relaxed);
     window.captureCount.fetch_add(first ? 1 : frameNumber - previous, std::memory_order_relaxed);
 }
@@ -268,8 +269,8 @@ void MainWindow::disp_fps(double capFps, double dispFps)
 
 void MainWindow::disp_image(QImage image)
 {
-    // The display thread converts the next image only when this one has been given back. An image that was still
-    // queued when its stream was stopped belongs to an earlier buffer, which it keeps alive by itself.
+    // The display thread converts the next image only after this one is given back. An image still queued when its
+    // stream stops belongs to an earlier buffer, which it keeps alive.
     const ImageLoan handOver(convBuffer.get(), image);
     if (!acquiring.load(std::memory_order_acquire))
         return;

@@ -9,7 +9,7 @@
 
 void OperationLogFile::Close::operator()(std::FILE* file) const
 {
-    // Every entry was flushed: nothing is left that could fail.
+    // Every entry has been flushed: nothing is left that could fail.
     if (file != stdout)
         static_cast<void>(std::fclose(file));
 }
@@ -23,7 +23,7 @@ bool OperationLogFile::open()
     m_file.reset(name == "-" ? stdout : std::fopen(name.constData(), "ae"));
     if (!m_file)
         return fail(errno);
-    // A pipe whose reader has gone is a failure to be told, not the end of the program.
+    // A pipe whose reader is gone is a reported failure; SIGPIPE must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
     return true;
 }

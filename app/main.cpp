@@ -5,8 +5,8 @@
 
 int main(int argc, char* argv[])
 {
-    // The geometry grows with the text on screens of high resolution, by whole factors: those leave every pixel of an
-    // image equally large.
+    // On high-resolution screens the geometry scales with the text, by whole factors, so that all pixels of an image
+    // have the same size.
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const QApplication application(argc, argv);

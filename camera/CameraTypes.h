@@ -2,8 +2,8 @@
 
 #include "camera/OrvoCamApi.h"
 
-// Signals and slots of the viewer spell these types without their namespace: their signatures are read as text by the
-// meta-object system, by name-based connections and by people.
+// The viewer's signals and slots spell these types without their namespace: the meta-object system and name-based
+// connections compare signatures as text.
 using Orvo::CAM_API_STATUS;
 using Orvo::CAM_SIGNAL_HANDLE;
 using Orvo::CAM_STRM_HANDLE;

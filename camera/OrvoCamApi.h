@@ -3,15 +3,15 @@
 /// The binary interface of the camera API, libOrvoCamApi_64.so.1.
 ///
 /// Every operation has C linkage, returns a CAM_API_STATUS and may be called from any thread, an image callback
-/// included; the few exceptions are told at the operation. No operation throws.
+/// included; the few exceptions are documented at the operation. No operation throws.
 ///
 /// Texts given to the library are NUL-terminated bytes. Texts it gives are NUL-terminated UTF-8 and come back through
 /// `(char* buffer, uint32_t* size)`: with a null buffer `*size` becomes the bytes needed, the closing NUL included.
 /// With a buffer `*size` is its capacity on entry and the bytes written on return; a capacity below the need gives
 /// CAM_API_STS_BUFFER_TOO_SMALL, writes nothing and sets `*size` to the need.
 ///
-/// What is wrong with a call is looked for in this order: the library's state, the camera, the other handles, null
-/// pointers, the kind of node and index, access, the value, the evaluation of the description.
+/// Errors are checked in this order: the library's state, the camera, the other handles, null pointers, the kind of
+/// node and index, access, the value, the evaluation of the description.
 
 #include <cstddef>
 #include <cstdint>
@@ -82,7 +82,7 @@ constexpr CAM_API_STATUS CAM_API_STS_FILE_NOT_FOUND = 8196;
 constexpr CAM_API_STATUS CAM_API_STS_DATA_DISCARDED = 41216;
 constexpr CAM_API_STATUS CAM_API_STS_UNSUCCESSFUL = 0xFFFFFFFF;
 
-/// Opaque; 0 means none. A handle is never given out twice within a process.
+/// Opaque; 0 means none. A handle is never reused within a process.
 using CAM_HANDLE = std::uint64_t;
 using CAM_NODE_HANDLE = std::uint64_t;
 using CAM_STRM_HANDLE = std::uint64_t;
@@ -111,7 +111,7 @@ enum NodeAccessMode : std::int32_t {
     NODE_ACCESS_MODE_WO = 2,        ///< write-only
     NODE_ACCESS_MODE_RO = 3,        ///< read-only
     NODE_ACCESS_MODE_RW = 4,        ///< read-write
-    NODE_ACCESS_MODE_UNDEFINED = 6, ///< not asked for yet; the library never gives it
+    NODE_ACCESS_MODE_UNDEFINED = 6, ///< not read yet; the library never returns it
 };
 
 enum TC_NODE_VISIBILITY : std::int32_t {
@@ -160,13 +160,13 @@ enum CAM_LINK : std::uint32_t {
     CAM_LINK_SIMULATED = 255,
 };
 
-/// What a camera says of itself. The texts are ASCII and NUL-terminated, reserved bytes zero.
+/// How a camera describes itself. The texts are ASCII and NUL-terminated, reserved bytes zero.
 struct CAM_INFO {
     std::uint32_t link; ///< a CAM_LINK
     char vendorName[64];
     char modelName[64];
     char serialNumber[64];
-    char userDefinedName[64]; ///< of a real camera empty until it was opened once since Sys_Initialize
+    char userDefinedName[64]; ///< a real camera's is empty until it has been opened once since Sys_Initialize
     std::uint32_t cameraIndex;
     std::uint8_t reserved[760];
 };
@@ -196,8 +196,8 @@ static_assert(offsetof(CAM_SYSTEM_INFO, u3vCamApiVersion) == 128 && offsetof(CAM
 extern "C" {
 
 /// Callbacks run on a thread of the library, one at a time per stream, with no lock of the library held. `info` is
-/// valid during the call only. Every operation may be called inside but Strm_Stop, Strm_Close, Cam_Close and
-/// Sys_Terminate, which answer CAM_API_STS_INVALID_PARAMETER there.
+/// valid during the call only. Every operation may be called inside except Strm_Stop, Strm_Close, Cam_Close and
+/// Sys_Terminate, which return CAM_API_STS_INVALID_PARAMETER there.
 typedef void (*CAM_IMAGE_ACQUIRED_CALLBACK)(CAM_HANDLE camera, CAM_STRM_HANDLE stream, CAM_IMAGE_INFO* info,
                                             std::uint32_t bufferIndex, void* context);
 typedef void (*CAM_IMAGE_ERROR_CALLBACK)(CAM_HANDLE camera, CAM_STRM_HANDLE stream, std::uint32_t status,
@@ -211,35 +211,35 @@ typedef void (*CAM_BUFFER_BUSY_CALLBACK)(CAM_HANDLE camera, CAM_STRM_HANDLE stre
 /// between gives CAM_API_STS_ALREADY_INITIALIZED.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_Initialize(std::uint32_t mask);
 
-/// Closes every camera, stream and signal. What is called on other threads meanwhile, Sys_Initialize included, answers
-/// CAM_API_STS_NOT_INITIALIZED.
+/// Closes every camera, stream and signal. Operations called on other threads meanwhile, Sys_Initialize included,
+/// return CAM_API_STS_NOT_INITIALIZED.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_Terminate();
 
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_GetInformation(CAM_SYSTEM_INFO* info);
 
-/// Enumerates anew, which takes about a second where GigE Vision cameras are looked for. Camera indices run from 0 to
+/// Enumerates again, which takes about a second if GigE Vision cameras are searched for. Camera indices run from 0 to
 /// `*count` - 1 and hold until the next call.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_GetNumOfCameras(std::uint32_t* count);
 
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_CreateSignal(CAM_SIGNAL_HANDLE* signal);
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_CloseSignal(CAM_SIGNAL_HANDLE signal);
 
-/// 0 = set, CAM_API_STS_TIMEOUT = not set within the time. 0 ms polls, 0xFFFFFFFF ms waits without end.
+/// 0 = set, CAM_API_STS_TIMEOUT = not set within the time. 0 ms polls, 0xFFFFFFFF ms waits for ever.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE signal, std::uint32_t timeoutMs);
 
 // --- Camera ---------------------------------------------------------------------------------------------------------
 
-/// By camera handle, or by index where `camera` is 0. Reaches no device.
+/// By camera handle, or by index if `camera` is 0. Does not access the device.
 ORVO_CAM_EXPORT CAM_API_STATUS Cam_GetInformation(CAM_HANDLE camera, std::uint32_t cameraIndex, CAM_INFO* info);
 
 /// `removalSignal` (0 = none) is cleared here and set when the camera is unplugged, before any operation on its
-/// handles answers CAM_API_STS_CAMERA_NOT_RESPONDING; it then stays set. `openOption` is 1, `reserved` null,
+/// handles returns CAM_API_STS_CAMERA_NOT_RESPONDING; it then stays set. `openOption` is 1, `reserved` null,
 /// `accessMode` 1 (control). CAM_API_STS_XML_LOAD_ERR and CAM_API_STS_GENICAM_ERR leave a text for
 /// Misc_GetLastGenICamError.
 ORVO_CAM_EXPORT CAM_API_STATUS Cam_Open(std::uint32_t cameraIndex, CAM_HANDLE* camera, CAM_SIGNAL_HANDLE removalSignal,
                                         std::uint32_t openOption, void* reserved, std::uint32_t accessMode);
 
-/// Closes the camera's stream too.
+/// Also closes the camera's stream.
 ORVO_CAM_EXPORT CAM_API_STATUS Cam_Close(CAM_HANDLE camera);
 
 /// The text behind the last CAM_API_STS_GENICAM_ERR or CAM_API_STS_XML_LOAD_ERR of the calling thread, of at
@@ -263,23 +263,23 @@ ORVO_CAM_EXPORT CAM_API_STATUS Strm_SetCallbackBufferBusy(CAM_STRM_HANDLE stream
                                                           CAM_BUFFER_BUSY_CALLBACK callback);
 
 /// From now on the data of every slot is readable memory for an image of the largest width, the largest height and the
-/// widest pixel format that were told of the camera since it was opened; bytes that the camera does not send are zero.
+/// widest pixel format reported for the camera since it was opened; bytes that the camera does not send are zero.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_Start(CAM_STRM_HANDLE stream, std::uint32_t requestCount);
 
-/// No callback runs after it returned. 0 where the stream is not started.
+/// No callback runs after it has returned. 0 if the stream is not started.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_Stop(CAM_STRM_HANDLE stream);
 
 /// The slot of the newest image; CAM_API_STS_NOT_READY before the first image of a start.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_GetCurrentBufferIndex(CAM_STRM_HANDLE stream, std::uint32_t* index);
 
 /// A locked slot is not written until it is unlocked as often as it was locked. Images that find the next slot locked
-/// are dropped and named by the buffer-busy callback. Slots may be locked after Strm_Stop until Strm_Close.
+/// are dropped and reported by the buffer-busy callback. Slots may be locked after Strm_Stop until Strm_Close.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_LockBuffer(CAM_STRM_HANDLE stream, std::uint32_t index, CAM_IMAGE_INFO* info);
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_UnlockBuffer(CAM_STRM_HANDLE stream, std::uint32_t index);
 
 // --- Node -----------------------------------------------------------------------------------------------------------
 // The entry of an enumeration is a node of its own; it has access mode 3 while it can be chosen, else 1 or 0.
-// `verify` false leaves range and increment to the device; access is checked all the same.
+// `verify` false leaves range and increment to the device; access is always checked.
 
 /// CAM_API_STS_NOT_FOUND and handle 0 for an unknown name. Handles of one node are equal.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetNode(CAM_HANDLE camera, const char* name, CAM_NODE_HANDLE* node);
@@ -291,7 +291,7 @@ ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFeatureByIndex(CAM_HANDLE camera, CAM_NODE_
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetName(CAM_HANDLE camera, CAM_NODE_HANDLE node, char* buffer, std::uint32_t* size);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetType(CAM_HANDLE camera, CAM_NODE_HANDLE node, NodeType* type);
 
-/// The access mode now, selectors, availability and locks applied. Categories have 3.
+/// The current access mode: selectors, availability and locks are applied. Categories have 3.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetAccessMode(CAM_HANDLE camera, CAM_NODE_HANDLE node, NodeAccessMode* mode);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetVisibility(CAM_HANDLE camera, CAM_NODE_HANDLE node,
                                                 TC_NODE_VISIBILITY* visibility);
@@ -315,7 +315,7 @@ ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatValue(CAM_HANDLE camera, CAM_NODE_HAND
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatMin(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* value);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatMax(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* value);
 
-/// CAM_API_STS_INVALID_PARAMETER where Nd_GetFloatHasInc tells false.
+/// CAM_API_STS_INVALID_PARAMETER if Nd_GetFloatHasInc gives false.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatInc(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* value);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatHasInc(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool* hasInc);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetBoolValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool* value);
@@ -326,7 +326,7 @@ ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetEnumStrValue(CAM_HANDLE camera, CAM_NODE_HA
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetEnumIntValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::int64_t* value);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetNumOfEnumEntries(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::uint32_t* count);
 
-/// Entries stand in the order of the camera's description, those that cannot be chosen included.
+/// Entries are in the order of the camera's description, including those that cannot be chosen.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetEnumEntryByIndex(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::uint32_t index,
                                                       CAM_NODE_HANDLE* entry);
 

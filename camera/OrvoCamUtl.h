@@ -1,6 +1,6 @@
 #pragma once
 
-/// The binary interface of the camera utility library, libOrvoCamUtl_64.so.1: pixel conversion, and short cuts to the
+/// The binary interface of the camera utility library, libOrvoCamUtl_64.so.1: pixel conversion, and shortcuts to the
 /// features that a viewer needs. Every operation has C linkage, may be called from any thread and throws nothing.
 
 #include "OrvoCamApi.h"
@@ -16,7 +16,7 @@ extern "C" {
 ORVO_CAM_EXPORT CAM_API_STATUS PrepareLUT();
 
 /// Converts one image to B, G, R, 255 per pixel, the byte order of 32-bit ARGB on x86-64, rows without padding.
-/// `dstFormat` is 0, `srcPixelFormat` a PFNC value, `option` is not looked at; `dst` holds width x height x 4 bytes.
+/// `dstFormat` is 0, `srcPixelFormat` a PFNC value, `option` is ignored; `dst` holds width x height x 4 bytes.
 /// Another `dstFormat` or an unsupported source gives CAM_API_STS_NOT_IMPLEMENTED; a size of zero, or one whose result
 /// has 2^32 bytes or more, CAM_API_STS_INVALID_PARAMETER; nothing is written then. Needs no Sys_Initialize.
 ORVO_CAM_EXPORT CAM_API_STATUS ConvImage(std::uint32_t dstFormat, std::uint32_t srcPixelFormat, std::uint32_t option,
@@ -30,7 +30,8 @@ ORVO_CAM_EXPORT CAM_API_STATUS GetCamHeight(CAM_HANDLE camera, std::uint32_t* he
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamPixelFormat(CAM_HANDLE camera, std::uint32_t* pixelFormat);
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamTriggerMode(CAM_HANDLE camera, bool* on);
 
-/// CAM_TRIGGER_SOURCE_SOFTWARE whatever number the camera gives its software trigger, else the camera's own number.
+/// CAM_TRIGGER_SOURCE_SOFTWARE for the software trigger, whatever its number in the camera; else the camera's own
+/// number.
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE camera, std::uint32_t* source);
 ORVO_CAM_EXPORT CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE camera);
 

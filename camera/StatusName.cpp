@@ -10,7 +10,7 @@ struct StatusName {
     const char* name;
 };
 
-// In rising order of the status. The blanks that end two of the names are meant.
+// In ascending order of the status. The trailing blanks of two names are deliberate.
 constexpr StatusName kStatusNames[] = {
     {Orvo::CAM_API_STS_SUCCESS, "CAM_API_STS_SUCCESS"},
     {Orvo::CAM_API_STS_NOT_INITIALIZED, "CAM_API_STS_NOT_INITIALIZED"},

@@ -4,8 +4,8 @@
 
 #include <iterator>
 
-/// The bytes of a text in a field of fixed size: up to the first NUL, or all of them where there is none. They stay
-/// where they are. The encoding differs from field to field and is the caller's business.
+/// A view of the bytes of a text in a field of fixed size: up to the first NUL, or all of them if there is none. The
+/// encoding differs from field to field and is up to the caller.
 ///
 /// For the viewer: the camera libraries do without Qt.
 template <typename Field> [[nodiscard]] QByteArray fieldBytes(const Field& field)

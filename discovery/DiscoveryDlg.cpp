@@ -13,7 +13,7 @@ constexpr int kFirstEnumerationMs = 100;
 
 enum Column { kVendorName, kModelName, kSerialNo, kUserDefinedName, kCameraIndex, kColumnCount };
 
-// The column of the user-defined name takes what is left.
+// The user-defined name's column takes the remaining width.
 constexpr std::array<std::pair<Column, int>, 3> kColumnWidths = {
     {{kVendorName, 140}, {kModelName, 140}, {kSerialNo, 80}}};
 
@@ -42,10 +42,10 @@ DiscoveryDlg::~DiscoveryDlg() = default;
 
 void DiscoveryDlg::showEvent(QShowEvent*)
 {
-    // Otherwise the keyboard would go to "Cancel", the first button that is enabled.
+    // Otherwise the focus would go to "Cancel", the first enabled button.
     ui->discoveryWidget->setFocus();
     ui->PushButtonUpateCameraList->setEnabled(false);
-    // Shown once more before the timer fired: one enumeration is enough.
+    // The dialog may be shown again before the timer fires: one enumeration is enough.
     if (timer_id != 0)
         killTimer(timer_id);
     timer_id = startTimer(kFirstEnumerationMs, Qt::CoarseTimer);
@@ -61,8 +61,8 @@ void DiscoveryDlg::timerEvent(QTimerEvent*)
 
 void DiscoveryDlg::keyPressEvent(QKeyEvent* event)
 {
-    // Enter means "Open", the default button. The other buttons take the focus by Tab only: Enter on such a one means
-    // that button.
+    // Enter means "Open", the default button. The other buttons take the focus only by Tab; Enter then means that
+    // button.
     auto* const button = qobject_cast<QPushButton*>(focusWidget());
     if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
         button->click();
@@ -73,7 +73,7 @@ void DiscoveryDlg::keyPressEvent(QKeyEvent* event)
 
 void DiscoveryDlg::discovery_camera()
 {
-    // The update button is disabled meanwhile and would hand the keyboard to "Cancel".
+    // The update button is disabled during the search and would pass the focus to "Cancel".
     const bool updating = ui->PushButtonUpateCameraList->hasFocus();
     if (updating)
         ui->discoveryWidget->setFocus();

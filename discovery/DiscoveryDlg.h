@@ -28,7 +28,7 @@ signals:
     void writeLog(QString wstring);
 
 public slots:
-    /// Clears the list and fills it anew.
+    /// Clears the list and fills it again.
     void discovery_camera();
 
     /// Accepts the dialog if a row is selected.

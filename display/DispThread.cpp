@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned long kRoundPauseUs = 2000;
 constexpr unsigned long kImagePauseMs = 5;
-constexpr qint64 kImagePeriodMs = 25; // a conversion comes after more than this
+constexpr qint64 kImagePeriodMs = 25; // conversions are more than this apart
 constexpr qint64 kRatePeriodMs = 2000;
 
 constexpr std::uint32_t kToArgb32 = 0;
@@ -22,7 +22,7 @@ struct DispThread::Loop {
     QElapsedTimer frameTimer;
     QElapsedTimer rateTimer;
     std::uint32_t displayCount = 0;
-    std::uint64_t lastShownFrameNumber = 0x5555; // an image with this number is not shown as the first one
+    std::uint64_t lastShownFrameNumber = 0x5555; // a first image with this number is not shown
     std::uint32_t bufferIndex = 0;
     Orvo::CAM_IMAGE_INFO info{};
 };
@@ -72,8 +72,8 @@ bool DispThread::isCameraRemoved() const
 
 DispThread::Next DispThread::displayStep(Loop& loop)
 {
-    // While the GUI has the last image nothing is converted over it, and no second one waits in its queue. The frame
-    // timer is left alone, so that the next image comes at once when the buffer is back.
+    // While the GUI has the last image, nothing is converted over it and no second one is queued. The frame timer keeps
+    // running, so that the next image is converted as soon as the buffer is back.
     if (m_mainWindow->convBuffer->isLent() || loop.frameTimer.elapsed() <= kImagePeriodMs)
         return Next::GoOn;
     loop.frameTimer.restart();
@@ -88,7 +88,7 @@ DispThread::Next DispThread::displayStep(Loop& loop)
     const bool locked = Orvo::Strm_LockBuffer(stream, loop.bufferIndex, &loop.info) == Orvo::CAM_API_STS_SUCCESS;
     if (locked && loop.info.status == Orvo::CAM_API_STS_SUCCESS && loop.info.frameNumber != loop.lastShownFrameNumber)
         return takeImage(loop);
-    // Also after a failed lock; what it answers is of no use.
+    // Unlocks even after a failed lock; the status has no consequence.
     static_cast<void>(Orvo::Strm_UnlockBuffer(stream, loop.bufferIndex));
     return pauseUnlessStopped();
 }
@@ -96,7 +96,7 @@ DispThread::Next DispThread::displayStep(Loop& loop)
 DispThread::Next DispThread::takeImage(Loop& loop)
 {
     ConversionBuffer& buffer = *m_mainWindow->convBuffer;
-    // An image that cannot be converted is shown as it is in the buffer.
+    // If the image cannot be converted, the buffer is shown as it is.
     static_cast<void>(Orvo::ConvImage(kToArgb32, m_mainWindow->pixelFormat, kConversionOption, buffer.pixels(),
                                       loop.info.data, m_mainWindow->width, m_mainWindow->height));
     loop.lastShownFrameNumber = loop.info.frameNumber;

@@ -23,11 +23,11 @@ public:
     void requestStop() noexcept { m_stopRequested.store(true, std::memory_order_release); }
 
 signals:
-    /// Images per second since the last report, more than two seconds ago: arrived (by frame numbers, so lost ones
-    /// count) and shown.
+    /// Images per second since the last report, more than two seconds ago: captured (by frame numbers, so that lost
+    /// images count) and shown.
     void dispFps(double capFps, double dispFps);
 
-    /// A view of the conversion buffer; no further one comes before it is given back.
+    /// A view of the conversion buffer; the next one is emitted only after this one is given back.
     void dispImage(QImage image);
 
     /// The camera was unplugged; the thread ends.
@@ -40,7 +40,7 @@ private:
     /// Whether the thread goes on after a step.
     enum class Next { GoOn, End };
 
-    struct Loop; // what run() keeps from one round to the next
+    struct Loop; // the state that run() keeps between iterations
 
     [[nodiscard]] bool isStopRequested() const noexcept { return m_stopRequested.load(std::memory_order_acquire); }
     [[nodiscard]] Next pauseUnlessStopped() const;

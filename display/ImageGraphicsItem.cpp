@@ -6,8 +6,8 @@
 
 namespace {
 
-/// The same pixels as RGB32, without a copy. A camera image has no transparency: its fourth byte is there for the
-/// width of a pixel only. Taken for an alpha it would cost a look at every pixel and a deep copy for each image.
+/// The same pixels as RGB32, without a copy. A camera image has no transparency: its fourth byte is padding. Treating
+/// it as alpha would cost a scan of all pixels and a deep copy for each image.
 QImage opaqueView(const QImage& image)
 {
     auto kept = std::make_unique<QImage>(image);

@@ -4,15 +4,15 @@
 #include <QImage>
 #include <QPixmap>
 
-/// Paints the newest image over exactly the size that it was told, whatever the image's own size.
+/// Paints the newest image at exactly the size that was set, whatever the image's own size.
 class ImageGraphicsItem : public QGraphicsPixmapItem {
 public:
-    /// In pixels. The scene is not told: the size comes before the first image.
+    /// In pixels. The scene is not notified, because the size is set before the first image.
     void set_image_size(int width, int height);
-    /// An image of 32 bits is shared, not copied; one of format ARGB32 is taken for opaque.
+    /// A 32-bit image is shared, not copied; the alpha of ARGB32 is ignored.
     void update_image(const QImage& image);
 
-    /// Nothing is painted any more, from the next repaint on; none is requested.
+    /// From the next repaint on nothing is painted; no repaint is requested.
     void clear_image();
 
     [[nodiscard]] QRectF boundingRect() const override;

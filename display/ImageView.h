@@ -24,7 +24,7 @@ public:
 
 public slots:
     void set_image_size(int width, int height);
-    /// Doubles and halves without a bound. The main window's actions end at 8 and 0.25, but for the menu's Zoom Out.
+    /// Doubles and halves without a limit. The main window's actions stop at 8 and 0.25, except the menu's Zoom Out.
     void zoomIn();
     void zoomOut();
     void zoomReset();
@@ -33,7 +33,7 @@ public slots:
     void togglePointerMode();
     void toggleOpenGL();
     void update_image(QImage pimage);
-    /// What is on screen stays until something repaints the view.
+    /// The screen keeps its contents until something repaints the view.
     void clear_image();
 
 private:

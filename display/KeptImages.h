@@ -5,8 +5,8 @@
 #include <array>
 #include <cstddef>
 
-/// Deep copies of images, into memory that is kept: while images keep their size and no copy older than the last one
-/// is still in use, nothing is allocated. One thread.
+/// Deep copies of images into reused memory: nothing is allocated while the images keep their size and only the last
+/// copy is in use. One thread.
 class KeptImages {
 public:
     /// A copy that shares no pixel with `image`; null of a null image.

@@ -8,7 +8,7 @@
 
 namespace {
 
-// In lines: the table above keeps its height, whatever a camera tells.
+// In lines: the table above keeps its height however long the camera's description is.
 constexpr int kHighestHeading = 4;
 constexpr int kHighestText = 12;
 
@@ -19,7 +19,7 @@ struct AccessText {
     const char* text;
 };
 
-// Read-write goes without a word: only restricted access is called out.
+// Read-write is the normal case: only restricted access is mentioned.
 constexpr AccessText kAccessTexts[] = {
     {Orvo::NODE_ACCESS_MODE_NI, "not implemented"},
     {Orvo::NODE_ACCESS_MODE_NA, "not available"},
@@ -61,7 +61,7 @@ void DescBox::setText(GenAPINodeItem* item)
     m_item = item;
     if (m_item)
         m_item->updateVals(true);
-    if (!m_item) { // reading may have ended in the item's end
+    if (!m_item) { // the read may have destroyed the item
         clear();
         return;
     }

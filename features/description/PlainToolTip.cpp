@@ -6,7 +6,7 @@
 
 namespace {
 
-// A tool tip grows with its text, past the edges of the screen.
+// A tool tip grows with its text, beyond the edges of the screen.
 constexpr int kMostCharacters = 2000;
 constexpr int kMostLines = 40;
 constexpr int kLongestLine = 80; // longer ones are broken
@@ -42,8 +42,8 @@ QString beginningOf(const QString& text)
 void showPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget, const QRect& area)
 {
     QString shown = beginningOf(text);
-    // Tool tips guess the format from the text: with markup around it there is nothing left to guess. Left to break
-    // lines, a tool tip gets about as high as it is wide, however short its text.
+    // A tool tip guesses whether its text is rich; explicit markup leaves nothing to guess. If it breaks lines by
+    // itself it becomes about as high as it is wide, however short the text is.
     if (!shown.isEmpty()) {
         const QString breaking = hasLongLine(shown) ? QStringLiteral("pre-wrap") : QStringLiteral("pre");
         shown = "<p style=\"white-space:" + breaking + "\">" + shown.toHtmlEscaped() + "</p>";

@@ -10,11 +10,11 @@
 
 namespace {
 
-// In characters. A window does not grow for the sake of a label.
+// In characters. The window does not grow for this label.
 constexpr int kUsualWidth = 30;
 constexpr int kLeastWidth = 8;
 
-/// Long words in pieces: where a line may end takes the time of a word for each of its lines.
+/// Splits long words: finding a line break takes time in proportion to the word's length, for each line.
 QString breakable(const QString& text)
 {
     constexpr int kLongestWord = 100;

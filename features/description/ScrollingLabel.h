@@ -4,11 +4,11 @@
 #include <QScrollBar>
 #include <QTextLayout>
 
-/// A label of plain text of any length: broken at its words and, where one is too wide, within it; higher than
-/// `mostLines` lines it never asks to be, and what does not fit is scrolled. Lives on the GUI thread.
+/// A label of plain text of any length: lines break between words and, if a word is too wide, within it. It never asks
+/// for more than `mostLines` lines; the rest is scrolled. Lives on the GUI thread.
 ///
-/// The text widgets of the toolkit do not serve: those that scroll have no height for a width, so the box would neither
-/// shrink to a short text nor stop at `mostLines`; a QLabel does not break a line within a word.
+/// The toolkit has no such widget: its scrolling ones have no height for a width, so the box would neither shrink to a
+/// short text nor stop at `mostLines`, and a QLabel does not break a line within a word.
 class ScrollingLabel : public QLabel {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ public:
     explicit ScrollingLabel(int mostLines, QWidget* parent = nullptr);
     ~ScrollingLabel() override;
 
-    /// Shows the beginning of the text; one that is shown already stays where it was scrolled to.
+    /// Shows the beginning of the text; if it is already shown the scroll position stays.
     void showText(const QString& text);
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -30,7 +30,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    /// Breaks the label's text into lines, at most so many. Returns their height.
+    /// Breaks the label's text into at most `mostLines` lines. Returns their height.
     int layOut(QTextLayout& lines, int width, int mostLines) const;
     void arrange();
 

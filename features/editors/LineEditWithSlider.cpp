@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int kDragInterval = 50; // ms between two writes of a slider that is dragged
+constexpr int kDragInterval = 50; // ms between two writes while the slider is dragged
 constexpr int kLeastPartWidth = 50;
 
 } // namespace
@@ -37,7 +37,7 @@ LineEditWithSlider::LineEditWithSlider(QWidget* parent)
 
 LineEditWithSlider::~LineEditWithSlider()
 {
-    // The parts give up the focus when they are destroyed, and that may not arrive here any more.
+    // The children lose the focus while they are destroyed; that event must no longer arrive here.
     disconnect(qApp, nullptr, this, nullptr);
 }
 
@@ -57,7 +57,7 @@ void LineEditWithSlider::setValue(GenAPINodeItem* item)
             return;
         }
     }
-    m_slider.setValue(m_slider.minimum()); // before the text, which follows a slider that is pressed
+    m_slider.setValue(m_slider.minimum()); // before the text is set: a pressed slider would overwrite it
     m_slider.setEnabled(false);
     m_lineEdit.clear();
     m_lineEdit.setToolTip(QString());
@@ -178,7 +178,7 @@ void LineEditWithSlider::writeText()
     m_item->setNodeValue(m_lineEdit.text());
     if (m_item.isNull())
         return;
-    // The numbers are those that were read last: the view reads everything anew after a commit, and loads again.
+    // The numbers read last are good enough: after a commit the view reads everything again and reloads the editor.
     const int position =
         isFloat() ? calcSliderVal(m_item->getValFloat(false)) : calcSliderVal(m_item->getValInt(false));
     m_slider.setValue(position);
@@ -231,7 +231,7 @@ void LineEditWithSlider::slider_Pressed()
 
 void LineEditWithSlider::slider_Released()
 {
-    // What moved since the last write is written when the delegate commits.
+    // The delegate's commit writes the position reached since the last write.
     m_sliderPressed = false;
     if (m_timerId != 0)
         killTimer(m_timerId);
@@ -268,9 +268,8 @@ void LineEditWithSlider::timerEvent(QTimerEvent* event)
 void LineEditWithSlider::focusInEvent(QFocusEvent* event)
 {
     QWidget::focusInEvent(event);
-    // Not a focus proxy: a view gives the focus of a closed editor back by taking it, so that the line edit would take
-    // Escape for leaving it, and write.
-    // A line edit without an editable value leaves it here.
+    // Not a focus proxy: when an editor is closed the view takes the focus back, and the line edit would mistake Escape
+    // for being left, and write. If the line edit is not editable, the focus stays here.
     if (!m_lineEdit.isEnabled())
         return;
     m_lineEdit.setFocus(event->reason());
@@ -283,13 +282,13 @@ void LineEditWithSlider::hideEvent(QHideEvent* event)
     const QWidget* focus = QApplication::focusWidget();
     if (!isHidden() || parentWidget() == nullptr || (focus != &m_lineEdit && focus != &m_slider))
         return;
-    // Qt would pass the focus on as Tab does, which makes a table go to its next cell; and the line edit would take it
+    // Qt would move the focus on like Tab, which takes a table to its next cell; and the line edit would mistake that
     // for being left, and write.
     {
         const QSignalBlocker notLeft(m_lineEdit);
         parentWidget()->setFocus();
     }
-    // A view that is reset closes its editors without a word to the delegate. What was typed is committed all the same.
+    // A reset view closes its editors without notifying the delegate. What was typed is committed anyway.
     const auto* view = qobject_cast<QAbstractItemView*>(parentWidget()->parentWidget());
     if (view != nullptr && view->indexWidget(view->currentIndex()) == this)
         emit view->itemDelegate()->commitData(this);

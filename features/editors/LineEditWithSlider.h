@@ -22,31 +22,31 @@ public:
     explicit LineEditWithSlider(QWidget* parent = nullptr);
     ~LineEditWithSlider() override;
 
-    /// Shows range and value of the item, which may be loaded again at any time; a press of the slider that is under
-    /// way ends. Anything but an Integer or Float node, null too, leaves an empty, disabled editor that keeps its item.
+    /// Shows range and value of the item; may be called again at any time, which ends a drag of the slider. For null,
+    /// and for any node that is neither Integer nor Float, the editor becomes empty and disabled and keeps its item.
     void setValue(GenAPINodeItem* item);
 
-    /// The four ways to load, each for a node of its type, not null. A range with one value, or none, disables the line
-    /// edit. None of them enables or disables the slider. The logarithmic ones place the slider by calcSliderVal(), so
-    /// linearly for a node that is not logarithmic.
+    /// The four ways to load a node, which is of the matching type and not null. A range of one value or none disables
+    /// the line edit; the slider is neither enabled nor disabled. The logarithmic ones place the slider by
+    /// calcSliderVal(), hence linearly if the node is not logarithmic.
     void setValIntLinear(GenAPINodeItem* item);
     void setValFloatLinear(GenAPINodeItem* item);
     void setValIntLog(GenAPINodeItem* item);
     void setValFloatLog(GenAPINodeItem* item);
 
-    /// Between values and positions of the slider, by the node's representation; without a node 0.
+    /// Conversions between values and slider positions by the node's representation; 0 without a node.
     [[nodiscard]] int calcSliderVal(long value) const;
     [[nodiscard]] int calcSliderVal(double value) const;
     [[nodiscard]] long convSliderValToInt(int position) const;
     [[nodiscard]] double convSliderValToFloat(int position) const;
-    /// The value brought into the range and onto a step; without a node as it is.
+    /// The value clamped to the range and snapped to a step; unchanged without a node.
     [[nodiscard]] long getValidNodeValue(long value) const;
     [[nodiscard]] double getValidNodeValue(double value) const;
 
-    /// Writes the slider's value where the slider has the focus, the line edit's text otherwise; then shows what the
-    /// node holds.
+    /// Writes the slider's value if the slider has the focus, otherwise the line edit's text; then shows the node's
+    /// value.
     void getValue();
-    /// The same, if the slider moved since it was last asked.
+    /// The same, if the slider has moved since the last call.
     void getSliderValue();
 
     [[nodiscard]] bool hasTracking() const;
@@ -84,6 +84,6 @@ private:
     QPointer<GenAPINodeItem> m_item;
     SliderMapping m_mapping;
     int m_timerId = 0;
-    int m_lastSliderValue = -1; ///< written last while dragging
+    int m_lastSliderValue = -1; ///< last value written while dragging
     bool m_sliderPressed = false;
 };

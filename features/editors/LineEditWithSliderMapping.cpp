@@ -16,13 +16,13 @@ bool isEmpty(std::int64_t minimum, std::int64_t maximum)
     return minimum >= maximum;
 }
 
-// NaN makes a range empty, too.
+// NaN also makes a range empty.
 bool isEmpty(double minimum, double maximum)
 {
     return !(minimum < maximum);
 }
 
-/// A product that leaves 32 bits turns negative and ends this at once, so the widest ranges keep their scale.
+/// A product beyond 32 bits becomes negative and ends the loop at once, so the widest ranges keep their scale.
 void divideToSpan(double& scale, double span)
 {
     for (int i = 0; i < 9 && doubleToInt(span * scale) > kWidestSpan; ++i)
@@ -54,10 +54,10 @@ SliderPositions loadIntLinear(SliderMapping& mapping, std::int64_t value)
 {
     mapping.scale = 1.0;
     if (isEmpty(mapping.minInt, mapping.maxInt)) {
-        const int low = static_cast<int>(mapping.minInt); // its lower 32 bits: a fixed value is not dragged
+        const int low = static_cast<int>(mapping.minInt); // the lower 32 bits suffice: a fixed value cannot be dragged
         return {low, low, low};
     }
-    // Unsigned: the range may be that of all 64-bit numbers.
+    // Unsigned: the range may cover all 64-bit numbers.
     const std::uint64_t span = static_cast<std::uint64_t>(mapping.maxInt) - static_cast<std::uint64_t>(mapping.minInt);
     divideToSpan(mapping.scale, static_cast<double>(span));
     return {doubleToInt(static_cast<double>(mapping.minInt) * mapping.scale),
@@ -101,7 +101,7 @@ SliderPositions loadFloatLog(SliderMapping& mapping, bool logarithmic, double va
     if (isEmpty(mapping.minFloat, mapping.maxFloat))
         return {};
     const double span = mapping.maxFloat - mapping.minFloat;
-    // Multiplied as long as 24 bits hold the span, unlike a linear slider, which stops when it has positions enough.
+    // Scaled up while the span fits into 24 bits; a linear slider stops as soon as it has enough positions.
     if (doubleToInt(span) <= kCoarseSpan) {
         for (int i = 0; i < 7 && doubleToInt(span * mapping.scale) < kWidestSpan; ++i)
             mapping.scale *= 10;
@@ -148,11 +148,11 @@ std::int64_t validInt(const SliderMapping& mapping, std::int64_t value)
 
 double validFloat(const SliderMapping& mapping, double value)
 {
-    double valid = std::fmax(value, mapping.minFloat); // the minimum of what is no number
+    double valid = std::fmax(value, mapping.minFloat); // NaN becomes the minimum
     if (mapping.hasIncFloat) {
         const double step = stepOf(mapping.incFloat);
         const int steps = doubleToInt((valid - mapping.minFloat) / step + 0.5);
-        valid = steps * (step * step) + mapping.minFloat; // squared: meant
+        valid = steps * (step * step) + mapping.minFloat; // squared on purpose
     }
     return std::fmin(valid, mapping.maxFloat);
 }

@@ -5,7 +5,7 @@
 /// The arithmetic between a node's values and the positions of a slider, without a window.
 ///
 /// A linear slider stands at value x scale, scale being a power of ten; a logarithmic one has the positions 0 to 10000.
-/// Positions are 32-bit: what leaves their range becomes INT_MIN, and the rules below rely on that.
+/// Positions have 32 bits: values beyond them become INT_MIN, and the rules below rely on that.
 struct SliderMapping {
     double scale = 1.0;     ///< slider units per unit of value
     double logOffset = 0.0; ///< added before taking the logarithm
@@ -26,9 +26,9 @@ struct SliderPositions {
     int position = 0;
 };
 
-/// Each sets scale, offset and logarithmic range for the integer or float range in `mapping`, and tells where the
-/// slider is to stand. Of an empty range, where the minimum is not below the maximum, the position is the minimum's.
-/// The position of a logarithmic slider follows `logarithmic`, which is false where the node is not.
+/// Each sets scale, offset and logarithmic range for the integer or float range in `mapping`, and returns the slider's
+/// limits and position. If the range is empty (the minimum is not below the maximum) the position is the minimum's. The
+/// position of a logarithmic slider follows `logarithmic`, which is false if the node is not logarithmic.
 [[nodiscard]] SliderPositions loadIntLinear(SliderMapping& mapping, std::int64_t value);
 [[nodiscard]] SliderPositions loadIntLog(SliderMapping& mapping, bool logarithmic, std::int64_t value);
 [[nodiscard]] SliderPositions loadFloatLinear(SliderMapping& mapping, double value);
@@ -41,8 +41,7 @@ struct SliderPositions {
 [[nodiscard]] std::int64_t positionToInt(const SliderMapping& mapping, bool logarithmic, int position);
 [[nodiscard]] double positionToFloat(const SliderMapping& mapping, bool logarithmic, int position);
 
-/// The value brought into the range and onto a step. An integer takes the nearest step, halves upward. The steps of a
-/// float are as wide as its increment squared: so it is meant, and it is the ordinary snapping for an increment of 1
-/// only.
+/// The value clamped to the range and snapped to a step. An integer takes the nearest step, halves upward. The steps of
+/// a float are deliberately its increment squared, which is ordinary snapping only for an increment of 1.
 [[nodiscard]] std::int64_t validInt(const SliderMapping& mapping, std::int64_t value);
 [[nodiscard]] double validFloat(const SliderMapping& mapping, double value);

@@ -22,7 +22,8 @@ QWidget* makeLineEdit(QWidget* parent)
 {
     auto* lineEdit = new QLineEdit(parent);
     lineEdit->setFrame(false);
-    lineEdit->setMaxLength(std::numeric_limits<int>::max()); // to leave a line edit writes what is in it
+    lineEdit->setMaxLength(
+        std::numeric_limits<int>::max()); // a truncated text would be written when the line edit is left
     return lineEdit;
 }
 
@@ -53,8 +54,8 @@ QWidget* makeSpinBox(QWidget* parent)
 
 // --- Loading it -----------------------------------------------------------------------------------------------------
 
-// The signal that writes is disconnected meanwhile: filling an editor writes nothing, and an editor that is loaded
-// again writes once. Nothing in between calls the camera, which could load the editor from within.
+// The signal that writes is disconnected while an editor is filled: filling writes nothing, and a reloaded editor is
+// connected only once. Nothing in between calls the camera, which could reload the editor recursively.
 template <typename Editor, typename Signal, typename Slot, typename Fill>
 void fill(Editor& editor, Signal changed, GenAPINodeItem* item, Slot write, Fill fillEditor)
 {
@@ -83,7 +84,7 @@ void loadComboBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
              comboBox->setEditable(false);
              comboBox->clear();
              comboBox->insertItems(0, choices);
-             // None where the value is no choice, as "== Write-Only ==": else the first could not be chosen.
+             // No entry if the value is not one, such as "== Write-Only ==": otherwise the first could not be chosen.
              comboBox->setCurrentIndex(comboBox->findText(value.toString()));
          });
 }
@@ -107,7 +108,7 @@ void loadSpinBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
         return;
     fill(*spinBox, qOverload<int>(&QSpinBox::valueChanged), item, &GenAPINodeItem::spinBox_ValueChanged, [&] {
         if (item != nullptr) {
-            // The low 32 bits: so the spin box is defined. No node chooses it.
+            // By definition the low 32 bits. No node uses a spin box.
             spinBox->setMinimum(static_cast<int>(item->getMinInt()));
             spinBox->setMaximum(static_cast<int>(item->getMaxInt()));
             spinBox->setSingleStep(static_cast<int>(item->getIncInt()));
@@ -120,7 +121,7 @@ void loadSpinBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
 
 void commitText(QWidget& editor, QAbstractItemModel& model, const QModelIndex& index)
 {
-    // The write may load this editor again, or close it.
+    // The write may reload this editor or close it.
     const QPointer<QLineEdit> lineEdit = qobject_cast<QLineEdit*>(&editor);
     if (lineEdit.isNull())
         return;
@@ -136,7 +137,7 @@ void commitSlider(QWidget& editor, QAbstractItemModel&, const QModelIndex&)
         slider->getValue();
 }
 
-/// These editors wrote already, when they were used.
+/// These editors have already written, when they were used.
 void commitNothing(QWidget&, QAbstractItemModel&, const QModelIndex&) {}
 
 struct EditorRow {
@@ -162,7 +163,7 @@ const EditorRow* rowOf(const QModelIndex& index)
     return row == std::end(kEditorRows) ? nullptr : row;
 }
 
-/// An editor that is there without a kind counts as a line edit.
+/// An editor without a kind counts as a line edit.
 const EditorRow& rowOfOpen(const QModelIndex& index)
 {
     const EditorRow* row = rowOf(index);
@@ -194,7 +195,8 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
         return nullptr;
     const EditorRow* row = rowOf(index);
     const QPointer<GenAPINodeItem> item = m_view->itemAt(index);
-    // Before the access mode is asked: the description box reads it anew. What hears of that may change the rows.
+    // Comes before the access mode is used: the description box reads it again, and the receivers of that change may
+    // change the rows.
     m_view->descBox()->setText(item);
 
     if (item.isNull() || !item->isWritable() || m_writeInProgress || index.column() != FeatureView::ValueColumn)
@@ -202,7 +204,7 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
     if (row == nullptr)
         return nullptr;
     QWidget* const editor = row->make(parent);
-    // The table paints the cell beneath with its text, and not every style draws a frameless widget opaque.
+    // The table paints the cell's text underneath, and not every style draws a frameless widget opaque.
     editor->setAutoFillBackground(true);
     editor->setBackgroundRole(QPalette::Base);
     return editor;

@@ -5,10 +5,10 @@
 
 class FeatureView;
 
-/// The editors of the feature table's value column: makes the editor that the node item asks for, loads it, commits
-/// what was typed, and has the view read everything anew after a write. Lives on the GUI thread.
+/// The editors of the feature table's value column: creates the editor that the node item asks for, loads it, commits
+/// what was typed, and has the view read everything again after a write. Lives on the GUI thread.
 ///
-/// The index of every call is one of the view's table. Without a view, and in rows without a camera node, no editor
+/// Every index belongs to the model of the view's table. Without a view, and in rows without a camera node, no editor
 /// opens.
 class TableViewItemDelegate : public QStyledItemDelegate {
     Q_OBJECT
@@ -23,18 +23,18 @@ public:
     [[nodiscard]] bool writeInProgress() const { return m_writeInProgress; }
     void setWriteInProgress(bool inProgress) { m_writeInProgress = inProgress; }
 
-    /// Rows that the table hides are not painted.
+    /// Does not paint rows that the table hides.
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
-    /// Shows the row's item in the description box, which reads its access mode anew; then the editor of its kind, or
-    /// none where the item is not writable, a write is in progress or the column is not the value column.
+    /// Shows the row's item in the description box, which reads its access mode again; then creates the editor of its
+    /// kind, or none if the item is not writable, a write is in progress or the column is not the value column.
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
-    /// Loads the editor without writing to the camera. May be called again at any time, also from within a write.
+    /// Loads the editor without writing to the camera. May be called again at any time, even during a write.
     void setEditorData(QWidget* editor, const QModelIndex& index) const override;
 
-    /// Writes the text of a line edit and what a slider editor holds; the other editors wrote when they were used.
-    /// Then every value is read anew if any was written, by whatever way.
+    /// Writes the text of a line edit or the value of a slider editor; the other editors have written when they were
+    /// used. Then all values are read again if any was written since the last time.
     void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
 
     void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,

@@ -94,7 +94,7 @@ void TreeViewItemDelegate::setEditorData(QWidget* editor, const QModelIndex& ind
 void TreeViewItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const
 {
     if (auto* spinBox = qobject_cast<QSpinBox*>(editor)) {
-        spinBox->interpretText(); // typed, but not yet a value
+        spinBox->interpretText(); // turns typed text into the value
         model->setData(index, spinBox->value(), Qt::EditRole);
     } else if (auto* slider = qobject_cast<QSlider*>(editor)) {
         model->setData(index, slider->value(), Qt::EditRole);

@@ -63,7 +63,7 @@ void GenAPINodeItem::readProperties()
     std::array<char, 256> name{}; // a name has at most 255 bytes
     std::uint32_t nameSize = name.size();
 
-    // Ends at the first call that fails: what is not read keeps its initial value.
+    // Stops at the first call that fails: what is not read keeps its initial value.
     if (!ok(Nd_GetType(camera, node, &m_node.type)) || !ok(Nd_GetName(camera, node, name.data(), &nameSize)))
         return;
     m_node.name = QString::fromUtf8(fieldBytes(name));
@@ -166,10 +166,10 @@ long GenAPINodeItem::getValidNodeValue(long value) const
 
 double GenAPINodeItem::getValidNodeValue(double value) const
 {
-    double valid = std::fmax(value, m_node.minFloat); // the minimum of what is no number
+    double valid = std::fmax(value, m_node.minFloat); // NaN becomes the minimum
     if (m_node.hasIncFloat) {
         const double step = stepOf(m_node.incFloat);
-        // 32 bits are meant: more steps than that give the least of them.
+        // Deliberately 32 bits: a larger number of steps becomes INT_MIN.
         const int steps = doubleToInt((valid - m_node.minFloat) / step + 0.5);
         valid = steps * step + m_node.minFloat;
     }

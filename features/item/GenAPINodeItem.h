@@ -15,21 +15,21 @@
 class FeatureView;
 class NodeItemListener;
 
-/// One node (feature) of the opened camera, and at once the cell of the value column that shows it. Lives on the GUI
-/// thread; every member may call the camera unless it says otherwise.
+/// One node (feature) of the opened camera, and at the same time the model item of its value cell. Lives on the GUI
+/// thread; every member may call the camera unless documented otherwise.
 ///
-/// What does not change while the camera stays open is read once, by setNode. The access mode, the value and the range
-/// are read when asked for. Nothing is reported to the user: a failure shows as value text and in the operation log.
+/// setNode reads once what does not change while the camera stays open. The access mode, the value and the range are
+/// read on request. A failure is shown as value text and in the operation log; nothing else reports it to the user.
 ///
-/// Items are owned by their model and have no QObject parent. Whoever keeps one keeps a QPointer: they die with the
-/// model.
+/// Items are owned by their model and have no QObject parent. Keep a QPointer to an item: it is deleted with its model.
 ///
-/// Its view colours its row, hears of writes and carries the operation log; an item without a view logs nothing.
+/// The view colours the item's row, is notified of writes and emits the operation log; an item without a view logs
+/// nothing.
 class GenAPINodeItem : public QObject, public QStandardItem {
     Q_OBJECT
 
 public:
-    /// An item of no node.
+    /// An item without a node.
     explicit GenAPINodeItem(QObject* parent);
     GenAPINodeItem(unsigned long camHandle, unsigned long nodeHandle, int baseIndex, FeatureView* view,
                    QObject* parent);
@@ -92,20 +92,20 @@ public:
 
     // --- Reading --------------------------------------------------------------------------------------------------
 
-    /// Reads the access mode and has the view colour the row by it. `changed` (may be null) tells whether it differs
-    /// from before. 21 without a node, else the status of the call.
+    /// Reads the access mode and has the view colour the row accordingly. `changed` (may be null) receives whether it
+    /// differs from before. 21 without a node, else the status of the call.
     int updateAccessMode(bool* changed);
 
     /// The value as text, with or without its unit. Without `force` the text of the last successful access is taken;
     /// the camera is called only where there is none. The text with unit becomes the item's edit role.
     QString getNodeValue(bool withUnit, bool force);
-    /// The number that was read last, after getNodeValue(false, force); a failed read leaves it.
+    /// The number read last, after getNodeValue(false, force); a failed read leaves it unchanged.
     long getValInt(bool force);
     double getValFloat(bool force);
-    /// Of an enumeration; 0 of any other node.
+    /// Of an enumeration; 0 for any other node.
     long getEnumIntValue();
 
-    /// The choices of a combo box: of an enumeration the entries that can be chosen now. Empty after a failure.
+    /// The choices of a combo box; for an enumeration the entries that can be chosen now. Empty after a failure.
     QStringList getItemsValue();
 
     /// Reads access mode, value and maximum; with `all` the minimum and the increment too.
@@ -115,14 +115,14 @@ public:
     QString getAdditionalInfo();
 
     // --- Writing --------------------------------------------------------------------------------------------------
-    // Each returns a status: 13 for what this node does not take, and for a number where it is not writable. A text
-    // gives 2055 there.
+    // Each returns a status: 13 for a value that this node does not accept. For a node that is not writable, a number
+    // gives 13 and a text 2055.
 
-    /// Writes what the text says in the node's own notation.
+    /// Parses the text in the node's notation and writes the value.
     int setNodeValue(const QString& text);
-    /// To an integer, or to an enumeration by its number; reads the value back.
+    /// Writes an integer, or an enumeration by its number, and reads the value back.
     int setNodeValue(long value);
-    /// To a float.
+    /// Writes a float.
     int setNodeValue(double value);
 
     /// The editor that is open on this item, null for none; the slots below read it.
@@ -130,21 +130,21 @@ public:
 
     // --- Operation log --------------------------------------------------------------------------------------------
 
-    /// Adds `text`, and a failure line where `status` is not 0, to `log` where the view's level is at least `mode`.
+    /// Adds `text`, and a failure line if `status` is not 0, to `log` if the view's level is at least `mode`.
     void appendOpeLog(QString& log, const QString& text, OperationLogMode mode, unsigned int status) const;
 
 public slots:
     void spinBox_ValueChanged(int value);
     void lineEdit_EditingFinished();
     void button_Clicked();
-    /// Writes the chosen entry; nothing where the index is the one at which the editor was attached.
+    /// Writes the chosen entry; does nothing if the index is the one at which the editor was attached.
     void combo_CurrentIndexChanged(int index);
     /// These two do nothing.
     void slider_EditingFinished();
     void slider_sliderMoved();
 
 private:
-    /// What is known of the node; the initial values are those of an item without one.
+    /// The cached properties of the node; the initial values are those of an item without a node.
     struct Node {
         Orvo::CAM_NODE_HANDLE handle = 0;
         int baseIndex = -1;
@@ -185,26 +185,27 @@ private:
     Orvo::CAM_API_STATUS readInteger();
     Orvo::CAM_API_STATUS readBoolean();
     Orvo::CAM_API_STATUS readFloat();
-    /// A text announced with fewer bytes than `leastSize` counts as failed.
+    /// A text announced with fewer than `leastSize` bytes counts as a failure.
     Orvo::CAM_API_STATUS readValueText(NodeTextOperation operation, std::uint32_t leastSize);
     void readFloatRange(bool all, QString& log);
     void readIntegerRange(bool all, QString& log);
     /// Makes the value text with its unit the edit role, without a write, and returns it.
     QString showValueText();
 
-    /// Writes the text by type and gives the fragment of the write, of one that the text did not allow too.
+    /// Writes the text by node type. `fragment` receives the log of the write, even if the text could not be parsed.
     Orvo::CAM_API_STATUS writeText(const QString& text, QString& fragment);
     Orvo::CAM_API_STATUS writeInteger(const QString& text, QString& fragment);
     Orvo::CAM_API_STATUS writeBoolean(const QString& text, QString& fragment);
     Orvo::CAM_API_STATUS writeCommand(const QString& text, QString& fragment);
     Orvo::CAM_API_STATUS writeFloat(const QString& text, QString& fragment);
-    /// Notes the outcome of a write that was tried; `shownText` is the value text if it succeeded. Returns the status.
+    /// Stores the outcome of an attempted write; `shownText` becomes the value text if it succeeded. Returns the
+    /// status.
     Orvo::CAM_API_STATUS written(Orvo::CAM_API_STATUS status, const QString& shownText);
     void tellValuesWritten();
 
     [[nodiscard]] int opeLogLevel() const;
-    /// Hands an entry to the view, the line that looks the node up in front; an empty one is none. It holds only what
-    /// appendOpeLog let through, so that the level is looked at in one place.
+    /// Passes a non-empty entry to the view, preceded by the line that looks up the node. appendOpeLog has already
+    /// applied the log level.
     void sendOpeLog(const QString& log);
     void showChosenEntry();
 

@@ -26,7 +26,7 @@ void GenAPINodeItem::lineEdit_EditingFinished()
 void GenAPINodeItem::combo_CurrentIndexChanged(int)
 {
     const auto* combo = qobject_cast<QComboBox*>(m_editor);
-    // Filling the combo box signals too, with the index that it then has.
+    // Filling the combo box emits the signal as well, with the index that it has by then.
     if (combo == nullptr || combo->currentIndex() == m_comboIndex)
         return;
     m_comboIndex = combo->currentIndex();
@@ -38,10 +38,11 @@ void GenAPINodeItem::combo_CurrentIndexChanged(int)
     }
 }
 
-/// After a choice that the camera refused: the combo box says what the camera has, and the entry can be chosen again.
+/// After the camera has refused a choice: the combo box shows the camera's entry, and the refused one can be chosen
+/// again.
 void GenAPINodeItem::showChosenEntry()
 {
-    auto* const combo = qobject_cast<QComboBox*>(m_editor); // the write may have ended it
+    auto* const combo = qobject_cast<QComboBox*>(m_editor); // the write may have destroyed it
     if (combo == nullptr)
         return;
     const QSignalBlocker quiet(combo);
@@ -49,7 +50,7 @@ void GenAPINodeItem::showChosenEntry()
     m_comboIndex = combo->currentIndex();
 }
 
-// The log of the two slots below tells the call alone, never its failure: this is meant.
+// The two slots below deliberately log the call alone, never its failure.
 
 void GenAPINodeItem::spinBox_ValueChanged(int value)
 {

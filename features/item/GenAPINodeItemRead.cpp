@@ -14,7 +14,7 @@ using OperationLog::Fragment;
 
 namespace {
 
-/// What stands in place of a value that cannot be read.
+/// The text shown instead of a value that cannot be read.
 struct AccessText {
     NodeAccessMode accessMode;
     const char* text;
@@ -75,7 +75,7 @@ CAM_API_STATUS GenAPINodeItem::readValue(QString& log)
         return CAM_API_STS_INVALID_PARAMETER;
     case NODE_TYPE_FLOAT:
         status = readFloat();
-        // Alone of all reads this one is meant to tell nothing of a failure.
+        // Deliberately the only read that does not log a failure.
         appendOpeLog(log, OperationLog::text(Fragment::FloatRead), OpeLogRead, CAM_API_STS_SUCCESS);
         return status;
     case NODE_TYPE_STRING:
@@ -133,7 +133,7 @@ CAM_API_STATUS GenAPINodeItem::readValueText(NodeTextOperation operation, std::u
     const CAM_API_STATUS status = readTextSize(operation, m_camHandle, m_node.handle, size);
     if (status != CAM_API_STS_SUCCESS)
         return status;
-    // Whatever becomes of the second call, a text that was announced and did not come counts as this one status.
+    // An announced text that cannot be read has this one status, whatever the second call returned.
     if (size < leastSize || readTextOfSize(operation, m_camHandle, m_node.handle, size, m_node.valueText) != 0)
         return CAM_API_STS_INVALID_PARAMETER;
     return CAM_API_STS_SUCCESS;
@@ -195,7 +195,7 @@ QStringList GenAPINodeItem::getItemsValue()
             !ok(Nd_GetAccessMode(m_camHandle, entry, &access)))
             return {};
         if (access != NODE_ACCESS_MODE_WO && access != NODE_ACCESS_MODE_RO)
-            continue;                 // not to be chosen; of an entry that can be, the library never tells read-write
+            continue;                 // cannot be chosen; the library reports entries that can be as read-only
         std::array<char, 256> name{}; // a symbolic name has at most 255 bytes
         std::uint32_t size = name.size();
         if (!ok(Nd_GetEnumEntryStrValue(m_camHandle, entry, name.data(), &size)))
@@ -217,12 +217,12 @@ void GenAPINodeItem::updateVals(bool all)
         readFloatRange(all, log);
     if (m_node.type == NODE_TYPE_INTEGER)
         readIntegerRange(all, log);
-    // Alone of all entries this one has no line that looks the node up.
+    // The only entry without a line that looks up the node.
     if (!log.isEmpty())
         m_listener->appendOpeLog(log);
 }
 
-// The statuses of the range are of no account: what a failing call leaves is what the range is taken to be.
+// The statuses of the range are ignored: after a failed call the range keeps what the call left in it.
 
 void GenAPINodeItem::readFloatRange(bool all, QString& log)
 {

@@ -10,7 +10,7 @@ using OperationLog::Fragment;
 
 namespace {
 
-/// While it lives the view opens no editor.
+/// The view opens no editor while this exists.
 class WriteInProgress {
 public:
     explicit WriteInProgress(NodeItemListener* listener)
@@ -103,7 +103,7 @@ CAM_API_STATUS GenAPINodeItem::writeCommand(const QString& text, QString& fragme
     if (text.compare(QLatin1String("Execute"), Qt::CaseInsensitive) != 0 && text != QLatin1String("1"))
         return CAM_API_STS_INVALID_PARAMETER;
     const CAM_API_STATUS status = Nd_CmdExecute(m_camHandle, m_node.handle, true);
-    // A command that failed may have changed other features all the same.
+    // Even a failed command may have changed other features.
     tellValuesWritten();
     return status;
 }
@@ -165,7 +165,7 @@ int GenAPINodeItem::setNodeValue(double value)
         return CAM_API_STS_INVALID_PARAMETER;
     m_node.valueTextValid = false;
     const CAM_API_STATUS status = Nd_SetFloatValue(m_camHandle, m_node.handle, value, true);
-    // A float that was refused is not logged at all, unlike everything else: this is meant.
+    // Deliberate: a refused float, unlike everything else, is not logged at all.
     if (status == CAM_API_STS_SUCCESS) {
         tellValuesWritten();
         QString log;

@@ -29,7 +29,7 @@ constexpr TypeRow kTypeRows[] = {
     {NODE_TYPE_UNKNOWN, "Unknown", EditorNone, false},
 };
 
-/// Features that are dragged far more often than typed, whatever the camera says of them.
+/// Features that users drag far more often than they type, whatever representation the camera gives.
 struct NameOverride {
     const char* name;
     NodeType type;
@@ -56,7 +56,7 @@ const TypeRow* rowOf(NodeType type)
 
 bool hasSlider(NodeType type, NodeRepresentation representation)
 {
-    // A number below those that exist means a slider for a float, but none for an integer.
+    // A representation below the defined ones means a slider for a float, but not for an integer.
     return representation <= NODE_REPRESENTATION_LOGARITHMIC &&
            (type == NODE_TYPE_FLOAT || representation >= NODE_REPRESENTATION_LINEAR);
 }

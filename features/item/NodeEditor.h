@@ -14,7 +14,7 @@ enum EditorWidgetType : int {
     EditorComboBox = 2,
     EditorSlider = 3, ///< LineEditWithSlider
     EditorButton = 4,
-    EditorSpinBox = 5, ///< chosen for no node
+    EditorSpinBox = 5, ///< never chosen for a node
 };
 
 /// What a node is shown as.
@@ -22,8 +22,8 @@ struct NodeEditor {
     EditorWidgetType editor;
     Orvo::NodeRepresentation representation;
 
-    /// The editor of a node of this type, name and representation. With `useNameOverrides` a few well-known features
-    /// get a slider whatever the camera says of their representation. A type that is not known leaves the editor None.
+    /// The editor for a node of this type, name and representation. With `useNameOverrides` a few well-known features
+    /// get a slider whatever their representation. An unknown type gives EditorNone.
     [[nodiscard]] static NodeEditor choose(Orvo::NodeType type, const QString& name,
                                            Orvo::NodeRepresentation representation, bool useNameOverrides);
 

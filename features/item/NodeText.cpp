@@ -17,7 +17,7 @@ Orvo::CAM_API_STATUS readTextOfSize(NodeTextOperation operation, Orvo::CAM_HANDL
 {
     if (size >= INT_MAX) // more than a QString holds
         return Orvo::CAM_API_STS_UNSUCCESSFUL;
-    // Zeroed and a byte longer than told, so that the text ends within it whatever the library writes.
+    // Zeroed and one byte longer than announced, so that the text is terminated whatever the library writes.
     const std::unique_ptr<char[]> buffer(new (std::nothrow) char[std::size_t{size} + 1]());
     if (!buffer)
         return Orvo::CAM_API_STS_UNSUCCESSFUL;

@@ -36,7 +36,7 @@ QString macText(const std::array<int, 6>& bytes)
     return joined(bytes, 16, 2, QLatin1Char('-'));
 }
 
-/// Exactly `count` decimal numbers, of which the low 8 bits count.
+/// Exactly `count` decimal numbers; only their low 8 bits are used.
 template <std::size_t count> std::optional<std::array<int, count>> parseBytes(const QString& text, QChar separator)
 {
     const QStringList parts = text.split(separator);
@@ -57,12 +57,12 @@ std::optional<TypedInteger> parseIpv4(const QString& text)
     const auto p = parseBytes<4>(text, QLatin1Char('.'));
     if (!p)
         return std::nullopt;
-    // The first part is shifted by 4 bits and not by 24: so this notation is defined.
+    // By definition of this notation the first part is shifted by 4 bits, not by 24.
     const std::int32_t value = (*p)[3] + (*p)[2] * 0x100 + (*p)[1] * 0x10000 + (*p)[0] * 0x10;
     return TypedInteger{value, ipv4Text(*p)};
 }
 
-/// Its parts are typed as decimal numbers although they are shown as hexadecimal ones: so this notation is defined.
+/// By definition of this notation its parts are typed as decimal numbers although they are shown in hexadecimal.
 std::optional<TypedInteger> parseMac(const QString& text)
 {
     const auto p = parseBytes<6>(text, QLatin1Char('-'));
@@ -102,8 +102,8 @@ QString boolText(bool value)
 
 QString floatText(double value, char format, std::int64_t precision)
 {
-    // A double has at most 1074 digits after its point; more, from a camera that is not to be trusted, would only cost
-    // memory. A negative number means the default.
+    // A double has at most 1074 fractional digits; more, asked for by an untrusted camera, would only cost memory. A
+    // negative number means the default.
     constexpr std::int64_t kMostDigits = 1074;
     return QString::number(value, format, static_cast<int>(std::clamp<std::int64_t>(precision, -1, kMostDigits)));
 }

@@ -17,12 +17,13 @@
 /// As QString::number writes it.
 [[nodiscard]] QString floatText(double value, char format, std::int64_t precision);
 
-/// What stands before the first blank, which parts a value from its unit. A text that begins with a blank stays whole.
+/// The text before the first blank, which separates a value from its unit. A text that begins with a blank is
+/// unchanged.
 [[nodiscard]] QString withoutUnit(const QString& text);
 
 struct TypedInteger {
     std::int64_t value; ///< what is written
-    QString text;       ///< what is shown when it was written
+    QString text;       ///< shown after the write
 };
 
 /// Nothing where the text is not a number in the notation of the representation.

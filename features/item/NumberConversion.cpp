@@ -29,11 +29,11 @@ double stepOf(double increment)
 long snapToIncrement(long value, long minimum, long maximum, long increment)
 {
     if (maximum <= minimum)
-        return maximum; // the maximum is applied last
+        return maximum; // the maximum takes precedence
     if (value <= minimum)
         return minimum;
 
-    // Distances above the minimum: the whole range of long may lie between, so they are unsigned.
+    // Unsigned distances from the minimum: they may span the whole range of long.
     const auto distanceOf = [minimum](long number) {
         return static_cast<std::uint64_t>(number) - static_cast<std::uint64_t>(minimum);
     };

@@ -2,16 +2,16 @@
 
 #include <cstdint>
 
-/// Truncates toward zero. What does not fit 32 bits, and NaN, gives -2147483648: slider positions and step counts rely
-/// on it, and the plain conversion of the language leaves it open.
+/// Truncates toward zero. NaN and values that do not fit into 32 bits give -2147483648: slider positions and step
+/// counts rely on that, and the language leaves the plain conversion undefined.
 [[nodiscard]] std::int32_t doubleToInt(double value);
 
-/// The same to 64 bits: what does not fit, and NaN, gives INT64_MIN.
+/// The same to 64 bits: NaN and values that do not fit give INT64_MIN.
 [[nodiscard]] std::int64_t doubleToInt64(double value);
 
-/// The step that an increment makes: 1 of one that is 0 or less, or no number. That is chosen: such a node has no steps
-/// of its own, and where its bare increment were multiplied with, every value would be the minimum. Texts tell the
-/// increment as the camera does.
+/// The step for an increment: 1 if the increment is 0, negative or NaN. Such a node has no usable steps, and
+/// multiplying by its increment would turn every value into the minimum. Texts show the increment as the camera reports
+/// it.
 [[nodiscard]] double stepOf(double increment);
 
 /// `value` raised to the minimum, brought to the nearest whole number of increments above it (halves upward), then

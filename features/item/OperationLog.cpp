@@ -17,7 +17,7 @@ struct FragmentRow {
 };
 
 // "Nd_GetBooltValue", "Nd_GetEnumIntValuec", the quote of "Nd_CmdExecute'hCam", the lower-case "hcam", the missing
-// semicolons and the integer that takes a float are meant to stay as they are.
+// semicolons and the integer that takes a float are deliberate.
 constexpr FragmentRow kFragments[] = {
     {Fragment::NodeLookup, "status = Orvo::Nd_GetNode(hCam, \"%1\", &hNode);\n"},
     {Fragment::IntegerRead, "int64_t llVal = 0;\n"
@@ -105,7 +105,7 @@ QString text(Fragment fragment)
 
 QString text(Fragment fragment, const QString& argument)
 {
-    // One replacement, so that nothing is looked for in what was put in.
+    // A single replacement, so that the inserted text is not searched for place markers.
     return text(fragment).arg(argument);
 }
 

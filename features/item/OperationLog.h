@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// How much of the camera accesses is told as code; an entry is built where the level is at least its mode.
+/// Which camera accesses are logged as code; an entry is made if the level is at least its mode.
 enum OperationLogMode : int {
     OpeLogOff = 0,
     OpeLogWrite = 1, ///< writes, commands, and the opening lines of a camera
@@ -15,7 +15,7 @@ enum OperationLogMode : int {
 namespace OperationLog {
 
 enum class Fragment : int {
-    NodeLookup, ///< %1 = the node's name; stands in front of an entry
+    NodeLookup, ///< %1 = the node's name; precedes an entry
     IntegerRead,
     FloatRead,
     BooleanRead,
@@ -44,7 +44,7 @@ enum class Fragment : int {
 /// The lines of a fragment without %1.
 [[nodiscard]] QString text(Fragment fragment);
 
-/// The lines of a fragment with %1 replaced; what looks like a place marker in `argument` stays as it is.
+/// The lines of a fragment with %1 replaced; place markers within `argument` are left alone.
 [[nodiscard]] QString text(Fragment fragment, const QString& argument);
 
 /// The line that follows a fragment whose call failed.
@@ -53,7 +53,7 @@ enum class Fragment : int {
 /// The lines that open a log: status variable, camera, node variable.
 [[nodiscard]] QString preamble();
 
-/// Adds `fragment`, and the failure line where `status` is not 0, to `log`; nothing where `level` is below `mode`.
+/// Adds `fragment`, and the failure line if `status` is not 0, to `log`; does nothing if `level` is below `mode`.
 void append(QString& log, const QString& fragment, int level, OperationLogMode mode, unsigned int status);
 
 } // namespace OperationLog

@@ -27,15 +27,15 @@ void FeatureFilterModel::arrange(const QRegExp& filter, int role, const QAbstrac
     m_inSourceOrder = source && inOrder(*source, role);
     emit layoutAboutToBeChanged();
     {
-        // The steps between are nobody's business. Persistent indexes follow each of them all the same.
+        // Views need not see the intermediate steps; persistent indexes follow each of them anyway.
         const QSignalBlocker quiet(this);
         m_filter = filter;
         if (role != sortRole()) {
-            sort(-1); // the new role shall not put the old rows in order
+            sort(-1); // do not sort the old rows by the new role
             setSortRole(role);
         }
         invalidate();
-        setFilterRegExp(filter); // finds every row where it belongs already
+        setFilterRegExp(filter); // every accepted row is already in its place
         sort(0);
     }
     emit layoutChanged();

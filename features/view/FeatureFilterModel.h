@@ -6,8 +6,8 @@
 
 /// The rows of the feature table that pass the user level, in their order. Lives on the GUI thread.
 ///
-/// A change of filter and order is one change of layout: current index, selection and open editors stay with their
-/// rows. The base class would take out and put in run after run of rows instead, each at the cost of the whole table.
+/// A change of filter and order is a single layout change: current index, selection and open editors stay with their
+/// rows. The base class would remove and insert one range of rows after the other, each at the cost of the whole table.
 class FeatureFilterModel : public QSortFilterProxyModel {
     Q_OBJECT
 

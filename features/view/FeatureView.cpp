@@ -34,7 +34,7 @@ FeatureView::FeatureView(QWidget* parent)
 
 FeatureView::~FeatureView()
 {
-    // The table outlives this destructor, and its viewport the table's: filters must not reach a half-destroyed view.
+    // The table and its viewport outlive this destructor: event filters must not reach a half-destroyed view.
     m_tableView.removeEventFilter(this);
     m_tableView.viewport()->removeEventFilter(this);
     dropModel();
@@ -55,14 +55,14 @@ void FeatureView::createTable()
 
     QHeaderView* const rows = m_tableView.verticalHeader();
     rows->hide();
-    // The default last: it is held to the limits, and a style's least height may be above it.
+    // The default section size comes last: the limits clamp it, and a style's minimum may exceed it.
     rows->setMinimumSectionSize(kRowHeight);
     rows->setMaximumSectionSize(kRowHeight);
     rows->setDefaultSectionSize(kRowHeight);
 
     QHeaderView* const columns = m_tableView.horizontalHeader();
     columns->setStretchLastSection(true);
-    columns->setSectionsClickable(false); // a click would select the column; double clicks are told all the same
+    columns->setSectionsClickable(false); // a click would select the column; double clicks are still signalled
     columns->setToolTip(tr("Double-clicking column header will shows / hides Node-Type colmn."));
     updateClmNodeTypeVisible();
 
@@ -97,7 +97,7 @@ void FeatureView::dropModel()
 {
     if (m_descBox && m_descBox->getCurrentIndex() >= 0)
         m_descBox->clear();
-    m_filterModel.setSourceModel(nullptr); // closes the editors while their items live
+    m_filterModel.setSourceModel(nullptr); // closes the editors while their items still exist
     if (!m_items.isEmpty() && m_items.first()->model() == m_sourceModel.get())
         m_items.clear();
     m_sourceModel.reset();
@@ -123,7 +123,7 @@ GenAPINodeItem* FeatureView::itemAt(const QModelIndex& index) const
 
 void FeatureView::closeEditOperation()
 {
-    const QPersistentModelIndex current = m_tableView.currentIndex(); // an editor that closes may write
+    const QPersistentModelIndex current = m_tableView.currentIndex(); // closing an editor may write
     m_tableView.reset();
     m_tableView.setCurrentIndex(current);
 }
@@ -147,10 +147,10 @@ void FeatureView::showToolTip(const QHelpEvent& help)
                      m_tableView.visualRect(index));
 }
 
-/// A long description takes its room from the table, where the row it belongs to may have an editor open.
+/// A long description takes its room from the table, whose current row may have an editor open.
 void FeatureView::keepCurrentRowInView(QSize before)
 {
-    // Later: how far the table can be scrolled follows its size.
+    // Deferred: the scroll range follows the new size only after the layout.
     if (m_tableView.visualRect(m_tableView.currentIndex()).intersects(QRect(QPoint(), before)))
         m_scrollTimer.start(0);
 }

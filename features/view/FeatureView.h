@@ -34,7 +34,7 @@ class FeatureView : public QWidget, public NodeItemListener {
     Q_OBJECT
 
 public:
-    /// Item data beside those that a node item sets itself.
+    /// Item data roles in addition to those that a node item sets itself.
     enum Role {
         LevelRole = Qt::UserRole + 4,     ///< column 0: the letter of the user level, the filter key
         ItemIndexRole = Qt::UserRole + 5, ///< every column: the row's index in the item list and the source model
@@ -55,14 +55,14 @@ public:
     /// no node map; the table stays as it was then.
     int SetCam(unsigned long hCam);
 
-    /// Makes the item of the node and, of a category, those of everything below it, and appends them to the list. Items
-    /// that are in no model when this view ends, or when the next camera is set, are deleted then.
+    /// Creates the item of the node and, for a category, those of everything below it, and appends them to the list.
+    /// Items without a model are deleted with this view, or when the next camera is set.
     Orvo::CAM_API_STATUS registerItemsToList(unsigned long hNode);
 
     /// Takes the model, whose items replace those shown before; they are deleted. The rows keep the order of the model.
     void showModel(QStandardItemModel* model);
 
-    /// Rows for work on this view without a camera: one, and nine of them.
+    /// Sample rows for developing this view without a camera: one, and nine of them.
     void addFeature(QStandardItemModel* model, int row, const QString& level, const QString& name, const QString& type,
                     const QString& value, EditorWidgetType editor);
     void setFeatureDataDebug(QStandardItemModel* model);
@@ -80,10 +80,10 @@ public:
 
     // --- Filtering and sorting --------------------------------------------------------------------------------------
 
-    /// Shows the features up to the level, and the categories where the rows keep the order of the camera.
+    /// Shows the features up to the level, and the categories if the rows are in the camera's order.
     void sortAndFilter(bool sortAtoZ, Orvo::TC_NODE_VISIBILITY level);
 
-    /// Whether every value is read anew after an editor wrote one.
+    /// Whether every value is read again after an editor has written one.
     [[nodiscard]] bool autoReRead() const { return m_autoReRead; }
     void setAutoReRead(bool on) { m_autoReRead = on; }
 
@@ -106,15 +106,15 @@ public:
     /// Folds or unfolds the category of that row; nothing for the row of a feature.
     void changeCollapsedState(QModelIndex index);
 
-    /// True where the node-type column is hidden: the opposite of what the name says, and meant to be.
+    /// True if the node-type column is hidden: deliberately the opposite of what the name says.
     [[nodiscard]] bool clmNodeTypeVisible() const;
     void setclmNodeTypeVisible(bool visible);
-    /// The least width of this view, in pixels, at which the node-type column is shown.
+    /// The minimum width of this view, in pixels, at which the node-type column is shown.
     [[nodiscard]] int minWdtShowingClmNodeType() const { return m_minWdtShowingClmNodeType; }
     void setMinWdtShowingClmNodeType(int width);
     void updateClmNodeTypeVisible();
 
-    /// Ends the editor that is open, by resetting the table; the current row stays.
+    /// Closes the open editor by resetting the table; the current row stays.
     void closeEditOperation();
     void ScrollToCurrent() {}
 
@@ -128,7 +128,7 @@ public:
     void setWriteInProgress(bool inProgress) override { m_delegate.setWriteInProgress(inProgress); }
 
 signals:
-    /// One entry of the operation log. A receiver may change the text, which nobody looks at afterwards.
+    /// One entry of the operation log. A receiver may change the text; it is not used afterwards.
     void OpeLogAppended(QString& text);
     /// The camera's trigger mode or trigger source was written.
     void checkSoftwareTriggerMode();
@@ -145,8 +145,8 @@ public slots:
     void tableRowDoubleClicked(QModelIndex index);
     void columnHeaderDoubleClicked();
 
-    /// Reads every value from the camera; without `force` only where one was written since the last time. A call from
-    /// within a running one makes that go round once more.
+    /// Reads every value from the camera; without `force` only if one was written since the last time. A nested call
+    /// makes the running one start over once.
     void updateAllFeatures(bool force = true) override;
 
 protected:
@@ -175,7 +175,7 @@ private:
     // FeatureView.cpp
     [[nodiscard]] static std::unique_ptr<QStandardItemModel> emptyModel();
     void dropModel();
-    /// The item of a source row's cell, by an index of the source model or of the table's model.
+    /// The item of the cell in the source row that `index`, of the source model or the table's model, refers to.
     [[nodiscard]] QStandardItem* sourceItem(const QModelIndex& index, int column) const;
 
     void showToolTip(const QHelpEvent& help);
@@ -208,14 +208,14 @@ private:
     [[nodiscard]] bool foldByKey(const QKeyEvent& key);
 
     QTableView m_tableView;
-    QTimer m_scrollTimer; // to the current row
+    QTimer m_scrollTimer; // scrolls to the current row
     DescBox* m_descBox = nullptr;
     std::unique_ptr<QStandardItemModel> m_sourceModel;
     int m_opeLogLevel = 1;
     TableViewItemDelegate m_delegate;
     bool m_valuesWritten = false;
     QList<GenAPINodeItem*> m_items;                            // owned by the source model
-    std::vector<QPointer<GenAPINodeItem>> m_itemsWithoutModel; // unless a caller placed them
+    std::vector<QPointer<GenAPINodeItem>> m_itemsWithoutModel; // those that no caller has put into a model
     std::vector<bool> m_categoryRows;                          // of the source model
     FeatureFilterModel m_filterModel;
     QToolBar* m_toolBar = nullptr;
@@ -229,7 +229,7 @@ private:
     int m_minWdtShowingClmNodeType = 300;
     bool m_reReading = false;
     bool m_reReadAgain = false;
-    HeldChanges* m_heldChanges = nullptr; // while everything is read
+    HeldChanges* m_heldChanges = nullptr; // set during a full re-read
     int m_colouredRow = -1;               // the last one
     std::array<RowColours, 6> m_rowColours;
     QIcon m_foldedIcon{QStringLiteral(":/images/FeatureView/images/Folded.png")};

@@ -29,7 +29,7 @@ constexpr ColourPair kColours[] = {
     {qRgb(212, 255, 255), qRgb(64, 64, 255)},   //
 };
 
-/// Read-write for every value that is none of the others, 6 (not read yet) too.
+/// Read-write for every other value, 6 (not read yet) included.
 Colours pairOf(const GenAPINodeItem& item)
 {
     switch (item.getAccessMode()) {
@@ -83,7 +83,7 @@ void FeatureView::setCellColor(QStandardItemModel* model, int row)
         return;
     const auto cell = [&](Column column) {
         QStandardItem* const item = model->item(row, column);
-        return item ? item : model->itemFromIndex(model->index(row, column)); // which makes the item
+        return item ? item : model->itemFromIndex(model->index(row, column)); // creates the item
     };
     const RowCells cells = {cell(NameColumn), cell(TypeColumn), cell(ValueColumn)};
     const RowColours& colours = coloursOf(*m_items.at(row));
@@ -91,7 +91,7 @@ void FeatureView::setCellColor(QStandardItemModel* model, int row)
     if (model == m_sourceModel.get())
         m_colouredRow = row;
 
-    // Most of the thousands of rows have their colours already, and to look is quicker than to tell of them.
+    // Most rows have the right colours already, and comparing is cheaper than notifying the view.
     if (std::all_of(cells.begin(), cells.end(), [&](const QStandardItem* item) {
             return !item || (isColour(item->data(Qt::BackgroundRole), colours.background) &&
                              isColour(item->data(Qt::ForegroundRole), colours.foreground));

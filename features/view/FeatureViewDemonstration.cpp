@@ -1,4 +1,4 @@
-// Rows for work on the feature view without a camera. The viewer itself never shows them.
+// Sample rows for developing the feature view without a camera. The viewer never shows them.
 
 #include "features/item/NodeEditor.h"
 #include "features/view/FeatureView.h"

@@ -1,4 +1,4 @@
-// Which rows are shown, in which order, and the reading of all of them.
+// Which rows are shown and in which order, and re-reading all of them.
 
 #include "features/description/DescBox.h"
 #include "features/item/GenAPINodeItem.h"
@@ -16,7 +16,7 @@ using Orvo::TC_NODE_VISIBILITY;
 
 namespace {
 
-/// Lower levels are shown with the higher ones. Categories stand between features in their own order only.
+/// A level includes the lower ones. Categories are shown only in the camera's own order.
 struct LevelPattern {
     int level;
     const char* inCategoryOrder;
@@ -30,7 +30,7 @@ constexpr LevelPattern kLevelPatterns[] = {
     {Orvo::NODE_VISIBILITY_INVISIBLE, "[BEGIC]", "[BEGI]"},
 };
 
-/// Of Beginner for a level that there is not.
+/// An unknown level counts as Beginner.
 const LevelPattern& patternOf(int level)
 {
     for (const LevelPattern& pattern : kLevelPatterns) {
@@ -79,7 +79,7 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
     closeEditorUnlessAccepted(filter);
     m_filterModel.setFilterKeyColumn(NameColumn);
     m_filterModel.setFilterRole(LevelRole);
-    // Before a new source, which is then filtered and sorted once.
+    // Set before the new source, so that it is filtered and sorted only once.
     m_filterModel.arrange(filter, sortAtoZ ? static_cast<int>(Qt::DisplayRole) : static_cast<int>(ItemIndexRole),
                           m_sourceModel.get());
     m_filterModel.setSourceModel(m_sourceModel.get());
@@ -92,7 +92,7 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
     updateClmNodeTypeVisible();
 }
 
-/// The table never hears that a row went with its editor, and would open no other one.
+/// The table does not notice when a row disappears together with its editor, and would never open another one.
 void FeatureView::closeEditorUnlessAccepted(const QRegExp& filter)
 {
     const QModelIndex current = m_tableView.currentIndex();
@@ -111,7 +111,7 @@ void FeatureView::spanCategories()
     }
 }
 
-/// The value column is stretched to what is left. A hidden column keeps its width.
+/// The value column takes the remaining width. A hidden column keeps its width.
 void FeatureView::fitColumns()
 {
     std::array<LongestTexts, TypeColumn + 1> shown;
@@ -190,7 +190,7 @@ void FeatureView::selectInvisible()
 
 void FeatureView::readEveryItem()
 {
-    // An editor loads its value anew, over what is typed, where its row is told of.
+    // A change notification for a row reloads its editor and discards what is being typed.
     const bool spared = m_sortAtoZ && m_tableView.isPersistentEditorOpen(m_tableView.currentIndex());
     HeldChanges held(m_sourceModel.get(), spared ? HeldChanges::Telling::OfEachRow : HeldChanges::Telling::OfRuns);
     m_heldChanges = &held;

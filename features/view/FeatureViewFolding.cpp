@@ -23,7 +23,7 @@ int FeatureView::sourceRow(int tableRow) const
 
 bool FeatureView::isCategory(int sourceRow) const
 {
-    // Noted when the model came: thousands of rows are asked at once.
+    // Cached when the model is set: thousands of rows are queried at once.
     if (static_cast<std::size_t>(sourceRow) < m_categoryRows.size())
         return m_categoryRows[static_cast<std::size_t>(sourceRow)];
     const QStandardItem* const name = m_sourceModel->item(sourceRow, NameColumn);
@@ -40,11 +40,11 @@ void FeatureView::noteCategories()
 
 void FeatureView::SetRowCollapsedState()
 {
-    // Decided before anything is hidden: every change of a row costs the table something.
+    // Decide first, then hide: every row change costs the table time.
     std::vector<bool> hidden(static_cast<std::size_t>(m_filterModel.rowCount()), false);
     if (!m_sortAtoZ) {
-        // A category is shown where a feature follows it directly. The rows of a category within a category, and what
-        // the outer one has after them, go with the inner one.
+        // A category is shown if a feature follows it directly. The rows of a nested category, and those that follow
+        // them in the outer one, belong to the nested one.
         bool expanded = false;
         bool afterCategory = false;
         for (std::size_t row = 0; row < hidden.size(); ++row) {
@@ -62,7 +62,7 @@ void FeatureView::SetRowCollapsedState()
         }
     }
 
-    const UpdatesPaused paused(m_tableView); // else the cost of a row grows with their number
+    const UpdatesPaused paused(m_tableView); // otherwise each row costs time in proportion to all of them
     for (std::size_t row = 0; row < hidden.size(); ++row)
         m_tableView.setRowHidden(static_cast<int>(row), hidden[row]);
 }
@@ -78,7 +78,7 @@ void FeatureView::changeCollapsedState(QModelIndex index)
     SetRowCollapsedState();
 }
 
-/// What the mouse does, for the current row. True where the key was for a category.
+/// The keyboard's counterpart of a click on the fold icon. True if the key was meant for a category.
 bool FeatureView::foldByKey(const QKeyEvent& key)
 {
     const QModelIndex current = m_tableView.currentIndex();
@@ -107,7 +107,7 @@ bool FeatureView::foldByKey(const QKeyEvent& key)
 
 void FeatureView::tableRowClicked(QModelIndex index)
 {
-    const QPersistentModelIndex clicked = index; // reading from the camera may change the rows
+    const QPersistentModelIndex clicked = index; // a read may change the rows
     m_descBox->setText(itemAt(index));
     if (m_tableView.mapFromGlobal(QCursor::pos()).x() < kFoldIconWidth)
         changeCollapsedState(clicked);

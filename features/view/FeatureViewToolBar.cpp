@@ -16,7 +16,7 @@ struct ToolActionSpec {
     void (*run)(FeatureView& view);
 };
 
-// In the order of FeatureView::ToolAction. The marks set here are put right by the first sortAndFilter().
+// In the order of FeatureView::ToolAction. The first sortAndFilter() corrects the check marks.
 constexpr ToolActionSpec kToolActions[] = {
     {QT_TRANSLATE_NOOP("FeatureView", "&refreshItems"), ":/images/FeatureView/images/RefreshArrow_Blue.png", false,
      false, QT_TRANSLATE_NOOP("FeatureView", "Refreshes all features."),
@@ -53,7 +53,8 @@ void FeatureView::createToolBar()
         if (i == RefreshAction || i == BeginnerAction)
             m_toolBar->addSeparator();
         m_toolBar->addAction(m_actions[i].get());
-        m_toolBar->widgetForAction(m_actions[i].get())->setFocusPolicy(Qt::TabFocus); // else for the mouse alone
+        m_toolBar->widgetForAction(m_actions[i].get())
+            ->setFocusPolicy(Qt::TabFocus); // otherwise only the mouse reaches it
     }
     m_actions[InvisibleAction]->setVisible(m_levelInvisibleAvailable);
 }

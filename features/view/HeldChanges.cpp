@@ -15,7 +15,7 @@ HeldChanges::~HeldChanges()
         return;
     m_model->blockSignals(m_wasQuiet);
     for (const Run& run : m_runs) {
-        if (!m_model) // whoever heard of a run may have ended it
+        if (!m_model) // a receiver may have deleted it
             return;
         emit m_model->dataChanged(m_model->index(run.firstRow, run.firstColumn),
                                   m_model->index(run.lastRow, m_model->columnCount() - 1));

@@ -5,18 +5,18 @@
 
 #include <vector>
 
-/// Keeps a model quiet while many of its cells change. At the end the model tells of the rows that were noted, run by
-/// run instead of cell by cell.
+/// Suppresses a model's change notifications while many of its cells change, and sends them together when it is
+/// destroyed: for ranges of rows instead of single cells.
 class HeldChanges {
 public:
-    /// A run takes less time to tell of. In a table that sorts the rows it spans others, too.
+    /// Ranges are cheaper, but in a sorted view they span unrelated rows.
     enum class Telling { OfRuns, OfEachRow };
 
     explicit HeldChanges(QStandardItemModel* model, Telling telling = Telling::OfRuns);
     ~HeldChanges();
     Q_DISABLE_COPY_MOVE(HeldChanges)
 
-    /// The cells of the row from `firstColumn` to its end have changed.
+    /// The cells of the row from `firstColumn` on have changed.
     void note(int row, int firstColumn);
 
 private:

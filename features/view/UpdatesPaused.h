@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-/// Keeps a widget from updating itself while many of its parts change; nests.
+/// Pauses a widget's updates while many of its parts change; can be nested.
 class UpdatesPaused {
 public:
     explicit UpdatesPaused(QWidget& widget)
