@@ -11,6 +11,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextEdit>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -25,6 +26,7 @@ private slots:
     void singleLinesAreThereAtOnce();
     void floodIsWrittenInPortions();
     void portionsOfLongLinesHaveFewer();
+    void windowAnswersDuringAFlood();
     void floodKeepsItsOrder();
     void floodOfCallbacksIsCompleteForEveryOpening();
     void logScrollsToTheEndOfAFlood();
@@ -86,12 +88,21 @@ void MessageLogTest::floodIsWrittenInPortions()
 {
     constexpr int lines = 20000;
     constexpr int muchFewer = 500;
+    constexpr int largestPortion = 1000;
     WindowDriver driver;
+    const QTextDocument& log = documentOf(driver);
     int changes = 0;
-    connect(&documentOf(driver), &QTextDocument::contentsChanged, this, [&changes] { ++changes; });
+    int before = 0;
+    int most = 0;
+    connect(&log, &QTextDocument::contentsChanged, this, [&] {
+        ++changes;
+        most = std::max(most, log.blockCount() - before);
+        before = log.blockCount();
+    });
     writeNumbers(driver, 0, lines);
     QVERIFY(waitForLine(driver, QString::number(lines - 1)));
     QVERIFY2(changes < muchFewer, qPrintable(QString::number(changes)));
+    QVERIFY2(most <= largestPortion, qPrintable(QString::number(most)));
     QVERIFY2(documentOf(driver).blockCount() == lines, "every line");
 }
 
@@ -110,6 +121,24 @@ void MessageLogTest::portionsOfLongLinesHaveFewer()
     write(driver, "end");
     QVERIFY(waitForLine(driver, "end"));
     QVERIFY2(most < 10, qPrintable(QString::number(most)));
+}
+
+void MessageLogTest::windowAnswersDuringAFlood()
+{
+    constexpr int lines = 100000;
+    WindowDriver driver;
+    writeNumbers(driver, 0, lines);
+    // A user's event has its turn whenever this timer has.
+    int turns = 0;
+    QTimer events;
+    connect(&events, &QTimer::timeout, this, [&turns] { ++turns; });
+    events.start(0);
+    const int shownAtFirst = documentOf(driver).blockCount();
+    QVERIFY(QTest::qWaitFor([&] { return documentOf(driver).blockCount() > shownAtFirst; }, kPatienceMs));
+    QVERIFY2(documentOf(driver).blockCount() < lines, "the first turn wrote it all");
+    turns = 0;
+    QVERIFY(waitForLine(driver, QString::number(lines - 1)));
+    QVERIFY2(turns >= 3, qPrintable(QString::number(turns)));
 }
 
 void MessageLogTest::floodKeepsItsOrder()
