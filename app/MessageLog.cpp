@@ -84,7 +84,7 @@ void MessageLog::write(const QString& lines)
     end.beginEditBlock();
     if (!m_box.document()->isEmpty())
         end.insertBlock();
-    // Layout that has to find the direction in the text takes twice the time.
+    // Finding out the direction of the text would double the time of the layout.
     QTextBlockFormat direction;
     direction.setLayoutDirection(Qt::LeftToRight);
     end.mergeBlockFormat(direction);

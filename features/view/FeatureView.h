@@ -230,7 +230,7 @@ private:
     bool m_reReading = false;
     bool m_reReadAgain = false;
     HeldChanges* m_heldChanges = nullptr; // set during a full re-read
-    int m_colouredRow = -1;               // the last one
+    int m_colouredRow = -1;               // the row that was coloured last
     std::array<RowColours, 6> m_rowColours;
     QIcon m_foldedIcon{QStringLiteral(":/images/FeatureView/images/Folded.png")};
     QIcon m_expandedIcon{QStringLiteral(":/images/FeatureView/images/Collapsed.png")};

@@ -1,9 +1,9 @@
 #include "cameralibs/transport/connection/OpenedCamera.h"
 
 #include "cameralibs/base/ErrorStatus.h"
+#include "cameralibs/transport/ControlTraffic.h"
 #include "cameralibs/transport/Farewell.h"
 #include "cameralibs/transport/Restrictions.h"
-#include "cameralibs/transport/connection/ControlTraffic.h"
 #include "cameralibs/transport/discovery/Discovery.h"
 #include "cameralibs/transport/gige/GigeReception.h"
 #include "cameralibs/transport/gige/GigeStream.h"

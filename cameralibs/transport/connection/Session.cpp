@@ -1,8 +1,8 @@
 #include "cameralibs/transport/connection/Session.h"
 
 #include "cameralibs/base/Log.h"
+#include "cameralibs/transport/ControlTraffic.h"
 #include "cameralibs/transport/Farewell.h"
-#include "cameralibs/transport/connection/ControlTraffic.h"
 #include "cameralibs/transport/discovery/Discovery.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "cameralibs/transport/discovery/Discovery.h"
 
 #include "cameralibs/transport/Channel.h"
-#include "cameralibs/transport/connection/ControlTraffic.h"
+#include "cameralibs/transport/ControlTraffic.h"
 
 #include <arv.h>
 

@@ -2,7 +2,7 @@
 
 #include "cameralibs/transport/Restrictions.h"
 
-#include "cameralibs/transport/connection/ControlTraffic.h"
+#include "cameralibs/transport/ControlTraffic.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "cameralibs/transport/connection/ControlTraffic.h"
+#include "cameralibs/transport/ControlTraffic.h"
 
 #include <gio/gio.h>
 
