@@ -81,6 +81,14 @@ void noteReceived(const char* packet, std::size_t size)
     traffic().handler(pending ? Answer::pending : Answer::useful);
 }
 
+/// What is missing of an answer would be what the answer of another camera has left in Aravis' memory.
+void completeSearchAnswer(char* packet, std::size_t size, std::size_t room)
+{
+    const std::size_t whole = std::min(room, kLargestAnswer);
+    if (size >= kHeaderSize && size < whole && number(packet, 2) == kSearchAnswer)
+        std::fill(packet + size, packet + whole, '\0');
+}
+
 void noteReceivedUsb(const unsigned char* packet, std::size_t size)
 {
     if (size < kUsbHeaderSize || !std::equal(kUsbKey.begin(), kUsbKey.end(), packet) || !traffic().handler)
@@ -93,6 +101,12 @@ template <class Function> Function* original(const char* name)
 {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
+
+// Before there are threads.
+using Transfer = int(void*, unsigned char, unsigned char*, int, int*, unsigned);
+const auto s_send = original<decltype(g_socket_send_to)>("g_socket_send_to");
+const auto s_receive = original<decltype(g_socket_receive)>("g_socket_receive");
+const auto s_transfer = original<Transfer>("libusb_bulk_transfer");
 
 } // namespace
 
@@ -127,21 +141,18 @@ __attribute__((visibility("default"))) gssize g_socket_send_to(GSocket* socket, 
                                                                const gchar* buffer, gsize size,
                                                                GCancellable* cancellable, GError** error)
 {
-    static const auto send = original<decltype(g_socket_send_to)>("g_socket_send_to");
     noteSent(buffer, size);
-    return send(socket, address, buffer, size, cancellable, error);
+    return s_send(socket, address, buffer, size, cancellable, error);
 }
 
 __attribute__((visibility("default"))) gssize g_socket_receive(GSocket* socket, gchar* buffer, gsize size,
                                                                GCancellable* cancellable, GError** error)
 {
-    static const auto receive = original<decltype(g_socket_receive)>("g_socket_receive");
-    const gssize received = receive(socket, buffer, size, cancellable, error);
+    const gssize received = s_receive(socket, buffer, size, cancellable, error);
     if (received > 0)
         noteReceived(buffer, static_cast<std::size_t>(received));
-    // What is missing of an answer would be what the answer before it has left there, of another camera even.
-    if (received >= 0 && static_cast<gsize>(received) < std::min(size, kLargestAnswer))
-        std::fill(buffer + received, buffer + std::min(size, kLargestAnswer), '\0');
+    if (received > 0)
+        completeSearchAnswer(buffer, static_cast<std::size_t>(received), size);
     return received;
 }
 
@@ -149,8 +160,7 @@ __attribute__((visibility("default"))) int libusb_bulk_transfer(void* device, un
                                                                 unsigned char* data, int size, int* transferred,
                                                                 unsigned timeout)
 {
-    static const auto transfer = original<decltype(libusb_bulk_transfer)>("libusb_bulk_transfer");
-    const int result = transfer(device, endpoint, data, size, transferred, timeout);
+    const int result = s_transfer(device, endpoint, data, size, transferred, timeout);
     if (result == 0 && (endpoint & kEndpointIn) != 0)
         noteReceivedUsb(data, static_cast<std::size_t>(*transferred));
     return result;

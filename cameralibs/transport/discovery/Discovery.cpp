@@ -31,6 +31,9 @@ constexpr std::chrono::seconds kListening{2};
 /// Nothing is heard any more from then on.
 std::atomic<Clock::time_point> s_deafFrom{Clock::time_point::max()};
 
+/// GLib's own, looked up before there are threads.
+const auto s_poll = reinterpret_cast<decltype(&g_poll)>(::dlsym(RTLD_NEXT, "g_poll"));
+
 std::string orEmpty(const char* text)
 {
     return text == nullptr ? "" : text;
@@ -158,8 +161,7 @@ std::vector<Listed> listCameras(bool usb, bool gige)
 // Aravis listens until nothing has come for a second: one that never stops talking would hide every other camera.
 extern "C" __attribute__((visibility("default"))) gint g_poll(GPollFD* descriptors, guint count, gint timeout)
 {
-    static const auto poll = reinterpret_cast<decltype(&g_poll)>(::dlsym(RTLD_NEXT, "g_poll"));
     return cameralibs::transport::Clock::now() < cameralibs::transport::s_deafFrom.load()
-               ? poll(descriptors, count, timeout)
+               ? cameralibs::transport::s_poll(descriptors, count, timeout)
                : 0;
 }
