@@ -20,7 +20,7 @@ public:
     EvaluationBudget(const EvaluationBudget&) = delete;
     EvaluationBudget& operator=(const EvaluationBudget&) = delete;
 
-    /// Starts the clock, unless it is running already.
+    /// Starts the clock now. Without this call it starts after about a thousand steps.
     void begin();
 
     // Both do nothing on a thread without a budget. Once the budget is used up, every call throws

@@ -119,6 +119,7 @@ void writeFragment(std::ostream& out, std::string_view fragment, const CameraMod
 std::string describe(const CameraModel& model)
 {
     std::ostringstream out;
+    // Numbers must not depend on the program's locale, and 17 digits preserve a double exactly.
     out.imbue(std::locale::classic());
     out.precision(17);
     writeHeader(out, model);

@@ -46,6 +46,7 @@ NodeId valueNode(const NodeMap& nodes, NodeId id)
 {
     const DescribedNode& node = nodes.node(id);
     const NodeId index = node.link("pIndex");
+    // In a register, pIndex is part of the address and does not select a value.
     if (index == kNoNode || node.type == NODE_TYPE_REGISTER || node.link("pAddress") != kNoNode)
         return node.link("pValue");
     const std::int64_t chosen = nodes.rawInteger(index);

@@ -44,6 +44,7 @@ bool onIncrement(std::int64_t value, std::int64_t lowest, std::int64_t step)
         return true;
     if (lowest == kLowest)
         return value % step == 0;
+    // Unsigned, because the difference may exceed the signed range.
     const auto distance = static_cast<std::uint64_t>(value) - static_cast<std::uint64_t>(lowest);
     return distance % static_cast<std::uint64_t>(step) == 0;
 }

@@ -9,7 +9,8 @@ namespace {
 // Number of triggers that can be pending. Further ones are lost.
 constexpr std::uint32_t kMaxTriggers = 16;
 
-// After a shorter delay the camera catches up, so that the average rate stays exact. After a longer one it reschedules.
+// A camera that is late by no more than this catches up, so that the average rate stays exact. If it is later, it
+// continues from the current time.
 constexpr std::chrono::milliseconds kMaxLag(250);
 
 Acquisition::Clock::duration seconds(double value)

@@ -136,7 +136,7 @@ constexpr auto kTable = withAddresses(std::array{
     choice("EventSelector", 1),
     choice("EventNotification", 2),
 
-    // User sets: these registers survive a power cycle, like the default set
+    // User sets, which survive a power cycle, as does the choice of the default set
     choice("UserSetSelector", 3).notStored(),
     text("UserSetDescription", RW, 64).times(3, "UserSetSelector").notStored(),
     command("UserSetLoad"),
