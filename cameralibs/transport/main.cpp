@@ -1,9 +1,12 @@
 #include "cameralibs/transport/Restrictions.h"
 #include "cameralibs/transport/connection/Session.h"
 
+#include <csignal>
 #include <cstdio>
 
+#include <sys/prctl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 using namespace cameralibs::transport;
 
@@ -16,6 +19,21 @@ bool isChannel(int descriptor)
     return ::getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET;
 }
 
+/// The process that made the channel.
+pid_t libraryOf(int channel)
+{
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(channel, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : -1;
+}
+
+/// Leaves the end to the kernel: a transport that was taken over may overlook that its channels are closed, and another
+/// process may have got the library's ends of them by a fork. False where the library has gone already.
+bool endWithLibrary()
+{
+    return ::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0) == 0 && ::getppid() == libraryOf(kControlDescriptor);
+}
+
 } // namespace
 
 int main()
@@ -24,6 +42,8 @@ int main()
         std::fputs("orvocam-transport is started by the camera library, one for each camera.\n", stderr);
         return 2;
     }
+    if (!endWithLibrary())
+        return 1;
     restrictProcess();
     Session session{Descriptor(kControlDescriptor), Descriptor(kEventDescriptor)};
     session.run();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <exception>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -123,17 +124,35 @@ std::string Connection::start()
     } else if (kSanitized) {
         ends.errors = Descriptor(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)); // where reports are looked for
     }
-    if (std::string reason = m_process.start(transportProgram(), ends); !reason.empty())
-        return reason;
+    const std::string program = transportProgram();
+    std::promise<std::string> promise;
+    std::future<std::string> started = promise.get_future();
     try {
         // All that the thread needs, so that it finds out about a loss without memory, too.
         m_line.reserve(kMaxLine);
-        m_watcher = std::thread([this, packet = Packet()]() mutable { watch(packet); });
+        m_watcher = std::thread([&, this, promise = std::move(promise), packet = Packet()]() mutable {
+            if (startProcess(program, ends, promise))
+                watch(packet);
+        });
     } catch (const std::system_error& error) {
-        m_process.kill();
         return std::string("There are no more threads: ") + error.what();
     }
-    return {};
+    return started.get();
+}
+
+/// On the watching thread, which lives as long as the transport may: a transport ends with the thread that started it.
+/// The caller's references are no longer valid once `started` has its value.
+bool Connection::startProcess(const std::string& program, const Process::Ends& ends, std::promise<std::string>& started)
+{
+    try {
+        std::string reason = m_process.start(program, ends);
+        const bool runs = reason.empty();
+        started.set_value(std::move(reason));
+        return runs;
+    } catch (const std::bad_alloc&) {
+        started.set_exception(std::current_exception());
+        return false;
+    }
 }
 
 std::string Connection::exchangeHello()

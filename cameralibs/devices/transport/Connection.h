@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -88,6 +89,8 @@ public:
 
 private:
     [[nodiscard]] std::string start();
+    [[nodiscard]] bool startProcess(const std::string& program, const Process::Ends& ends,
+                                    std::promise<std::string>& started);
     [[nodiscard]] std::string exchangeHello();
     [[nodiscard]] bool awaitReplies(const Limits& limits, const ReplyHandler& handler);
     [[nodiscard]] static Heard readDone(const transport::Packet& reply, Outcome& outcome);

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include <poll.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace cameralibs::transport {
@@ -57,15 +56,13 @@ void Session::run()
     ::_exit(0);
 }
 
-/// Says that the process is alive, and ends the session with the library's process: another process may have got the
-/// library's ends of the channels by a fork.
+/// Says that the process is alive, and ends the session with the library.
 void Session::watchLibrary()
 {
-    const Descriptor parent(static_cast<int>(::syscall(SYS_pidfd_open, ::getppid(), 0)));
-    std::array<pollfd, 2> watched = {pollfd{m_events.descriptor(), POLLIN, 0}, pollfd{parent.get(), POLLIN, 0}};
+    pollfd watched{m_events.descriptor(), POLLIN, 0};
     do
         m_events.sendOrDrop(Kind::alive);
-    while (::poll(watched.data(), watched.size(), static_cast<int>(kAlivePeriod.count())) <= 0);
+    while (::poll(&watched, 1, static_cast<int>(kAlivePeriod.count())) <= 0);
     m_control.shutDown();
     std::this_thread::sleep_for(kFarewell);
     ::_exit(1);

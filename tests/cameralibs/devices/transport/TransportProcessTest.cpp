@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -177,30 +178,41 @@ TEST_F(TransportProcessTest, ForkedProcessHasCamerasOfItsOwn)
     EXPECT_EQ(status, 0);
 }
 
+// A stopped transport stands for one that was taken over: neither looks at its channels.
 TEST_F(TransportProcessTest, EndsWithTheProgramHoweverThatEnds)
 {
-    int ends[2] = {-1, -1};
-    ASSERT_EQ(::pipe(ends), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        CAM_HANDLE camera = 0;
-        const bool opened = open(camera);
-        const std::vector<pid_t> started = transports();
-        const pid_t transport = opened && started.size() == 1 ? started.front() : -1;
-        (void)!::write(ends[1], &transport, sizeof transport);
-        for (;;)
-            ::pause();
+    for (const bool stopped : {false, true}) {
+        int ends[2] = {-1, -1};
+        ASSERT_EQ(::pipe(ends), 0);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            CAM_HANDLE camera = 0;
+            const bool opened = open(camera);
+            const std::vector<pid_t> started = transports();
+            const pid_t transport = opened && started.size() == 1 ? started.front() : -1;
+            (void)!::write(ends[1], &transport, sizeof transport);
+            for (;;)
+                ::pause();
+        }
+        pid_t transport = -1;
+        ASSERT_EQ(::read(ends[0], &transport, sizeof transport), static_cast<ssize_t>(sizeof transport));
+        ASSERT_GT(transport, 0);
+        EXPECT_EQ(::kill(transport, stopped ? SIGSTOP : 0), 0);
+        ::kill(child, SIGKILL);
+        EXPECT_EQ(::waitpid(child, nullptr, 0), child);
+        // Its new parent may take its time to wait for it.
+        EXPECT_TRUE(becomes([&] { return descriptorsOf(transport).empty(); })) << (stopped ? "stopped" : "");
+        ::kill(transport, SIGKILL);
+        ::close(ends[0]);
+        ::close(ends[1]);
     }
-    pid_t transport = -1;
-    ASSERT_EQ(::read(ends[0], &transport, sizeof transport), static_cast<ssize_t>(sizeof transport));
-    ASSERT_GT(transport, 0);
-    EXPECT_EQ(::kill(transport, 0), 0);
-    ::kill(child, SIGKILL);
-    EXPECT_EQ(::waitpid(child, nullptr, 0), child);
-    // Its new parent may take its time to wait for it.
-    EXPECT_TRUE(becomes([&] { return descriptorsOf(transport).empty(); }));
-    ::close(ends[0]);
-    ::close(ends[1]);
+}
+
+TEST_F(TransportProcessTest, OutlivesTheThreadThatOpensTheCamera)
+{
+    CAM_HANDLE camera = 0;
+    std::thread([&] { EXPECT_TRUE(open(camera)); }).join();
+    EXPECT_EQ(intOf(camera, "Width"), 320);
 }
 
 TEST_F(TransportProcessTest, WithoutItNoRealCameraIsListedAndTheLogTellsWhy)
