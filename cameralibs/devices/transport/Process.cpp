@@ -1,11 +1,16 @@
 #include "cameralibs/devices/transport/Process.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <memory>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -79,6 +84,27 @@ private:
     posix_spawnattr_t m_attributes{};
 };
 
+/// A transport gets the variables that begin with one of these: those of the loader, the locale, its own settings and
+/// those of the libraries in it. Others may hold secrets, which a transport that was taken over must not see.
+constexpr std::string_view kPassedOn[] = {
+    "LD_",     "LANG",         "LC_",          "ORVO_",        "ARV_",          "G_",
+    "LIBUSB_", "ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS",
+};
+
+std::vector<char*> environmentPassedOn()
+{
+    std::vector<char*> passedOn;
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        const auto begins = [&](std::string_view name) {
+            return std::strncmp(*variable, name.data(), name.size()) == 0;
+        };
+        if (std::any_of(std::begin(kPassedOn), std::end(kPassedOn), begins))
+            passedOn.push_back(*variable);
+    }
+    passedOn.push_back(nullptr);
+    return passedOn;
+}
+
 std::string folderOf(const std::string& path)
 {
     return path.substr(0, path.rfind('/'));
@@ -108,7 +134,9 @@ std::string Process::start(const std::string& program, const Ends& ends)
     const Attributes attributes;
     std::string name = program;
     std::array<char*, 2> arguments = {name.data(), nullptr};
-    const int error = ::posix_spawn(&m_pid, name.c_str(), actions.get(), attributes.get(), arguments.data(), environ);
+    const std::vector<char*> environment = environmentPassedOn();
+    const int error =
+        ::posix_spawn(&m_pid, name.c_str(), actions.get(), attributes.get(), arguments.data(), environment.data());
     if (error != 0) {
         m_pid = -1;
         return program + " cannot be started: " + reasonOf(error);

@@ -27,7 +27,8 @@ public:
         transport::Descriptor errors;  ///< becomes its standard error; none: it has none
     };
 
-    /// Empty where the program runs, else the reason why it does not.
+    /// Empty where the program runs, else the reason why it does not. A transport ends with the thread that has started
+    /// it. Of the environment it is given what it needs.
     [[nodiscard]] std::string start(const std::string& program, const Ends& ends);
 
     /// Ends it at once, if it runs. Any thread.

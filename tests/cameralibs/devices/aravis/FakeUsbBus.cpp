@@ -19,7 +19,7 @@ namespace usb {
 namespace {
 
 /// Where the bus lies, for a process that has been given one.
-constexpr const char* kBusVariable = "FAKE_USB_BUS";
+constexpr const char* kBusVariable = "ORVO_FAKE_USB_BUS";
 
 [[noreturn]] void giveUp(const char* what)
 {

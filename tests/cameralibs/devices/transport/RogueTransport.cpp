@@ -23,7 +23,7 @@ namespace {
 const std::string& lie()
 {
     static const std::string theLie = [] {
-        const char* const told = std::getenv("ROGUE_LIE"); // NOLINT(concurrency-mt-unsafe)
+        const char* const told = std::getenv("ORVO_ROGUE_LIE"); // NOLINT(concurrency-mt-unsafe)
         return std::string(told == nullptr ? "" : told);
     }();
     return theLie;

@@ -48,7 +48,7 @@ protected:
     RogueTransportTest(const RogueTransportTest&) = delete;
     RogueTransportTest& operator=(const RogueTransportTest&) = delete;
 
-    static void tell(const char* lie) { ::setenv("ROGUE_LIE", lie, 1); } // NOLINT(concurrency-mt-unsafe)
+    static void tell(const char* lie) { ::setenv("ORVO_ROGUE_LIE", lie, 1); } // NOLINT(concurrency-mt-unsafe)
 
     [[nodiscard]] static std::uint32_t list()
     {

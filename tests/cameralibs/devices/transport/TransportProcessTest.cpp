@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -69,6 +70,12 @@ std::vector<std::string> descriptorsOf(pid_t process)
     for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd", error))
         targets.push_back(std::filesystem::read_symlink(entry.path(), error));
     return targets;
+}
+
+std::string contentsOf(pid_t process, const std::string& file)
+{
+    std::ifstream stream("/proc/" + std::to_string(process) + "/" + file);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 } // namespace
@@ -213,6 +220,18 @@ TEST_F(TransportProcessTest, OutlivesTheThreadThatOpensTheCamera)
     CAM_HANDLE camera = 0;
     std::thread([&] { EXPECT_TRUE(open(camera)); }).join();
     EXPECT_EQ(intOf(camera, "Width"), 320);
+}
+
+TEST_F(TransportProcessTest, SecretsOfTheEnvironmentStayWithTheProgram)
+{
+    ::setenv("SESSION_TOKEN", "secret", 1); // NOLINT(concurrency-mt-unsafe)
+    CAM_HANDLE camera = 0;
+    ASSERT_TRUE(open(camera));
+    ::unsetenv("SESSION_TOKEN"); // NOLINT(concurrency-mt-unsafe)
+    ASSERT_THAT(transports(), ::testing::SizeIs(1));
+    const std::string environment = contentsOf(transports().front(), "environ");
+    EXPECT_THAT(environment, ::testing::HasSubstr("LD_PRELOAD=")); // without which it had no camera
+    EXPECT_THAT(environment, ::testing::Not(::testing::HasSubstr("SESSION_TOKEN")));
 }
 
 TEST_F(TransportProcessTest, WithoutItNoRealCameraIsListedAndTheLogTellsWhy)
