@@ -222,6 +222,32 @@ TEST_F(TransportProcessTest, OutlivesTheThreadThatOpensTheCamera)
     EXPECT_EQ(intOf(camera, "Width"), 320);
 }
 
+// What each restriction means is tried in the tests of the restrictions; here, that a transport has them.
+TEST_F(TransportProcessTest, IsRestricted)
+{
+    CAM_HANDLE camera = 0;
+    ASSERT_TRUE(open(camera));
+    ASSERT_THAT(transports(), ::testing::SizeIs(1));
+    const pid_t transport = transports().front();
+    std::vector<std::string> rules = {"NoNewPrivs:\t1\n", "CapPrm:\t0000000000000000\n", "CapEff:\t0000000000000000\n"};
+    rlimit core{}; // may not be raised where the system's is lower
+    ASSERT_EQ(::getrlimit(RLIMIT_CORE, &core), 0);
+    const std::string least = core.rlim_max == 0 ? "0" : "1";
+    std::vector<std::string> limits = {"Max core file size +" + least + " +" + least + " "};
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    rules.emplace_back("Seccomp:\t2\n");
+    limits.emplace_back("Max file size +0 +0 ");
+    limits.emplace_back("Max address space +1073741824 ");
+#endif
+    if (::geteuid() == 0)
+        rules.emplace_back("CapBnd:\t0000000000000000\n");
+    const std::string status = contentsOf(transport, "status");
+    for (const std::string& rule : rules)
+        EXPECT_THAT(status, ::testing::HasSubstr(rule));
+    for (const std::string& limit : limits)
+        EXPECT_THAT(contentsOf(transport, "limits"), ::testing::ContainsRegex(limit));
+}
+
 TEST_F(TransportProcessTest, SecretsOfTheEnvironmentStayWithTheProgram)
 {
     ::setenv("SESSION_TOKEN", "secret", 1); // NOLINT(concurrency-mt-unsafe)

@@ -13,7 +13,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -143,17 +142,6 @@ Descriptor makeMemory(int seals)
     return memory;
 }
 
-/// The value of a line of what the system tells of a process.
-std::string told(pid_t process, const std::string& file, const std::string& name)
-{
-    std::ifstream lines("/proc/" + std::to_string(process) + "/" + file);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind(name, 0) == 0)
-            return line.substr(name.size());
-    }
-    return {};
-}
-
 } // namespace
 
 TEST_F(TransportRequestsTest, WhatIsNoRequestEndsIt)
@@ -269,12 +257,4 @@ TEST_F(TransportRequestsTest, EndsWithItsChannels)
     open();
     m_events = {};
     EXPECT_TRUE(ends());
-}
-
-TEST_F(TransportRequestsTest, GivesUpWhatItDoesNotNeed)
-{
-    open(); // it is restricted before it answers
-    EXPECT_THAT(told(m_process, "status", "NoNewPrivs:"), ::testing::EndsWith("1"));
-    EXPECT_THAT(told(m_process, "status", "Seccomp:"), ::testing::EndsWith("2"));
-    EXPECT_THAT(told(m_process, "limits", "Max core file size"), ::testing::ContainsRegex("^ +0 +0 "));
 }
