@@ -1,4 +1,4 @@
-// Which editor an item takes for its own, when and of what kind.
+// When an item attaches an editor, and of which kind.
 
 #include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/EditorBench.h"
@@ -22,7 +22,7 @@ private slots:
 
     void everyEditorIsAttached_data();
     void everyEditorIsAttached();
-    void aComboBoxIsAttachedAsItIsLoaded();
+    void comboBoxIsAttachedWhenLoaded();
 };
 
 void AttachedEditorTest::everyEditorIsAttached_data()
@@ -42,7 +42,7 @@ void AttachedEditorTest::everyEditorIsAttached()
     EditorBench bench({features::integer("Number", 37, 0, 100)});
     GenAPINodeItem* item = bench.item("Number");
     item->setData(kind, EditorKindRole);
-    QLineEdit before; // is the item's no more
+    QLineEdit before; // replaced when the delegate's editor is attached
     before.setText("7");
     item->setEditor(&before);
 
@@ -55,8 +55,8 @@ void AttachedEditorTest::everyEditorIsAttached()
     QTEST(bench.written(), "written");
 }
 
-// The entry that was chosen when the editor opened is another's by now, and can be chosen again.
-void AttachedEditorTest::aComboBoxIsAttachedAsItIsLoaded()
+// The entry that was current when the editor opened is no longer current, so choosing it writes it.
+void AttachedEditorTest::comboBoxIsAttachedWhenLoaded()
 {
     EditorBench bench({features::enumeration("Choice", 1, {"One", "Two", "Three"})});
     auto* comboBox = bench.openAs<QComboBox>("Choice");

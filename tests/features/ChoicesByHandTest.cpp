@@ -1,4 +1,4 @@
-// The combo box and the button in the table, used as a user uses them: what the camera gets, and what is shown.
+// The combo box and the button in the table, operated by mouse and keyboard: what is written and what is shown.
 
 #include "tests/features/EditorBench.h"
 #include "tests/support/TestProgram.h"
@@ -23,21 +23,21 @@ private slots:
     void comboBoxByKey();
     void comboBoxByMouse();
     void comboBoxByWheel();
-    void comboBoxLeftWritesNothing_data();
-    void comboBoxLeftWritesNothing();
+    void leavingTheComboBoxWritesNothing_data();
+    void leavingTheComboBoxWritesNothing();
     void comboBoxOfABoolean();
     void comboBoxOfAnEmptyEnumeration();
-    void comboBoxWhoseEntriesCannotBeTold();
+    void comboBoxWhoseEntriesCannotBeRead();
     void comboBoxWhoseEntryVanishes();
-    void comboBoxListsWhatCanBeChosen();
+    void comboBoxListsSelectableEntries();
     void comboBoxAfterARefusal();
-    void comboBoxOfAValueThatIsNoChoice_data();
-    void comboBoxOfAValueThatIsNoChoice();
+    void comboBoxWithAValueOutsideItsEntries_data();
+    void comboBoxWithAValueOutsideItsEntries();
 
     void buttonByMouse();
     void buttonByKey();
-    void buttonLeftDoesNothing_data();
-    void buttonLeftDoesNothing();
+    void leavingTheButtonDoesNothing_data();
+    void leavingTheButtonDoesNothing();
     void buttonWhoseCommandFails();
 };
 
@@ -57,7 +57,7 @@ void ChoicesByHandTest::comboBoxByKey()
     EditorBench::press(Qt::Key_Down);
     QCOMPARE(bench.written(), QStringList{"Choice = Three"});
     QCOMPARE(bench.shown("Choice"), QString("Three"));
-    QVERIFY(scripted::count("Nd_GetIntValue") > 0); // the other features are read anew
+    QVERIFY(scripted::count("Nd_GetIntValue") > 0); // the other features are read again
     QCOMPARE(bench.editor(), comboBox);
     EditorBench::press(Qt::Key_Down); // the last one
     QCOMPARE(bench.written(), QStringList{"Choice = Three"});
@@ -75,7 +75,7 @@ void ChoicesByHandTest::comboBoxByMouse()
     auto* comboBox = bench.openAs<QComboBox>("Choice");
     QTest::mouseClick(comboBox, Qt::LeftButton);
     QTRY_VERIFY(comboBox->view()->isVisible());
-    // For a moment the list takes a click for the second half of the one that opened it.
+    // Right after opening, the popup treats a click as part of the click that opened it.
     QVERIFY(QTest::qWaitFor([&] {
         QAbstractItemView* list = comboBox->view();
         if (list->isVisible())
@@ -87,7 +87,7 @@ void ChoicesByHandTest::comboBoxByMouse()
     QCOMPARE(bench.written(), QStringList{"Choice = One"});
     QCOMPARE(bench.shown("Choice"), QString("One"));
 
-    // The entry that is chosen already.
+    // The current entry.
     QTest::mouseClick(comboBox, Qt::LeftButton);
     QTRY_VERIFY(comboBox->view()->isVisible());
     QTest::keyClick(comboBox->view(), Qt::Key_Return);
@@ -105,14 +105,14 @@ void ChoicesByHandTest::comboBoxByWheel()
     QCOMPARE(bench.written(), (QStringList{"Choice = Three", "Choice = Two", "Choice = One"}));
 }
 
-void ChoicesByHandTest::comboBoxLeftWritesNothing_data()
+void ChoicesByHandTest::leavingTheComboBoxWritesNothing_data()
 {
     EditorBench::waysToLeave();
     QTest::newRow("escape") << "escape";
     QTest::newRow("enter") << "enter";
 }
 
-void ChoicesByHandTest::comboBoxLeftWritesNothing()
+void ChoicesByHandTest::leavingTheComboBoxWritesNothing()
 {
     QFETCH(const QString, how);
     EditorBench bench(features::beside(choice()));
@@ -149,7 +149,7 @@ void ChoicesByHandTest::comboBoxOfAnEmptyEnumeration()
     QCOMPARE(bench.written(), QStringList());
 }
 
-void ChoicesByHandTest::comboBoxWhoseEntriesCannotBeTold()
+void ChoicesByHandTest::comboBoxWhoseEntriesCannotBeRead()
 {
     EditorBench bench({choice()});
     scripted::failCall("Nd_GetEnumEntryStrValue", 258, 3);
@@ -167,7 +167,7 @@ void ChoicesByHandTest::comboBoxWhoseEntryVanishes()
     auto* comboBox = bench.openAs<QComboBox>("Choice");
     scripted::changeNode("EnumEntry_Choice_Three", [](NodeSpec& entry) { entry.access = Orvo::NODE_ACCESS_MODE_NA; });
     EditorBench::press(Qt::Key_Down);
-    QCOMPARE(bench.written(), QStringList{"Choice = Three"}); // and refused
+    QCOMPARE(bench.written(), QStringList{"Choice = Three"}); // the camera refuses it
     QCOMPARE(bench.shown("Choice"), QString("Two"));
     QCOMPARE(bench.editor(), comboBox);
     EditorBench::press(Qt::Key_Return);
@@ -176,7 +176,7 @@ void ChoicesByHandTest::comboBoxWhoseEntryVanishes()
     QCOMPARE(bench.openAs<QComboBox>("Choice")->count(), 2);
 }
 
-void ChoicesByHandTest::comboBoxListsWhatCanBeChosen()
+void ChoicesByHandTest::comboBoxListsSelectableEntries()
 {
     NodeSpec spec = choice();
     spec.entries[0].access = Orvo::NODE_ACCESS_MODE_NA;
@@ -198,13 +198,13 @@ void ChoicesByHandTest::comboBoxAfterARefusal()
     QCOMPARE(scripted::node("Choice").intValue, std::int64_t{1});
     QCOMPARE(bench.shown("Choice"), QString("Two"));
     QCOMPARE(comboBox->currentText(), QString("Two"));
-    EditorBench::press(Qt::Key_Down); // once more, and the camera takes it
+    EditorBench::press(Qt::Key_Down); // this time the camera accepts it
     QCOMPARE(bench.written(), (QStringList{"Choice = Three", "Choice = Three"}));
     QCOMPARE(bench.shown("Choice"), QString("Three"));
     QCOMPARE(comboBox->currentText(), QString("Three"));
 }
 
-void ChoicesByHandTest::comboBoxOfAValueThatIsNoChoice_data()
+void ChoicesByHandTest::comboBoxWithAValueOutsideItsEntries_data()
 {
     QTest::addColumn<NodeSpec>("spec");
     QTest::addColumn<QString>("shown");
@@ -222,8 +222,8 @@ void ChoicesByHandTest::comboBoxOfAValueThatIsNoChoice_data()
                                                  << "One";
 }
 
-// No entry is chosen, so that the first can be.
-void ChoicesByHandTest::comboBoxOfAValueThatIsNoChoice()
+// No entry is current, so choosing the first one is a change.
+void ChoicesByHandTest::comboBoxWithAValueOutsideItsEntries()
 {
     QFETCH(const NodeSpec, spec);
     QFETCH(const QString, shown);
@@ -245,7 +245,7 @@ void ChoicesByHandTest::buttonByMouse()
     auto* button = bench.openAs<QPushButton>("Reset");
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(bench.written(), QStringList{"Reset executed"});
-    QVERIFY(scripted::count("Nd_GetIntValue") > 0); // the features are read anew
+    QVERIFY(scripted::count("Nd_GetIntValue") > 0); // the features are read again
     QCOMPARE(bench.editor(), button);
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(bench.written(), (QStringList{"Reset executed", "Reset executed"}));
@@ -262,12 +262,12 @@ void ChoicesByHandTest::buttonByKey()
     QCOMPARE(bench.shown("Reset"), QString("== Write-Only =="));
 }
 
-void ChoicesByHandTest::buttonLeftDoesNothing_data()
+void ChoicesByHandTest::leavingTheButtonDoesNothing_data()
 {
-    comboBoxLeftWritesNothing_data();
+    leavingTheComboBoxWritesNothing_data();
 }
 
-void ChoicesByHandTest::buttonLeftDoesNothing()
+void ChoicesByHandTest::leavingTheButtonDoesNothing()
 {
     QFETCH(const QString, how);
     EditorBench bench(features::beside(features::command("Reset")));

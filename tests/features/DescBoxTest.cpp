@@ -1,4 +1,4 @@
-// The description of the chosen node.
+// The description of the current node.
 
 #include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
@@ -36,7 +36,7 @@ void askForToolTip(DescBox& box)
 {
     box.show();
     QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), box.mapToGlobal(QPoint(5, 5)));
-    QCoreApplication::sendEvent(&label(box, 0), &event); // of the panel, wherever the pointer is
+    QCoreApplication::sendEvent(&label(box, 0), &event); // for the panel, independent of the pointer
 }
 
 class DescBoxTest : public QObject {
@@ -52,19 +52,19 @@ private slots:
     void headingNamesTheType();
     void aWriteOnlyCommand();
     void showsDescriptionAndAdditionalInformation();
-    void readsTheWholeRangeBeforeItShows();
-    void theAccessModeIsReadAnew();
+    void readsTheWholeRangeBeforeShowingIt();
+    void theAccessModeIsReadAgain();
     void clearEmptiesThePanel();
     void nullIsTheSameAsClear();
     void currentIndex();
     void threeTexts();
-    void anItemThatDiesIsForgotten();
-    void textsAreNeverMarkup();
-    void onlyLongLinesOfAToolTipAreBroken();
-    void aLongDescriptionIsBroken();
-    void anyDescriptionLeavesTheTableItsHeight_data();
-    void anyDescriptionLeavesTheTableItsHeight();
-    void aLongNameIsBroken();
+    void aDestroyedItemIsForgotten();
+    void textsAreNeverParsedAsMarkup();
+    void onlyLongLinesOfAToolTipAreWrapped();
+    void aLongDescriptionIsWrapped();
+    void noDescriptionShrinksTheTable_data();
+    void noDescriptionShrinksTheTable();
+    void aLongNameIsWrapped();
 };
 
 void DescBoxTest::aFreshPanel()
@@ -153,7 +153,7 @@ void DescBoxTest::showsDescriptionAndAdditionalInformation()
     QVERIFY(box.toolTip().isEmpty());
 }
 
-void DescBoxTest::readsTheWholeRangeBeforeItShows()
+void DescBoxTest::readsTheWholeRangeBeforeShowingIt()
 {
     FeatureTable features;
     DescBox box(nullptr);
@@ -166,7 +166,7 @@ void DescBoxTest::readsTheWholeRangeBeforeItShows()
     QCOMPARE(names, expected);
 }
 
-void DescBoxTest::theAccessModeIsReadAnew()
+void DescBoxTest::theAccessModeIsReadAgain()
 {
     FeatureTable features;
     DescBox box(nullptr);
@@ -227,7 +227,7 @@ void DescBoxTest::threeTexts()
     QCOMPARE(box.getCurrentIndex(), -1);
 }
 
-void DescBoxTest::anItemThatDiesIsForgotten()
+void DescBoxTest::aDestroyedItemIsForgotten()
 {
     FeatureTable features;
     DescBox box(nullptr);
@@ -236,7 +236,7 @@ void DescBoxTest::anItemThatDiesIsForgotten()
     QCOMPARE(box.getCurrentIndex(), -1);
 }
 
-void DescBoxTest::textsAreNeverMarkup()
+void DescBoxTest::textsAreNeverParsedAsMarkup()
 {
     NodeSpec node = feature("%1<i>A</i>");
     node.type = Orvo::NODE_TYPE_ENUMERATION;
@@ -255,7 +255,7 @@ void DescBoxTest::textsAreNeverMarkup()
     QCOMPARE(document.toPlainText(), QString("Current value is <u>0</u> (0)"));
 }
 
-void DescBoxTest::onlyLongLinesOfAToolTipAreBroken()
+void DescBoxTest::onlyLongLinesOfAToolTipAreWrapped()
 {
     DescBox box(nullptr);
     const auto shownHeight = [&box](QString toolTip) {
@@ -278,7 +278,7 @@ void DescBoxTest::onlyLongLinesOfAToolTipAreBroken()
     QVERIFY(shownHeight(QString("words on ").repeated(40)) > twoLines);
 }
 
-void DescBoxTest::aLongDescriptionIsBroken()
+void DescBoxTest::aLongDescriptionIsWrapped()
 {
     NodeSpec node = feature("A");
     for (int i = 0; i < 40; ++i)
@@ -292,7 +292,7 @@ void DescBoxTest::aLongDescriptionIsBroken()
     QCOMPARE(features.view().width(), 500);
 }
 
-void DescBoxTest::anyDescriptionLeavesTheTableItsHeight_data()
+void DescBoxTest::noDescriptionShrinksTheTable_data()
 {
     QTest::addColumn<QString>("description");
     QTest::newRow("120 lines") << QString("a line\n").repeated(120);
@@ -302,7 +302,7 @@ void DescBoxTest::anyDescriptionLeavesTheTableItsHeight_data()
     QTest::newRow("one word of 64 KiB") << QString(65535, 'w');
 }
 
-void DescBoxTest::anyDescriptionLeavesTheTableItsHeight()
+void DescBoxTest::noDescriptionShrinksTheTable()
 {
     QFETCH(QString, description);
     NodeSpec twelveLines = feature("A");
@@ -330,7 +330,7 @@ void DescBoxTest::anyDescriptionLeavesTheTableItsHeight()
     QCOMPARE(features.view().sizeHint().width(), wished.width());
 }
 
-void DescBoxTest::aLongNameIsBroken()
+void DescBoxTest::aLongNameIsWrapped()
 {
     const NodeSpec node = feature(std::string(255, 'W'));
     FeatureTable features({category("Root", {node.name}), node});

@@ -142,7 +142,7 @@ void EditorBench::click(const QString& name, int column)
 
 QWidget* EditorBench::open(const QString& name)
 {
-    // In the current cell the table waits whether a second click follows.
+    // In the current cell the table first waits for a possible double click.
     const bool waits = table().currentIndex() == valueCell(name);
     click(name);
     if (waits && !QTest::qWaitFor([this] { return editor() != nullptr; }))
@@ -193,7 +193,7 @@ void EditorBench::press(Qt::Key key)
 {
     QVERIFY2(QApplication::focusWidget() != nullptr, "nothing has the keyboard");
     QTest::keyClick(QApplication::focusWidget(), key);
-    // A delegate commits on Enter when the editor has had the key.
+    // A delegate commits on Enter only after the editor has handled the key.
     QCoreApplication::processEvents();
 }
 
@@ -267,7 +267,7 @@ SliderDrag::SliderDrag(QSlider* slider)
     , m_position(SliderGeometry(*slider).handle.center())
     , m_pressed(true)
 {
-    slider->setFocus(Qt::MouseFocusReason); // as a click gives it
+    slider->setFocus(Qt::MouseFocusReason); // as a click does
     send(QEvent::MouseButtonPress, m_position, Qt::LeftButton);
 }
 

@@ -15,7 +15,7 @@
 
 Q_DECLARE_METATYPE(scripted::NodeSpec) // for the columns of test data
 
-/// A feature with a value of its own, for setNodes().
+/// Features for setNodes(), each with a value of its own.
 namespace features {
 
 [[nodiscard]] scripted::NodeSpec integer(std::string name, std::int64_t value, std::int64_t minimum,
@@ -32,14 +32,14 @@ namespace features {
 [[nodiscard]] scripted::NodeSpec withUnit(scripted::NodeSpec spec, std::string unit);
 [[nodiscard]] scripted::NodeSpec withAccess(scripted::NodeSpec spec, Orvo::NodeAccessMode access);
 
-/// 37 of 0 to 100, with a linear slider.
+/// The value 37 in a range of 0 to 100, with a linear slider.
 [[nodiscard]] scripted::NodeSpec percent();
-/// The feature, and "Other", to which a user goes when he leaves an editor; no editor opens there.
+/// The feature and a second one, "Other", to click on when leaving an editor; it opens no editor itself.
 [[nodiscard]] std::vector<scripted::NodeSpec> beside(const scripted::NodeSpec& spec);
 
 } // namespace features
 
-/// A feature view on screen with every row unfolded, and a user's hand on its value cells.
+/// A feature view on screen with every row unfolded, and simulated user input in its value cells.
 class EditorBench {
 public:
     explicit EditorBench(std::vector<scripted::NodeSpec> features);
@@ -50,10 +50,10 @@ public:
     [[nodiscard]] GenAPINodeItem* item(const QString& name) { return m_table.item(name); }
     [[nodiscard]] QModelIndex valueCell(const QString& name) { return m_table.cell(name, 2); }
 
-    /// Clicks into the feature's value cell; the editor that is open then, or null. Calls before that are forgotten.
+    /// Clicks the feature's value cell and returns the editor that opens, or null. Clears the recorded calls.
     QWidget* open(const QString& name);
     void click(const QString& name, int column = 2);
-    /// The editor that is open, null for none.
+    /// The open editor, or null.
     [[nodiscard]] QWidget* editor() { return openEditor(table()); }
     template <typename Editor> Editor* openAs(const QString& name)
     {
@@ -63,18 +63,18 @@ public:
         return found;
     }
 
-    /// Data rows of all the ways to leave an editor but keys that close it, in a column "how".
+    /// Data rows with a column "how": each way to leave an editor other than the keys that close it.
     static void waysToLeave();
-    /// One of them, "enter" or "escape". Needs the feature "Other".
+    /// Leaves the editor in one of these ways, or by "enter" or "escape". Needs the feature "Other".
     void leave(const QString& how);
 
-    /// To the widget that has the keyboard.
+    /// Sent to the widget that has the focus.
     static void type(const QString& text);
     static void press(Qt::Key key);
 
     /// The text of the value cell.
     [[nodiscard]] QString shown(const QString& name) { return valueCell(name).data().toString(); }
-    /// What was written since the editor was opened, such as "Width = 64" or "Reset executed".
+    /// Writes and commands since the editor was opened, such as "Width = 64" or "Reset executed".
     [[nodiscard]] QStringList written();
     /// How often each value was read since the editor was opened.
     [[nodiscard]] static int reads();
@@ -87,7 +87,7 @@ private:
 [[nodiscard]] QLineEdit* lineEditOf(LineEditWithSlider* editor);
 [[nodiscard]] QSlider* sliderOf(LineEditWithSlider* editor);
 
-/// A hand on the handle of a slider.
+/// Drags the handle of a slider with the mouse.
 class SliderDrag {
 public:
     explicit SliderDrag(QSlider* slider);

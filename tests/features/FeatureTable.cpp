@@ -30,7 +30,7 @@ std::vector<NodeSpec> manyNodes(int count)
         }
         const auto category = nodes.end() - 1 - i % kPerCategory;
         category->features.push_back("Feature" + std::to_string(i));
-        const std::string name = category->features.back(); // the next line moves the nodes
+        const std::string name = category->features.back(); // a copy: the next line moves the nodes
         nodes.push_back(feature(name, static_cast<Orvo::TC_NODE_VISIBILITY>(i % 3)));
     }
     nodes.insert(nodes.begin(), std::move(root));

@@ -11,12 +11,12 @@
 #include <string>
 #include <vector>
 
-/// A scripted feature of the given level and access, an Integer unless the test makes it something else.
+/// A scripted feature of the given level and access; an Integer until the test changes its type.
 [[nodiscard]] scripted::NodeSpec feature(std::string name,
                                          Orvo::TC_NODE_VISIBILITY visibility = Orvo::NODE_VISIBILITY_BEGINNER,
                                          Orvo::NodeAccessMode access = Orvo::NODE_ACCESS_MODE_RW);
 
-/// `count` features below as many categories as it takes at twelve each, Root first.
+/// `count` features in categories of twelve, with Root first.
 [[nodiscard]] std::vector<scripted::NodeSpec> manyNodes(int count);
 
 /// Whether the icon shows the compiled-in image of that name.
@@ -29,7 +29,7 @@
 /// A feature view over an open scripted camera.
 class FeatureTable {
 public:
-    /// Opens the camera, with its nodes as they are scripted, and shows its features.
+    /// Opens the camera with the nodes that the script has already, and shows its features.
     FeatureTable();
     /// The same with these nodes.
     explicit FeatureTable(std::vector<scripted::NodeSpec> nodes);
@@ -46,7 +46,7 @@ public:
     /// Shows the view and waits until it has the focus.
     void show();
 
-    /// Names of the rows that pass the filter, blanks in front removed; with `shownOnly` without the folded ones.
+    /// Names of the rows that pass the filter, without leading blanks; `shownOnly` excludes the folded ones.
     [[nodiscard]] QStringList names(bool shownOnly = false);
     [[nodiscard]] QStringList shownNames() { return names(true); }
     /// The row of the table, which must exist.
@@ -54,7 +54,7 @@ public:
     [[nodiscard]] QModelIndex cell(const QString& name, int column = 0);
     [[nodiscard]] GenAPINodeItem* item(const QString& name);
 
-    /// Brings the pointer to a point of the table and clicks there, into the row.
+    /// Moves the pointer into the row, `x` pixels from the left edge of the table, and clicks.
     void clickRow(const QString& name, int x);
 
 private:
@@ -64,5 +64,5 @@ private:
     std::unique_ptr<FeatureView> m_view;
 };
 
-/// Opens the first camera of the script; the handle.
+/// Opens the first camera of the script and returns its handle.
 [[nodiscard]] Orvo::CAM_HANDLE openScriptedCamera();

@@ -1,4 +1,4 @@
-// A camera comes to the feature view, and another one after it.
+// The feature view gets a camera, and then another one.
 
 #include "features/description/DescBox.h"
 #include "features/view/FeatureView.h"
@@ -15,7 +15,7 @@ using scripted::category;
 
 namespace {
 
-constexpr int kNodeNotFound = 1; // what SetCam gives without a node map
+constexpr int kNodeNotFound = 1; // what SetCam returns without a node map
 
 class FeatureViewCameraTest : public QObject {
     Q_OBJECT
@@ -72,7 +72,7 @@ void FeatureViewCameraTest::aFailingRootKeepsTheOldRows()
     QCOMPARE(features.view().descBox()->findChildren<QLabel*>().first()->text(),
              QString("Description: A (Integer node)"));
 
-    // The rows are no longer read anew, but they are safe to use.
+    // The rows are no longer updated, but they are safe to use.
     scripted::clearCalls();
     features.view().updateAllFeatures();
     QVERIFY(scripted::calls({"Nd_"}).empty());

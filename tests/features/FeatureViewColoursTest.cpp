@@ -22,10 +22,10 @@ private slots:
     void aNodeWhoseAccessModeWasNotReadIsReadWrite();
     void rowsWithoutItemStayAsTheyAre();
     void cellsWithoutItemAreColoured();
-    void everyWrongColourIsPutRight_data();
-    void everyWrongColourIsPutRight();
+    void everyWrongColourIsCorrected_data();
+    void everyWrongColourIsCorrected();
     void rightColoursAreLeftAlone();
-    void aGivenModelIsColoured();
+    void aModelOfTheCallerIsColoured();
     void anItemThatReadsItsAccessModeColoursItsRow();
 };
 
@@ -111,7 +111,7 @@ void FeatureViewColoursTest::cellsWithoutItemAreColoured()
     }
 }
 
-void FeatureViewColoursTest::everyWrongColourIsPutRight_data()
+void FeatureViewColoursTest::everyWrongColourIsCorrected_data()
 {
     QTest::addColumn<int>("column");
     QTest::addColumn<int>("role");
@@ -121,7 +121,7 @@ void FeatureViewColoursTest::everyWrongColourIsPutRight_data()
     }
 }
 
-void FeatureViewColoursTest::everyWrongColourIsPutRight()
+void FeatureViewColoursTest::everyWrongColourIsCorrected()
 {
     QFETCH(int, column);
     QFETCH(int, role);
@@ -143,7 +143,7 @@ void FeatureViewColoursTest::rightColoursAreLeftAlone()
     QCOMPARE(told.count(), 0);
 }
 
-void FeatureViewColoursTest::aGivenModelIsColoured()
+void FeatureViewColoursTest::aModelOfTheCallerIsColoured()
 {
     FeatureTable features({category("Root", {"A"}), feature("A", {}, Orvo::NODE_ACCESS_MODE_NI)});
     QStandardItemModel other(1, 3);

@@ -1,4 +1,4 @@
-// Which rows pass the level, in which order they stand, and what a change of either leaves as it was.
+// Which rows a level shows, how they are sorted, and what a change of either preserves.
 
 #include "tests/features/FeatureTable.h"
 #include "tests/support/ScriptedCamera.h"
@@ -15,7 +15,7 @@ using scripted::NodeSpec;
 
 namespace {
 
-// A category and, below it, one feature of every level, implemented and not; the names are their level letters.
+// A category with one feature of every level, implemented and not implemented, named after its level letter.
 std::vector<NodeSpec> everyLetter()
 {
     constexpr char kLetters[] = "BEGI";
@@ -75,12 +75,12 @@ private slots:
 
     void levelsAndOrders_data();
     void levelsAndOrders();
-    void thePatternIsAFilterOfTheProxy();
+    void theProxyFiltersByALevelPattern();
 
     void aNewViewIsInCategoryOrderAtBeginner();
-    void slotsOfLevelsKeepTheOrder();
-    void slotsOfOrdersKeepTheLevel();
-    void actionsRunTheSlots();
+    void levelSlotsKeepTheOrder();
+    void orderSlotsKeepTheLevel();
+    void actionsTriggerTheSlots();
     void aCheckedActionStaysChecked();
     void notImplementedFeaturesTakeEffectAtTheNextFilter();
     void availabilityOfTheInvisibleLevelOnlyShowsTheAction();
@@ -96,16 +96,16 @@ private slots:
     void columnsFitTheirContents();
     void columnsFitFoldedRowsToo();
     void columnsFitRowsBeyondTheFirstThousand();
-    void foldedRowsTakeTwoFifthsOfTheViewAtMost();
+    void foldedRowsWidenColumnsToTwoFifthsOfTheViewAtMost();
     void aHiddenTypeColumnKeepsItsWidth();
     void filteringAppliesTheTypeColumnRule();
 
     void currentRowAndSelectionStayWithTheirFeature();
-    void aCurrentRowThatIsFilteredOutIsLeft();
-    void filteringIsOneChangeOfLayout();
-    void theModelEqualsAPlainOne_data();
-    void theModelEqualsAPlainOne();
-    void updatesStayOffWhereTheyWere();
+    void aCurrentRowThatIsFilteredOutIsNoLongerCurrent();
+    void filteringEmitsOneLayoutChange();
+    void filteredRowsMatchAPlainProxyModel_data();
+    void filteredRowsMatchAPlainProxyModel();
+    void disabledUpdatesStayDisabled();
 };
 
 void FeatureViewFilterTest::levelsAndOrders_data()
@@ -157,10 +157,10 @@ void FeatureViewFilterTest::levelsAndOrders()
     const QStringList ofLevels{"&levelBeginner", "&levelExpert", "&levelGuru", "&levelInvisible"};
     if (level >= 0 && level < ofLevels.size())
         checked << ofLevels.at(level);
-    QCOMPARE(checkedActions(features.view()), checked); // none of a level that there is not
+    QCOMPARE(checkedActions(features.view()), checked); // no action is checked for an invalid level
 }
 
-void FeatureViewFilterTest::thePatternIsAFilterOfTheProxy()
+void FeatureViewFilterTest::theProxyFiltersByALevelPattern()
 {
     FeatureTable features(everyLetter());
     const auto& proxy = dynamic_cast<QSortFilterProxyModel&>(features.rowsModel());
@@ -184,7 +184,7 @@ void FeatureViewFilterTest::aNewViewIsInCategoryOrderAtBeginner()
     QCOMPARE(checkedActions(view), QStringList({"&sortCtg", "&levelBeginner"}));
 }
 
-void FeatureViewFilterTest::slotsOfLevelsKeepTheOrder()
+void FeatureViewFilterTest::levelSlotsKeepTheOrder()
 {
     FeatureTable features(everyLetter());
     features.view().selectExpert();
@@ -200,7 +200,7 @@ void FeatureViewFilterTest::slotsOfLevelsKeepTheOrder()
     QCOMPARE(features.names().join(""), QString("BEG"));
 }
 
-void FeatureViewFilterTest::slotsOfOrdersKeepTheLevel()
+void FeatureViewFilterTest::orderSlotsKeepTheLevel()
 {
     FeatureTable features(everyLetter());
     features.view().selectExpert();
@@ -210,7 +210,7 @@ void FeatureViewFilterTest::slotsOfOrdersKeepTheLevel()
     QCOMPARE(features.names().join(""), QString("CBE"));
 }
 
-void FeatureViewFilterTest::actionsRunTheSlots()
+void FeatureViewFilterTest::actionsTriggerTheSlots()
 {
     FeatureTable features(everyLetter());
     struct Step {
@@ -349,7 +349,7 @@ void FeatureViewFilterTest::columnsFitTheirContents()
     for (const int level : {0, 2, 0}) {
         features.view().sortAndFilter(false, static_cast<Orvo::TC_NODE_VISIBILITY>(level));
         seen.push_back(widths());
-        QTRY_COMPARE(table.horizontalHeader()->length(), table.viewport()->width()); // the last one takes the rest
+        QTRY_COMPARE(table.horizontalHeader()->length(), table.viewport()->width()); // the last section stretches
         features.table().resizeColumnsToContents();
         QCOMPARE(widths(), seen.back());
     }
@@ -361,9 +361,9 @@ void FeatureViewFilterTest::columnsFitFoldedRowsToo()
 {
     NodeSpec text = feature("FeatureOfLongName");
     text.type = Orvo::NODE_TYPE_ENUMERATION; // the longest of the type texts
-    // Longer, but not as wide.
+    // More characters, but narrower on screen.
     const NodeSpec narrow = feature("iiiiiiiiiiiiiiiiiiiiii");
-    // It is never shown, and would not need the column: a category spans them all.
+    // Never shown, and irrelevant to the column width: a category spans all columns.
     const NodeSpec empty = category("AnEmptyCategoryOfALongerName", {});
     FeatureTable features(
         {category("Root", {"C", empty.name}), category("C", {narrow.name, text.name}), narrow, text, empty});
@@ -390,14 +390,14 @@ void FeatureViewFilterTest::columnsFitRowsBeyondTheFirstThousand()
     QVERIFY(table.columnWidth(0) >= table.sizeHintForIndex(last).width());
 }
 
-void FeatureViewFilterTest::foldedRowsTakeTwoFifthsOfTheViewAtMost()
+void FeatureViewFilterTest::foldedRowsWidenColumnsToTwoFifthsOfTheViewAtMost()
 {
     const NodeSpec node = feature(std::string(200, 'W'));
     FeatureTable features({category("Root", {"C"}), category("C", {node.name}), node});
     QCOMPARE(features.table().columnWidth(0), features.view().width() * 2 / 5);
     features.view().changeCollapsedState(features.cell("C"));
     features.view().selectBeginner();
-    QVERIFY(features.table().columnWidth(0) > features.view().width()); // what is to be seen is fitted as ever
+    QVERIFY(features.table().columnWidth(0) > features.view().width()); // visible rows are fitted without a limit
 }
 
 void FeatureViewFilterTest::aHiddenTypeColumnKeepsItsWidth()
@@ -437,7 +437,7 @@ void FeatureViewFilterTest::currentRowAndSelectionStayWithTheirFeature()
     QCOMPARE(features.table().currentIndex(), features.cell("A2", 0));
 }
 
-void FeatureViewFilterTest::aCurrentRowThatIsFilteredOutIsLeft()
+void FeatureViewFilterTest::aCurrentRowThatIsFilteredOutIsNoLongerCurrent()
 {
     FeatureTable features(everyLetter());
     features.show();
@@ -449,7 +449,7 @@ void FeatureViewFilterTest::aCurrentRowThatIsFilteredOutIsLeft()
     features.view().updateAllFeatures();
 }
 
-void FeatureViewFilterTest::filteringIsOneChangeOfLayout()
+void FeatureViewFilterTest::filteringEmitsOneLayoutChange()
 {
     FeatureTable features(everyLetter());
     int layouts = 0;
@@ -463,7 +463,7 @@ void FeatureViewFilterTest::filteringIsOneChangeOfLayout()
     QCOMPARE(resets.count() + inserted.count() + removed.count(), 0);
 }
 
-void FeatureViewFilterTest::theModelEqualsAPlainOne_data()
+void FeatureViewFilterTest::filteredRowsMatchAPlainProxyModel_data()
 {
     QTest::addColumn<QStringList>("patterns");
     QTest::addColumn<QVector<int>>("roles");
@@ -477,7 +477,7 @@ void FeatureViewFilterTest::theModelEqualsAPlainOne_data()
                                     << QVector<int>{byIndex, byName, byName, byIndex, byIndex};
 }
 
-void FeatureViewFilterTest::theModelEqualsAPlainOne()
+void FeatureViewFilterTest::filteredRowsMatchAPlainProxyModel()
 {
     QFETCH(QStringList, patterns);
     QFETCH(QVector<int>, roles);
@@ -508,14 +508,14 @@ void FeatureViewFilterTest::theModelEqualsAPlainOne()
     QVERIFY(kept.isValid() || patterns.contains("X"));
 }
 
-void FeatureViewFilterTest::updatesStayOffWhereTheyWere()
+void FeatureViewFilterTest::disabledUpdatesStayDisabled()
 {
     FeatureTable features;
     features.table().setUpdatesEnabled(false);
     features.view().selectExpert();
     QVERIFY(!features.table().updatesEnabled());
     features.table().setUpdatesEnabled(true);
-    features.view().setUpdatesEnabled(false); // of the view: what is below it follows
+    features.view().setUpdatesEnabled(false); // disables the table, a child of the view, too
     features.view().selectGuru();
     features.view().setUpdatesEnabled(true);
     QVERIFY(features.table().updatesEnabled());

@@ -47,12 +47,12 @@ private slots:
     void featuresBeforeTheFirstCategoryStayHidden();
     void aCategoryWhoseFeaturesAreFilteredOutIsHidden();
     void inAToZEveryRowIsShown();
-    void foldStatesOutliveFilterAndOrder();
-    void foldStatesEndWithTheModel();
-    void theCaseOfTheLevelLetterCounts();
-    void rowsThatCameLaterFold();
-    void everyTreeFoldsLikeTheWalkFromRowToRow_data();
-    void everyTreeFoldsLikeTheWalkFromRowToRow();
+    void foldStatesSurviveFilteringAndSorting();
+    void foldStatesAreForgottenWithTheModel();
+    void levelLettersAreCaseSensitive();
+    void rowsAddedLaterFold();
+    void everyTreeFoldsLikeARowByRowWalk_data();
+    void everyTreeFoldsLikeARowByRowWalk();
     void theTableDoesNotUpdateItselfWhileRowsAreHidden();
 
     void aFeatureRowDoesNotFold();
@@ -73,7 +73,7 @@ private slots:
     void headerDoubleClickTogglesTheTypeColumn();
     void clicksOnTheHeaderSelectNothing();
     void theManualToggleHoldsUntilTheNextResize();
-    void theNameOfTheQuestionIsTheOppositeOfItsAnswer();
+    void nodeTypeColumnQueryReturnsTheOppositeOfItsName();
 
     void closingTheEditorKeepsTheCurrentRow();
     void closingWithoutACurrentRow();
@@ -143,7 +143,7 @@ void FeatureViewFoldingTest::inAToZEveryRowIsShown()
     QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
 }
 
-void FeatureViewFoldingTest::foldStatesOutliveFilterAndOrder()
+void FeatureViewFoldingTest::foldStatesSurviveFilteringAndSorting()
 {
     FeatureTable features(nested());
     features.view().changeCollapsedState(features.cell("Plain"));
@@ -153,7 +153,7 @@ void FeatureViewFoldingTest::foldStatesOutliveFilterAndOrder()
     QCOMPARE(features.shownNames(), QStringList({"Plain", "A", "B", "Inner"}));
 }
 
-void FeatureViewFoldingTest::foldStatesEndWithTheModel()
+void FeatureViewFoldingTest::foldStatesAreForgottenWithTheModel()
 {
     FeatureTable features(nested());
     features.view().changeCollapsedState(features.cell("Plain"));
@@ -161,10 +161,10 @@ void FeatureViewFoldingTest::foldStatesEndWithTheModel()
     QCOMPARE(features.shownNames(), QStringList({"Plain", "Inner"}));
 }
 
-void FeatureViewFoldingTest::theCaseOfTheLevelLetterCounts()
+void FeatureViewFoldingTest::levelLettersAreCaseSensitive()
 {
     FeatureTable features(nested());
-    features.view().setNIfeatureVisible(true); // else a lower-case letter would not pass
+    features.view().setNIfeatureVisible(true); // otherwise the filter drops lower-case letters
     auto* const model = new QStandardItemModel(0, 3);
     features.view().addFeature(model, 0, "c", "Cat", "Category", "", EditorNone);
     features.view().addFeature(model, 1, "B", "A", "Integer", "", EditorNone);
@@ -176,7 +176,7 @@ void FeatureViewFoldingTest::theCaseOfTheLevelLetterCounts()
     QCOMPARE(features.table().columnSpan(0, 0), 1);
 }
 
-void FeatureViewFoldingTest::rowsThatCameLaterFold()
+void FeatureViewFoldingTest::rowsAddedLaterFold()
 {
     FeatureTable features(nested());
     auto* const model = new QStandardItemModel(0, 3);
@@ -186,14 +186,14 @@ void FeatureViewFoldingTest::rowsThatCameLaterFold()
     QCOMPARE(features.shownNames(), QStringList({"Scalable", "Analog"}));
 }
 
-void FeatureViewFoldingTest::everyTreeFoldsLikeTheWalkFromRowToRow_data()
+void FeatureViewFoldingTest::everyTreeFoldsLikeARowByRowWalk_data()
 {
     QTest::addColumn<unsigned>("seed");
     for (unsigned seed = 1; seed <= 20; ++seed)
         QTest::addRow("%u", seed) << seed;
 }
 
-void FeatureViewFoldingTest::everyTreeFoldsLikeTheWalkFromRowToRow()
+void FeatureViewFoldingTest::everyTreeFoldsLikeARowByRowWalk()
 {
     QFETCH(unsigned, seed);
     std::minstd_rand random(seed);
@@ -240,7 +240,7 @@ void FeatureViewFoldingTest::theTableDoesNotUpdateItselfWhileRowsAreHidden()
         updating += features.table().updatesEnabled() ? 1 : 0;
     });
     features.view().changeCollapsedState(features.cell("Plain"));
-    QCOMPARE(hiddenOrShown, 2); // the two rows that appear, and no other
+    QCOMPARE(hiddenOrShown, 2); // only the two rows that appear
     QCOMPARE(updating, 0);
     QVERIFY(features.table().updatesEnabled());
 }
@@ -299,7 +299,7 @@ void FeatureViewFoldingTest::clickAtTheLeftEdgeFolds_data()
 {
     QTest::addColumn<int>("x");
     QTest::addColumn<bool>("folds");
-    QTest::newRow("0") << 1 << true; // 0 is the frame
+    QTest::newRow("0") << 1 << true; // x = 0 is the frame
     QTest::newRow("20") << 20 << true;
     QTest::newRow("21") << 21 << false;
     QTest::newRow("in the name") << 60 << false;
@@ -316,7 +316,7 @@ void FeatureViewFoldingTest::clickAtTheLeftEdgeFolds()
     QCOMPARE(features.table().currentIndex(), features.cell("Plain"));
 }
 
-// Where the pointer went meanwhile is what counts.
+// The position of the pointer at the time of the call decides.
 void FeatureViewFoldingTest::clickWithThePointerLeftOfTheTableFolds()
 {
     FeatureTable features(nested());
@@ -436,7 +436,7 @@ void FeatureViewFoldingTest::theManualToggleHoldsUntilTheNextResize()
     QVERIFY(!features.table().isColumnHidden(1));
 }
 
-void FeatureViewFoldingTest::theNameOfTheQuestionIsTheOppositeOfItsAnswer()
+void FeatureViewFoldingTest::nodeTypeColumnQueryReturnsTheOppositeOfItsName()
 {
     FeatureTable features(nested());
     features.view().setclmNodeTypeVisible(true);

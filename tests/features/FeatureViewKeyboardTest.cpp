@@ -22,10 +22,10 @@ private slots:
     void leftFoldsAndRightUnfolds();
     void keysThatToggle_data();
     void keysThatToggle();
-    void keysInTheRowOfAFeatureFoldNothing_data();
-    void keysInTheRowOfAFeatureFoldNothing();
+    void keysOnAFeatureRowFoldNothing_data();
+    void keysOnAFeatureRowFoldNothing();
     void arrowsGoFromRowToRow();
-    void toolButtonsTakeTheKeyboard();
+    void toolButtonsAcceptKeyboardFocus();
 };
 
 std::vector<scripted::NodeSpec> twoCategories()
@@ -75,14 +75,14 @@ void FeatureViewKeyboardTest::keysThatToggle()
     QCOMPARE(features.shownNames(), QStringList({"First", "Second"}));
 }
 
-void FeatureViewKeyboardTest::keysInTheRowOfAFeatureFoldNothing_data()
+void FeatureViewKeyboardTest::keysOnAFeatureRowFoldNothing_data()
 {
     keysThatToggle_data();
     QTest::newRow("left") << int(Qt::Key_Left);
     QTest::newRow("right") << int(Qt::Key_Right);
 }
 
-void FeatureViewKeyboardTest::keysInTheRowOfAFeatureFoldNothing()
+void FeatureViewKeyboardTest::keysOnAFeatureRowFoldNothing()
 {
     QFETCH(const int, key);
     FeatureTable features(twoCategories());
@@ -103,7 +103,7 @@ void FeatureViewKeyboardTest::arrowsGoFromRowToRow()
     QCOMPARE(features.table().currentIndex().row(), features.row("A"));
 }
 
-void FeatureViewKeyboardTest::toolButtonsTakeTheKeyboard()
+void FeatureViewKeyboardTest::toolButtonsAcceptKeyboardFocus()
 {
     FeatureTable features(twoCategories());
     features.show();

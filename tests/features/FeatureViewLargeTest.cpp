@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kFeatures = 20000;
 constexpr int kCategories = (kFeatures + 11) / 12;
-constexpr int kBeginners = (kFeatures + 2) / 3; // levels go round Beginner, Expert, Guru
+constexpr int kBeginners = (kFeatures + 2) / 3; // levels repeat: Beginner, Expert, Guru
 constexpr int kExperts = (kFeatures + 1) / 3;
 
 class FeatureViewLargeTest : public QObject {

@@ -1,4 +1,4 @@
-// The feature view as it is made, and with rows that no camera gave.
+// A new feature view, and one with rows that do not come from a camera.
 
 #include "features/view/FeatureView.h"
 #include "features/description/DescBox.h"
@@ -26,7 +26,7 @@ private slots:
 
     void aNewViewShowsAnEmptyTable();
     void aNewViewIsLaidOutFromTopToBottom();
-    void signalsAndSlotsInTheirOrder();
+    void signalsAndSlotsAreDeclaredInOrder();
     void theTableIsSetUp();
     void rowsStay22PixelsHigh();
     void theDelegateServesTheView();
@@ -66,7 +66,7 @@ void FeatureViewTest::aNewViewIsLaidOutFromTopToBottom()
     QCOMPARE(view.descBox()->parentWidget(), &view);
 }
 
-void FeatureViewTest::signalsAndSlotsInTheirOrder()
+void FeatureViewTest::signalsAndSlotsAreDeclaredInOrder()
 {
     const QMetaObject& meta = FeatureView::staticMetaObject;
     QStringList found;
@@ -142,7 +142,7 @@ void FeatureViewTest::showModelTakesAnyRows()
     QCOMPARE(features.names(),
              QStringList({"Scalable", "Width", "Height", "OffsetX", "OffsetY", "Analog", "Exposure", "Gain", "Gamma"}));
 
-    // Rows without camera nodes can be used like others; there is nothing to read.
+    // Rows without camera nodes work like others; there is nothing to read.
     scripted::clearCalls();
     features.show();
     features.view().changeCollapsedState(features.cell("Scalable"));
@@ -157,7 +157,7 @@ void FeatureViewTest::showModelTakesAnyRows()
     QVERIFY(scripted::calls({"Nd_"}).empty());
     QCOMPARE(features.view().descBox()->getCurrentIndex(), -1);
 
-    features.view().showModel(features.view().sourceModel()); // the same once more
+    features.view().showModel(features.view().sourceModel()); // the same model again
     QCOMPARE(features.names().size(), 9);
     features.view().showModel(nullptr);
     QCOMPARE(features.table().model()->rowCount(), 0);
@@ -193,7 +193,7 @@ void FeatureViewTest::demonstrationRows()
         {"  Gamma", "", 1},           //
     };
     FeatureView view;
-    QStandardItemModel model(1, 3); // the rows come after what is there
+    QStandardItemModel model(1, 3); // the rows are appended to the existing one
     view.setFeatureDataDebug(&model);
     QCOMPARE(model.rowCount(), 10);
     int row = 0;

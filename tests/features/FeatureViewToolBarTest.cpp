@@ -16,7 +16,7 @@ struct ActionRow {
     const char* text;
     const char* icon;
     bool checkable;
-    bool checked; // once the view is built
+    bool checked; // in a new view
     const char* toolTip;
     bool visible;
 };

@@ -15,7 +15,7 @@ using scripted::NodeSpec;
 
 namespace {
 
-/// The tool tip that is shown where the pointer rests at a point of the table, as its text reads.
+/// The plain text of the tool tip shown at a point of the table.
 QString toolTipAt(const QTableView& table, const QPoint& at)
 {
     QHelpEvent event(QEvent::ToolTip, at, table.viewport()->mapToGlobal(at));
@@ -31,12 +31,12 @@ class FeatureViewToolTipTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void toolTipsAreShownAsTheyStand();
-    void ofAVeryLongOneTheBeginningIsShown_data();
-    void ofAVeryLongOneTheBeginningIsShown();
+    void toolTipsAreShownVerbatim();
+    void aVeryLongToolTipIsTruncated_data();
+    void aVeryLongToolTipIsTruncated();
 };
 
-void FeatureViewToolTipTest::toolTipsAreShownAsTheyStand()
+void FeatureViewToolTipTest::toolTipsAreShownVerbatim()
 {
     NodeSpec node = feature("A");
     node.toolTip = "<b>bold</b> & <img src='x'>\nsecond line";
@@ -46,11 +46,11 @@ void FeatureViewToolTipTest::toolTipsAreShownAsTheyStand()
     const QTableView& table = features.table();
     QCOMPARE(toolTipAt(table, table.visualRect(features.cell("A")).center()), QString::fromStdString(node.toolTip));
     QCOMPARE(features.cell("A").data(Qt::ToolTipRole).toString(), QString::fromStdString(node.toolTip));
-    toolTipAt(table, table.viewport()->rect().bottomRight()); // where no row is
+    toolTipAt(table, table.viewport()->rect().bottomRight()); // below the last row
     QTRY_VERIFY(QToolTip::text().isEmpty());
 }
 
-void FeatureViewToolTipTest::ofAVeryLongOneTheBeginningIsShown_data()
+void FeatureViewToolTipTest::aVeryLongToolTipIsTruncated_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
@@ -67,7 +67,7 @@ void FeatureViewToolTipTest::ofAVeryLongOneTheBeginningIsShown_data()
     QTest::newRow("separators") << separated.repeated(40) << QString("a\nb\n").repeated(20).chopped(1) + ellipsis;
 }
 
-void FeatureViewToolTipTest::ofAVeryLongOneTheBeginningIsShown()
+void FeatureViewToolTipTest::aVeryLongToolTipIsTruncated()
 {
     QFETCH(QString, text);
     NodeSpec node = feature("A");
@@ -77,7 +77,7 @@ void FeatureViewToolTipTest::ofAVeryLongOneTheBeginningIsShown()
     features.view().selectSortAtoZ();
     const QModelIndex cell = features.cell("A");
     QTEST(toolTipAt(features.table(), features.table().visualRect(cell).center()), "expected");
-    QCOMPARE(cell.data(Qt::ToolTipRole).toString(), text); // all of it
+    QCOMPARE(cell.data(Qt::ToolTipRole).toString(), text); // untruncated
 }
 
 } // namespace

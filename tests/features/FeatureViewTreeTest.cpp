@@ -32,25 +32,25 @@ private slots:
     void rowsFollowTheNodesDepthFirst();
     void everyCellOfARow_data();
     void everyCellOfARow();
-    void namesOfFeaturesAreIndentedByThreeBlanks();
+    void featureNamesAreIndentedByThreeBlanks();
     void typeTexts();
 
-    void theTreeIsWalkedWithTheFewestCalls();
+    void theTreeIsWalkedWithMinimalCalls();
     void aFeatureOfTheRootThatCannotBeFetchedIsSkipped();
-    void aFailureFurtherDownEndsTheBranch();
+    void aFailureBelowTheRootEndsTheBranch();
     void aCategoryThatCannotCountEndsTheBranch();
     void indicesMatchTheRowsAfterAFailure();
     void anItemIsFoundByItsIndexRole();
-    void registeringTellsTheFailure();
-    void itemsWithoutAModelGoWithTheView();
-    void itemsWithoutAModelGoWithTheNextCamera();
-    void itemsOfAnotherModelStay();
+    void registeringReturnsTheFailure();
+    void itemsWithoutAModelAreDestroyedWithTheView();
+    void itemsWithoutAModelAreDestroyedByTheNextCamera();
+    void itemsOfAnotherModelSurvive();
     void aCategoryWithoutFeaturesHasARow();
     void aNodeUnderTwoCategoriesHasTwoRows();
     void nodesThatFailAtAnyCallGetARow_data();
     void nodesThatFailAtAnyCallGetARow();
     void categoriesNestDeeply();
-    void aCircleOfCategoriesEnds();
+    void cyclicCategoriesTerminate();
 };
 
 void FeatureViewTreeTest::rowsFollowTheNodesDepthFirst()
@@ -127,7 +127,7 @@ void FeatureViewTreeTest::everyCellOfARow()
     }
 }
 
-void FeatureViewTreeTest::namesOfFeaturesAreIndentedByThreeBlanks()
+void FeatureViewTreeTest::featureNamesAreIndentedByThreeBlanks()
 {
     FeatureTable features({category("Root", {"C", "A"}), category("C", {}), feature("A")});
     QCOMPARE(features.view().sourceModel()->item(0, 0)->text(), QString("C"));
@@ -146,7 +146,7 @@ void FeatureViewTreeTest::typeTexts()
     QCOMPARE(features.cell("Number", 1).data().toString(), QString("Float"));
 }
 
-void FeatureViewTreeTest::theTreeIsWalkedWithTheFewestCalls()
+void FeatureViewTreeTest::theTreeIsWalkedWithMinimalCalls()
 {
     FeatureTable features({category("Root", {"C", "B"}), category("C", {"A"}), feature("A"), feature("B")});
     const QString handles = QString::number(features.camera()) + ", ";
@@ -168,7 +168,7 @@ void FeatureViewTreeTest::aFeatureOfTheRootThatCannotBeFetchedIsSkipped()
     QCOMPARE(features.names(), QStringList({"A", "B"}));
 }
 
-void FeatureViewTreeTest::aFailureFurtherDownEndsTheBranch()
+void FeatureViewTreeTest::aFailureBelowTheRootEndsTheBranch()
 {
     FeatureTable features({category("Root", {"First", "Second"}), category("First", {"A", "Inner", "B"}),
                            category("Inner", {"C", "Nowhere", "D"}), category("Second", {"E"}), feature("A"),
@@ -208,13 +208,13 @@ void FeatureViewTreeTest::anItemIsFoundByItsIndexRole()
         QCOMPARE(features.view().itemAt(model.index(0, column)), features.item("B"));
 }
 
-void FeatureViewTreeTest::registeringTellsTheFailure()
+void FeatureViewTreeTest::registeringReturnsTheFailure()
 {
     FeatureTable features({category("Root", {"Good", "Uncountable", "Holey"}), category("Good", {"A", "Empty"}),
                            category("Empty", {}), category("Uncountable", {}), category("Holey", {"Outer"}),
                            category("Outer", {"Nowhere"}), feature("A")});
     const auto registered = [&](const char* name) {
-        FeatureView view; // whose rows nobody else knows
+        FeatureView view; // the items are registered here only
         view.SetCam(features.camera());
         const int before = view.items().size();
         Orvo::CAM_NODE_HANDLE node = 0;
@@ -235,7 +235,7 @@ void FeatureViewTreeTest::registeringTellsTheFailure()
     QCOMPARE(registered("Uncountable"), Orvo::CAM_API_STS_BUSY);
 }
 
-void FeatureViewTreeTest::itemsWithoutAModelGoWithTheView()
+void FeatureViewTreeTest::itemsWithoutAModelAreDestroyedWithTheView()
 {
     auto view = std::make_unique<FeatureView>();
     for (const Orvo::CAM_NODE_HANDLE node : {1UL, 2UL})
@@ -247,7 +247,7 @@ void FeatureViewTreeTest::itemsWithoutAModelGoWithTheView()
     QVERIFY(second.isNull());
 }
 
-void FeatureViewTreeTest::itemsWithoutAModelGoWithTheNextCamera()
+void FeatureViewTreeTest::itemsWithoutAModelAreDestroyedByTheNextCamera()
 {
     FeatureTable features({category("Root", {"A"}), feature("A")});
     features.view().registerItemsToList(1);
@@ -257,7 +257,7 @@ void FeatureViewTreeTest::itemsWithoutAModelGoWithTheNextCamera()
     QCOMPARE(itemNames(features.view()), QStringList{"A"});
 }
 
-void FeatureViewTreeTest::itemsOfAnotherModelStay()
+void FeatureViewTreeTest::itemsOfAnotherModelSurvive()
 {
     QStandardItemModel model;
     auto view = std::make_unique<FeatureView>();
@@ -299,7 +299,7 @@ void FeatureViewTreeTest::nodesThatFailAtAnyCallGetARow()
     FeatureTable features({category("Root", {"C"}), category("C", {"A", "B"}), feature("A"), feature("B")});
     QCOMPARE(features.view().sourceModel()->rowCount(), 3);
     features.view().changeCollapsedState(features.cell("C"));
-    features.view().selectInvisible(); // where also a node of unknown visibility stands
+    features.view().selectInvisible(); // also shows nodes of unknown visibility
     features.show();
     features.view().updateAllFeatures();
     features.view().tableRowClicked(features.view().tableView()->model()->index(1, 2));
@@ -318,7 +318,7 @@ void FeatureViewTreeTest::categoriesNestDeeply()
     QCOMPARE(features.names().at(256), QString("Loose"));
 }
 
-void FeatureViewTreeTest::aCircleOfCategoriesEnds()
+void FeatureViewTreeTest::cyclicCategoriesTerminate()
 {
     FeatureTable features({category("Root", {"C", "A"}), category("C", {"C", "C"}), feature("A")});
     QCOMPARE(features.names().size(), 257);

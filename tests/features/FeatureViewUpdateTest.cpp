@@ -1,4 +1,4 @@
-// Reading every value anew: when, how often, and what is shown afterwards.
+// Updating all features: when values are read, how often, and what is shown afterwards.
 
 #include "features/description/DescBox.h"
 #include "tests/features/FeatureTable.h"
@@ -48,28 +48,28 @@ private slots:
     void readsTheMaximumOnly();
     void withoutAWriteNothingIsRead();
     void afterAWriteEverythingIsReadOnce();
-    void aForcedReadingAnswersTheWriteToo();
-    void aWriteWhileReadingIsAnsweredByIt();
-    void theDefaultIsForced();
-    void theRefreshActionIsForced();
+    void aForcedUpdateCoversAnEarlierWrite();
+    void aWriteDuringAnUpdateIsCoveredByIt();
+    void updatesAreForcedByDefault();
+    void theRefreshActionForcesAnUpdate();
 
     void showsTheNewValues();
     void showsTheNewColours();
-    void colourOfAFailingAccessModeStays();
-    void tellsTheTableOncePerChange();
-    void tellsTheTableNothingWithoutChange();
-    void repaintsAtOnce();
-    void repaintsOnlyWhereItReads();
+    void failedAccessModeKeepsTheColour();
+    void emitsDataChangedOncePerChange();
+    void emitsNoDataChangedWithoutAChange();
+    void repaintsImmediately();
+    void withoutAnUpdateNothingIsRepainted();
 
-    void aNestedCallMakesOneMorePass();
-    void aNestedCallInTheSecondPassMakesAThird();
-    void aNestedCallReturnsAtOnce();
+    void aNestedCallAddsOnePass();
+    void aNestedCallInTheSecondPassAddsAThird();
+    void aNestedCallReturnsImmediately();
     void itemsAddedWhileReadingAreReadToo();
 
-    void describesTheCurrentRowAnew();
+    void describesTheCurrentRowAgain();
     void aCurrentRowInAnyColumnIsDescribed();
     void withoutACurrentRowTheDescriptionStays();
-    void anUnpluggedCameraIsReadWithoutHarm();
+    void anUnpluggedCameraIsReadSafely();
 };
 
 void FeatureViewUpdateTest::readsEveryNodeOnce()
@@ -118,7 +118,7 @@ void FeatureViewUpdateTest::afterAWriteEverythingIsReadOnce()
     QCOMPARE(scripted::count("Nd_GetAccessMode"), 6);
 }
 
-void FeatureViewUpdateTest::aForcedReadingAnswersTheWriteToo()
+void FeatureViewUpdateTest::aForcedUpdateCoversAnEarlierWrite()
 {
     FeatureTable features(threeRows());
     features.view().setValuesWritten();
@@ -128,7 +128,7 @@ void FeatureViewUpdateTest::aForcedReadingAnswersTheWriteToo()
     QVERIFY(scripted::calls().empty());
 }
 
-void FeatureViewUpdateTest::aWriteWhileReadingIsAnsweredByIt()
+void FeatureViewUpdateTest::aWriteDuringAnUpdateIsCoveredByIt()
 {
     FeatureTable features(threeRows());
     scripted::onCall("Nd_GetAccessMode", [&] { features.view().setValuesWritten(); });
@@ -138,7 +138,7 @@ void FeatureViewUpdateTest::aWriteWhileReadingIsAnsweredByIt()
     QVERIFY(scripted::calls().empty());
 }
 
-void FeatureViewUpdateTest::theDefaultIsForced()
+void FeatureViewUpdateTest::updatesAreForcedByDefault()
 {
     FeatureTable features(threeRows());
     scripted::clearCalls();
@@ -147,7 +147,7 @@ void FeatureViewUpdateTest::theDefaultIsForced()
     QCOMPARE(scripted::count("Nd_GetAccessMode"), 6);
 }
 
-void FeatureViewUpdateTest::theRefreshActionIsForced()
+void FeatureViewUpdateTest::theRefreshActionForcesAnUpdate()
 {
     FeatureTable features(threeRows());
     QAction* const refresh = features.view().findChild<QToolBar*>()->actions().at(1);
@@ -178,7 +178,7 @@ void FeatureViewUpdateTest::showsTheNewColours()
     QCOMPARE(features.cell("A", 2).data().toString(), QString("== Not Available =="));
 }
 
-void FeatureViewUpdateTest::colourOfAFailingAccessModeStays()
+void FeatureViewUpdateTest::failedAccessModeKeepsTheColour()
 {
     FeatureTable features(threeRows());
     scripted::changeNode("A", [](NodeSpec& node) { node.access = Orvo::NODE_ACCESS_MODE_NA; });
@@ -186,7 +186,7 @@ void FeatureViewUpdateTest::colourOfAFailingAccessModeStays()
     features.view().updateAllFeatures();
     QCOMPARE(features.cell("A").data(Qt::BackgroundRole).value<QColor>(), QColor(255, 255, 255));
 
-    // By the mode that was read last a row is coloured all the same.
+    // The row is still coloured by the access mode that was read last.
     for (const int column : {0, 1, 2})
         features.view().sourceModel()->item(1, column)->setForeground(QColor(1, 2, 3));
     features.view().updateAllFeatures();
@@ -194,7 +194,7 @@ void FeatureViewUpdateTest::colourOfAFailingAccessModeStays()
         QCOMPARE(features.cell("A", column).data(Qt::ForegroundRole).value<QColor>(), QColor(0, 0, 0));
 }
 
-void FeatureViewUpdateTest::tellsTheTableOncePerChange()
+void FeatureViewUpdateTest::emitsDataChangedOncePerChange()
 {
     FeatureTable features(threeRows());
     const QSignalSpy changed(&features.rowsModel(), &QAbstractItemModel::dataChanged);
@@ -205,12 +205,12 @@ void FeatureViewUpdateTest::tellsTheTableOncePerChange()
 
     scripted::changeNode("B", [](NodeSpec& node) { node.access = Orvo::NODE_ACCESS_MODE_RO; });
     features.view().updateAllFeatures();
-    QCOMPARE(changed.count(), 2); // the three cells of the row at once
+    QCOMPARE(changed.count(), 2); // one signal for the three cells of the row
     QCOMPARE(changed.at(1).at(0).value<QModelIndex>(), features.cell("B", 0));
     QCOMPARE(changed.at(1).at(1).value<QModelIndex>(), features.cell("B", 2));
 }
 
-void FeatureViewUpdateTest::tellsTheTableNothingWithoutChange()
+void FeatureViewUpdateTest::emitsNoDataChangedWithoutAChange()
 {
     FeatureTable features;
     features.view().updateAllFeatures();
@@ -219,7 +219,7 @@ void FeatureViewUpdateTest::tellsTheTableNothingWithoutChange()
     QCOMPARE(changed.count(), 0);
 }
 
-void FeatureViewUpdateTest::repaintsAtOnce()
+void FeatureViewUpdateTest::repaintsImmediately()
 {
     FeatureTable features(threeRows());
     features.show();
@@ -229,7 +229,7 @@ void FeatureViewUpdateTest::repaintsAtOnce()
     QCOMPARE(paints.count, 1);
 }
 
-void FeatureViewUpdateTest::repaintsOnlyWhereItReads()
+void FeatureViewUpdateTest::withoutAnUpdateNothingIsRepainted()
 {
     FeatureTable features(threeRows());
     features.show();
@@ -239,14 +239,14 @@ void FeatureViewUpdateTest::repaintsOnlyWhereItReads()
     QCOMPARE(paints.count, 0);
 }
 
-void FeatureViewUpdateTest::aNestedCallMakesOneMorePass()
+void FeatureViewUpdateTest::aNestedCallAddsOnePass()
 {
     FeatureTable features(threeRows());
     scripted::clearCalls();
     int calls = 0;
     scripted::onCall("Nd_GetAccessMode", [&] {
         ++calls;
-        if (calls == 1 || calls == 2) // twice in one pass is still one more
+        if (calls == 1 || calls == 2) // two nested calls in one pass add only one pass
             features.view().updateAllFeatures();
     });
     features.view().updateAllFeatures();
@@ -255,7 +255,7 @@ void FeatureViewUpdateTest::aNestedCallMakesOneMorePass()
     QCOMPARE(scripted::count("Nd_GetAccessMode"), 9);
 }
 
-void FeatureViewUpdateTest::aNestedCallInTheSecondPassMakesAThird()
+void FeatureViewUpdateTest::aNestedCallInTheSecondPassAddsAThird()
 {
     FeatureTable features(threeRows());
     scripted::clearCalls();
@@ -269,7 +269,7 @@ void FeatureViewUpdateTest::aNestedCallInTheSecondPassMakesAThird()
     QCOMPARE(scripted::count("Nd_GetAccessMode"), 9);
 }
 
-void FeatureViewUpdateTest::aNestedCallReturnsAtOnce()
+void FeatureViewUpdateTest::aNestedCallReturnsImmediately()
 {
     FeatureTable features(threeRows());
     scripted::clearCalls();
@@ -297,7 +297,7 @@ void FeatureViewUpdateTest::itemsAddedWhileReadingAreReadToo()
     QCOMPARE(scripted::count("Nd_GetIntMax"), 3);
 }
 
-void FeatureViewUpdateTest::describesTheCurrentRowAnew()
+void FeatureViewUpdateTest::describesTheCurrentRowAgain()
 {
     FeatureTable features(threeRows());
     features.table().setCurrentIndex(features.cell("B"));
@@ -333,10 +333,10 @@ void FeatureViewUpdateTest::withoutACurrentRowTheDescriptionStays()
     scripted::clearCalls();
     features.view().updateAllFeatures();
     QCOMPARE(features.view().descBox()->getCurrentIndex(), 1);
-    QCOMPARE(scripted::count("Nd_GetIntMin"), 0); // it was not read for the description
+    QCOMPARE(scripted::count("Nd_GetIntMin"), 0); // the description did not read the range
 }
 
-void FeatureViewUpdateTest::anUnpluggedCameraIsReadWithoutHarm()
+void FeatureViewUpdateTest::anUnpluggedCameraIsReadSafely()
 {
     FeatureTable features;
     features.show();

@@ -1,4 +1,4 @@
-// What a model tells of cells that changed while it was kept quiet.
+// The dataChanged signals that a model emits for changes made while its signals were blocked.
 
 #include "features/view/HeldChanges.h"
 #include "tests/support/TestProgram.h"
@@ -23,19 +23,19 @@ private slots:
                 });
     }
 
-    void tellsNothingWithoutNotes();
-    void tellsAtTheEnd();
-    void joinsRowsThatFollowOneAnother();
-    void tellsOfEachRow();
-    void theWidestNoteOfARunCounts();
-    void staysQuietWhereItWasQuiet();
+    void emitsNothingWithoutNotedRows();
+    void emitsOnDestruction();
+    void joinsConsecutiveRows();
+    void emitsEachRowSeparately();
+    void aRangeCoversItsWidestRow();
+    void blockedSignalsStayBlocked();
 
 private:
     std::unique_ptr<QStandardItemModel> model;
     QStringList told;
 };
 
-void HeldChangesTest::tellsNothingWithoutNotes()
+void HeldChangesTest::emitsNothingWithoutNotedRows()
 {
     {
         const HeldChanges held(model.get());
@@ -46,7 +46,7 @@ void HeldChangesTest::tellsNothingWithoutNotes()
     QCOMPARE(told.size(), 1);
 }
 
-void HeldChangesTest::tellsAtTheEnd()
+void HeldChangesTest::emitsOnDestruction()
 {
     {
         HeldChanges held(model.get());
@@ -57,7 +57,7 @@ void HeldChangesTest::tellsAtTheEnd()
     QCOMPARE(told, QStringList({"4,2-4,2"}));
 }
 
-void HeldChangesTest::joinsRowsThatFollowOneAnother()
+void HeldChangesTest::joinsConsecutiveRows()
 {
     {
         HeldChanges held(model.get());
@@ -67,7 +67,7 @@ void HeldChangesTest::joinsRowsThatFollowOneAnother()
     QCOMPARE(told, QStringList({"1,2-3,2", "5,2-6,2", "9,2-9,2", "8,2-8,2"}));
 }
 
-void HeldChangesTest::tellsOfEachRow()
+void HeldChangesTest::emitsEachRowSeparately()
 {
     {
         HeldChanges held(model.get(), HeldChanges::Telling::OfEachRow);
@@ -77,7 +77,7 @@ void HeldChangesTest::tellsOfEachRow()
     QCOMPARE(told, QStringList({"1,2-1,2", "2,2-2,2", "3,2-3,2", "6,2-6,2"}));
 }
 
-void HeldChangesTest::theWidestNoteOfARunCounts()
+void HeldChangesTest::aRangeCoversItsWidestRow()
 {
     {
         HeldChanges held(model.get());
@@ -89,7 +89,7 @@ void HeldChangesTest::theWidestNoteOfARunCounts()
     QCOMPARE(told, QStringList({"0,0-2,2"}));
 }
 
-void HeldChangesTest::staysQuietWhereItWasQuiet()
+void HeldChangesTest::blockedSignalsStayBlocked()
 {
     model->blockSignals(true);
     {

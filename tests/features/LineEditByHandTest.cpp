@@ -1,4 +1,4 @@
-// The line edit and the spin box in the table, used as a user uses them: what the camera gets, and what is shown.
+// The line edit and the spin box in the table, operated by mouse and keyboard: what is written and what is shown.
 
 #include "tests/features/EditorBench.h"
 #include "tests/support/TestProgram.h"
@@ -21,11 +21,11 @@ private slots:
 
     void lineEditTypedAndEnter();
     void lineEditEscapeWritesNothing();
-    void lineEditLeftUnchangedWritesItsText();
-    void lineEditLeft_data();
-    void lineEditLeft();
-    void lineEditNonsense_data();
-    void lineEditNonsense();
+    void leavingTheUnchangedLineEditWritesItsText();
+    void leavingTheLineEditWrites_data();
+    void leavingTheLineEditWrites();
+    void lineEditRejectsInvalidText_data();
+    void lineEditRejectsInvalidText();
     void numbersAreReadInTheCNotation();
     void lineEditOfAWriteOnlyFeature();
     void lineEditOfALongText();
@@ -33,8 +33,8 @@ private slots:
 
     void spinBoxByKeyAndWheel();
     void spinBoxTyped();
-    void spinBoxLeftWritesNothing_data();
-    void spinBoxLeftWritesNothing();
+    void leavingTheSpinBoxWritesNothing_data();
+    void leavingTheSpinBoxWritesNothing();
 };
 
 // --- Line edit -------------------------------------------------------------------------------------------------------
@@ -67,7 +67,7 @@ void LineEditByHandTest::lineEditEscapeWritesNothing()
     QVERIFY(bench.table().hasFocus());
 }
 
-void LineEditByHandTest::lineEditLeftUnchangedWritesItsText()
+void LineEditByHandTest::leavingTheUnchangedLineEditWritesItsText()
 {
     EditorBench bench(features::beside(features::withUnit(features::real("Time", 1.23456, 0, 100), "us")));
     bench.openAs<QLineEdit>("Time");
@@ -75,12 +75,12 @@ void LineEditByHandTest::lineEditLeftUnchangedWritesItsText()
     QCOMPARE(bench.written(), QStringList{"Time = 1.23"});
 }
 
-void LineEditByHandTest::lineEditLeft_data()
+void LineEditByHandTest::leavingTheLineEditWrites_data()
 {
     EditorBench::waysToLeave();
 }
 
-void LineEditByHandTest::lineEditLeft()
+void LineEditByHandTest::leavingTheLineEditWrites()
 {
     QFETCH(const QString, how);
     EditorBench bench(features::beside(features::integer("Number", 37, 0, 100)));
@@ -92,7 +92,7 @@ void LineEditByHandTest::lineEditLeft()
     QVERIFY(bench.editor() == nullptr);
 }
 
-void LineEditByHandTest::lineEditNonsense_data()
+void LineEditByHandTest::lineEditRejectsInvalidText_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("no number") << "many";
@@ -102,7 +102,7 @@ void LineEditByHandTest::lineEditNonsense_data()
     QTest::newRow("place holder") << "%1";
 }
 
-void LineEditByHandTest::lineEditNonsense()
+void LineEditByHandTest::lineEditRejectsInvalidText()
 {
     QFETCH(const QString, text);
     EditorBench bench({features::integer("Number", 37, 0, 100)});
@@ -142,10 +142,10 @@ void LineEditByHandTest::lineEditOfAWriteOnlyFeature()
     EditorBench::type("42");
     EditorBench::press(Qt::Key_Return);
     QCOMPARE(bench.written(), QStringList{"Key = 42"});
-    QCOMPARE(bench.shown("Key"), QString("== Write-Only ==")); // read anew
+    QCOMPARE(bench.shown("Key"), QString("== Write-Only ==")); // read again
 }
 
-// Leaving an editor writes what is in it: all of it is to be there.
+// Leaving an editor writes its text, so the editor must hold all of it.
 void LineEditByHandTest::lineEditOfALongText()
 {
     const std::string longText(65535, 'x');
@@ -173,7 +173,7 @@ std::vector<scripted::NodeSpec> numbers(int described)
     return specs;
 }
 
-// The description takes its room from the table, from below.
+// A growing description shrinks the table from below.
 void LineEditByHandTest::lineEditStaysInViewAboveALongDescription()
 {
     const auto cell = [](EditorBench& bench, int number) {
@@ -225,18 +225,18 @@ void LineEditByHandTest::spinBoxTyped()
     EditorBench::type("8"); // all is selected
     QCOMPARE(bench.written(), QStringList{"Number = 8"});
     QCOMPARE(bench.shown("Number"), QString("8"));
-    EditorBench::press(Qt::Key_Return); // makes a spin box tell its value once more
+    EditorBench::press(Qt::Key_Return); // makes a spin box emit its value again
     QCOMPARE(bench.written(), (QStringList{"Number = 8", "Number = 8"}));
     QVERIFY(bench.editor() == nullptr);
 }
 
-void LineEditByHandTest::spinBoxLeftWritesNothing_data()
+void LineEditByHandTest::leavingTheSpinBoxWritesNothing_data()
 {
     EditorBench::waysToLeave();
     QTest::newRow("escape") << "escape";
 }
 
-void LineEditByHandTest::spinBoxLeftWritesNothing()
+void LineEditByHandTest::leavingTheSpinBoxWritesNothing()
 {
     QFETCH(const QString, how);
     EditorBench bench(features::beside(features::integer("Number", 37, 0, 100)));

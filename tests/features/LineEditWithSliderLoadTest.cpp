@@ -1,4 +1,4 @@
-// The slider editor by itself: how it is made, and how it is loaded.
+// The slider editor on its own: construction and loading.
 
 #include "tests/features/EditorBench.h"
 #include "tests/features/SliderBench.h"
@@ -26,8 +26,8 @@ private slots:
 
     void constructed();
     void eachPartStartsAtHalfTheWidth();
-    void signalsAndSlotsInTheirOrder();
-    void trackingIsTheSliders();
+    void signalsAndSlotsAreDeclaredInOrder();
+    void trackingIsForwardedToTheSlider();
 
     void integerRange0To100Linear();
     void integerRange0To2Pow30Linear();
@@ -35,7 +35,7 @@ private slots:
     void floatRange0To1Linear();
     void floatRange0To1Logarithmic();
     void integerLogRange1To1000000();
-    void logLoadersAskTheRepresentation();
+    void logLoadersCheckTheRepresentation();
     void floatIncrementIsSquared();
     void emptyRangeIsFixed_data();
     void emptyRangeIsFixed();
@@ -43,16 +43,16 @@ private slots:
     void extremes();
 
     void withoutItem();
-    void nothingAfterAnItemLeavesThatStored();
-    void nothingWhileTheSliderIsPressedLeavesNoText();
+    void loadingNullKeepsTheStoredItem();
+    void loadingNullWhileTheSliderIsPressedClearsTheText();
     void otherNodeTypes_data();
     void otherNodeTypes();
     void loaderLeavesTheSliderDisabled();
     void loadingWritesNothing();
-    void loadingReadsOnlyWhereNoValueIsKnown_data();
-    void loadingReadsOnlyWhereNoValueIsKnown();
-    void loadedAgainTakesTheNewRange();
-    void textWithoutUnitWhenLoadedWithUnitWhenWritten();
+    void loadingReadsOnlyUnknownValues_data();
+    void loadingReadsOnlyUnknownValues();
+    void reloadingTakesTheNewRange();
+    void textHasItsUnitOnlyAfterAWrite();
 };
 
 // --- Construction ---------------------------------------------------------------------------------------------------
@@ -77,13 +77,13 @@ void LineEditWithSliderLoadTest::constructed()
 void LineEditWithSliderLoadTest::eachPartStartsAtHalfTheWidth()
 {
     const LineEditWithSlider editor(nullptr);
-    QVERIFY(editor.width() > 2 * 50); // the least that a part has
+    QVERIFY(editor.width() > 2 * 50); // minimum width of a part
     for (const QWidget* part :
          {static_cast<QWidget*>(editor.findChild<QLineEdit*>()), static_cast<QWidget*>(editor.findChild<QSlider*>())})
         QCOMPARE(part->geometry(), QRect(0, 0, editor.width() / 2, editor.height()));
 }
 
-void LineEditWithSliderLoadTest::signalsAndSlotsInTheirOrder()
+void LineEditWithSliderLoadTest::signalsAndSlotsAreDeclaredInOrder()
 {
     const QMetaObject& meta = LineEditWithSlider::staticMetaObject;
     QStringList names;
@@ -97,7 +97,7 @@ void LineEditWithSliderLoadTest::signalsAndSlotsInTheirOrder()
     QCOMPARE(meta.method(meta.methodOffset() + 1).methodType(), QMetaMethod::Signal);
 }
 
-void LineEditWithSliderLoadTest::trackingIsTheSliders()
+void LineEditWithSliderLoadTest::trackingIsForwardedToTheSlider()
 {
     QVERIFY(m_editor->hasTracking());
     m_editor->setTracking(false);
@@ -169,7 +169,7 @@ void LineEditWithSliderLoadTest::integerLogRange1To1000000()
     QCOMPARE(m_editor->convSliderValToInt(0), 1L);
 }
 
-void LineEditWithSliderLoadTest::logLoadersAskTheRepresentation()
+void LineEditWithSliderLoadTest::logLoadersCheckTheRepresentation()
 {
     m_editor->setValIntLog(itemOf(features::linear(features::integer("Linear", 37, 0, 100))));
     QCOMPARE(slider().maximum(), 10000);
@@ -257,19 +257,19 @@ void LineEditWithSliderLoadTest::extremes_data()
     }
 }
 
-/// Of a range without numbers anything, of one that is upside down its maximum.
+/// Accepts anything for a NaN range, and only the maximum for an inverted one.
 bool isWithin(const NodeSpec& spec, const QString& value)
 {
     if (spec.type == Orvo::NODE_TYPE_FLOAT) {
         bool isNumber = false;
-        const double number = value.toDouble(&isNumber); // "-nan" is none
+        const double number = value.toDouble(&isNumber); // fails for "-nan"
         return qIsNaN(spec.floatMin) || (isNumber && number >= spec.floatMin && number <= spec.floatMax);
     }
     const std::int64_t number = value.toLongLong();
     return spec.intMin < spec.intMax ? number >= spec.intMin && number <= spec.intMax : number == spec.intMax;
 }
 
-// No crash and no hang, whatever is done with it, and nothing beyond the range.
+// Extreme ranges neither crash nor hang the editor, and it writes nothing out of range.
 void LineEditWithSliderLoadTest::extremes()
 {
     QFETCH(const NodeSpec, spec);
@@ -278,7 +278,7 @@ void LineEditWithSliderLoadTest::extremes()
     const QString shown = lineEdit().text();
     QCOMPARE(shown, m_item->getNodeValue(false, false));
     slider().setFocus();
-    scripted::clearCalls(); // the text of the line edit, when that was left
+    scripted::clearCalls(); // the line edit wrote its text when it lost the focus
     for (const int position : {INT_MIN, -1, 0, 1, 5000, 10000, INT_MAX}) {
         slider().setValue(position);
         m_editor->slider_Pressed();
@@ -317,7 +317,7 @@ void LineEditWithSliderLoadTest::withoutItem()
     QVERIFY(!slider().isEnabled());
 }
 
-void LineEditWithSliderLoadTest::nothingAfterAnItemLeavesThatStored()
+void LineEditWithSliderLoadTest::loadingNullKeepsTheStoredItem()
 {
     m_editor->setValue(itemOf(features::percent()));
     m_editor->setValue(nullptr);
@@ -326,12 +326,12 @@ void LineEditWithSliderLoadTest::nothingAfterAnItemLeavesThatStored()
     QCOMPARE(slider().value(), 0);
     QVERIFY(!slider().isEnabled());
     QCOMPARE(m_editor->calcSliderVal(37L), 37);
-    m_editor->getValue(); // the empty text is no number
+    m_editor->getValue(); // the empty text is not a number
     QCOMPARE(written(), QStringList());
     QCOMPARE(lineEdit().text(), QString("37"));
 }
 
-void LineEditWithSliderLoadTest::nothingWhileTheSliderIsPressedLeavesNoText()
+void LineEditWithSliderLoadTest::loadingNullWhileTheSliderIsPressedClearsTheText()
 {
     m_editor->setValue(itemOf(features::percent()));
     m_editor->slider_Pressed();
@@ -382,7 +382,7 @@ void LineEditWithSliderLoadTest::loadingWritesNothing()
     QCOMPARE(written(), QStringList());
 }
 
-void LineEditWithSliderLoadTest::loadingReadsOnlyWhereNoValueIsKnown_data()
+void LineEditWithSliderLoadTest::loadingReadsOnlyUnknownValues_data()
 {
     QTest::addColumn<NodeSpec>("spec");
     QTest::addColumn<QString>("read");
@@ -394,7 +394,7 @@ void LineEditWithSliderLoadTest::loadingReadsOnlyWhereNoValueIsKnown_data()
     QTest::newRow("float, logarithmic") << features::logarithmic(real) << "Nd_GetFloatValue";
 }
 
-void LineEditWithSliderLoadTest::loadingReadsOnlyWhereNoValueIsKnown()
+void LineEditWithSliderLoadTest::loadingReadsOnlyUnknownValues()
 {
     QFETCH(const NodeSpec, spec);
     QFETCH(const QString, read);
@@ -408,7 +408,7 @@ void LineEditWithSliderLoadTest::loadingReadsOnlyWhereNoValueIsKnown()
     QCOMPARE(scripted::count(read.toStdString()), 1);
 }
 
-void LineEditWithSliderLoadTest::loadedAgainTakesTheNewRange()
+void LineEditWithSliderLoadTest::reloadingTakesTheNewRange()
 {
     m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 1073741824))));
     QCOMPARE(slider().maximum(), 10737418);
@@ -418,7 +418,7 @@ void LineEditWithSliderLoadTest::loadedAgainTakesTheNewRange()
     QCOMPARE(m_editor->convSliderValToInt(37), 37L);
 }
 
-void LineEditWithSliderLoadTest::textWithoutUnitWhenLoadedWithUnitWhenWritten()
+void LineEditWithSliderLoadTest::textHasItsUnitOnlyAfterAWrite()
 {
     m_editor->setValue(itemOf(features::withUnit(features::linear(features::integer("Percent", 37, 0, 100)), "%")));
     QCOMPARE(lineEdit().text(), QString("37"));

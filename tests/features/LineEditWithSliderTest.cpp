@@ -1,4 +1,4 @@
-// The slider editor by itself: writing, dragging, and the focus.
+// The slider editor on its own: writing, dragging and focus.
 
 #include "tests/features/EditorBench.h"
 #include "tests/features/SliderBench.h"
@@ -21,19 +21,19 @@ private slots:
     void cleanup() { close(); }
 
     void editingFinishedWritesTheText();
-    void editingFinishedWithNonsense();
+    void editingFinishedRejectsInvalidText();
     void getValueWithoutSliderFocusWritesTheText();
     void getValueWithSliderFocusWritesThePosition_data();
     void getValueWithSliderFocusWritesThePosition();
     void sixtyFourBitsReachTheCamera();
-    void timeElapsedCommits();
+    void timeElapsedWritesThePosition();
     void ownSignalsAreNeverEmitted();
 
     void movingIsShownOnlyWhilePressed();
     void draggingWritesEvery50Milliseconds();
     void pressingAloneWritesThePosition();
     void unmovedSliderIsWrittenOnce();
-    void loadingKeepsWhatWasWrittenLast();
+    void reloadingKeepsTheLastWrittenPosition();
     void theTimerRunsFromPressToRelease();
     void releaseWritesNothing();
     void reloadEndsThePress();
@@ -41,10 +41,10 @@ private slots:
 
     void focusGoesToTheLineEdit();
     void focusStaysWhereTheValueIsFixed();
-    void leavingIsTold_data();
-    void leavingIsTold();
-    void movingInsideIsNotLeaving();
-    void itemDiesFirst();
+    void focusOutIsReported_data();
+    void focusOutIsReported();
+    void focusMovesInsideTheEditorAreNotReported();
+    void itemIsDestroyedFirst();
     void destroyedWithFocus();
 };
 
@@ -57,18 +57,18 @@ void LineEditWithSliderTest::editingFinishedWritesTheText()
     emit lineEdit().editingFinished();
     QCOMPARE(written(), QStringList{"42"});
     QCOMPARE(lineEdit().text(), QString("42 %"));
-    // The number read last, which is from before the write.
+    // The number read last, which predates the write.
     QCOMPARE(slider().value(), 37);
 }
 
-void LineEditWithSliderTest::editingFinishedWithNonsense()
+void LineEditWithSliderTest::editingFinishedRejectsInvalidText()
 {
     m_editor->setValue(itemOf(features::withUnit(features::linear(features::integer("Percent", 37, 0, 100)), "%")));
     lineEdit().setText("many");
     emit lineEdit().editingFinished();
     QCOMPARE(written(), QStringList());
     QCOMPARE(lineEdit().text(), QString("37 %"));
-    lineEdit().setText("101"); // the camera refuses
+    lineEdit().setText("101"); // out of range: the camera refuses it
     emit lineEdit().editingFinished();
     QCOMPARE(written(), QStringList{"101"});
     QCOMPARE(lineEdit().text(), QString("37 %"));
@@ -133,7 +133,7 @@ void LineEditWithSliderTest::sixtyFourBitsReachTheCamera()
     }
 }
 
-void LineEditWithSliderTest::timeElapsedCommits()
+void LineEditWithSliderTest::timeElapsedWritesThePosition()
 {
     m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
     lineEdit().setText("42");
@@ -187,7 +187,7 @@ void LineEditWithSliderTest::draggingWritesEvery50Milliseconds()
     drag.to(0.75);
     const QString second = position();
     QCOMPARE(lineEdit().text(), second);
-    QCOMPARE(written(), QStringList()); // moves write nothing by themselves
+    QCOMPARE(written(), QStringList()); // moves alone write nothing
     QTRY_COMPARE(written(), QStringList{second});
     QCOMPARE(lineEdit().text(), second + " %");
     drag.to(1);
@@ -195,7 +195,7 @@ void LineEditWithSliderTest::draggingWritesEvery50Milliseconds()
     QCOMPARE(scripted::node("Percent").intValue, std::int64_t{100});
 }
 
-// No position was written yet, so that of the press is new.
+// No position has been written yet, so the press alone writes one.
 void LineEditWithSliderTest::pressingAloneWritesThePosition()
 {
     showEditor();
@@ -218,7 +218,7 @@ void LineEditWithSliderTest::unmovedSliderIsWrittenOnce()
     QCOMPARE(written(), (QStringList{"37", "38"}));
 }
 
-void LineEditWithSliderTest::loadingKeepsWhatWasWrittenLast()
+void LineEditWithSliderTest::reloadingKeepsTheLastWrittenPosition()
 {
     m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
     m_editor->getSliderValue();
@@ -232,7 +232,7 @@ void LineEditWithSliderTest::theTimerRunsFromPressToRelease()
     m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
     const auto timers = [&] { return QAbstractEventDispatcher::instance()->registeredTimers(m_editor); };
     QVERIFY(timers().isEmpty());
-    for (int press = 0; press < 2; ++press) { // the second without a release
+    for (int press = 0; press < 2; ++press) { // the second press follows without a release
         m_editor->slider_Pressed();
         QCOMPARE(timers().size(), 1);
         QCOMPARE(timers().first().interval, 50);
@@ -253,7 +253,7 @@ void LineEditWithSliderTest::releaseWritesNothing()
     drag.release();
     QCOMPARE(written(), QStringList());
     QCOMPARE(lineEdit().text(), position());
-    // A timer that starts now and takes longer ends after the next shot of the drag's would have come.
+    // This timer is longer than that of the drag: when it fires, a running drag timer would have fired, too.
     bool elapsed = false;
     QTimer::singleShot(100, m_editor, [&] { elapsed = true; });
     QTRY_VERIFY(elapsed);
@@ -274,8 +274,8 @@ void LineEditWithSliderTest::reloadEndsThePress()
     scripted::clearCalls();
     drag.to(0.75);
     const QString moved = position();
-    QCOMPARE(lineEdit().text(), QString("37"));  // no longer shown at once
-    QTRY_COMPARE(written(), QStringList{moved}); // but written, and shown then
+    QCOMPARE(lineEdit().text(), QString("37"));  // not shown while moving
+    QTRY_COMPARE(written(), QStringList{moved}); // shown once it is written
     QCOMPARE(lineEdit().text(), moved);
 }
 
@@ -293,7 +293,8 @@ void LineEditWithSliderTest::floatIsDragged()
     QCOMPARE(lineEdit().text(), gain + " dB");
 }
 
-// --- Focus and life -------------------------------------------------------------------------------------------------
+// --- Focus and lifetime
+// -------------------------------------------------------------------------------------------------
 
 void LineEditWithSliderTest::focusGoesToTheLineEdit()
 {
@@ -313,7 +314,7 @@ void LineEditWithSliderTest::focusStaysWhereTheValueIsFixed()
     QVERIFY(!lineEdit().hasSelectedText());
 }
 
-/// Counts the focus-out events of the editor that are not those of its parts.
+/// Counts the focus-out events that move the focus out of the editor.
 class LeavingCounter : public QObject {
 public:
     int count = 0;
@@ -328,14 +329,14 @@ protected:
     }
 };
 
-void LineEditWithSliderTest::leavingIsTold_data()
+void LineEditWithSliderTest::focusOutIsReported_data()
 {
     QTest::addColumn<bool>("fromSlider");
     QTest::newRow("line edit") << false;
     QTest::newRow("slider") << true;
 }
 
-void LineEditWithSliderTest::leavingIsTold()
+void LineEditWithSliderTest::focusOutIsReported()
 {
     QFETCH(const bool, fromSlider);
     m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
@@ -349,7 +350,7 @@ void LineEditWithSliderTest::leavingIsTold()
     QVERIFY(m_other->hasFocus());
 }
 
-void LineEditWithSliderTest::movingInsideIsNotLeaving()
+void LineEditWithSliderTest::focusMovesInsideTheEditorAreNotReported()
 {
     m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
     showEditor();
@@ -361,7 +362,7 @@ void LineEditWithSliderTest::movingInsideIsNotLeaving()
     QCOMPARE(written(), QStringList{"37"}); // the line edit was left
 }
 
-void LineEditWithSliderTest::itemDiesFirst()
+void LineEditWithSliderTest::itemIsDestroyedFirst()
 {
     m_editor->setValue(itemOf(features::linear(features::integer("Percent", 37, 0, 100))));
     showEditor();

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-/// An open scripted camera of a few nodes, and a view that holds no rows, so that every camera call is the tested
-/// item's own.
+/// An open scripted camera with a few nodes, and a view without rows: every camera call comes from the item under
+/// test.
 class NodeBench {
 public:
     explicit NodeBench(std::vector<scripted::NodeSpec> nodes, int opeLogLevel = OpeLogOff);
@@ -20,10 +20,10 @@ public:
     [[nodiscard]] Orvo::CAM_HANDLE camera() const { return m_camera; }
     [[nodiscard]] Orvo::CAM_NODE_HANDLE handle(const std::string& name) const;
 
-    /// An item of the node, of the first one without a name; calls and log of its making are forgotten.
+    /// An item of the named node, or of the first one. Clears the calls and the log of its construction.
     [[nodiscard]] std::unique_ptr<GenAPINodeItem> item(const std::string& name = {});
 
-    /// The recorded calls as "Operation(arguments)", camera and node left out.
+    /// The recorded calls as "Operation(arguments)", without camera and node handles.
     [[nodiscard]] static QStringList calls();
 
     FeatureView view;
@@ -35,7 +35,7 @@ private:
     Orvo::CAM_HANDLE m_camera = 0;
 };
 
-/// Nodes as a camera has them, read-write.
+/// Typical camera nodes, read-write.
 [[nodiscard]] scripted::NodeSpec nodeOf(Orvo::NodeType type, const std::string& name = "Node");
 [[nodiscard]] scripted::NodeSpec integerNode(std::int64_t value, const std::string& name = "Node");
 [[nodiscard]] scripted::NodeSpec floatNode(double value, const std::string& name = "Node");

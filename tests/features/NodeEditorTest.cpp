@@ -1,4 +1,4 @@
-// What kind of editor a node gets, and how its type reads.
+// The kind of editor for a node, and the text of its type.
 
 #include "features/item/NodeEditor.h"
 #include "tests/support/TestProgram.h"
@@ -93,7 +93,7 @@ void NodeEditorTest::names_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("representation"); // -1: no slider, and as given
+    QTest::addColumn<int>("representation"); // -1: no slider, and the representation is kept
     const auto row = [](NodeType type, const char* name, int representation) {
         QTest::addRow("%d %s", type, name) << static_cast<int>(type) << QString(name) << representation;
     };

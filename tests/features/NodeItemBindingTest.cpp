@@ -1,4 +1,4 @@
-// What a node item takes from its node when it is bound, and how it lives in a model.
+// What a node item reads from its node when it is bound, and its lifetime in a model.
 
 #include "tests/features/NodeBench.h"
 #include "tests/support/TestProgram.h"
@@ -12,7 +12,7 @@ namespace {
 
 using namespace Orvo;
 
-/// Everything about it differs from the initial values of an item.
+/// Every property differs from the initial value of an item.
 scripted::NodeSpec fullNode()
 {
     scripted::NodeSpec spec = floatNode(12.3456, "DeviceTemperature");
@@ -40,10 +40,10 @@ private slots:
     void zeroHandleLeavesAClearedItem();
     void everyProperty();
     void itemRoles();
-    void callsInTheirOrder_data();
-    void callsInTheirOrder();
-    void failureEndsTheChain_data();
-    void failureEndsTheChain();
+    void callsInOrder_data();
+    void callsInOrder();
+    void aFailureEndsTheCallSequence_data();
+    void aFailureEndsTheCallSequence();
     void failureOfTheNotation_data();
     void failureOfTheNotation();
     void notations_data();
@@ -52,11 +52,11 @@ private slots:
     void vanishedNode();
     void rebinding();
     void clearing();
-    void widthKeepsItsSlider();
+    void widthIsEditedWithASlider();
     void exposureTimeIsLogarithmic();
     void setDataOfOtherRoles();
     void setDataOfTheEditRoleWrites();
-    void itemDiesWithItsModel();
+    void itemIsDestroyedWithItsModel();
 };
 
 void compareCleared(const GenAPINodeItem& item)
@@ -90,7 +90,7 @@ void NodeItemBindingTest::emptyItem()
     QCOMPARE(item.getBaseIndex(), -1);
     QVERIFY(!item.data(Qt::EditRole).isValid());
 
-    // Without node and view everything has an answer.
+    // Every getter works without node and view.
     QCOMPARE(item.getNodeValue(true, true), QString());
     QCOMPARE(item.getValInt(false), 0L);
     QCOMPARE(item.getValFloat(false), 0.0);
@@ -164,7 +164,7 @@ void NodeItemBindingTest::everyProperty()
 
 void NodeItemBindingTest::itemRoles()
 {
-    NodeBench bench({with(NODE_ACCESS_MODE_RW, fullNode())}); // which a write would reach
+    NodeBench bench({with(NODE_ACCESS_MODE_RW, fullNode())}); // writable, so that a write would be recorded
     GenAPINodeItem item(bench.camera(), bench.handle("DeviceTemperature"), 4, &bench.view, nullptr);
     QCOMPARE(item.data(2), QVariant(QString("1.235e+01 C")));
     QCOMPARE(item.data(3), QVariant(QString("Tip %1")));
@@ -174,7 +174,7 @@ void NodeItemBindingTest::itemRoles()
     QCOMPARE(scripted::count("Nd_SetFloatValue"), 0);
 }
 
-void NodeItemBindingTest::callsInTheirOrder_data()
+void NodeItemBindingTest::callsInOrder_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<QStringList>("after");
@@ -185,7 +185,7 @@ void NodeItemBindingTest::callsInTheirOrder_data()
     QTest::newRow("category") << 8 << QStringList();
 }
 
-void NodeItemBindingTest::callsInTheirOrder()
+void NodeItemBindingTest::callsInOrder()
 {
     QFETCH(int, type);
     QFETCH(QStringList, after);
@@ -202,11 +202,11 @@ void NodeItemBindingTest::callsInTheirOrder()
     QCOMPARE(NodeBench::calls(), expected);
 }
 
-void NodeItemBindingTest::failureEndsTheChain_data()
+void NodeItemBindingTest::aFailureEndsTheCallSequence_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("nth");
-    QTest::addColumn<int>("readCalls"); // of the chain, the failing one included
+    QTest::addColumn<int>("readCalls"); // of the sequence, including the failing one
     QTest::newRow("type") << "Nd_GetType" << 1 << 1;
     QTest::newRow("name") << "Nd_GetName" << 1 << 2;
     QTest::newRow("access mode") << "Nd_GetAccessMode" << 1 << 3;
@@ -220,7 +220,7 @@ void NodeItemBindingTest::failureEndsTheChain_data()
     QTest::newRow("unit") << "Nd_GetUnit" << 2 << 11;
 }
 
-void NodeItemBindingTest::failureEndsTheChain()
+void NodeItemBindingTest::aFailureEndsTheCallSequence()
 {
     QFETCH(QString, operation);
     QFETCH(int, nth);
@@ -243,13 +243,13 @@ void NodeItemBindingTest::failureEndsTheChain()
     const bool representationRead = readCalls > 9;
     QCOMPARE(item.getRepresentation(),
              representationRead ? NODE_REPRESENTATION_LINEAR : NODE_REPRESENTATION_PURE_NUMBER);
-    // The editor follows from what was read; the notation is not asked for any more.
+    // The editor follows from what was read; the notation is not queried any more.
     QCOMPARE(item.getTypeEditor(), !typeRead ? EditorNone : representationRead ? EditorSlider : EditorLineEdit);
     QCOMPARE(item.getValueStr(1.2345), QString("1.23"));
     QCOMPARE(scripted::count("Nd_GetFloatDisplayNotation"), 0);
     QCOMPARE(scripted::count("Nd_GetFloatValue"), accessRead ? 1 : 0);
     QCOMPARE(NodeBench::calls().size(), readCalls + (accessRead ? 1 : 0));
-    // The roles are filled all the same.
+    // The roles are filled nevertheless.
     QCOMPARE(item.data(Qt::EditRole), QVariant(accessRead ? QString("12.35") : QString()));
     QCOMPARE(item.data(EditorKindRole).toInt(), static_cast<int>(item.getTypeEditor()));
     QCOMPARE(item.data(Qt::ToolTipRole).toString(), item.getToolTip());
@@ -313,7 +313,7 @@ void NodeItemBindingTest::longNameAndTexts()
     QCOMPARE(item->getNodeValue(true, false), QString("1 ") + QChar(0xB5) + "s");
 
     NodeBench broken({fullNode()});
-    scripted::failAlways("Nd_GetDescription", CAM_API_STS_SUCCESS); // claims success, gives nothing
+    scripted::failAlways("Nd_GetDescription", CAM_API_STS_SUCCESS); // returns success without a text
     const auto silent = broken.item();
     QCOMPARE(silent->getDescription(), QString());
     QCOMPARE(silent->getToolTip(), QString("Tip %1"));
@@ -353,7 +353,7 @@ void NodeItemBindingTest::rebinding()
 
     scripted::clearCalls();
     item->setNode(bench.camera(), bench.handle("Width"), 1);
-    QCOMPARE(scripted::count("Nd_GetIntValue"), 1); // the text of before is not taken for this node's
+    QCOMPARE(scripted::count("Nd_GetIntValue"), 1); // the cached text of the previous node is not used
     QCOMPARE(item->getValInt(false), 640L);
 }
 
@@ -373,7 +373,7 @@ void NodeItemBindingTest::clearing()
     QCOMPARE(NodeBench::calls(), QStringList());
 }
 
-void NodeItemBindingTest::widthKeepsItsSlider()
+void NodeItemBindingTest::widthIsEditedWithASlider()
 {
     NodeBench bench({with(NODE_REPRESENTATION_HEX_NUMBER, integerNode(640, "Width")),
                      with(NODE_REPRESENTATION_HEX_NUMBER, integerNode(640, "Address"))});
@@ -426,11 +426,11 @@ void NodeItemBindingTest::setDataOfTheEditRoleWrites()
 
     item->setData(QString("nonsense"), Qt::EditRole);
     QCOMPARE(NodeBench::calls().size(), 1);
-    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("31 px"))); // its own copy is not stored
+    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("31 px"))); // the item's own copy is not stored
     model.takeItem(0, 0);
 }
 
-void NodeItemBindingTest::itemDiesWithItsModel()
+void NodeItemBindingTest::itemIsDestroyedWithItsModel()
 {
     NodeBench bench({integerNode(5)});
     auto item = bench.item();

@@ -99,7 +99,7 @@ void NodeItemChoicesTest::choicesCallByCall()
     QCOMPARE(NodeBench::calls(), QStringList({"Nd_GetNumOfEnumEntries(out)", "Nd_GetEnumEntryByIndex(0, out)",
                                               "Nd_GetAccessMode(out)", "Nd_GetEnumEntryStrValue(out, out)",
                                               "Nd_GetEnumEntryByIndex(1, out)", "Nd_GetAccessMode(out)"}));
-    QCOMPARE(item->getAccessMode(), rw); // the entry's access mode is not the node's
+    QCOMPARE(item->getAccessMode(), rw); // reading an entry's access mode keeps that of the node
 }
 
 void NodeItemChoicesTest::choicesFail_data()
@@ -159,7 +159,7 @@ void NodeItemChoicesTest::longEntryNames()
     QCOMPARE(item->getItemsValue(), QStringList({QString(255, 'e'), "%1 <b>"}));
     QCOMPARE(item->getNodeValue(false, true), QString(255, 'e'));
 
-    spec.entries[1].name = std::string(256, 'e'); // more than the interface allows
+    spec.entries[1].name = std::string(256, 'e'); // longer than the interface allows
     NodeBench broken({spec});
     QCOMPARE(broken.item()->getItemsValue(), QStringList());
 }

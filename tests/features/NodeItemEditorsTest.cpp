@@ -19,25 +19,25 @@ class NodeItemEditorsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void slotsInTheirOrder();
+    void slotsAreDeclaredInOrder();
     void lineEditWritesItsText();
-    void lineEditOfAnotherKind();
+    void slotsIgnoreEditorsOfAnotherKind();
     void comboWritesItsChoice();
     void comboOfABoolean();
     void comboWithTheSameIndexWritesNothing();
-    void comboThatFailed();
-    void comboIsFilledAgainWhileItWrites();
-    void comboIndexIsNotedForComboEditorsOnly();
-    void editorThatDied();
+    void comboWhoseWriteFails();
+    void comboIsReloadedDuringItsWrite();
+    void comboIndexIsStoredForComboEditorsOnly();
+    void destroyedEditor();
     void spinBox();
     void spinBoxFails();
-    void spinBoxIsNoTextWrite();
+    void spinBoxDoesNotWriteAsText();
     void button();
     void buttonFails();
     void sliderSlotsDoNothing();
 };
 
-void NodeItemEditorsTest::slotsInTheirOrder()
+void NodeItemEditorsTest::slotsAreDeclaredInOrder()
 {
     const QMetaObject& meta = GenAPINodeItem::staticMetaObject;
     QStringList names;
@@ -50,7 +50,7 @@ void NodeItemEditorsTest::slotsInTheirOrder()
              QStringList({"spinBox_ValueChanged(int)", "lineEdit_EditingFinished()", "button_Clicked()",
                           "combo_CurrentIndexChanged(int)", "slider_EditingFinished()", "slider_sliderMoved()"}));
     GenAPINodeItem item(nullptr);
-    QVERIFY(static_cast<QStandardItem*>(&item) != static_cast<void*>(&item)); // QObject is the first base
+    QVERIFY(static_cast<QStandardItem*>(&item) != static_cast<void*>(&item)); // QStandardItem is not the first base
     QVERIFY(static_cast<QObject*>(&item) == static_cast<void*>(&item));
 }
 
@@ -70,7 +70,7 @@ void NodeItemEditorsTest::lineEditWritesItsText()
     QCOMPARE(editor.text(), QString("nonsense"));
 }
 
-void NodeItemEditorsTest::lineEditOfAnotherKind()
+void NodeItemEditorsTest::slotsIgnoreEditorsOfAnotherKind()
 {
     NodeBench bench({integerNode(5)});
     const auto item = bench.item();
@@ -89,7 +89,7 @@ void NodeItemEditorsTest::lineEditOfAnotherKind()
 
 void NodeItemEditorsTest::comboWritesItsChoice()
 {
-    // The second entry cannot be chosen: the index of the combo box is not that of the entry.
+    // The second entry is not listed, so combo box index and entry index differ.
     NodeBench bench({enumNode({ro, NODE_ACCESS_MODE_NA, ro})});
     const auto item = bench.item();
     QComboBox editor;
@@ -97,7 +97,7 @@ void NodeItemEditorsTest::comboWritesItsChoice()
     item->setEditor(&editor);
     scripted::clearCalls();
     editor.setCurrentIndex(1);
-    item->combo_CurrentIndexChanged(0); // the box is asked, not the argument
+    item->combo_CurrentIndexChanged(0); // the current text of the box decides, not the argument
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_SetEnumStrValue(\"Third\", true)"});
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("Third")));
 
@@ -129,13 +129,13 @@ void NodeItemEditorsTest::comboWithTheSameIndexWritesNothing()
     QComboBox editor;
     editor.addItems({"First", "Second"});
     editor.setCurrentIndex(1);
-    item->setEditor(&editor); // notes the index
+    item->setEditor(&editor); // stores the index
     item->combo_CurrentIndexChanged(1);
     item->combo_CurrentIndexChanged(0);
     QCOMPARE(NodeBench::calls(), QStringList());
 }
 
-void NodeItemEditorsTest::comboThatFailed()
+void NodeItemEditorsTest::comboWhoseWriteFails()
 {
     NodeBench bench({enumNode({ro, ro})});
     const auto item = bench.item();
@@ -146,13 +146,13 @@ void NodeItemEditorsTest::comboThatFailed()
     editor.setCurrentIndex(1);
     item->combo_CurrentIndexChanged(1);
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("First")));
-    item->combo_CurrentIndexChanged(1); // the index was taken all the same
+    item->combo_CurrentIndexChanged(1); // the index was stored despite the failure
     QCOMPARE(NodeBench::calls().size(), 1);
 }
 
-void NodeItemEditorsTest::comboIsFilledAgainWhileItWrites()
+void NodeItemEditorsTest::comboIsReloadedDuringItsWrite()
 {
-    // The write changes the cell, which loads the editor anew: the box is emptied under the write.
+    // The write changes the cell, which reloads the editor: the box is cleared during the write.
     NodeBench bench({enumNode({ro, ro})});
     const auto item = bench.item();
     QComboBox editor;
@@ -169,9 +169,9 @@ void NodeItemEditorsTest::comboIsFilledAgainWhileItWrites()
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("Second")));
 }
 
-void NodeItemEditorsTest::comboIndexIsNotedForComboEditorsOnly()
+void NodeItemEditorsTest::comboIndexIsStoredForComboEditorsOnly()
 {
-    NodeBench bench({stringNode("Second")}); // its editor kind is a line edit
+    NodeBench bench({stringNode("Second")}); // a string node has a line edit
     const auto item = bench.item();
     QComboBox editor;
     editor.addItems({"First", "Second"});
@@ -181,7 +181,7 @@ void NodeItemEditorsTest::comboIndexIsNotedForComboEditorsOnly()
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_SetStrValue(\"Second\", true)"});
 }
 
-void NodeItemEditorsTest::editorThatDied()
+void NodeItemEditorsTest::destroyedEditor()
 {
     NodeBench bench({integerNode(5), enumNode({ro}, "Enumeration")});
     const auto integer = bench.item("Node");
@@ -205,7 +205,7 @@ void NodeItemEditorsTest::spinBox()
     const auto item = bench.item();
     item->spinBox_ValueChanged(77);
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_SetIntValue(77, true)"});
-    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("77 px"))); // decimal whatever the representation
+    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("77 px"))); // decimal regardless of the representation
     QCOMPARE(item->getNodeValue(false, false), QString("77"));
     QCOMPARE(item->getValInt(false), 5L);
     item->spinBox_ValueChanged(-1);
@@ -223,9 +223,9 @@ void NodeItemEditorsTest::spinBoxFails()
     QCOMPARE(scripted::count("Nd_GetIntValue"), 0);
 }
 
-void NodeItemEditorsTest::spinBoxIsNoTextWrite()
+void NodeItemEditorsTest::spinBoxDoesNotWriteAsText()
 {
-    // It asks the camera, not the access mode that was read, and never checks the trigger.
+    // It lets the camera decide instead of the cached access mode, and never checks the trigger.
     NodeBench bench({with(NODE_ACCESS_MODE_RO, integerNode(5, "TriggerMode"))});
     const auto item = bench.item();
     item->spinBox_ValueChanged(7);

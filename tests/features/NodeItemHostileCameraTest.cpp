@@ -1,4 +1,4 @@
-// Reading from cameras that give extreme, changing or broken values.
+// Reading from cameras that return extreme, changing or broken values.
 
 #include "tests/features/NodeBench.h"
 #include "tests/support/TestProgram.h"
@@ -23,9 +23,9 @@ private slots:
     void stringsOfTheCamera();
     void hugeString();
     void absurdSizes();
-    void enumerationOfNoSize();
+    void enumerationOfSizeZero();
     void valueThatChangesBetweenTheCalls();
-    void numbersKeepTheLastRead();
+    void numbersAreCachedUntilReadAgain();
     void extremeIntegers_data();
     void extremeIntegers();
     void extremeFloats();
@@ -59,7 +59,7 @@ void NodeItemHostileCameraTest::hugeString()
 
 void NodeItemHostileCameraTest::absurdSizes()
 {
-    // A library that announces more than there can be: the text counts as not read.
+    // A library that announces an impossible size: the text counts as not read.
     static std::uint32_t announced;
     static int calls;
     for (const std::uint32_t size : {0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
@@ -75,7 +75,7 @@ void NodeItemHostileCameraTest::absurdSizes()
         QCOMPARE(calls, 1);
         QCOMPARE(text, QString("before"));
     }
-    // One that writes no end: the text ends with what was announced.
+    // A library that writes no terminator: the text ends at the announced size.
     QString text;
     const NodeTextOperation endless = [](CAM_HANDLE, CAM_NODE_HANDLE, char* buffer, std::uint32_t* size) {
         if (buffer == nullptr) {
@@ -89,11 +89,11 @@ void NodeItemHostileCameraTest::absurdSizes()
     QCOMPARE(text, QString("xxxxx"));
 }
 
-void NodeItemHostileCameraTest::enumerationOfNoSize()
+void NodeItemHostileCameraTest::enumerationOfSizeZero()
 {
     NodeBench bench({enumNode({ro}), stringNode("old", "Text")}, OpeLogRead);
     const auto enumeration = bench.item("Node");
-    scripted::failCall("Nd_GetEnumStrValue", CAM_API_STS_SUCCESS); // claims success, leaves the size 0
+    scripted::failCall("Nd_GetEnumStrValue", CAM_API_STS_SUCCESS); // returns success, leaves the size 0
     QCOMPARE(enumeration->getNodeValue(false, true), QString("First"));
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_GetEnumStrValue(null, out)"});
     QCOMPARE(bench.log.size(), 1);
@@ -104,7 +104,7 @@ void NodeItemHostileCameraTest::enumerationOfNoSize()
     QCOMPARE(entry->getNodeValue(false, true), QString("First"));
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_GetEnumEntryStrValue(null, out)"});
 
-    const auto text = bench.item("Text"); // a string has no such rule: the second call decides
+    const auto text = bench.item("Text"); // for a string the second call decides
     scripted::failCall("Nd_GetStrValue", CAM_API_STS_SUCCESS);
     QCOMPARE(text->getNodeValue(false, true), QString("old"));
     QCOMPARE(NodeBench::calls(), QStringList({"Nd_GetStrValue(null, out)", "Nd_GetStrValue(out, out)"}));
@@ -120,13 +120,13 @@ void NodeItemHostileCameraTest::valueThatChangesBetweenTheCalls()
             scripted::changeNode("Node", [](scripted::NodeSpec& spec) { spec.strValue = "much longer"; });
     });
     QCOMPARE(item->getNodeValue(false, true), QString("short"));
-    QVERIFY(bench.log[0].endsWith("Failed!! Status code: 0x0000000d.\n")); // not the 14 of the buffer
+    QVERIFY(bench.log[0].endsWith("Failed!! Status code: 0x0000000d.\n")); // not 14, the status of a short buffer
     QCOMPARE(item->getNodeValue(false, false), QString("much longer"));
 }
 
 // --- Numbers --------------------------------------------------------------------------------------------------------
 
-void NodeItemHostileCameraTest::numbersKeepTheLastRead()
+void NodeItemHostileCameraTest::numbersAreCachedUntilReadAgain()
 {
     NodeBench bench({integerNode(7), floatNode(2.5, "Float")});
     const auto integer = bench.item("Node");

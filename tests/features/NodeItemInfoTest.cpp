@@ -95,7 +95,7 @@ void NodeItemInfoTest::floats()
     QFETCH(double, maximum);
     QFETCH(bool, hasIncrement);
     scripted::NodeSpec spec = floatNode(2);
-    spec.unit = "us"; // is not shown here
+    spec.unit = "us"; // not shown here
     spec.notation = static_cast<FloatDisplayNotation>(notation);
     spec.floatMin = minimum;
     spec.floatMax = maximum;
@@ -131,13 +131,13 @@ void NodeItemInfoTest::enumeration()
 {
     scripted::NodeSpec spec = nodeOf(NODE_TYPE_ENUMERATION, "AcquisitionMode");
     spec.entries = {scripted::enumEntry("Continuous", 0), scripted::enumEntry("SingleFrame", -3)};
-    spec.unit = "frames"; // is not shown here
+    spec.unit = "frames"; // not shown here
     NodeBench bench({spec});
     const auto item = bench.item();
     QCOMPARE(item->getAdditionalInfo(), QString("Current value is Continuous (0)"));
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_GetEnumIntValue(out)"});
 
-    // The text is the one of the last read, the number is the camera's.
+    // The text is that of the last read; the number comes from the camera.
     scripted::changeNode("AcquisitionMode", [](scripted::NodeSpec& node) { node.intValue = -3; });
     QCOMPARE(item->getAdditionalInfo(), QString("Current value is Continuous (-3)"));
     item->getNodeValue(false, true);

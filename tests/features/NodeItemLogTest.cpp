@@ -1,4 +1,4 @@
-// The entries of the operation log: what each operation of an item tells, at every level, with and without failure.
+// The operation log entries of each operation of an item, at every level, with and without failure.
 
 #include "tests/features/NodeBench.h"
 #include "tests/support/TestProgram.h"
@@ -26,34 +26,34 @@ private slots:
     void levels_data();
     void levels();
     void writeOfFiveToGain();
-    void failedReadTellsItsStatus();
+    void failedReadLogsItsStatus();
     void failedEntryRead();
     void refusedTexts_data();
     void refusedTexts();
-    void textsAsCut_data();
-    void textsAsCut();
+    void textsAreLoggedAsTruncated_data();
+    void textsAreLoggedAsTruncated();
     void floatByNumberInDefaultPrecision();
     void numberWriteLogsBeforeItsRead();
     void rangeEntry_data();
     void rangeEntry();
-    void rangeOfOtherTypesTellsNothing();
+    void rangeOfOtherTypesIsNotLogged();
     void entriesOfOneUpdate();
     void bindingLogsItsRead();
     void markersInNameAndText();
     void appendFollowsTheLevel();
     void itemWithoutAViewLogsNothing();
     void receiverMayChangeTheText();
-    void additionalInfoTellsItsRead();
+    void additionalInfoLogsItsRead();
 };
 
 void NodeItemLogTest::levels_data()
 {
     QTest::addColumn<scripted::NodeSpec>("node");
     QTest::addColumn<Operation>("operation");
-    QTest::addColumn<QString>("call");     // that fails in the second half
-    QTest::addColumn<int>("mode");         // the least level that tells it
-    QTest::addColumn<QString>("fragment"); // without the lookup line
-    QTest::addColumn<QString>("failure");  // what follows it after a failure; "-": nothing is told then
+    QTest::addColumn<QString>("call");     // fails in the second half
+    QTest::addColumn<int>("mode");         // the lowest level that logs it
+    QTest::addColumn<QString>("fragment"); // without lookup line
+    QTest::addColumn<QString>("failure");  // appended after a failure; "-": nothing is logged then
     const auto row = [](const char* name, const scripted::NodeSpec& node, const char* call, int mode,
                         const QString& fragment, const char* failure, const Operation& operation) {
         QTest::newRow(name) << node << operation << QString(call) << mode << fragment << QString(failure);
@@ -132,7 +132,7 @@ void NodeItemLogTest::writeOfFiveToGain()
     QCOMPARE(bench.log.size(), 1);
 }
 
-void NodeItemLogTest::failedReadTellsItsStatus()
+void NodeItemLogTest::failedReadLogsItsStatus()
 {
     NodeBench bench({integerNode(1)}, OpeLogRead);
     const auto item = bench.item();
@@ -147,7 +147,7 @@ void NodeItemLogTest::failedReadTellsItsStatus()
 
 void NodeItemLogTest::failedEntryRead()
 {
-    // An enumeration entry has no fragment of its own: only its failure is told.
+    // An enumeration entry has no fragment of its own: only its failure is logged.
     NodeBench bench({enumNode({ro})}, OpeLogRead);
     const auto item = bench.item("EnumEntry_Node_First");
     item->getNodeValue(true, true);
@@ -187,7 +187,7 @@ void NodeItemLogTest::refusedTexts()
     }
 }
 
-void NodeItemLogTest::textsAsCut_data()
+void NodeItemLogTest::textsAreLoggedAsTruncated_data()
 {
     QTest::addColumn<int>("representation");
     QTest::addColumn<QString>("text");
@@ -200,7 +200,7 @@ void NodeItemLogTest::textsAsCut_data()
                          << "0-17-34-51-68-171";
 }
 
-void NodeItemLogTest::textsAsCut()
+void NodeItemLogTest::textsAreLoggedAsTruncated()
 {
     QFETCH(int, representation);
     QFETCH(QString, text);
@@ -289,7 +289,7 @@ void NodeItemLogTest::rangeEntry()
             if (failing) {
                 for (const char* call : {"Nd_GetIntMax", "Nd_GetIntMin", "Nd_GetIntInc", "Nd_GetFloatMax",
                                          "Nd_GetFloatMin", "Nd_GetFloatInc"})
-                    scripted::failAlways(call, CAM_API_STS_BUSY); // of which this entry says nothing
+                    scripted::failAlways(call, CAM_API_STS_BUSY); // not part of this entry
             }
             item->updateVals(all);
             const int reads = level >= 2 && readable ? 1 : 0;
@@ -300,12 +300,12 @@ void NodeItemLogTest::rangeEntry()
     }
 }
 
-void NodeItemLogTest::rangeOfOtherTypesTellsNothing()
+void NodeItemLogTest::rangeOfOtherTypesIsNotLogged()
 {
     NodeBench bench({nodeOf(NODE_TYPE_BOOLEAN), nodeOf(NODE_TYPE_CATEGORY, "Category")}, OpeLogRange);
     const auto boolean = bench.item("Node");
     boolean->updateVals(true);
-    QCOMPARE(bench.log.size(), 1); // its read
+    QCOMPARE(bench.log.size(), 1); // only the read
     const auto category = bench.item("Category");
     category->updateVals(true);
     QCOMPARE(bench.log, QStringList());
@@ -389,13 +389,13 @@ void NodeItemLogTest::receiverMayChangeTheText()
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("7")));
 }
 
-void NodeItemLogTest::additionalInfoTellsItsRead()
+void NodeItemLogTest::additionalInfoLogsItsRead()
 {
     for (int level = 0; level <= 3; ++level) {
         NodeBench bench({enumNode({ro})}, level);
         const auto item = bench.item();
         item->getAdditionalInfo();
-        QCOMPARE(bench.log.size(), level >= 2 ? 1 : 0); // the text is cached, the number is not
+        QCOMPARE(bench.log.size(), level >= 2 ? 1 : 0); // the text is cached, the number is read
     }
 }
 

@@ -26,7 +26,7 @@ private slots:
     void numberOfOtherTypes();
     void floatsByNumber_data();
     void floatsByNumber();
-    void floatByNumberEndsTheCache();
+    void floatByNumberInvalidatesTheCache();
     void floatByNumberFails();
 };
 
@@ -67,10 +67,10 @@ void NodeItemNumberWriteTest::integerByNumberFails()
     QCOMPARE(scripted::count("Nd_GetIntValue"), 0);
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("5")));
     item->getNodeValue(false, false);
-    QCOMPARE(scripted::count("Nd_GetIntValue"), 1); // not valid any more
+    QCOMPARE(scripted::count("Nd_GetIntValue"), 1); // no longer cached
 
     scripted::failCall("Nd_GetIntValue", CAM_API_STS_BUSY);
-    QCOMPARE(item->setNodeValue(31L), 0); // the status is the write's own
+    QCOMPARE(item->setNodeValue(31L), 0); // the status is that of the write
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("5")));
 }
 
@@ -130,10 +130,10 @@ void NodeItemNumberWriteTest::floatsByNumber()
     const auto item = bench.item();
     QCOMPARE(item->setNodeValue(value), 0);
     QCOMPARE(NodeBench::calls(), QStringList{written("Nd_SetFloatValue", argument)}); // nothing is read back
-    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("5.00")));                    // until somebody asks
+    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("5.00")));                    // until the next read
 }
 
-void NodeItemNumberWriteTest::floatByNumberEndsTheCache()
+void NodeItemNumberWriteTest::floatByNumberInvalidatesTheCache()
 {
     NodeBench bench({floatNode(5)});
     const auto item = bench.item();
@@ -159,7 +159,7 @@ void NodeItemNumberWriteTest::floatByNumberFails()
     }
     QCOMPARE(item->setNodeValue(QString("nan")), 13);
     QCOMPARE(item->setNodeValue(QString("inf")), 13);
-    QCOMPARE(scripted::count("Nd_SetFloatValue"), 3); // the camera decides over these too
+    QCOMPARE(scripted::count("Nd_SetFloatValue"), 3); // these, too, are left to the camera
 }
 
 } // namespace

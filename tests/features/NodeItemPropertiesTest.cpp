@@ -1,4 +1,4 @@
-// What follows from the properties of a node: editor, access, user level, valid numbers.
+// What the properties of a node determine: editor, access, user level, valid numbers.
 
 #include "tests/features/NodeBench.h"
 #include "tests/support/TestProgram.h"

@@ -81,7 +81,7 @@ void NodeItemRangeTest::updateValsOfAFloatWithoutIncrement()
     QCOMPARE(scripted::count("Nd_GetFloatInc"), 0);
     QVERIFY(!item->getHasIncFloat());
 
-    // Once known to have an increment, it is asked for even where the question itself fails.
+    // Once an increment is known to exist, it is read even where the check for it fails.
     scripted::changeNode("ExposureTime", [](scripted::NodeSpec& node) { node.floatHasInc = true; });
     item->updateVals(true);
     scripted::failAlways("Nd_GetFloatHasInc", CAM_API_STS_TIMEOUT);
@@ -194,7 +194,7 @@ void NodeItemRangeTest::rangeFailuresAreNotStored()
         QVERIFY(!entry.contains("Failed!!"));
     QCOMPARE(scripted::count("Nd_GetIntMin"), 1);
     QCOMPARE(item->getNodeValue(false, false), QString("1"));
-    QCOMPARE(scripted::count("Nd_GetIntValue"), 1); // the value's text is as valid as ever
+    QCOMPARE(scripted::count("Nd_GetIntValue"), 1); // the cached text is still valid
 }
 
 void NodeItemRangeTest::unpluggedCamera()
@@ -205,7 +205,7 @@ void NodeItemRangeTest::unpluggedCamera()
     scripted::unplug();
     real->updateVals(true);
     enumeration->updateVals(true);
-    QCOMPARE(real->getAccessMode(), rw); // as it was
+    QCOMPARE(real->getAccessMode(), rw); // unchanged
     QCOMPARE(real->data(Qt::EditRole), QVariant(QString("12.35 us")));
     QCOMPARE(enumeration->getItemsValue(), QStringList());
     QCOMPARE(enumeration->getEnumIntValue(), 0L);

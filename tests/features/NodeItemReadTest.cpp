@@ -25,13 +25,13 @@ private slots:
     void enumEntry();
     void typesWithoutValue_data();
     void typesWithoutValue();
-    void cachedReadsCallNothing_data();
-    void cachedReadsCallNothing();
-    void forcedReadsAlwaysCall();
+    void cachedReadsMakeNoCalls_data();
+    void cachedReadsMakeNoCalls();
+    void forcedReadsAlwaysCallTheCamera();
     void failedReadIsTriedAgain_data();
     void failedReadIsTriedAgain();
     void failedReadKeepsTextAndNumber();
-    void cacheEndsWithTheAccess();
+    void losingAccessInvalidatesTheCache();
     void unitGoesToTheEditRole();
 };
 
@@ -122,7 +122,7 @@ void NodeItemReadTest::commandNode()
         QCOMPARE(item->getNodeValue(true, false), QString("== Command node =="));
         QCOMPARE(NodeBench::calls(), QStringList());
         QCOMPARE(bench.log, QStringList());
-        // Never cached: a change of the access mode shows at the next unforced read.
+        // Never cached: the next unforced read shows a change of the access mode.
         scripted::changeNode("Node", [](scripted::NodeSpec& spec) { spec.access = NODE_ACCESS_MODE_NA; });
         item->updateAccessMode(nullptr);
         QCOMPARE(item->getNodeValue(true, false), QString("== Not Available =="));
@@ -139,7 +139,7 @@ void NodeItemReadTest::enumEntry()
     QCOMPARE(item->getNodeValue(true, true), QString("Second"));
     QCOMPARE(NodeBench::calls(),
              QStringList({"Nd_GetEnumEntryStrValue(null, out)", "Nd_GetEnumEntryStrValue(out, out)"}));
-    QCOMPARE(bench.log, QStringList()); // there is no fragment for it
+    QCOMPARE(bench.log, QStringList()); // it has no fragment
 }
 
 void NodeItemReadTest::typesWithoutValue_data()
@@ -168,7 +168,7 @@ std::vector<scripted::NodeSpec> oneOfEachType()
             stringNode("text", "String"), enumNode({ro}, "Enumeration")};
 }
 
-void NodeItemReadTest::cachedReadsCallNothing_data()
+void NodeItemReadTest::cachedReadsMakeNoCalls_data()
 {
     QTest::addColumn<QString>("node");
     QTest::addColumn<QStringList>("forced");
@@ -183,7 +183,7 @@ void NodeItemReadTest::cachedReadsCallNothing_data()
                                                       "Nd_GetEnumEntryStrValue(out, out)"};
 }
 
-void NodeItemReadTest::cachedReadsCallNothing()
+void NodeItemReadTest::cachedReadsMakeNoCalls()
 {
     QFETCH(QString, node);
     QFETCH(QStringList, forced);
@@ -199,7 +199,7 @@ void NodeItemReadTest::cachedReadsCallNothing()
     QCOMPARE(NodeBench::calls(), forced);
 }
 
-void NodeItemReadTest::forcedReadsAlwaysCall()
+void NodeItemReadTest::forcedReadsAlwaysCallTheCamera()
 {
     NodeBench bench({integerNode(1)});
     const auto item = bench.item();
@@ -266,7 +266,7 @@ void NodeItemReadTest::failedReadKeepsTextAndNumber()
     QCOMPARE(real->getValFloat(false), 5.5);
 }
 
-void NodeItemReadTest::cacheEndsWithTheAccess()
+void NodeItemReadTest::losingAccessInvalidatesTheCache()
 {
     NodeBench bench({integerNode(41)});
     const auto item = bench.item();
@@ -276,7 +276,7 @@ void NodeItemReadTest::cacheEndsWithTheAccess()
     QCOMPARE(item->getNodeValue(false, true), QString("== Not Available =="));
     scripted::changeNode("Node", [](scripted::NodeSpec& spec) { spec.access = NODE_ACCESS_MODE_RO; });
     item->updateAccessMode(nullptr);
-    QCOMPARE(item->getNodeValue(false, false), QString("41")); // and was not after the failure
+    QCOMPARE(item->getNodeValue(false, false), QString("41")); // it was not valid after the failure
     QCOMPARE(scripted::count("Nd_GetIntValue"), 1);
 }
 
@@ -287,7 +287,7 @@ void NodeItemReadTest::unitGoesToTheEditRole()
     QCOMPARE(item->getNodeValue(true, true), QString("12.35 us"));
     QCOMPARE(item->getNodeValue(false, true), QString("12.35"));
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("12.35 us")));
-    // A text put there by anybody else is replaced, also from the cache, and nothing is written.
+    // A text that someone else stored is replaced, even from the cache, and nothing is written.
     item->QStandardItem::setData(QString("else"), Qt::EditRole);
     QCOMPARE(item->getNodeValue(false, false), QString("12.35"));
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("12.35 us")));

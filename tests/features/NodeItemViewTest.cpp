@@ -1,4 +1,4 @@
-// An item and its view: the flags that a write sets, the re-reading that follows it, the colours of the row.
+// An item and its view: the flags that a write sets, the update that follows it, the colours of the row.
 
 #include "features/editors/TableViewItemDelegate.h"
 #include "tests/features/FeatureTable.h"
@@ -23,7 +23,7 @@ namespace {
 
 using namespace Orvo;
 
-/// A view of one node beside another, whose value nobody touches: it is read whenever every feature is.
+/// A view of the node under test and a second one that is read only when all features are updated.
 class Rows {
 public:
     explicit Rows(const scripted::NodeSpec& node)
@@ -41,7 +41,7 @@ public:
         return dynamic_cast<TableViewItemDelegate&>(*table.table().itemDelegate()).writeInProgress();
     }
 
-    /// Whether the next updateAllFeatures(false) reads; it does not after that.
+    /// Whether updateAllFeatures(false) reads; the call resets this.
     [[nodiscard]] bool valuesWritten()
     {
         const int before = readings();
@@ -49,7 +49,7 @@ public:
         return readings() > before;
     }
 
-    /// How often every feature was read.
+    /// How often all features were updated.
     [[nodiscard]] int readings()
     {
         const std::string other = std::to_string(table.item("Other")->getNodeHandle());
@@ -69,26 +69,26 @@ class NodeItemViewTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void writesAreInProgress_data();
-    void writesAreInProgress();
-    void refusedWritesEnd_data();
-    void refusedWritesEnd();
+    void textWritesAreInProgress_data();
+    void textWritesAreInProgress();
+    void refusedWritesEndTheProgress_data();
+    void refusedWritesEndTheProgress();
     void spinBoxIsNotInProgress();
     void buttonIsNotInProgress();
-    void successfulWritesCount_data();
-    void successfulWritesCount();
-    void failedWritesDoNotCount_data();
-    void failedWritesDoNotCount();
-    void failedCommandFromTextCounts();
-    void spinBoxDoesNotCount();
-    void triggerCheckIsWithinTheWrite();
-    void readingBackIsWithinTheWrite();
-    void storingTheTextIsWithinTheWrite();
-    void comboReadsEverythingAnew();
-    void comboReadsOnlyWhatWasNotReadSince();
-    void comboThatFailedReadsNothing();
-    void buttonReadsEverythingAnew();
-    void buttonThatFailedReadsNothing();
+    void successfulWritesRequestAnUpdate_data();
+    void successfulWritesRequestAnUpdate();
+    void failedWritesRequestNoUpdate_data();
+    void failedWritesRequestNoUpdate();
+    void failedCommandFromTextRequestsAnUpdate();
+    void spinBoxRequestsNoUpdate();
+    void triggerCheckHappensDuringTheWrite();
+    void readingBackHappensDuringTheWrite();
+    void storingTheTextHappensDuringTheWrite();
+    void comboUpdatesAllFeatures();
+    void comboSkipsAnUpdateThatAlreadyHappened();
+    void failedComboUpdatesNothing();
+    void buttonUpdatesAllFeatures();
+    void failedButtonUpdatesNothing();
     void buttonLogsLast();
     void accessModeColoursTheRow();
     void failedAccessModeColoursNothing();
@@ -119,7 +119,7 @@ void addWrites()
         [](GenAPINodeItem& item) { return item.setNodeValue(7L); });
 }
 
-void NodeItemViewTest::writesAreInProgress_data()
+void NodeItemViewTest::textWritesAreInProgress_data()
 {
     addWrites();
     QTest::newRow("command from text") << nodeOf(NODE_TYPE_COMMAND)
@@ -127,7 +127,7 @@ void NodeItemViewTest::writesAreInProgress_data()
                                        << "Nd_CmdExecute";
 }
 
-void NodeItemViewTest::writesAreInProgress()
+void NodeItemViewTest::textWritesAreInProgress()
 {
     QFETCH(scripted::NodeSpec, node);
     QFETCH(Write, write);
@@ -145,7 +145,7 @@ void NodeItemViewTest::writesAreInProgress()
     QVERIFY(!rows.writeInProgress());
 }
 
-void NodeItemViewTest::refusedWritesEnd_data()
+void NodeItemViewTest::refusedWritesEndTheProgress_data()
 {
     QTest::addColumn<scripted::NodeSpec>("node");
     QTest::addColumn<Write>("write");
@@ -162,7 +162,7 @@ void NodeItemViewTest::refusedWritesEnd_data()
     QTest::newRow("text to a register") << nodeOf(NODE_TYPE_REGISTER) << text;
 }
 
-void NodeItemViewTest::refusedWritesEnd()
+void NodeItemViewTest::refusedWritesEndTheProgress()
 {
     QFETCH(scripted::NodeSpec, node);
     QFETCH(Write, write);
@@ -190,29 +190,29 @@ void NodeItemViewTest::buttonIsNotInProgress()
     QCOMPARE(seen, 1);
 }
 
-void NodeItemViewTest::successfulWritesCount_data()
+void NodeItemViewTest::successfulWritesRequestAnUpdate_data()
 {
     addWrites();
 }
 
-void NodeItemViewTest::successfulWritesCount()
+void NodeItemViewTest::successfulWritesRequestAnUpdate()
 {
     QFETCH(scripted::NodeSpec, node);
     QFETCH(Write, write);
     Rows rows(node);
     QVERIFY(!rows.valuesWritten());
     QCOMPARE(write(*rows.item), 0);
-    QCOMPARE(rows.readings(), 0); // the write itself leaves the others alone
+    QCOMPARE(rows.readings(), 0); // the write itself updates nothing else
     QVERIFY(rows.valuesWritten());
     QVERIFY(!rows.valuesWritten());
 }
 
-void NodeItemViewTest::failedWritesDoNotCount_data()
+void NodeItemViewTest::failedWritesRequestNoUpdate_data()
 {
     addWrites();
 }
 
-void NodeItemViewTest::failedWritesDoNotCount()
+void NodeItemViewTest::failedWritesRequestNoUpdate()
 {
     QFETCH(scripted::NodeSpec, node);
     QFETCH(Write, write);
@@ -223,11 +223,11 @@ void NodeItemViewTest::failedWritesDoNotCount()
     QVERIFY(!rows.valuesWritten());
 }
 
-void NodeItemViewTest::failedCommandFromTextCounts()
+void NodeItemViewTest::failedCommandFromTextRequestsAnUpdate()
 {
     Rows rows(nodeOf(NODE_TYPE_COMMAND));
     QCOMPARE(rows.item->setNodeValue(QString("Stop")), 13);
-    QVERIFY(!rows.valuesWritten()); // was not executed
+    QVERIFY(!rows.valuesWritten()); // it was not executed
     QCOMPARE(rows.item->setNodeValue(QString("Execute")), 0);
     QVERIFY(rows.valuesWritten());
     scripted::failCall("Nd_CmdExecute", CAM_API_STS_BUSY);
@@ -235,14 +235,14 @@ void NodeItemViewTest::failedCommandFromTextCounts()
     QVERIFY(rows.valuesWritten());
 }
 
-void NodeItemViewTest::spinBoxDoesNotCount()
+void NodeItemViewTest::spinBoxRequestsNoUpdate()
 {
     Rows rows(integerNode(5));
     rows.item->spinBox_ValueChanged(7);
     QVERIFY(!rows.valuesWritten());
 }
 
-void NodeItemViewTest::triggerCheckIsWithinTheWrite()
+void NodeItemViewTest::triggerCheckHappensDuringTheWrite()
 {
     Rows rows(enumNode({NODE_ACCESS_MODE_RO, NODE_ACCESS_MODE_RO}, "TriggerSource"));
     int checks = 0;
@@ -257,7 +257,7 @@ void NodeItemViewTest::triggerCheckIsWithinTheWrite()
     QVERIFY(!rows.writeInProgress());
 }
 
-void NodeItemViewTest::readingBackIsWithinTheWrite()
+void NodeItemViewTest::readingBackHappensDuringTheWrite()
 {
     Rows rows(integerNode(5));
     std::vector<bool> inProgress;
@@ -267,7 +267,7 @@ void NodeItemViewTest::readingBackIsWithinTheWrite()
     QVERIFY(!rows.writeInProgress());
 }
 
-void NodeItemViewTest::storingTheTextIsWithinTheWrite()
+void NodeItemViewTest::storingTheTextHappensDuringTheWrite()
 {
     Rows rows(integerNode(5));
     std::vector<bool> inProgress;
@@ -278,7 +278,7 @@ void NodeItemViewTest::storingTheTextIsWithinTheWrite()
     QVERIFY(!rows.writeInProgress());
 }
 
-void NodeItemViewTest::comboReadsEverythingAnew()
+void NodeItemViewTest::comboUpdatesAllFeatures()
 {
     Rows rows(enumNode({NODE_ACCESS_MODE_RO, NODE_ACCESS_MODE_RO}));
     QComboBox editor;
@@ -292,7 +292,7 @@ void NodeItemViewTest::comboReadsEverythingAnew()
     QCOMPARE(rows.readings(), 1);
 }
 
-void NodeItemViewTest::comboReadsOnlyWhatWasNotReadSince()
+void NodeItemViewTest::comboSkipsAnUpdateThatAlreadyHappened()
 {
     Rows rows(enumNode({NODE_ACCESS_MODE_RO, NODE_ACCESS_MODE_RO}, "TriggerMode"));
     connect(&rows.table.view(), &FeatureView::checkSoftwareTriggerMode, this,
@@ -305,20 +305,20 @@ void NodeItemViewTest::comboReadsOnlyWhatWasNotReadSince()
     QCOMPARE(rows.readings(), 1);
 }
 
-void NodeItemViewTest::comboThatFailedReadsNothing()
+void NodeItemViewTest::failedComboUpdatesNothing()
 {
     Rows rows(enumNode({NODE_ACCESS_MODE_RO, NODE_ACCESS_MODE_RO}));
     QComboBox editor;
     editor.addItems({"First", "Second"});
     rows.item->setEditor(&editor);
-    rows.table.view().setValuesWritten(); // by another
+    rows.table.view().setValuesWritten(); // a write elsewhere
     scripted::failAlways("Nd_SetEnumStrValue", CAM_API_STS_BUSY);
     editor.setCurrentIndex(1);
     rows.item->combo_CurrentIndexChanged(1);
     QCOMPARE(rows.readings(), 0);
 }
 
-void NodeItemViewTest::buttonReadsEverythingAnew()
+void NodeItemViewTest::buttonUpdatesAllFeatures()
 {
     Rows rows(nodeOf(NODE_TYPE_COMMAND));
     rows.item->button_Clicked();
@@ -326,7 +326,7 @@ void NodeItemViewTest::buttonReadsEverythingAnew()
     QVERIFY(!rows.valuesWritten());
 }
 
-void NodeItemViewTest::buttonThatFailedReadsNothing()
+void NodeItemViewTest::failedButtonUpdatesNothing()
 {
     Rows rows(nodeOf(NODE_TYPE_COMMAND));
     scripted::failAlways("Nd_CmdExecute", CAM_API_STS_BUSY);
@@ -342,7 +342,7 @@ void NodeItemViewTest::buttonLogsLast()
     QStringList log;
     connect(&rows.table.view(), &FeatureView::OpeLogAppended, this, [&](const QString& entry) { log << entry; });
     rows.item->button_Clicked();
-    QCOMPARE(log.size(), 2); // the reading of the other node comes first
+    QCOMPARE(log.size(), 2); // the entry for the other node comes first
     QVERIFY(log[0].contains("\"Other\""));
     QVERIFY(log[1].contains("Nd_CmdExecute"));
 }

@@ -1,4 +1,4 @@
-// Writing typed texts: what they become at the camera, what is shown then, and how failures end.
+// Writing typed texts: what the camera gets, what is shown afterwards, and what failures do.
 
 #include "tests/features/NodeBench.h"
 #include "tests/support/TestProgram.h"
@@ -27,9 +27,9 @@ private slots:
     void failedWrite_data();
     void failedWrite();
     void successIsCached();
-    void failureEndsTheCache();
-    void refusedTextLeavesTheCache();
-    void textWriteLeavesTheNumberReadLast();
+    void failureInvalidatesTheCache();
+    void refusedTextKeepsTheCache();
+    void textWriteKeepsTheNumberReadLast();
     void commands_data();
     void commands();
     void unitStaysInTheEditRole();
@@ -38,7 +38,7 @@ private slots:
     void latin1();
     void triggerNodes_data();
     void triggerNodes();
-    void triggerNodesByNumberAreSilent();
+    void triggerNodesByNumberCheckNothing();
     void writesNeverReadProperties();
 };
 
@@ -116,7 +116,7 @@ void NodeItemWriteTest::texts()
     QCOMPARE(item->getNodeValue(false, false), shown);
     QCOMPARE(NodeBench::calls().size(), 1);
 
-    // The same through the model's way of editing.
+    // The same through QAbstractItemModel::setData().
     NodeBench again({node});
     const auto edited = again.item();
     edited->setData(text, Qt::EditRole);
@@ -269,13 +269,13 @@ void NodeItemWriteTest::successIsCached()
     NodeBench bench({integerNode(5)});
     const auto item = bench.item();
     item->setNodeValue(QString("31"));
-    scripted::changeNode("Node", [](scripted::NodeSpec& spec) { spec.intValue = 32; }); // the camera knows better
+    scripted::changeNode("Node", [](scripted::NodeSpec& spec) { spec.intValue = 32; }); // the camera changes its value
     QCOMPARE(item->getNodeValue(false, false), QString("31"));
     QCOMPARE(scripted::count("Nd_GetIntValue"), 0);
     QCOMPARE(item->getNodeValue(false, true), QString("32"));
 }
 
-void NodeItemWriteTest::failureEndsTheCache()
+void NodeItemWriteTest::failureInvalidatesTheCache()
 {
     NodeBench bench({integerNode(5)});
     const auto item = bench.item();
@@ -287,16 +287,16 @@ void NodeItemWriteTest::failureEndsTheCache()
     QCOMPARE(scripted::count("Nd_GetIntValue"), 1);
 }
 
-void NodeItemWriteTest::refusedTextLeavesTheCache()
+void NodeItemWriteTest::refusedTextKeepsTheCache()
 {
     NodeBench bench({integerNode(5)});
     const auto item = bench.item();
     QCOMPARE(item->setNodeValue(QString("five")), 13);
     QCOMPARE(item->getNodeValue(false, false), QString("5"));
-    QCOMPARE(NodeBench::calls(), QStringList()); // nothing was tried, so nothing is in doubt
+    QCOMPARE(NodeBench::calls(), QStringList()); // nothing was written, so the cache is still valid
 }
 
-void NodeItemWriteTest::textWriteLeavesTheNumberReadLast()
+void NodeItemWriteTest::textWriteKeepsTheNumberReadLast()
 {
     NodeBench bench({integerNode(5), floatNode(5.5, "Float")});
     const auto integer = bench.item("Node");
@@ -346,7 +346,7 @@ void NodeItemWriteTest::displayOfRefusedText()
     const auto item = bench.item();
     item->QStandardItem::setData(QString("typed nonsense"), Qt::EditRole);
     QCOMPARE(item->setNodeValue(QString("typed nonsense")), 13);
-    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("5"))); // what the item holds comes back
+    QCOMPARE(item->data(Qt::EditRole), QVariant(QString("5"))); // the item's value is restored
 }
 
 void NodeItemWriteTest::longTexts()
@@ -367,7 +367,7 @@ void NodeItemWriteTest::latin1()
 {
     NodeBench bench({stringNode("old")});
     const auto item = bench.item();
-    QCOMPARE(item->setNodeValue(QString::fromUtf8("gr\xC3\xBC\xC3\x9F \xE2\x82\xAC")), 0); // a euro has no byte there
+    QCOMPARE(item->setNodeValue(QString::fromUtf8("gr\xC3\xBC\xC3\x9F \xE2\x82\xAC")), 0); // Latin-1 has no euro sign
     QCOMPARE(scripted::node("Node").strValue, std::string("gr\xFC\xDF ?"));
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString::fromUtf8("gr\xC3\xBC\xC3\x9F \xE2\x82\xAC")));
 
@@ -398,7 +398,7 @@ void NodeItemWriteTest::triggerNodes()
     const auto item = bench.item();
     QCOMPARE(item->setNodeValue(QString("Second")), 0);
     QCOMPARE(bench.triggerChecks, checks);
-    QCOMPARE(item->setNodeValue(QString("Nowhere")), 13); // a failed write may have changed it all the same
+    QCOMPARE(item->setNodeValue(QString("Nowhere")), 13); // a failed write may still have changed it
     QCOMPARE(bench.triggerChecks, 2 * checks);
 
     bool logged = false;
@@ -409,11 +409,11 @@ void NodeItemWriteTest::triggerNodes()
     });
     QCOMPARE(item->setNodeValue(QString("First")), 0);
     QCOMPARE(logged, checks == 1);
-    QCOMPARE(shown, QString(checks == 1 ? "Second" : "")); // the value is shown after the check
+    QCOMPARE(shown, QString(checks == 1 ? "Second" : "")); // the value is stored after the check
     QCOMPARE(item->data(Qt::EditRole), QVariant(QString("First")));
 }
 
-void NodeItemWriteTest::triggerNodesByNumberAreSilent()
+void NodeItemWriteTest::triggerNodesByNumberCheckNothing()
 {
     NodeBench bench({enumNode({ro, ro}, "TriggerMode")});
     QCOMPARE(bench.item()->setNodeValue(20L), 0);
@@ -428,7 +428,7 @@ void NodeItemWriteTest::writesNeverReadProperties()
         spec.access = NODE_ACCESS_MODE_RO;
         spec.intMax = 3;
     });
-    QCOMPARE(item->setNodeValue(QString("7")), 2055); // from the camera
+    QCOMPARE(item->setNodeValue(QString("7")), 2055); // the camera's status
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_SetIntValue(7, true)"});
     QVERIFY(item->isWritable());
     QCOMPARE(item->getMaxInt(), 0L);

@@ -1,4 +1,4 @@
-// How values of nodes read, and what typed texts mean.
+// Formatting node values, and parsing typed texts.
 
 #include "features/item/NodeValueText.h"
 #include "tests/support/TestProgram.h"

@@ -34,10 +34,10 @@ void NumberConversionTest::toInt_data()
     QTest::newRow("truncates downward") << 2.999 << 2;
     QTest::newRow("truncates upward") << -2.999 << -2;
     QTest::newRow("largest") << 2147483647.0 << INT_MAX;
-    QTest::newRow("largest and a part") << 2147483647.999 << INT_MAX;
+    QTest::newRow("largest and a fraction") << 2147483647.999 << INT_MAX;
     QTest::newRow("above") << 2147483648.0 << INT_MIN;
     QTest::newRow("least") << -2147483648.0 << INT_MIN;
-    QTest::newRow("least and a part") << -2147483648.999 << INT_MIN;
+    QTest::newRow("least and a fraction") << -2147483648.999 << INT_MIN;
     QTest::newRow("next to the least") << -2147483647.5 << -INT_MAX;
     QTest::newRow("below") << -2147483649.0 << INT_MIN;
     QTest::newRow("far above") << 1e300 << INT_MIN;
@@ -127,7 +127,7 @@ void NumberConversionTest::snap()
     QTEST(static_cast<qlonglong>(snapToIncrement(value, minimum, maximum, increment)), "expected");
 }
 
-// The rule by its definition, in numbers wide enough for it.
+// The definition of the rule, computed in a wider type.
 void NumberConversionTest::snapOnEveryRangeOfANumberLine()
 {
     __extension__ using Wide = __int128;

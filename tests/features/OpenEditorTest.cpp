@@ -1,4 +1,4 @@
-// What happens around an editor that is open in the table: the camera goes, the view goes, values change.
+// Events while an editor is open: the camera is unplugged, the view is deleted, values change.
 
 #include "tests/features/EditorBench.h"
 #include "tests/support/TestProgram.h"
@@ -18,8 +18,8 @@ class OpenEditorTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void valueChangesWhileItIsEdited_data();
-    void valueChangesWhileItIsEdited();
+    void valueChangesWhileEdited_data();
+    void valueChangesWhileEdited();
     void unpluggedWhileOpen_data();
     void unpluggedWhileOpen();
     void unpluggedWhileDragging();
@@ -27,18 +27,18 @@ private slots:
     void viewIsDeletedWhileOpen();
     void otherCameraWhileOpen_data();
     void otherCameraWhileOpen();
-    void closeEditOperationCommitsAndOpensAgain_data();
-    void closeEditOperationCommitsAndOpensAgain();
+    void closeEditOperationCommitsAndReopens_data();
+    void closeEditOperationCommitsAndReopens();
     void rowIsFilteredOutWhileOpen_data();
     void rowIsFilteredOutWhileOpen();
     void refreshWhileOpen_data();
     void refreshWhileOpen();
-    void typedTextOutlastsNewsOfOtherRows_data();
-    void typedTextOutlastsNewsOfOtherRows();
+    void typingSurvivesUpdatesOfOtherRows_data();
+    void typingSurvivesUpdatesOfOtherRows();
 
 private:
     static std::vector<NodeSpec> oneOfEach();
-    /// Columns "name" (in oneOfEach) and "kind" (0: its own), a row for each editor.
+    /// One data row for each editor: "name" in oneOfEach() and "kind", where 0 keeps the node's own kind.
     static void everyEditor();
     static QWidget* openKind(EditorBench& bench);
 };
@@ -79,7 +79,7 @@ bool takesText(QWidget* editor)
     return qobject_cast<QLineEdit*>(editor) != nullptr || qobject_cast<LineEditWithSlider*>(editor) != nullptr;
 }
 
-/// Uses an editor as far as its kind allows.
+/// Changes the value in the editor, or clicks the button.
 void use(QWidget* editor)
 {
     if (auto* button = qobject_cast<QPushButton*>(editor)) {
@@ -92,7 +92,7 @@ void use(QWidget* editor)
     }
 }
 
-void OpenEditorTest::valueChangesWhileItIsEdited_data()
+void OpenEditorTest::valueChangesWhileEdited_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("shown");
@@ -104,7 +104,7 @@ void OpenEditorTest::valueChangesWhileItIsEdited_data()
                             << "99";
 }
 
-void OpenEditorTest::valueChangesWhileItIsEdited()
+void OpenEditorTest::valueChangesWhileEdited()
 {
     QFETCH(const QString, name);
     QFETCH(const QString, shown);
@@ -195,12 +195,12 @@ void OpenEditorTest::otherCameraWhileOpen()
     QVERIFY(openKind(bench) != nullptr);
 }
 
-void OpenEditorTest::closeEditOperationCommitsAndOpensAgain_data()
+void OpenEditorTest::closeEditOperationCommitsAndReopens_data()
 {
     everyEditor();
 }
 
-void OpenEditorTest::closeEditOperationCommitsAndOpensAgain()
+void OpenEditorTest::closeEditOperationCommitsAndReopens()
 {
     QFETCH(const QString, name);
     EditorBench bench(oneOfEach());
@@ -255,7 +255,7 @@ void OpenEditorTest::refreshWhileOpen()
     QCOMPARE(bench.written(), QStringList());
 }
 
-void OpenEditorTest::typedTextOutlastsNewsOfOtherRows_data()
+void OpenEditorTest::typingSurvivesUpdatesOfOtherRows_data()
 {
     QTest::addColumn<bool>("byName");
     QTest::addColumn<QString>("name");
@@ -265,11 +265,11 @@ void OpenEditorTest::typedTextOutlastsNewsOfOtherRows_data()
     QTest::newRow("by name, slider") << true << "E";
 }
 
-void OpenEditorTest::typedTextOutlastsNewsOfOtherRows()
+void OpenEditorTest::typingSurvivesUpdatesOfOtherRows()
 {
     QFETCH(const bool, byName);
     QFETCH(const QString, name);
-    // By name each that is edited stands between two that stand together by category.
+    // Sorted by name, each edited row separates two rows that are adjacent by category.
     NodeSpec percent = features::percent();
     percent.name = "E";
     EditorBench bench({features::integer("A", 1, 0, 10), features::integer("C", 1, 0, 10),

@@ -17,7 +17,7 @@ private slots:
     void fragments();
     void arguments_data();
     void arguments();
-    void argumentsAreNoTemplates();
+    void argumentsAreNotExpanded();
     void preamble();
     void failureLines_data();
     void failureLines();
@@ -104,7 +104,7 @@ void OperationLogTest::arguments()
     QTEST(OperationLog::text(static_cast<Fragment>(fragment), argument), "text");
 }
 
-void OperationLogTest::argumentsAreNoTemplates()
+void OperationLogTest::argumentsAreNotExpanded()
 {
     QCOMPARE(OperationLog::text(Fragment::StringWrite, "%1 <b>%2</b>\n"),
              QString("status = Orvo::Nd_SetStrValue(hCam, hNode, \"%1 <b>%2</b>\n\");\n"));

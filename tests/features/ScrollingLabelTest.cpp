@@ -32,7 +32,7 @@ QScrollBar& scrollBar(const ScrollingLabel& label)
     return *label.findChild<QScrollBar*>();
 }
 
-/// As high as it asks to be.
+/// Shows the label at its preferred height.
 void show(ScrollingLabel& label)
 {
     label.resize(kWidth, label.heightForWidth(kWidth));
@@ -40,13 +40,13 @@ void show(ScrollingLabel& label)
     QVERIFY(QTest::qWaitForWindowExposed(&label, kPatienceMs));
 }
 
-/// What is seen left of a scroll bar.
+/// The left half of the label, without the scroll bar.
 QImage picture(QLabel& label)
 {
     return label.grab(QRect(0, 0, kWidth / 2, label.height())).toImage();
 }
 
-/// What of a widget was painted.
+/// Records the painted area of a widget.
 class PaintedArea : public QObject {
 public:
     explicit PaintedArea(QWidget* widget)
@@ -69,23 +69,23 @@ class ScrollingLabelTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void asHighAsItsLines_data();
-    void asHighAsItsLines();
-    void asksForNoMoreWithAnyText_data();
-    void asksForNoMoreWithAnyText();
+    void heightFollowsTheNumberOfLines_data();
+    void heightFollowsTheNumberOfLines();
+    void sizeHintIsBoundedForAnyText_data();
+    void sizeHintIsBoundedForAnyText();
     void looksLikeAnyLabel_data();
     void looksLikeAnyLabel();
-    void hasAScrollBarWhereTheTextDoesNotFit();
-    void theWheelShowsTheRest();
-    void scrollingPaints();
-    void theScrollBarShowsTheEnd();
-    void anotherTextIsShownFromItsBeginning();
-    void theSameTextStaysWhereItIs();
-    void aWideWordIsBroken();
-    void anotherFontIsLaidOutAnew();
+    void scrollBarAppearsWhereTheTextDoesNotFit();
+    void theWheelScrollsToTheRest();
+    void scrollingRepaints();
+    void theScrollBarReachesTheEnd();
+    void aNewTextIsShownFromItsBeginning();
+    void theSameTextKeepsItsScrollPosition();
+    void aWideWordIsWrapped();
+    void aNewFontUpdatesTheLayout();
 };
 
-void ScrollingLabelTest::asHighAsItsLines_data()
+void ScrollingLabelTest::heightFollowsTheNumberOfLines_data()
 {
     QTest::addColumn<int>("lines");
     QTest::addColumn<int>("high");
@@ -96,17 +96,17 @@ void ScrollingLabelTest::asHighAsItsLines_data()
     QTest::newRow("1000") << 1000 << 5;
 }
 
-void ScrollingLabelTest::asHighAsItsLines()
+void ScrollingLabelTest::heightFollowsTheNumberOfLines()
 {
     QFETCH(int, lines);
     QFETCH(int, high);
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, lines));
-    QCOMPARE(label.text(), numberedLines(1, lines)); // all of it
+    QCOMPARE(label.text(), numberedLines(1, lines)); // the complete text
     QCOMPARE(label.heightForWidth(kWidth), heightOf(high, label));
 }
 
-void ScrollingLabelTest::asksForNoMoreWithAnyText_data()
+void ScrollingLabelTest::sizeHintIsBoundedForAnyText_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("lines") << numberedLines(1, 1000);
@@ -115,7 +115,7 @@ void ScrollingLabelTest::asksForNoMoreWithAnyText_data()
     QTest::newRow("one word") << QString(65000, 'w');
 }
 
-void ScrollingLabelTest::asksForNoMoreWithAnyText()
+void ScrollingLabelTest::sizeHintIsBoundedForAnyText()
 {
     QFETCH(QString, text);
     ScrollingLabel label(kMostLines);
@@ -155,7 +155,7 @@ void ScrollingLabelTest::looksLikeAnyLabel()
     QCOMPARE(label.grab().toImage(), other.grab().toImage());
 }
 
-void ScrollingLabelTest::hasAScrollBarWhereTheTextDoesNotFit()
+void ScrollingLabelTest::scrollBarAppearsWhereTheTextDoesNotFit()
 {
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, kMostLines + 1));
@@ -171,7 +171,7 @@ void ScrollingLabelTest::hasAScrollBarWhereTheTextDoesNotFit()
     QVERIFY(scrollBar(label).isHidden());
 }
 
-void ScrollingLabelTest::theWheelShowsTheRest()
+void ScrollingLabelTest::theWheelScrollsToTheRest()
 {
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, 100));
@@ -184,7 +184,7 @@ void ScrollingLabelTest::theWheelShowsTheRest()
     QCOMPARE(picture(label), beginning);
 }
 
-void ScrollingLabelTest::scrollingPaints()
+void ScrollingLabelTest::scrollingRepaints()
 {
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, 100));
@@ -195,7 +195,7 @@ void ScrollingLabelTest::scrollingPaints()
     QTRY_VERIFY(painted.area.contains(QRect(0, 0, kWidth / 2, label.height())));
 }
 
-void ScrollingLabelTest::theScrollBarShowsTheEnd()
+void ScrollingLabelTest::theScrollBarReachesTheEnd()
 {
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, 100));
@@ -208,7 +208,7 @@ void ScrollingLabelTest::theScrollBarShowsTheEnd()
     QCOMPARE(picture(label), picture(end));
 }
 
-void ScrollingLabelTest::anotherTextIsShownFromItsBeginning()
+void ScrollingLabelTest::aNewTextIsShownFromItsBeginning()
 {
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, 100));
@@ -218,7 +218,7 @@ void ScrollingLabelTest::anotherTextIsShownFromItsBeginning()
     QCOMPARE(scrollBar(label).value(), 0);
 }
 
-void ScrollingLabelTest::theSameTextStaysWhereItIs()
+void ScrollingLabelTest::theSameTextKeepsItsScrollPosition()
 {
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, 100));
@@ -230,18 +230,18 @@ void ScrollingLabelTest::theSameTextStaysWhereItIs()
     QCOMPARE(scrollBar(label).value(), value);
 }
 
-void ScrollingLabelTest::aWideWordIsBroken()
+void ScrollingLabelTest::aWideWordIsWrapped()
 {
     ScrollingLabel label(kMostLines);
     label.showText(QString(65000, 'w'));
     show(label);
-    // None of it is cut off: what is seen, times the screenfuls, is the whole word.
+    // Nothing is cut off: the scrollable height has room for the whole word.
     const int perLine = kWidth / label.fontMetrics().horizontalAdvance('w');
     const int lines = (scrollBar(label).maximum() + label.height()) / label.fontMetrics().lineSpacing();
     QVERIFY2(lines >= 65000 / perLine, qPrintable(QString::number(lines)));
 }
 
-void ScrollingLabelTest::anotherFontIsLaidOutAnew()
+void ScrollingLabelTest::aNewFontUpdatesTheLayout()
 {
     ScrollingLabel label(kMostLines);
     label.showText(numberedLines(1, kMostLines));

@@ -14,7 +14,7 @@
 #include <functional>
 #include <memory>
 
-/// A slider editor by itself in a window, over an item without a view: the base of a test of it.
+/// Test base: a slider editor on its own in a window, for an item without a view.
 class SliderBench {
 public:
     Q_DISABLE_COPY_MOVE(SliderBench)
@@ -27,13 +27,13 @@ protected:
     void open();
     void close();
 
-    /// Opens the camera with this one feature and gives its item, with its range read.
+    /// Opens the camera with this single feature and returns its item, with the range already read.
     GenAPINodeItem* itemOf(const scripted::NodeSpec& spec);
-    /// Changes the camera's feature, and loads the editor again.
+    /// Changes the camera's feature and reloads the editor.
     void changeRange(const std::function<void(scripted::NodeSpec&)>& change);
-    /// With the focus.
+    /// Shows the editor and gives it the focus.
     void showEditor();
-    /// The values that the camera got since the item was made or the calls were cleared.
+    /// The values written since the item was created or the calls were cleared.
     [[nodiscard]] static QStringList written();
 
     [[nodiscard]] QLineEdit& lineEdit() { return *m_editor->findChild<QLineEdit*>(); }

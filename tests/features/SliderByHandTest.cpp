@@ -1,4 +1,4 @@
-// The slider editor in the table, used as a user uses it: what the camera gets, and what is shown.
+// The slider editor in the table, operated by mouse and keyboard: what is written and what is shown.
 
 #include "tests/features/EditorBench.h"
 #include "tests/support/TestProgram.h"
@@ -16,24 +16,24 @@ class SliderByHandTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void typedAtOnce();
+    void typingReplacesTheSelectedText();
     void escapeWritesNothing_data();
     void escapeWritesNothing();
-    void leftUnchangedWritesItsText();
-    void left_data();
-    void left();
+    void leavingItUnchangedWritesItsText();
+    void leavingWritesTheValue_data();
+    void leavingWritesTheValue();
     void dragged();
-    void draggedLastMoveIsWrittenByTheCommit();
+    void commitWritesTheLastMoveOfADrag();
     void byArrowKeys();
     void byWheel();
     void byPage();
-    void typedNonsense();
-    void ofAFixedValue();
+    void invalidTextIsRejected();
+    void fixedValueCannotBeEdited();
     void ofAllOf64Bits();
 };
 
-// Enter finishes the line edit and then commits the editor, and each of the two writes.
-void SliderByHandTest::typedAtOnce()
+// Enter finishes the line edit and then commits the editor; each of the two writes.
+void SliderByHandTest::typingReplacesTheSelectedText()
 {
     EditorBench bench({features::withUnit(features::percent(), "%")});
     auto* editor = bench.openAs<LineEditWithSlider>("Percent");
@@ -78,7 +78,7 @@ void SliderByHandTest::escapeWritesNothing()
     QCOMPARE(bench.table().currentIndex(), current);
 }
 
-void SliderByHandTest::leftUnchangedWritesItsText()
+void SliderByHandTest::leavingItUnchangedWritesItsText()
 {
     EditorBench bench(features::beside(features::linear(features::real("Gain", 1.23456, 0, 24))));
     bench.openAs<LineEditWithSlider>("Gain");
@@ -87,7 +87,7 @@ void SliderByHandTest::leftUnchangedWritesItsText()
     QCOMPARE(bench.written().last(), QString("Gain = 1.23"));
 }
 
-void SliderByHandTest::left_data()
+void SliderByHandTest::leavingWritesTheValue_data()
 {
     QTest::addColumn<bool>("fromSlider");
     QTest::addColumn<QString>("how");
@@ -97,7 +97,7 @@ void SliderByHandTest::left_data()
     }
 }
 
-void SliderByHandTest::left()
+void SliderByHandTest::leavingWritesTheValue()
 {
     QFETCH(const bool, fromSlider);
     QFETCH(const QString, how);
@@ -117,7 +117,7 @@ void SliderByHandTest::left()
     QVERIFY(bench.editor() == nullptr);
     const int writes = bench.written().size();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(bench.written().size(), writes); // nothing comes after it
+    QCOMPARE(bench.written().size(), writes); // destroying the editor writes nothing more
 }
 
 void SliderByHandTest::dragged()
@@ -133,7 +133,7 @@ void SliderByHandTest::dragged()
     QTRY_COMPARE(bench.written(), QStringList{"Percent = " + first});
     QCOMPARE(bench.shown("Percent"), first + " %");
     QCOMPARE(bench.editor(), editor);
-    // The write loaded the editor again, which ended the press: written as before, shown when it is written.
+    // The write reloaded the editor, which ended the press: moves are still written, but shown only then.
     drag.to(0.75);
     const QString second = QString::number(sliderOf(editor)->value());
     QTRY_COMPARE(bench.written().last(), "Percent = " + second);
@@ -145,7 +145,7 @@ void SliderByHandTest::dragged()
     QVERIFY(bench.editor() == nullptr);
 }
 
-void SliderByHandTest::draggedLastMoveIsWrittenByTheCommit()
+void SliderByHandTest::commitWritesTheLastMoveOfADrag()
 {
     for (const bool byEnter : {true, false}) {
         EditorBench bench(features::beside(features::percent()));
@@ -161,8 +161,8 @@ void SliderByHandTest::draggedLastMoveIsWrittenByTheCommit()
     }
 }
 
-// Keys, wheel and page steps move the slider without showing or writing its value; Enter writes it, going elsewhere
-// writes the text.
+// Keys, wheel and page steps move the slider without showing or writing its value; Enter writes the value, leaving
+// the editor writes the text.
 void SliderByHandTest::byArrowKeys()
 {
     for (const bool byEnter : {true, false}) {
@@ -207,7 +207,7 @@ void SliderByHandTest::byPage()
     QCOMPARE(bench.written(), QStringList{"Percent = 47"});
 }
 
-void SliderByHandTest::typedNonsense()
+void SliderByHandTest::invalidTextIsRejected()
 {
     EditorBench bench({features::withUnit(features::percent(), "%")});
     bench.openAs<LineEditWithSlider>("Percent");
@@ -217,13 +217,13 @@ void SliderByHandTest::typedNonsense()
     QCOMPARE(bench.shown("Percent"), QString("37 %"));
 }
 
-void SliderByHandTest::ofAFixedValue()
+void SliderByHandTest::fixedValueCannotBeEdited()
 {
     EditorBench bench(features::beside(features::linear(features::integer("Fixed", 7, 7, 7))));
     auto* editor = bench.openAs<LineEditWithSlider>("Fixed");
     QVERIFY(!lineEditOf(editor)->isEnabled());
     QCOMPARE(lineEditOf(editor)->toolTip(), QString("This value is fixed value."));
-    QVERIFY(QApplication::focusWidget() == editor); // so that keys reach it
+    QVERIFY(QApplication::focusWidget() == editor); // the editor itself receives the keys
     EditorBench::press(Qt::Key_Escape);
     QVERIFY(bench.editor() == nullptr);
     QVERIFY(bench.table().hasFocus());

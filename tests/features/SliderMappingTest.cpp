@@ -1,4 +1,4 @@
-// The arithmetic between node values and slider positions, with ranges that a camera should not have among them.
+// Mapping between node values and slider positions, including ranges that no sane camera has.
 
 #include "features/editors/LineEditWithSliderMapping.h"
 #include "tests/support/TestProgram.h"
@@ -13,7 +13,7 @@ namespace {
 
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr int wrapped = INT_MIN; // what a position beyond 32 bits becomes
+constexpr int wrapped = INT_MIN; // the result for positions beyond 32 bits
 
 SliderMapping ofInts(std::int64_t minimum, std::int64_t maximum, std::int64_t increment = 1)
 {
@@ -52,9 +52,9 @@ private slots:
     void floatLinear();
     void floatLog_data();
     void floatLog();
-    void loadingStartsAnew();
+    void loadingResetsTheMapping();
 
-    void valuesAreClampedBeforeTheyArePlaced();
+    void valuesAreClampedBeforeTheyAreMapped();
     void logRangeOfZeroIsPositionOne();
     void intOfPosition_data();
     void intOfPosition();
@@ -146,7 +146,7 @@ void SliderMappingTest::intLog_data()
     row("middle of 64 bits", INT64_MIN, INT64_MAX, 0, std::pow(2.0, 63), std::log(std::pow(2.0, 64)), 10000, 9843);
     row("end of 64 bits", INT64_MIN, INT64_MAX, INT64_MAX, std::pow(2.0, 63), std::log(std::pow(2.0, 64)), 10000,
         10000);
-    // One is nothing beside 2^63, so this is the logarithm of zero.
+    // Adding 1 is lost in rounding next to 2^63, so this is the logarithm of zero.
     row("start of 64 bits", INT64_MIN, INT64_MAX, INT64_MIN, std::pow(2.0, 63), std::log(std::pow(2.0, 64)), 10000,
         wrapped);
     row("too far out for a double", (qint64{1} << 62), (qint64{1} << 62) + 1, qint64{1} << 62, -std::pow(2.0, 62), -inf,
@@ -244,7 +244,7 @@ void SliderMappingTest::floatLog_data()
     row("span of 255", 0, 255, 255, 1e5, 1, std::log(25500001.0), 10000, 10000);
     row("span of 256", 0, 256, 15, 1, 1, std::log(257.0), 10000, 4996);
     row("minimum is scaled too", 1, 2, 1, 1e7, 1 - 1e7, std::log(10000001.0), 10000, 0);
-    // 16777215.x is multiplied once more, 16777216.x is not.
+    // The scale grows again at 16777215.x, but not at 16777216.x.
     row("just within 24 bits", 0, 167.772155, 0, 1e6, 1, std::log(167772156.0), 10000, 0);
     row("just beyond 24 bits", 0, 167.772165, 0, 1e5, 1, std::log(16777217.5), 10000, 0);
     row("exposure time", 10, 1000000, 10, 1, -9, std::log(999991.0), 10000, 0);
@@ -276,7 +276,7 @@ void SliderMappingTest::floatLog()
     QTEST(positions.position, "position");
 }
 
-void SliderMappingTest::loadingStartsAnew()
+void SliderMappingTest::loadingResetsTheMapping()
 {
     SliderMapping mapping = ofInts(0, 1073741824);
     static_cast<void>(loadIntLinear(mapping, 0));
@@ -298,7 +298,7 @@ void SliderMappingTest::loadingStartsAnew()
 
 // --- Between values and positions -----------------------------------------------------------------------------------
 
-void SliderMappingTest::valuesAreClampedBeforeTheyArePlaced()
+void SliderMappingTest::valuesAreClampedBeforeTheyAreMapped()
 {
     SliderMapping ints = ofInts(-10, 100);
     static_cast<void>(loadIntLinear(ints, 0));
@@ -312,14 +312,14 @@ void SliderMappingTest::valuesAreClampedBeforeTheyArePlaced()
     QCOMPARE(floatToPosition(floats, false, 0.5), 500);
     QCOMPARE(floatToPosition(floats, false, 1e9), 1000);
 
-    // An empty range has one place.
+    // An empty range has a single position.
     QCOMPARE(intToPosition(ofInts(7, 7), false, 9), 7);
     QCOMPARE(intToPosition(ofInts(7, 7), true, 9), 0);
     QCOMPARE(floatToPosition(ofFloats(7.9, 7.9), false, 9), 7);
     QCOMPARE(floatToPosition(ofFloats(7.9, 7.9), true, 9), 0);
 }
 
-// Integers only: a float has no such test.
+// Integers only: floats have no such special case.
 void SliderMappingTest::logRangeOfZeroIsPositionOne()
 {
     QCOMPARE(intToPosition(ofInts(0, 100), true, 50), 1);
@@ -351,7 +351,7 @@ void SliderMappingTest::intOfPosition_data()
     row("logarithmic, middle", true, 1, 1000000, 1, 5000, 999); // truncated
     row("logarithmic, on a step", true, 0, 4096, 16, 5000, 64);
     row("logarithmic, fixed", true, 7, 7, 1, 0, 7);
-    row("logarithmic, end of 64 bits", true, INT64_MIN, INT64_MAX, 1, 10000, INT64_MAX - 26623); // as exp() gives it
+    row("logarithmic, end of 64 bits", true, INT64_MIN, INT64_MAX, 1, 10000, INT64_MAX - 26623); // rounding of exp()
     row("logarithmic, 2^63 does not wrap", true, -1000000, INT64_MAX, 1, 10000, INT64_MAX);
     row("logarithmic, start of 64 bits", true, INT64_MIN, INT64_MAX, 1, 0, INT64_MIN);
     row("logarithmic, too far out for a double", true, qint64{1} << 62, (qint64{1} << 62) + 1, 1, 0, qint64{1} << 62);

@@ -38,7 +38,7 @@ private slots:
     void readOnlyCellOpensNoEditorButIsSelectedAndDescribed();
     void accessModes_data();
     void accessModes();
-    void accessModeIsReadAnewBeforeItIsTested();
+    void accessModeIsReadAgainBeforeItIsTested();
     void noEditorDuringAWrite();
     void openingDescribesTheFeature();
 
@@ -57,20 +57,20 @@ private slots:
     void lineEditIsCommittedOnce();
     void lineEditShowsWhatTheItemHolds();
     void sliderIsCommitted();
-    void othersAreNotCommitted_data();
-    void othersAreNotCommitted();
-    void commitReadsEveryFeatureOnce();
+    void otherEditorsAreNotCommitted_data();
+    void otherEditorsAreNotCommitted();
+    void commitUpdatesAllFeaturesOnce();
     void commitWithoutAWriteReadsNothing();
     void commitReadsNothingWithoutAutoReRead();
 
     void geometryIsTheCell();
     void hiddenRowsAreNotPainted();
-    void noEditorIsNothing();
+    void nullEditorIsIgnored();
     void demonstrationRows();
     void withoutView();
 
 private:
-    /// A feature of every kind; "Kind" is the one that opens the editor of that kind.
+    /// One feature for each editor kind that a node selects by itself.
     static std::vector<NodeSpec> everyKind();
     [[nodiscard]] static TableViewItemDelegate& delegateOf(EditorBench& bench)
     {
@@ -81,7 +81,7 @@ private:
         const QModelIndex index = bench.features().cell(name, column);
         return std::unique_ptr<QWidget>(delegateOf(bench).createEditor(nullptr, {}, index));
     }
-    /// Made and loaded.
+    /// Creates the editor and loads it.
     template <typename Editor>
     [[nodiscard]] static std::unique_ptr<Editor> load(EditorBench& bench, const QString& name)
     {
@@ -108,13 +108,13 @@ std::vector<NodeSpec> TableViewItemDelegateTest::everyKind()
             features::text("Text", "words")};
 }
 
-/// Gives a feature an editor that nodes do not choose.
+/// Gives a feature an editor kind that no node selects by itself.
 void setKind(EditorBench& bench, const QString& name, int kind)
 {
     bench.item(name)->setData(kind, EditorKindRole);
 }
 
-// --- Making ---------------------------------------------------------------------------------------------------------
+// --- Creating -------------------------------------------------------------------------------------------------------
 
 void TableViewItemDelegateTest::editorsByKind_data()
 {
@@ -160,7 +160,7 @@ void TableViewItemDelegateTest::setUpOfEachEditor()
     QCOMPARE(spinBox->maximum(), 100);
 }
 
-/// As styles with flat widgets are, only more so: it leaves every panel out.
+/// An extreme flat style: it draws no panels at all.
 class FlatStyle : public QProxyStyle {
 public:
     void drawPrimitive(PrimitiveElement, const QStyleOption*, QPainter*, const QWidget*) const override {}
@@ -191,7 +191,7 @@ void TableViewItemDelegateTest::editorCoversTheTextOfItsCell()
     const QColor cell(Qt::magenta);
     QImage image(editor->size(), QImage::Format_RGB32);
     image.fill(cell);
-    editor->render(&image, {}, {}, QWidget::DrawChildren); // the background only where the editor itself fills it
+    editor->render(&image, {}, {}, QWidget::DrawChildren); // no background unless the editor fills it itself
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)
             QVERIFY2(image.pixelColor(x, y) != cell, qPrintable(QString("%1, %2").arg(x).arg(y)));
@@ -204,7 +204,7 @@ void TableViewItemDelegateTest::columnsZeroAndOneNeverGetAnEditor()
     QVERIFY(make(bench, "Number", 2) != nullptr);
     for (const int column : {0, 1}) {
         QVERIFY(make(bench, "Number", column) == nullptr);
-        // Not even where the cell names a kind.
+        // Not even where the cell has an editor kind.
         bench.table().model()->setData(bench.features().cell("Number", column), 1, EditorKindRole);
         QVERIFY(make(bench, "Number", column) == nullptr);
         bench.click("Number", column);
@@ -246,7 +246,7 @@ void TableViewItemDelegateTest::accessModes()
     QCOMPARE(make(bench, "Number") != nullptr, opens);
 }
 
-void TableViewItemDelegateTest::accessModeIsReadAnewBeforeItIsTested()
+void TableViewItemDelegateTest::accessModeIsReadAgainBeforeItIsTested()
 {
     EditorBench bench({features::withAccess(features::integer("Number", 1, 0, 10), Orvo::NODE_ACCESS_MODE_RO)});
     QVERIFY(bench.open("Number") == nullptr);
@@ -273,7 +273,7 @@ void TableViewItemDelegateTest::openingDescribesTheFeature()
     EditorBench bench(everyKind());
     static_cast<void>(make(bench, "Choice"));
     QCOMPARE(heading(bench), QString("Description: Choice (Enumeration node)"));
-    // Also where no editor opens.
+    // Even where no editor opens.
     static_cast<void>(make(bench, "Text", 0));
     QCOMPARE(heading(bench), QString("Description: Text (String node)"));
     delegateOf(bench).setWriteInProgress(true);
@@ -396,7 +396,7 @@ void TableViewItemDelegateTest::reloadedEditorWritesOnce()
     QCOMPARE(bench.written(), QStringList{written});
 }
 
-// The view loads the open editor again whenever its cell changes, and a write changes it before it returns.
+// The view reloads the open editor whenever its cell changes, and a write changes the cell before it returns.
 void TableViewItemDelegateTest::reloadDuringTheWrite()
 {
     EditorBench bench({features::enumeration("Choice", 1, {"One", "Two", "Three"})});
@@ -439,7 +439,7 @@ void TableViewItemDelegateTest::lineEditIsCommittedOnce()
     EditorBench bench({features::integer("Number", 37, 0, 100)});
     const auto lineEdit = load<QLineEdit>(bench, "Number");
     lineEdit->setText("42");
-    emit lineEdit->editingFinished(); // the item has a slot of that name, which is connected to nothing
+    emit lineEdit->editingFinished(); // must not reach the item's slot
     QCOMPARE(bench.written(), QStringList());
     commit(bench, lineEdit.get(), "Number");
     QCOMPARE(bench.written(), QStringList{"Number = 42"});
@@ -467,7 +467,7 @@ void TableViewItemDelegateTest::sliderIsCommitted()
     QCOMPARE(bench.shown("Slider"), QString("42"));
 }
 
-void TableViewItemDelegateTest::othersAreNotCommitted_data()
+void TableViewItemDelegateTest::otherEditorsAreNotCommitted_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("kind");
@@ -476,7 +476,7 @@ void TableViewItemDelegateTest::othersAreNotCommitted_data()
     QTest::newRow("button") << "Command" << 4;
 }
 
-void TableViewItemDelegateTest::othersAreNotCommitted()
+void TableViewItemDelegateTest::otherEditorsAreNotCommitted()
 {
     QFETCH(const QString, name);
     QFETCH(const int, kind);
@@ -488,7 +488,7 @@ void TableViewItemDelegateTest::othersAreNotCommitted()
     QCOMPARE(EditorBench::reads(), 0);
 }
 
-void TableViewItemDelegateTest::commitReadsEveryFeatureOnce()
+void TableViewItemDelegateTest::commitUpdatesAllFeaturesOnce()
 {
     EditorBench bench(everyKind());
     const auto lineEdit = load<QLineEdit>(bench, "Number");
@@ -522,7 +522,7 @@ void TableViewItemDelegateTest::commitReadsNothingWithoutAutoReRead()
     QCOMPARE(bench.written(), QStringList{"Number = 42"});
     QCOMPARE(EditorBench::reads(), 0);
 
-    // An editor that writes nothing at its end leads to the reading all the same, of what another way wrote.
+    // Committing an editor that writes nothing itself still triggers the update for an earlier write.
     bench.view().setAutoReRead(true);
     const auto button = load<QPushButton>(bench, "Command");
     commit(bench, button.get(), "Command");
@@ -567,10 +567,10 @@ void TableViewItemDelegateTest::hiddenRowsAreNotPainted()
     QVERIFY(painted());
 }
 
-void TableViewItemDelegateTest::noEditorIsNothing()
+void TableViewItemDelegateTest::nullEditorIsIgnored()
 {
     EditorBench bench(everyKind());
-    bench.item("Number")->setNodeValue(QString("5")); // so that a commit would read
+    bench.item("Number")->setNodeValue(QString("5")); // a commit would now trigger an update
     scripted::clearCalls();
     delegateOf(bench).setEditorData(nullptr, bench.valueCell("Number"));
     commit(bench, nullptr, "Number");
@@ -578,7 +578,7 @@ void TableViewItemDelegateTest::noEditorIsNothing()
     QVERIFY(scripted::calls().empty());
 }
 
-// Rows of plain items: no node, nothing to write.
+// Rows of plain items have no node and write nothing.
 void TableViewItemDelegateTest::demonstrationRows()
 {
     EditorBench bench(everyKind());
@@ -590,7 +590,7 @@ void TableViewItemDelegateTest::demonstrationRows()
     scripted::clearCalls();
     for (const char* name : {"Width", "Height", "OffsetX", "OffsetY", "Exposure", "Gain", "Gamma"}) {
         QVERIFY(bench.open(name) == nullptr);
-        // Editors that are there for another reason are loaded and stored as far as that goes.
+        // Editors passed in anyway are loaded and stored as far as possible.
         QLineEdit lineEdit;
         QSpinBox spinBox;
         QComboBox comboBox;

@@ -1,4 +1,4 @@
-// The delegate that is keyed by editor names, over a model of plain items.
+// The delegate that selects editors by name, on a model of plain items.
 
 #include "features/editors/TreeViewItemDelegate.h"
 #include "tests/support/TestProgram.h"
@@ -30,10 +30,10 @@ private slots:
     void onlyColumnZero();
     void loadAndStore_data();
     void loadAndStore();
-    void typedTextOfASpinBoxCounts();
-    void comboBoxKeepsItsEntryWhereTheTextIsNone();
+    void typedTextOfASpinBoxIsStored();
+    void comboBoxKeepsItsEntryForUnknownTexts();
     void geometryIsTheCell();
-    void noEditorIsNothing();
+    void nullEditorIsIgnored();
 
 private:
     [[nodiscard]] QModelIndex cell(const char* editorName, const QVariant& value, int column = 0);
@@ -132,7 +132,7 @@ void TreeViewItemDelegateTest::loadAndStore()
     QTEST(index.data(Qt::EditRole), "stored");
 }
 
-void TreeViewItemDelegateTest::typedTextOfASpinBoxCounts()
+void TreeViewItemDelegateTest::typedTextOfASpinBoxIsStored()
 {
     const QModelIndex index = cell("SpinBox", 1);
     const auto made = editor(index);
@@ -146,7 +146,7 @@ void TreeViewItemDelegateTest::typedTextOfASpinBoxCounts()
     QCOMPARE(index.data(Qt::EditRole), QVariant(42));
 }
 
-void TreeViewItemDelegateTest::comboBoxKeepsItsEntryWhereTheTextIsNone()
+void TreeViewItemDelegateTest::comboBoxKeepsItsEntryForUnknownTexts()
 {
     const QModelIndex index = cell("ComboBox", "four");
     const auto made = editor(index);
@@ -167,7 +167,7 @@ void TreeViewItemDelegateTest::geometryIsTheCell()
     QCOMPARE(made->geometry(), option.rect);
 }
 
-void TreeViewItemDelegateTest::noEditorIsNothing()
+void TreeViewItemDelegateTest::nullEditorIsIgnored()
 {
     const QModelIndex index = cell("TextBox", "x");
     m_delegate.setEditorData(nullptr, index);

@@ -1,4 +1,4 @@
-// Rows that go while one of them is read: who hears of a reading may show another camera.
+// Rows deleted while one of them is read: a handler of the log may show another camera.
 
 #include "features/description/DescBox.h"
 #include "features/editors/TableViewItemDelegate.h"
@@ -23,12 +23,12 @@ class VanishingRowsTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void whileAnEditorOpens();
-    void whileEverythingIsRead();
-    void whileTheTableHearsOfChangedRows();
+    void rowsVanishWhileAnEditorOpens();
+    void rowsVanishDuringAnUpdate();
+    void rowsVanishDuringDataChanged();
 };
 
-/// Empties the view when the maximum of a feature was read, which its item does last.
+/// Empties the view when the maximum of a feature, the last read of an item, is logged.
 void emptyWhenRead(FeatureView& view)
 {
     view.setOpeLogLevel(OpeLogRange);
@@ -38,7 +38,7 @@ void emptyWhenRead(FeatureView& view)
     });
 }
 
-void VanishingRowsTest::whileAnEditorOpens()
+void VanishingRowsTest::rowsVanishWhileAnEditorOpens()
 {
     FeatureTable features({category("Root", {"A"}), feature("A")});
     features.view().selectSortAtoZ();
@@ -51,7 +51,7 @@ void VanishingRowsTest::whileAnEditorOpens()
     QCOMPARE(features.view().descBox()->getCurrentIndex(), -1);
 }
 
-void VanishingRowsTest::whileEverythingIsRead()
+void VanishingRowsTest::rowsVanishDuringAnUpdate()
 {
     FeatureTable features({category("Root", {"A", "B"}), feature("A"), feature("B")});
     const QPointer<GenAPINodeItem> item = features.item("A");
@@ -63,10 +63,10 @@ void VanishingRowsTest::whileEverythingIsRead()
     QCOMPARE(features.rowsModel().rowCount(), 0);
 }
 
-void VanishingRowsTest::whileTheTableHearsOfChangedRows()
+void VanishingRowsTest::rowsVanishDuringDataChanged()
 {
     FeatureTable features({category("Root", {"A", "B", "C"}), feature("A"), feature("B"), feature("C")});
-    for (const char* name : {"A", "C"}) // two runs of rows, with one between them that stays as it is
+    for (const char* name : {"A", "C"}) // two ranges of changed rows around an unchanged one
         scripted::changeNode(name, [](scripted::NodeSpec& spec) { spec.intValue = 77; });
     int heard = 0;
     connect(&features.rowsModel(), &QAbstractItemModel::dataChanged, this, [&] {
