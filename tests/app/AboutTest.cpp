@@ -1,4 +1,4 @@
-// The About box: its texts to the last blank, its layout, and what it does where the camera API does not answer.
+// The About box: its exact texts, its layout, and what it shows when the camera API fails.
 
 #include "tests/support/MarkingTranslator.h"
 #include "tests/support/ScriptedCamera.h"
@@ -25,21 +25,21 @@ private slots:
 
     void textOnSuccess();
     void textsAreUtf8();
-    void textEndsAtTheFirstNul();
-    void fieldsEndWhereTheyEnd();
+    void textsEndAtTheFirstNul();
+    void unterminatedFieldsEndAtTheirSize();
     void labelsAreTranslatable();
     void emptyDriverVersion();
     void allVersionsEmpty();
     void failureShowsVersionAndRightsOnly();
     void failureIsNeitherLoggedNorReported();
-    void versionsAreAskedForAtEveryOpening();
-    void lookOfTheBox();
+    void versionsAreReadEveryTimeTheBoxOpens();
+    void appearanceOfTheBox();
     void buttons();
-    void spacerStandsInTheLastRow();
+    void spacerIsInTheLastRow();
     void spacerKeepsTheBoxWide();
-    void boxIsModalAndGoneAfterwards();
+    void boxIsModalAndIsDestroyedOnClose();
     void worksWithAnOpenCamera();
-    void staysWhereTheCameraIsRemoved();
+    void staysOpenWhenTheCameraIsRemoved();
 
 private:
     /// Opens the box, calls `look` with it and closes it by its button.
@@ -83,12 +83,12 @@ void AboutTest::textOnSuccess()
                                         "\n  OrvoCamApi    : 10";
     QCOMPARE(text.left(expected.size()), expected);
 
-    // The rights line ends the text; what stands before it is all there is besides.
+    // Only the rights line follows the expected text.
     const QString rights = text.mid(expected.size());
     QVERIFY(!rights.trimmed().isEmpty());
     QCOMPARE(rights.trimmed().count('\n'), 0);
 
-    // Every colon of the four stands in the same column.
+    // All four colons are in the same column.
     const QStringList lines = text.split('\n');
     for (int line = 2; line <= 5; ++line)
         QCOMPARE(lines.at(line).indexOf(" : "), lines.at(2).indexOf(" : "));
@@ -102,13 +102,13 @@ void AboutTest::textsAreUtf8()
     QVERIFY(text.contains(QString::fromUtf8("\n  OrvoU3vApi2   : 版本 2\n")));
 }
 
-void AboutTest::textEndsAtTheFirstNul()
+void AboutTest::textsEndAtTheFirstNul()
 {
     scripted::setSystemInformation(std::string("one\0two", 7), "x", "y", "z");
     QVERIFY(informativeText().contains("\n\n  OrvoU3vDriver : one\n  OrvoU3vApi2   : x\n"));
 }
 
-void AboutTest::fieldsEndWhereTheyEnd()
+void AboutTest::unterminatedFieldsEndAtTheirSize()
 {
     const std::string longest(63, 'a');
     const std::string unterminated(64, 'b');
@@ -118,7 +118,7 @@ void AboutTest::fieldsEndWhereTheyEnd()
                              "\n  OrvoU3vApi2   : " + QString(64, 'b') + "\n  OrvoU3vCamApi : " + QString(63, 'a') +
                              "\n  OrvoCamApi    : " + QString(64, 'b') + '\n';
     QCOMPARE(text.left(expected.size()), expected);
-    QVERIFY(!text.contains('X')); // what the record holds besides
+    QVERIFY(!text.contains('X')); // the bytes behind the terminators
 }
 
 void AboutTest::labelsAreTranslatable()
@@ -173,7 +173,7 @@ void AboutTest::failureIsNeitherLoggedNorReported()
     QCOMPARE(driver->log(), QStringList());
 }
 
-void AboutTest::versionsAreAskedForAtEveryOpening()
+void AboutTest::versionsAreReadEveryTimeTheBoxOpens()
 {
     scripted::setSystemInformation("old", "", "", "");
     QVERIFY(informativeText().contains("OrvoU3vDriver : old\n"));
@@ -184,7 +184,7 @@ void AboutTest::versionsAreAskedForAtEveryOpening()
 
 // --- Look -----------------------------------------------------------------------------------------------------------
 
-void AboutTest::lookOfTheBox()
+void AboutTest::appearanceOfTheBox()
 {
     about([&](QMessageBox& box) {
         QCOMPARE(box.parentWidget(), static_cast<QWidget*>(&driver->window()));
@@ -209,7 +209,7 @@ void AboutTest::buttons()
     });
 }
 
-void AboutTest::spacerStandsInTheLastRow()
+void AboutTest::spacerIsInTheLastRow()
 {
     about([](QMessageBox& box) {
         auto* const grid = qobject_cast<QGridLayout*>(box.layout());
@@ -223,7 +223,7 @@ void AboutTest::spacerStandsInTheLastRow()
             grid->getItemPosition(i, &row, &column, &rowSpan, &columnSpan);
             const QSpacerItem* const spacer = grid->itemAt(i)->spacerItem();
             if (!spacer || spacer->sizeHint().width() != 545) {
-                QVERIFY2(row + rowSpan < grid->rowCount(), "only the spacer stands in the last row");
+                QVERIFY2(row + rowSpan < grid->rowCount(), "only the spacer is in the last row");
                 continue;
             }
             ++found;
@@ -241,7 +241,7 @@ void AboutTest::spacerStandsInTheLastRow()
 
 void AboutTest::spacerKeepsTheBoxWide()
 {
-    // Short texts alone would make a narrow box.
+    // With short texts only the spacer keeps the box wide.
     scripted::failCall("Sys_GetInformation", Orvo::CAM_API_STS_NOT_INITIALIZED);
     about([](QMessageBox& box) {
         const QMargins margins = box.layout()->contentsMargins();
@@ -249,7 +249,7 @@ void AboutTest::spacerKeepsTheBoxWide()
     });
 }
 
-void AboutTest::boxIsModalAndGoneAfterwards()
+void AboutTest::boxIsModalAndIsDestroyedOnClose()
 {
     QPointer<QMessageBox> seen;
     about([&](QMessageBox& box) {
@@ -272,7 +272,7 @@ void AboutTest::worksWithAnOpenCamera()
     QVERIFY(scripted::streaming());
 }
 
-void AboutTest::staysWhereTheCameraIsRemoved()
+void AboutTest::staysOpenWhenTheCameraIsRemoved()
 {
     driver = std::make_unique<WindowDriver>();
     driver->open();

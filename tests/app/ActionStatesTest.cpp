@@ -57,8 +57,8 @@ class ActionStatesTest : public QObject {
 private slots:
     void everyActionInEveryState_data();
     void everyActionInEveryState();
-    void otherValuesChangeNothing_data();
-    void otherValuesChangeNothing();
+    void invalidStatesChangeNothing_data();
+    void invalidStatesChangeNothing();
 };
 
 void ActionStatesTest::everyActionInEveryState_data()
@@ -89,14 +89,14 @@ void ActionStatesTest::everyActionInEveryState()
     }
 }
 
-void ActionStatesTest::otherValuesChangeNothing_data()
+void ActionStatesTest::invalidStatesChangeNothing_data()
 {
     QTest::addColumn<int>("state");
     for (const int state : {0, 6, 7})
         QTest::addRow("%d", state) << state;
 }
 
-void ActionStatesTest::otherValuesChangeNothing()
+void ActionStatesTest::invalidStatesChangeNothing()
 {
     QFETCH(int, state);
     QMainWindow window;

@@ -25,13 +25,13 @@ class CameraTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void openMakesItsCallsInOrder_data();
-    void openMakesItsCallsInOrder();
+    void openCallsInOrder_data();
+    void openCallsInOrder();
     void openReadsTheFeaturesLast();
     void openShowsViewAndFeatures();
     void openShowsAViewOfTheImageSize();
     void openWhileOpenDoesNothing();
-    void openIsOffWhileTheDialogIsShown();
+    void openIsDisabledWhileTheDialogIsShown();
     void cancellingTheDialogReturnsToIdle();
     void openTakesTheIndexOfTheChosenRow();
     void openFails();
@@ -43,30 +43,30 @@ private slots:
     void openFailsOnUnreadableImageParameters();
     void openOfAnEmptyImageShowsAPlaceholder_data();
     void openOfAnEmptyImageShowsAPlaceholder();
-    void waitCursorBeginsAfterTheDialog();
-    void waitCursorEndsWithEveryOpening();
-    void dialogBelongsToTheWindow();
-    void dialogReportsThroughTheLog();
+    void waitCursorIsSetAfterTheDialog();
+    void waitCursorIsRestoredAfterEveryOpening();
+    void dialogIsAChildOfTheWindow();
+    void dialogErrorsAreLogged();
 
-    void closeMakesItsCallsInOrder();
-    void closeEndsTheDisplayThreadFirst();
-    void closeTakesTheFeaturesFromTheirDock();
-    void closeGoesOnWhereCallsFail_data();
-    void closeGoesOnWhereCallsFail();
+    void closeCallsInOrder();
+    void closeStopsTheDisplayThreadFirst();
+    void closeRemovesTheFeaturesFromTheirDock();
+    void closeContinuesAfterFailingCalls_data();
+    void closeContinuesAfterFailingCalls();
     void closeResetsTheZoom();
     void closeAndOpenAgain();
 };
 
 // --- Opening --------------------------------------------------------------------------------------------------------
 
-void CameraTest::openMakesItsCallsInOrder_data()
+void CameraTest::openCallsInOrder_data()
 {
     QTest::addColumn<QByteArray>("action");
     QTest::newRow("tool bar") << QByteArray("actionOpen");
     QTest::newRow("menu") << QByteArray("action_Menu_Open");
 }
 
-void CameraTest::openMakesItsCallsInOrder()
+void CameraTest::openCallsInOrder()
 {
     QFETCH(const QByteArray, action);
     WindowDriver driver;
@@ -133,7 +133,7 @@ void CameraTest::openWhileOpenDoesNothing()
     QVERIFY(driver.enabled("actionClose"));
 }
 
-void CameraTest::openIsOffWhileTheDialogIsShown()
+void CameraTest::openIsDisabledWhileTheDialogIsShown()
 {
     WindowDriver driver;
     bool wasEnabled = true;
@@ -274,7 +274,7 @@ bool isWaitCursor()
     return cursor && cursor->shape() == Qt::WaitCursor;
 }
 
-void CameraTest::waitCursorBeginsAfterTheDialog()
+void CameraTest::waitCursorIsSetAfterTheDialog()
 {
     bool inTheDialog = true;
     bool whileFeaturesAreRead = false;
@@ -288,7 +288,7 @@ void CameraTest::waitCursorBeginsAfterTheDialog()
     QVERIFY(whileFeaturesAreRead);
 }
 
-void CameraTest::waitCursorEndsWithEveryOpening()
+void CameraTest::waitCursorIsRestoredAfterEveryOpening()
 {
     bool waited = false;
     WindowDriver driver;
@@ -304,7 +304,7 @@ void CameraTest::waitCursorEndsWithEveryOpening()
     QVERIFY(!QGuiApplication::overrideCursor());
 }
 
-void CameraTest::dialogBelongsToTheWindow()
+void CameraTest::dialogIsAChildOfTheWindow()
 {
     WindowDriver driver;
     const QWidget* parent = nullptr;
@@ -315,7 +315,7 @@ void CameraTest::dialogBelongsToTheWindow()
     QCOMPARE(parent, &driver.window());
 }
 
-void CameraTest::dialogReportsThroughTheLog()
+void CameraTest::dialogErrorsAreLogged()
 {
     WindowDriver driver;
     scripted::failCall("Cam_GetInformation", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING);
@@ -329,7 +329,7 @@ void CameraTest::dialogReportsThroughTheLog()
 
 // --- Closing --------------------------------------------------------------------------------------------------------
 
-void CameraTest::closeMakesItsCallsInOrder()
+void CameraTest::closeCallsInOrder()
 {
     WindowDriver driver;
     driver.open();
@@ -351,7 +351,7 @@ void CameraTest::closeMakesItsCallsInOrder()
     }
 }
 
-void CameraTest::closeEndsTheDisplayThreadFirst()
+void CameraTest::closeStopsTheDisplayThreadFirst()
 {
     bool ended = false;
     WindowDriver driver;
@@ -364,7 +364,7 @@ void CameraTest::closeEndsTheDisplayThreadFirst()
     QVERIFY(ended);
 }
 
-void CameraTest::closeTakesTheFeaturesFromTheirDock()
+void CameraTest::closeRemovesTheFeaturesFromTheirDock()
 {
     QPointer<FeatureView> features;
     bool gone = false;
@@ -378,7 +378,7 @@ void CameraTest::closeTakesTheFeaturesFromTheirDock()
     QVERIFY(gone);
 }
 
-void CameraTest::closeGoesOnWhereCallsFail_data()
+void CameraTest::closeContinuesAfterFailingCalls_data()
 {
     QTest::addColumn<QStringList>("log");
     QTest::newRow("Strm_Stop") << QStringList{"ERROR: Error stop acquisition. [CAM_API_STS_UNSUCCESSFUL]"};
@@ -387,7 +387,7 @@ void CameraTest::closeGoesOnWhereCallsFail_data()
     QTest::newRow("Sys_CloseSignal") << QStringList();
 }
 
-void CameraTest::closeGoesOnWhereCallsFail()
+void CameraTest::closeContinuesAfterFailingCalls()
 {
     QFETCH(QStringList, log);
     WindowDriver driver;
@@ -409,7 +409,7 @@ void CameraTest::closeResetsTheZoom()
     driver.trigger("actionZoomIn");
     driver.close();
     driver.open();
-    QVERIFY(driver.enabled("actionZoomIn")); // 1.0 again: it would be off at 4.0
+    QVERIFY(driver.enabled("actionZoomIn")); // back at 1.0; disabled at 4.0
     QVERIFY(!driver.enabled("actionNormalSize"));
 }
 

@@ -11,8 +11,8 @@ namespace {
 struct ActionRow {
     const char* name;
     const char* text;
-    const char* toolTip; // null = none of its own: it shows its text
-    const char* icon;    // null = none
+    const char* toolTip; // null: the default, its text
+    const char* icon;    // null: none
     bool checkable;
     bool enabled;
 };
@@ -49,7 +49,7 @@ QStringList namesOf(const QList<QAction*>& actions)
     return names;
 }
 
-/// Widgets with a name of their own, in the order of their making.
+/// Widgets with names of their own, in order of creation.
 QStringList namesOfChildren(const QWidget& parent)
 {
     QStringList names;
@@ -73,7 +73,7 @@ private slots:
 
     void actions_data();
     void actions();
-    void actionsStandInTheirOrder();
+    void actionsAreInOrder();
     void closeActionIsVisibleWithoutIconInMenus();
     void noActionHasAShortcut();
     void onlyOpenExitAndAboutAreEnabledAtStart();
@@ -82,8 +82,8 @@ private slots:
     void toolBar();
     void widgetTree_data();
     void widgetTree();
-    void widgetsAreMadeInTheirOrder();
-    void placesWithoutContent();
+    void widgetsAreCreatedInOrder();
+    void centralWidgetRightDockAndStatusBarAreEmpty();
     void messageLog();
     void topDockCannotBeMovedFloatedOrClosed();
     void rightDockStaysRight();
@@ -128,7 +128,7 @@ void FormTest::actions()
     }
 }
 
-void FormTest::actionsStandInTheirOrder()
+void FormTest::actionsAreInOrder()
 {
     QStringList names;
     for (const QAction* action : window->findChildren<QAction*>(QString(), Qt::FindDirectChildrenOnly)) {
@@ -211,7 +211,7 @@ void FormTest::widgetTree_data()
 {
     QTest::addColumn<QString>("className");
     QTest::addColumn<QString>("parent");
-    QTest::addColumn<QRect>("geometry"); // null = laid out by its container
+    QTest::addColumn<QRect>("geometry"); // null: laid out by its container
     QTest::newRow("centralWidget") << "QWidget"
                                    << "MainWindow" << QRect();
     QTest::newRow("menuBar") << "QMenuBar"
@@ -264,7 +264,7 @@ void FormTest::widgetTree()
         QCOMPARE(found.first()->geometry(), geometry);
 }
 
-void FormTest::widgetsAreMadeInTheirOrder()
+void FormTest::widgetsAreCreatedInOrder()
 {
     QCOMPARE(namesOfChildren(*window), (QStringList{"centralWidget", "menuBar", "mainToolBar", "statusBar",
                                                     "dockWidgetBottom", "dockWidgetRight", "dockWidget_Top"}));
@@ -274,10 +274,10 @@ void FormTest::widgetsAreMadeInTheirOrder()
     QCOMPARE(namesOfChildren(*ui.dockWidgetContents_11), (QStringList{"label", "labelDispFps"}));
 }
 
-void FormTest::placesWithoutContent()
+void FormTest::centralWidgetRightDockAndStatusBarAreEmpty()
 {
     QVERIFY(ui.centralWidget->children().isEmpty());
-    QVERIFY(ui.dockWidgetContents_Right->children().isEmpty()); // no layout either
+    QVERIFY(ui.dockWidgetContents_Right->children().isEmpty()); // not even a layout
     QCOMPARE(ui.statusBar->currentMessage(), QString());
     for (const QWidget* part : ui.statusBar->findChildren<QWidget*>())
         QVERIFY2(qobject_cast<const QSizeGrip*>(part), part->metaObject()->className());

@@ -1,4 +1,4 @@
-// What counts as captured, and which frame rates are shown.
+// Which images count as captured, and which frame rates are shown.
 
 #include "display/DispThread.h"
 #include "tests/support/Recorded.h"
@@ -37,10 +37,10 @@ public:
         m_interrupted = !m_capturedPerShown.isEmpty();
     }
 
-    /// Whether a report came before the last image was shown, so that not all images are in one report.
+    /// Whether a report arrived before the last image was shown, which splits the images between two reports.
     [[nodiscard]] bool interrupted() const { return m_interrupted; }
 
-    /// How many images the first report after the start has as captured for each that was shown.
+    /// Captured images per shown image in the first report after the start.
     [[nodiscard]] double capturedPerShown()
     {
         static_cast<void>(QTest::qWaitFor([this] { return !m_capturedPerShown.isEmpty(); }, kPatienceMs));
@@ -50,16 +50,16 @@ public:
 private:
     QVector<double> m_capturedPerShown;
     bool m_interrupted = false;
-    WindowDriver m_driver; // may report until it is gone
+    WindowDriver m_driver; // emits reports until it is destroyed
     ShownImages m_shown{m_driver.window()};
 };
 
 struct Report {
     double capturedPerShown = 0;
-    QString text; ///< what the window shows of it
+    QString text; ///< as the window shows it
 };
 
-/// The first report after the last start in `scene`, which begins anew where a busy machine let the report come amidst.
+/// The first report after the last start in `scene`; repeats the scene when a report interrupts it on a busy machine.
 Report reportOf(const std::function<void(Running&)>& scene)
 {
     constexpr int attempts = 20;
@@ -88,8 +88,8 @@ private slots:
     void imageOfALostCameraDoesNotCount();
     void laterStreamCountsFromTheLastNumber();
     void openingCountsFromZero();
-    void countEndsWithTheStream();
-    void countEndsWithTheCamera();
+    void countRestartsWithTheStream();
+    void countRestartsWithTheCamera();
 };
 
 // --- Shown ----------------------------------------------------------------------------------------------------------
@@ -142,9 +142,9 @@ void FrameRateTest::lostImagesCountAsCaptured()
 {
     const Report report = reportOf([](Running& running) {
         running.start();
-        running.show(10); // the first counts 1, whatever its number
+        running.show(10); // the first image counts as 1, regardless of its number
         running.show(11);
-        running.show(111); // 99 images lost between
+        running.show(111); // 99 images lost in between
     });
     QCOMPARE(report.capturedPerShown, 102 / 3.0);
 }
@@ -161,13 +161,13 @@ void FrameRateTest::frameNumbersWrap()
 
 void FrameRateTest::imageOfALostCameraDoesNotCount()
 {
-    constexpr int rounds = 15; // of 2 ms or more: the pace of 26 ms has passed
+    constexpr int rounds = 15; // of at least 2 ms each, so longer than the frame period of 26 ms
     const Report report = reportOf([](Running& running) {
         running.start();
         scripted::failAlways("GetCamIndexFromCamHandle", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING);
         QVERIFY(scripted::deliverImage(500));
         QVERIFY(recorded::waitRounds(rounds));
-        QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0); // the first image is still to come
+        QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0); // no image has been taken yet
         scripted::heal("GetCamIndexFromCamHandle");
         running.show(510);
     });
@@ -184,7 +184,7 @@ void FrameRateTest::laterStreamCountsFromTheLastNumber()
         running.show(1);
     });
     QCOMPARE(report.capturedPerShown, 4294967296.0 - 99);
-    QCOMPARE(report.text, WindowDriver::noRates()); // which nobody gets to see
+    QCOMPARE(report.text, WindowDriver::noRates()); // the window never shows it
 }
 
 void FrameRateTest::openingCountsFromZero()
@@ -200,7 +200,7 @@ void FrameRateTest::openingCountsFromZero()
     QCOMPARE(report.capturedPerShown, 7.0);
 }
 
-void FrameRateTest::countEndsWithTheStream()
+void FrameRateTest::countRestartsWithTheStream()
 {
     const Report report = reportOf([](Running& running) {
         running.start();
@@ -213,13 +213,13 @@ void FrameRateTest::countEndsWithTheStream()
     QCOMPARE(report.capturedPerShown, 1.0);
 }
 
-void FrameRateTest::countEndsWithTheCamera()
+void FrameRateTest::countRestartsWithTheCamera()
 {
     const Report report = reportOf([](Running& running) {
         running.start();
         running.show(1);
         running.driver().stop();
-        // An image that comes when the stream is closed already.
+        // An image that arrives after the stream was closed.
         scripted::onCall("Cam_Close", [] {
             scripted::onCall("Cam_Close", nullptr);
             scripted::lateImage(1000);

@@ -1,4 +1,4 @@
-// The compiled-in images: which there are, and the exact format of each, read from its bytes.
+// The compiled-in images: the complete list, and the exact format of each, read from its bytes.
 
 #include "tests/support/TestProgram.h"
 #include <QDirIterator>
@@ -55,7 +55,7 @@ constexpr Icon kIcons[] = {
 
 constexpr const char* kFoldersOfTheToolkit[] = {":/qt-project.org/", ":/qgradient/", ":/qpdf/"};
 
-// What the bytes of a file say about its image. Null size: not a file of that kind.
+// Image properties read from the bytes of a file. Null size: not a file of that kind.
 struct Header {
     QSize size;
     int bitsPerPixel = 0;
@@ -77,7 +77,7 @@ Header pngHeader(const QByteArray& bytes)
             bytes[24] * channels, channels == 4};
 }
 
-// The 40-byte bitmap header that a BMP file has after its 14 bytes and an ICO file at each image.
+// The 40-byte bitmap header, which follows the 14-byte file header in a BMP and starts each image in an ICO.
 Header bitmapHeader(const QByteArray& bytes, int offset)
 {
     if (bytes.size() < offset + 40 || little<quint32>(bytes, offset) < 40)
@@ -91,7 +91,7 @@ Header bmpHeader(const QByteArray& bytes)
     return bytes.startsWith("BM") ? bitmapHeader(bytes, 14) : Header{};
 }
 
-// Type 1, one image, its directory entry, and its bitmap, which counts the rows of its mask too.
+// Type 1, one image, its directory entry, and its bitmap, whose height includes the rows of the mask.
 Header icoHeader(const QByteArray& bytes)
 {
     if (bytes.size() < 22 || little<quint32>(bytes, 0) != 0x10000 || little<quint16>(bytes, 4) != 1)
@@ -115,22 +115,22 @@ class IconResourcesTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void format_data();
-    void format();
+    void formatOfEveryIcon_data();
+    void formatOfEveryIcon();
     void noOtherEntries();
-    void noTwoAlike();
-    void groundShowsThroughEveryPng();
+    void noTwoIconsAreIdentical();
+    void everyPngHasATransparentBackground();
     void nameOfTheCollection();
 };
 
-void IconResourcesTest::format_data()
+void IconResourcesTest::formatOfEveryIcon_data()
 {
     QTest::addColumn<int>("index");
     for (int i = 0; i < static_cast<int>(std::size(kIcons)); ++i)
         QTest::newRow(kIcons[i].path) << i;
 }
 
-void IconResourcesTest::format()
+void IconResourcesTest::formatOfEveryIcon()
 {
     QFETCH(int, index);
     const Icon& icon = kIcons[index];
@@ -166,7 +166,7 @@ void IconResourcesTest::noOtherEntries()
     QCOMPARE(found, expected);
 }
 
-void IconResourcesTest::noTwoAlike()
+void IconResourcesTest::noTwoIconsAreIdentical()
 {
     QSet<QByteArray> seen;
     for (const Icon& icon : kIcons) {
@@ -176,8 +176,8 @@ void IconResourcesTest::noTwoAlike()
     }
 }
 
-// Light or dark, as the style has it.
-void IconResourcesTest::groundShowsThroughEveryPng()
+// The background may be light or dark, depending on the style.
+void IconResourcesTest::everyPngHasATransparentBackground()
 {
     for (const Icon& icon : kIcons) {
         if (icon.format == Format::PngRgba || icon.format == Format::PngRgb)

@@ -1,4 +1,4 @@
-// Callbacks, images, the pause and a removal while a stream runs.
+// Callbacks, images, pausing and camera removal while a stream runs.
 
 #include "discovery/DiscoveryDlg.h"
 #include "display/DispThread.h"
@@ -21,8 +21,8 @@ private slots:
     void errorCallbackIsLogged();
     void busyCallbackIsLogged();
     void callbacksAfterStopAreNotLogged();
-    void callbackLinesWaitForTheEventLoop();
-    void callbackLineIsWrittenOncePerOpening();
+    void callbackLinesAreLoggedByTheEventLoop();
+    void callbackLineIsLoggedOncePerOpening();
 
     void imagesReachTheView();
     void imagesAreCopied();
@@ -31,11 +31,11 @@ private slots:
     void pausedShowsNoImages_data();
     void pausedShowsNoImages();
     void pauseActionsKeepTheirMarks();
-    void lastPauseActionDecides();
-    void pauseOutlivesStreamAndCamera();
+    void lastPauseActionWins();
+    void pauseSurvivesStreamAndCamera();
 
     void removalWhileAcquiring();
-    void removalWhileOpenedIsNotNoticed();
+    void removalWithoutAStreamIsNotDetected();
     void removalOfAClosedCameraLeavesTheNextOneOpen();
 };
 
@@ -74,7 +74,7 @@ void LiveImageTest::callbacksAfterStopAreNotLogged()
     QTRY_COMPARE(driver.log(), QStringList{"after them"});
 }
 
-void LiveImageTest::callbackLinesWaitForTheEventLoop()
+void LiveImageTest::callbackLinesAreLoggedByTheEventLoop()
 {
     WindowDriver driver;
     driver.open();
@@ -85,7 +85,7 @@ void LiveImageTest::callbackLinesWaitForTheEventLoop()
     QTRY_COMPARE(driver.log().size(), 2);
 }
 
-void LiveImageTest::callbackLineIsWrittenOncePerOpening()
+void LiveImageTest::callbackLineIsLoggedOncePerOpening()
 {
     WindowDriver driver;
     driver.open();
@@ -177,7 +177,7 @@ void LiveImageTest::pauseActionsKeepTheirMarks()
     QVERIFY(!driver.action("action_Menu_Pause")->isChecked());
 }
 
-void LiveImageTest::lastPauseActionDecides()
+void LiveImageTest::lastPauseActionWins()
 {
     WindowDriver driver;
     driver.open();
@@ -185,7 +185,7 @@ void LiveImageTest::lastPauseActionDecides()
     const ShownImages shown(driver.window());
     driver.trigger("actionPause");
     driver.trigger("action_Menu_Pause");
-    driver.trigger("actionPause"); // on again, though the menu's mark says paused
+    driver.trigger("actionPause"); // resumes, although the menu action is still checked
     QVERIFY(scripted::deliverImage(1));
     QTRY_COMPARE(shown.count(), 1);
     driver.trigger("actionPause");
@@ -195,7 +195,7 @@ void LiveImageTest::lastPauseActionDecides()
     QTRY_COMPARE(shown.count(), 2);
 }
 
-void LiveImageTest::pauseOutlivesStreamAndCamera()
+void LiveImageTest::pauseSurvivesStreamAndCamera()
 {
     WindowDriver driver;
     driver.open();
@@ -232,17 +232,17 @@ void LiveImageTest::removalWhileAcquiring()
     QCOMPARE(driver.log(), QStringList{"A camera has been Removed."});
     QVERIFY(!driver.enabled("actionStop"));
     QCOMPARE(scripted::count("Cam_Close"), 1);
-    // The log speaks again.
+    // Later lines are logged again.
     QVERIFY(QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, QString("more"))));
     QCOMPARE(driver.log().size(), 2);
 }
 
-void LiveImageTest::removalWhileOpenedIsNotNoticed()
+void LiveImageTest::removalWithoutAStreamIsNotDetected()
 {
     WindowDriver driver;
     driver.open();
     scripted::unplug();
-    QVERIFY(!driver.window().findChild<DispThread*>()); // nobody asks for the signal
+    QVERIFY(!driver.window().findChild<DispThread*>()); // nothing polls the signal
     QVERIFY(driver.enabled("actionClose"));
     driver.close();
     QVERIFY(driver.enabled("actionOpen"));
@@ -254,7 +254,7 @@ void LiveImageTest::removalOfAClosedCameraLeavesTheNextOneOpen()
     WindowDriver driver;
     driver.open();
     driver.start();
-    // The display thread reports the removal; the window has not heard of it yet when the user closes the camera.
+    // The display thread has reported the removal, but the user closes the camera before the window handles the report.
     scripted::unplug();
     QVERIFY(driver.window().findChild<DispThread*>()->wait(kPatienceMs));
     driver.close();
@@ -270,7 +270,7 @@ void LiveImageTest::removalOfAClosedCameraLeavesTheNextOneOpen()
     QVERIFY(!driver.enabled("actionOpen"));
     QVERIFY(!driver.enabled("action_Menu_Open"));
     QVERIFY(driver.imageView());
-    // That one camera was removed is true all the same.
+    // The removal is still logged.
     QVERIFY(driver.log().contains("A camera has been Removed."));
 }
 

@@ -1,4 +1,4 @@
-// The window from the start of the program to its exit, and its message log.
+// The main window from program start to exit, and its message log.
 
 #include "tests/support/Recorded.h"
 #include "tests/support/ScriptedCamera.h"
@@ -35,8 +35,8 @@ private slots:
     void startWithoutConversionTables();
 
     void exitClosesAndTerminates();
-    void exitGoesOnWhereCallsFail_data();
-    void exitGoesOnWhereCallsFail();
+    void exitContinuesAfterFailingCalls_data();
+    void exitContinuesAfterFailingCalls();
     void exitWithoutCamera();
     void exitReportsAFailedTermination();
     void exitActionClosesTheWindow();
@@ -44,7 +44,7 @@ private slots:
 
     void errorLineNamesTheStatus();
     void errorLineOfAStatusWithTrailingBlank();
-    void logShowsMarkupAndPlaceholdersAsTheyAre();
+    void logShowsMarkupAndPlaceholdersVerbatim();
     void logScrollsToTheNewestLine();
     void clearEmptiesTheLog();
 };
@@ -86,7 +86,7 @@ void MainWindowTest::signalsAndSlotsAreKnownByName()
     QCOMPARE(ownMethods(QMetaMethod::Signal),
              (QStringList{"Set_Image_Size(int width, int height)", "Update_Image(QImage pimage)", "Clear_Image()",
                           "Zoom_In()", "Zoom_Out()", "Zoom_Reset()", "writeLog(QString wstring)"}));
-    // The operations behind them are no slots.
+    // The operations that they call are not slots.
     QCOMPARE(ownMethods(QMetaMethod::Slot), (QStringList{"on_actionOpen_triggered()",
                                                          "on_actionClose_triggered()",
                                                          "on_actionStart_triggered()",
@@ -133,7 +133,7 @@ void MainWindowTest::startInitialisesTheLibraries()
 
 void MainWindowTest::startCentresTheWindow()
 {
-    // Before it is shown: what a window manager adds does not count.
+    // Checked before it is shown, because a window manager may move it.
     const MainWindow mainWindow;
     const QWidget& window = mainWindow;
     const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
@@ -155,7 +155,7 @@ void MainWindowTest::startWithoutCameraApi()
     const WindowDriver driver;
     QCOMPARE(driver.log(), QStringList{"ERROR: Sys_Initialize error! [CAM_API_STS_DRIVER_LOAD_ERR]"});
     QCOMPARE(scripted::count("PrepareLUT"), 0);
-    // The actions are as the form has them, the docks too.
+    // Actions and docks keep the state that the form gives them.
     QVERIFY(driver.enabled("actionOpen"));
     QVERIFY(!driver.enabled("action_Menu_Normal_Size"));
     QVERIFY(areDocksFree(driver));
@@ -182,14 +182,14 @@ void MainWindowTest::exitClosesAndTerminates()
              (QStringList{"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal", "Sys_Terminate"}));
 }
 
-void MainWindowTest::exitGoesOnWhereCallsFail_data()
+void MainWindowTest::exitContinuesAfterFailingCalls_data()
 {
     QTest::addColumn<QByteArray>("operation");
     for (const char* operation : {"Strm_Stop", "Strm_Close", "Cam_Close", "Sys_CloseSignal", "Sys_Terminate"})
         QTest::newRow(operation) << QByteArray(operation);
 }
 
-void MainWindowTest::exitGoesOnWhereCallsFail()
+void MainWindowTest::exitContinuesAfterFailingCalls()
 {
     QFETCH(const QByteArray, operation);
     WindowDriver driver;
@@ -267,7 +267,7 @@ void MainWindowTest::errorLineOfAStatusWithTrailingBlank()
     QCOMPARE(driver.log(), QStringList{"ERROR: Error Cam_Open() [CAM_API_STS_MISSING_PACKETS ]"});
 }
 
-void MainWindowTest::logShowsMarkupAndPlaceholdersAsTheyAre()
+void MainWindowTest::logShowsMarkupAndPlaceholdersVerbatim()
 {
     WindowDriver driver;
     const QString text = "<b>bold</b> &amp; %1 <img src='x'>";

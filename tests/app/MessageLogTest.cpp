@@ -1,4 +1,4 @@
-// The message log: what it keeps, and how a flood of lines gets into it.
+// The message log: what it keeps, and how it takes a flood of lines.
 
 #include "tests/support/Patience.h"
 #include "tests/support/ScriptedCamera.h"
@@ -23,18 +23,18 @@ class MessageLogTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void singleLinesAreThereAtOnce();
-    void floodIsWrittenInPortions();
-    void portionsOfLongLinesHaveFewer();
+    void singleLinesAreWrittenImmediately();
+    void floodIsWrittenInBatches();
+    void batchesHaveFewerLinesWhenTheyAreLong();
     void windowAnswersDuringAFlood();
     void floodKeepsItsOrder();
     void floodOfCallbacksIsCompleteForEveryOpening();
-    void logScrollsToTheEndOfAFlood();
-    void clearForgetsTheLinesThatWait();
+    void logScrollsToTheLastLineOfAFlood();
+    void clearDiscardsPendingLines();
     void newestLinesAreKept();
-    void linesThatWouldBeDroppedAtOnceAreNotWritten();
-    void longLineIsCut();
-    void markupOfAFloodIsShownAsItIs();
+    void linesBeyondTheLimitAreNeverWritten();
+    void longLineIsTruncated();
+    void markupOfAFloodIsShownVerbatim();
 };
 
 void write(WindowDriver& driver, const QString& line)
@@ -42,7 +42,7 @@ void write(WindowDriver& driver, const QString& line)
     QVERIFY(QMetaObject::invokeMethod(&driver.window(), "write_log", Q_ARG(QString, line)));
 }
 
-/// Writes the numbers of a range, one a line.
+/// Writes the numbers of a range, one per line.
 void writeNumbers(WindowDriver& driver, int begin, int end)
 {
     for (int number = begin; number < end; ++number)
@@ -66,14 +66,14 @@ bool showsItsEnd(const WindowDriver& driver)
     return edit->textCursor().atEnd() && edit->viewport()->rect().contains(edit->cursorRect());
 }
 
-void MessageLogTest::singleLinesAreThereAtOnce()
+void MessageLogTest::singleLinesAreWrittenImmediately()
 {
     WindowDriver driver;
     for (int i = 0; i < 3; ++i) {
         writeNumbers(driver, 10 * i, 10 * i + 10);
         QCOMPARE(driver.log().size(), 10 * i + 10);
     }
-    // Again after a flood has been written.
+    // The same after a flood.
     writeNumbers(driver, 30, 10000);
     QVERIFY(waitForLine(driver, "9999"));
     QVERIFY(QTest::qWaitFor(
@@ -84,7 +84,7 @@ void MessageLogTest::singleLinesAreThereAtOnce()
         kPatienceMs));
 }
 
-void MessageLogTest::floodIsWrittenInPortions()
+void MessageLogTest::floodIsWrittenInBatches()
 {
     constexpr int lines = 20000;
     constexpr int muchFewer = 500;
@@ -103,10 +103,10 @@ void MessageLogTest::floodIsWrittenInPortions()
     QVERIFY(waitForLine(driver, QString::number(lines - 1)));
     QVERIFY2(changes < muchFewer, qPrintable(QString::number(changes)));
     QVERIFY2(most <= largestPortion, qPrintable(QString::number(most)));
-    QVERIFY2(documentOf(driver).blockCount() == lines, "every line");
+    QVERIFY2(documentOf(driver).blockCount() == lines, "the log keeps every line");
 }
 
-void MessageLogTest::portionsOfLongLinesHaveFewer()
+void MessageLogTest::batchesHaveFewerLinesWhenTheyAreLong()
 {
     WindowDriver driver;
     const QTextDocument& log = documentOf(driver);
@@ -171,7 +171,7 @@ void MessageLogTest::floodOfCallbacksIsCompleteForEveryOpening()
     }
 }
 
-void MessageLogTest::logScrollsToTheEndOfAFlood()
+void MessageLogTest::logScrollsToTheLastLineOfAFlood()
 {
     WindowDriver driver;
     writeNumbers(driver, 0, 5000);
@@ -179,11 +179,11 @@ void MessageLogTest::logScrollsToTheEndOfAFlood()
     QVERIFY(showsItsEnd(driver));
 }
 
-void MessageLogTest::clearForgetsTheLinesThatWait()
+void MessageLogTest::clearDiscardsPendingLines()
 {
     WindowDriver driver;
     writeNumbers(driver, 0, 10000);
-    QVERIFY2(documentOf(driver).blockCount() < 10000, "some wait");
+    QVERIFY2(documentOf(driver).blockCount() < 10000, "some lines are pending");
     driver.child<QPushButton>("pushButtonClear")->click();
     write(driver, "next");
     QVERIFY(waitForLine(driver, "next"));
@@ -209,7 +209,7 @@ void MessageLogTest::newestLinesAreKept()
     QVERIFY(showsItsEnd(driver));
 }
 
-void MessageLogTest::linesThatWouldBeDroppedAtOnceAreNotWritten()
+void MessageLogTest::linesBeyondTheLimitAreNeverWritten()
 {
     WindowDriver driver;
     const QTextDocument& log = documentOf(driver);
@@ -222,7 +222,7 @@ void MessageLogTest::linesThatWouldBeDroppedAtOnceAreNotWritten()
     QCOMPARE(log.firstBlock().text(), QString::number(kept));
 }
 
-void MessageLogTest::longLineIsCut()
+void MessageLogTest::longLineIsTruncated()
 {
     constexpr int longest = 4096;
     const QString whole(longest, 'x');
@@ -234,7 +234,7 @@ void MessageLogTest::longLineIsCut()
     QCOMPARE(driver.log(), (QStringList{whole, cut, cut}));
 }
 
-void MessageLogTest::markupOfAFloodIsShownAsItIs()
+void MessageLogTest::markupOfAFloodIsShownVerbatim()
 {
     const QString markup = "<b>bold</b> &amp; %1 <img src='x'>";
     WindowDriver driver;

@@ -31,14 +31,14 @@ private slots:
 
     void sessionIsWrittenAsItIsEmitted();
     void entriesAreWrittenUnchanged();
-    void fileThatExistsGrows();
-    void everyCameraHasItsPreamble();
+    void existingFileIsAppendedTo();
+    void everyCameraStartsWithThePreamble();
     void nothingIsWrittenWithoutAName_data();
     void nothingIsWrittenWithoutAName();
     void nothingOnScreenChanges();
-    void fileThatCannotBeOpenedIsToldOnce();
-    void fileThatCannotBeWrittenIsToldOnce();
-    void readerThatGoesAwayIsToldOnce();
+    void openFailureIsLoggedOnce();
+    void writeFailureIsLoggedOnce();
+    void closedPipeIsLoggedOnce();
 
 private:
     void name(const QString& file) { qputenv("ORVO_OPERATION_LOG", QFile::encodeName(file)); }
@@ -59,7 +59,7 @@ void OperationLogFileTest::init()
     m_file = m_folder->filePath("operations");
 }
 
-/// Lets the feature browser emit an entry.
+/// Makes the feature browser emit an entry.
 void emitEntry(WindowDriver& driver, QString entry)
 {
     emit driver.window().findChild<FeatureView*>()->OpeLogAppended(entry);
@@ -75,7 +75,7 @@ void OperationLogFileTest::sessionIsWrittenAsItIsEmitted()
     QByteArray emitted;
     connect(driver.window().findChild<FeatureView*>(), &FeatureView::OpeLogAppended, this, [&](const QString& entry) {
         emitted += entry.toUtf8();
-        QCOMPARE(written(), kPreamble + emitted); // at once
+        QCOMPARE(written(), kPreamble + emitted); // without delay
     });
     FeatureHand(driver.window()).type("Width", "32");
     QVERIFY2(emitted.startsWith("status = Orvo::Nd_GetNode(hCam, \"Width\", &hNode);\n"
@@ -94,7 +94,7 @@ void OperationLogFileTest::entriesAreWrittenUnchanged()
     QCOMPARE(written(), kPreamble + entry.toUtf8() + "next");
 }
 
-void OperationLogFileTest::fileThatExistsGrows()
+void OperationLogFileTest::existingFileIsAppendedTo()
 {
     {
         QFile file(m_file);
@@ -107,7 +107,7 @@ void OperationLogFileTest::fileThatExistsGrows()
     QCOMPARE(written(), "// from before\n" + kPreamble);
 }
 
-void OperationLogFileTest::everyCameraHasItsPreamble()
+void OperationLogFileTest::everyCameraStartsWithThePreamble()
 {
     name(m_file);
     WindowDriver driver;
@@ -152,7 +152,7 @@ void OperationLogFileTest::nothingOnScreenChanges()
     QCOMPARE(with, without);
 }
 
-void OperationLogFileTest::fileThatCannotBeOpenedIsToldOnce()
+void OperationLogFileTest::openFailureIsLoggedOnce()
 {
     const QString missing = m_folder->filePath("missing/operations");
     name(missing);
@@ -164,7 +164,7 @@ void OperationLogFileTest::fileThatCannotBeOpenedIsToldOnce()
     QVERIFY(driver.enabled("actionStart"));
 }
 
-void OperationLogFileTest::fileThatCannotBeWrittenIsToldOnce()
+void OperationLogFileTest::writeFailureIsLoggedOnce()
 {
     name("/dev/full");
     WindowDriver driver;
@@ -176,7 +176,7 @@ void OperationLogFileTest::fileThatCannotBeWrittenIsToldOnce()
     QVERIFY(driver.enabled("actionStart"));
 }
 
-void OperationLogFileTest::readerThatGoesAwayIsToldOnce()
+void OperationLogFileTest::closedPipeIsLoggedOnce()
 {
     QCOMPARE(mkfifo(QFile::encodeName(m_file).constData(), 0600), 0);
     const int reader = ::open(QFile::encodeName(m_file).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);

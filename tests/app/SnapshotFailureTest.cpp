@@ -1,4 +1,4 @@
-// Snapshots that cannot be written.
+// Snapshots that cannot be saved.
 
 #include "tests/app/SnapshotUser.h"
 #include "tests/support/ScriptedCamera.h"
@@ -15,7 +15,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-/// Takes the rights of root for as long as it lives, where the test has them.
+/// Drops root privileges for its lifetime, if the test runs as root.
 class OrdinaryUser {
 public:
     OrdinaryUser()
@@ -46,7 +46,7 @@ private slots:
     void unwritableFolder();
     void unwritableFile();
     void unknownSuffix();
-    void tooLongName();
+    void fileNameTooLong();
 
 private:
     std::unique_ptr<SnapshotUser> m_user;
@@ -110,16 +110,16 @@ void SnapshotFailureTest::unwritableFile()
 
 void SnapshotFailureTest::unknownSuffix()
 {
-    // Ends with the format's word, so it stays; no format is called so.
+    // The name ends with "png", so no suffix is appended; but there is no format "notpng".
     m_user->show(noise(64, 48, 1));
     m_user->snapshot({choosing(m_user->path("shot.notpng")), pressOk});
     QCOMPARE(m_user->files(), QStringList());
     QCOMPARE(m_user->driver().log(), QStringList("Cannot save a file."));
 }
 
-void SnapshotFailureTest::tooLongName()
+void SnapshotFailureTest::fileNameTooLong()
 {
-    // 252 bytes and the suffix make one more than a name may have.
+    // 252 bytes and the suffix exceed the length limit of file names by one.
     m_user->show(noise(64, 48, 1));
     m_user->snapshot({choosing(m_user->path(QString(252, 'n'))), pressOk});
     QCOMPARE(m_user->files(), QStringList());

@@ -1,4 +1,4 @@
-// Snapshots that a full disk does not hold.
+// Snapshots that do not fit on the disk.
 
 #include "tests/app/SnapshotUser.h"
 #include "tests/support/ScriptedCamera.h"
@@ -44,8 +44,8 @@ void SnapshotFullDiskTest::fullDisk_data()
     QTest::newRow("PNG") << kPng << 0;
     QTest::newRow("BMP") << kBmp << 0;
     QTest::newRow("JPEG") << kJpeg << 0;
-    // What is left holds all but the last bytes of the file.
-    QTest::newRow("BMP, at the end") << kBmp << 1;
+    // The free space holds all but the last bytes of the file.
+    QTest::newRow("BMP, last bytes") << kBmp << 1;
 }
 
 void SnapshotFullDiskTest::fullDisk()
@@ -55,7 +55,7 @@ void SnapshotFullDiskTest::fullDisk()
     SnapshotUser user;
     const SmallDisk disk(user.path("disk"));
 
-    // 64 KiB hold none of these; with a page taken, not even the smallest of them.
+    // None of the images fits into 64 KiB; the smallest BMP only exceeds it once another file takes a page.
     user.show(used == 0 ? noise(400, 300, 1) : noise(144, 146, 1));
     if (used != 0) {
         QFile other(user.path("disk/other"));

@@ -1,4 +1,4 @@
-// Snapshots: the file dialog, the names that come of it, and the files.
+// Snapshots: the file dialog, the resulting names, and the files.
 
 #include "tests/app/SnapshotUser.h"
 #include "tests/support/MarkingTranslator.h"
@@ -27,32 +27,32 @@ private slots:
     void nothingWithoutImage();
     void dialog();
     void dialogIsTranslatable();
-    void menuDoesTheSame();
-    void names_data();
-    void names();
+    void menuActionTakesASnapshot();
+    void suffixesFollowTheFilter_data();
+    void suffixesFollowTheFilter();
     void folderWithADot();
     void existingFileIsReplaced();
     void pixels_data();
     void pixels();
     void jpegPixels();
-    void quietOnSuccess();
+    void logsNothingOnSuccess();
 
-    void cancelKeepsThePath();
+    void cancellingKeepsThePath();
     void nextDialogProposesTheChosenPath();
     void pathIsKeptAfterAFailure();
     void pathIsForgottenWithTheWindow();
     void filterIsNotRemembered();
 
-    void imageAtTheEndOfTheDialogIsSaved();
+    void imageAtTheTimeTheDialogClosesIsSaved();
     void imageOfAStoppedStreamIsSaved();
-    void imageOfACameraRemovedMeanwhileIsSaved();
-    void streamRunsOnMeanwhile();
+    void imageIsSavedWhenTheCameraIsRemovedMeanwhile();
+    void streamContinuesDuringTheDialog();
 
 private:
     std::unique_ptr<SnapshotUser> m_user;
 };
 
-/// Smooth, as JPEG likes it.
+/// A smooth image, which JPEG hardly changes.
 QImage gradient(int width, int height)
 {
     QImage image(width, height, QImage::Format_ARGB32);
@@ -122,14 +122,14 @@ void SnapshotTest::dialogIsTranslatable()
     }});
 }
 
-void SnapshotTest::menuDoesTheSame()
+void SnapshotTest::menuActionTakesASnapshot()
 {
     m_user->show(noise(64, 48, 1));
     m_user->snapshot({choosing(m_user->path("shot"))}, "action_Menu_Snapshot");
     QCOMPARE(m_user->files(), QStringList("shot.png"));
 }
 
-void SnapshotTest::names_data()
+void SnapshotTest::suffixesFollowTheFilter_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("filter");
@@ -164,7 +164,7 @@ void SnapshotTest::names_data()
     row("-rf", kPng, "-rf.png");
 }
 
-void SnapshotTest::names()
+void SnapshotTest::suffixesFollowTheFilter()
 {
     QFETCH(QString, typed);
     QFETCH(QString, filter);
@@ -195,17 +195,17 @@ void SnapshotTest::existingFileIsReplaced()
     old.close();
 
     m_user->show(noise(64, 48, 1));
-    // The dialog asks, because the typed name exists; the message box is its own.
+    // The typed name exists, so the file dialog itself asks for confirmation.
     m_user->snapshot({choosing(m_user->path("shot.png")), pressYes});
     QCOMPARE(argb(QImage(m_user->path("shot.png"))), m_user->shown());
 
-    // It does not ask for a name that the suffix only makes.
+    // It does not ask when the name exists only with the suffix appended.
     m_user->show(noise(64, 48, 2));
     m_user->save("shot", kPng);
     QCOMPARE(argb(QImage(m_user->path("shot.png"))), m_user->shown());
 }
 
-// --- What the files hold --------------------------------------------------------------------------------------------
+// --- Contents of the files ------------------------------------------------------------------------------------------
 
 void SnapshotTest::pixels_data()
 {
@@ -248,7 +248,7 @@ void SnapshotTest::jpegPixels()
     }
     QVERIFY2(worst <= 6, qPrintable(QString::number(worst)));
 
-    // The default quality: the very bytes that it gives.
+    // Byte for byte what the default quality gives.
     QByteArray expected;
     QBuffer buffer(&expected);
     QVERIFY(buffer.open(QIODevice::WriteOnly));
@@ -258,7 +258,7 @@ void SnapshotTest::jpegPixels()
     QVERIFY(file.readAll() == expected);
 }
 
-void SnapshotTest::quietOnSuccess()
+void SnapshotTest::logsNothingOnSuccess()
 {
     m_user->show(noise(64, 48, 1));
     m_user->driver().clearLog();
@@ -268,7 +268,7 @@ void SnapshotTest::quietOnSuccess()
 
 // --- The remembered path --------------------------------------------------------------------------------------------
 
-void SnapshotTest::cancelKeepsThePath()
+void SnapshotTest::cancellingKeepsThePath()
 {
     m_user->show(noise(64, 48, 1));
     const auto expecting = [](const QString& file) {
@@ -277,7 +277,7 @@ void SnapshotTest::cancelKeepsThePath()
             cancelling()(modal);
         };
     };
-    // Where nothing was chosen yet, no name is proposed; the folder is the toolkit's choice.
+    // Before the first choice no name is proposed; the toolkit chooses the folder.
     for (int i = 0; i < 2; ++i) {
         m_user->snapshot({[](QWidget& modal) {
             QCOMPARE(fileDialog(modal).findChild<QLineEdit*>("fileNameEdit")->text(), QString());
@@ -286,7 +286,7 @@ void SnapshotTest::cancelKeepsThePath()
     }
     m_user->save("first", kPng);
 
-    // Neither leaving the dialog nor having typed another name before changes what is proposed.
+    // Cancelling keeps the proposal, even after another name was typed.
     m_user->snapshot({[&](QWidget& modal) {
         fileDialog(modal).findChild<QLineEdit*>("fileNameEdit")->setText("second");
         cancelling()(modal);
@@ -299,7 +299,7 @@ void SnapshotTest::cancelKeepsThePath()
 void SnapshotTest::nextDialogProposesTheChosenPath()
 {
     m_user->show(noise(64, 48, 1));
-    // The name as it was chosen, not as it was written.
+    // Proposes the name as chosen, not the name of the file written.
     for (const char* name : {"shot", "other.bmp", "third.jpeg"}) {
         m_user->save(name, kPng);
         m_user->snapshot({[&](QWidget& modal) {
@@ -345,7 +345,7 @@ void SnapshotTest::filterIsNotRemembered()
 
 // --- While the stream runs ------------------------------------------------------------------------------------------
 
-void SnapshotTest::imageAtTheEndOfTheDialogIsSaved()
+void SnapshotTest::imageAtTheTimeTheDialogClosesIsSaved()
 {
     m_user->show(noise(64, 48, 1));
     m_user->snapshot({[this](QWidget& modal) {
@@ -363,7 +363,7 @@ void SnapshotTest::imageOfAStoppedStreamIsSaved()
     QCOMPARE(argb(QImage(m_user->path("shot.png"))), noise(64, 48, 1));
 }
 
-void SnapshotTest::imageOfACameraRemovedMeanwhileIsSaved()
+void SnapshotTest::imageIsSavedWhenTheCameraIsRemovedMeanwhile()
 {
     m_user->show(noise(64, 48, 1));
     m_user->snapshot({[this](QWidget& modal) {
@@ -376,7 +376,7 @@ void SnapshotTest::imageOfACameraRemovedMeanwhileIsSaved()
     QVERIFY(!m_user->driver().enabled("actionSnapshot"));
 }
 
-void SnapshotTest::streamRunsOnMeanwhile()
+void SnapshotTest::streamContinuesDuringTheDialog()
 {
     m_user->show(noise(64, 48, 1));
     scripted::clearCalls();

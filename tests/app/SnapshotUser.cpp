@@ -36,7 +36,7 @@ void press(QWidget& modal, QMessageBox::StandardButton button)
 {
     auto* const box = qobject_cast<QMessageBox*>(&modal);
     if (!box || !box->button(button))
-        qFatal("this is not the message box that was waited for: %s", modal.metaObject()->className());
+        qFatal("expected a message box, got %s", modal.metaObject()->className());
     QTest::mouseClick(box->button(button), Qt::LeftButton);
 }
 
@@ -65,7 +65,7 @@ QFileDialog& fileDialog(QWidget& modal)
 {
     auto* const dialog = qobject_cast<QFileDialog*>(&modal);
     if (!dialog)
-        qFatal("this is no file dialog: %s", modal.metaObject()->className());
+        qFatal("expected a file dialog, got %s", modal.metaObject()->className());
     return *dialog;
 }
 
@@ -107,7 +107,7 @@ void pressOk(QWidget& modal)
 SnapshotUser::SnapshotUser()
 {
     if (!QDir::homePath().startsWith(QDir::tempPath()))
-        qFatal("the file dialog takes notes in the home folder: start this with tests/support/own-home");
+        qFatal("the file dialog writes to the home folder: start this with tests/support/own-home");
 }
 
 QStringList SnapshotUser::files() const
@@ -144,7 +144,7 @@ void SnapshotUser::answer(const std::vector<ModalUser>& users, const std::functi
         }
         const QPointer<QWidget> open = &window;
         users[next++](window);
-        // A user who gave up half-way leaves the dialog open.
+        // A failed check leaves the dialog open.
         if (open && open->isVisible() && QTest::currentTestFailed())
             qobject_cast<QDialog*>(open.data())->reject();
     });

@@ -16,7 +16,7 @@
 class QFileDialog;
 class QWidget;
 
-/// A window over the scripted camera, a folder for its snapshots, and a user who takes them.
+/// A window with the scripted camera, a folder for snapshots, and simulated user input to take them.
 class SnapshotUser {
 public:
     SnapshotUser();
@@ -26,18 +26,18 @@ public:
     [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
     [[nodiscard]] QStringList files() const;
 
-    /// The image that was delivered last.
+    /// The last delivered image.
     [[nodiscard]] const QImage& shown() const { return m_delivered; }
 
     /// Delivers an image that is converted to `pixels`, and waits until the window shows it. Starts the stream.
     void show(const QImage& pixels);
 
-    /// Triggers the command; each modal window that comes up is handed to the next of `users`.
+    /// Triggers the command; hands each modal window that opens to the next of `users`.
     void snapshot(const std::vector<ModalUser>& users, const char* action = "actionSnapshot");
-    /// Calls the slot of the disabled command; no window may come up.
+    /// Calls the slot of the disabled command; no window may open.
     void snapshotDisabled(const char* action = "actionSnapshot");
 
-    /// The whole way with a name and a filter, without anything else coming up.
+    /// Saves under a name with a filter; no other window may open.
     void save(const QString& name, const QString& filter);
 
 private:
@@ -50,17 +50,17 @@ private:
     ShownImages m_shown{m_driver.window(), ShownImages::Keep::Last};
 };
 
-// The filters as the file dialog shows them.
+// The filters of the file dialog.
 inline const QString kPng = "PNG (*.png)";
 inline const QString kBmp = "BMP (*.bmp)";
 inline const QString kJpeg = "JPEG (*.jpg *.jpeg)";
 
 [[nodiscard]] QImage noise(int width, int height, quint32 seed);
-/// As the tests' own images are kept, whatever the window and the files keep theirs as.
+/// Converts to the format of the tests' own images, for comparison with windows and files.
 [[nodiscard]] QImage argb(const QImage& image);
 
 [[nodiscard]] QFileDialog& fileDialog(QWidget& modal);
-/// The whole path that the file dialog proposes.
+/// The full path that the file dialog proposes.
 [[nodiscard]] QString proposed(QFileDialog& dialog);
 
 [[nodiscard]] ModalUser choosing(const QString& name, const QString& filter = kPng);

@@ -1,4 +1,4 @@
-// When the software trigger is offered, and what it does.
+// When the software trigger is enabled, and what it does.
 
 #include "features/view/FeatureView.h"
 #include "tests/support/Recorded.h"
@@ -18,8 +18,8 @@ private slots:
 
     void isOfferedInTriggerMode_data();
     void isOfferedInTriggerMode();
-    void endsWithTheStream();
-    void isOffWithoutAStream();
+    void isDisabledWhenTheStreamStops();
+    void isDisabledWithoutAStream();
     void followsTheFeatureBrowser();
     void executes_data();
     void executes();
@@ -59,7 +59,7 @@ void SoftwareTriggerTest::isOfferedInTriggerMode()
     QCOMPARE(driver.log(), QStringList());
 }
 
-void SoftwareTriggerTest::endsWithTheStream()
+void SoftwareTriggerTest::isDisabledWhenTheStreamStops()
 {
     WindowDriver driver;
     scripted::setTrigger(1, 64);
@@ -70,7 +70,7 @@ void SoftwareTriggerTest::endsWithTheStream()
     QVERIFY(!driver.enabled("action_Menu_One_Shot"));
 }
 
-void SoftwareTriggerTest::isOffWithoutAStream()
+void SoftwareTriggerTest::isDisabledWithoutAStream()
 {
     WindowDriver driver;
     scripted::setTrigger(1, 64);
@@ -84,7 +84,7 @@ void SoftwareTriggerTest::isOffWithoutAStream()
     check(); // no camera
     driver.open();
     check();
-    QCOMPARE(recorded::texts({"GetCamTrigger"}), QStringList()); // nothing needs to be read for that
+    QCOMPARE(recorded::texts({"GetCamTrigger"}), QStringList()); // without reading anything
 }
 
 void SoftwareTriggerTest::followsTheFeatureBrowser()

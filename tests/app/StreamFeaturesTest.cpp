@@ -23,9 +23,9 @@ class StreamFeaturesTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void everyFeatureIsReadAnew_data();
-    void everyFeatureIsReadAnew();
-    void startEndsTheOpenEditorFirst();
+    void everyFeatureIsUpdated_data();
+    void everyFeatureIsUpdated();
+    void startCommitsTheOpenEditorFirst();
 };
 
 const GenAPINodeItem* itemOf(WindowDriver& driver, const QString& name)
@@ -38,7 +38,7 @@ const GenAPINodeItem* itemOf(WindowDriver& driver, const QString& name)
     return nullptr;
 }
 
-void StreamFeaturesTest::everyFeatureIsReadAnew_data()
+void StreamFeaturesTest::everyFeatureIsUpdated_data()
 {
     QTest::addColumn<QByteArray>("action");
     QTest::addColumn<QByteArray>("operation");
@@ -47,7 +47,7 @@ void StreamFeaturesTest::everyFeatureIsReadAnew_data()
     QTest::newRow("stop") << QByteArray("actionStop") << QByteArray("Strm_Stop") << QByteArray("Strm_Close");
 }
 
-void StreamFeaturesTest::everyFeatureIsReadAnew()
+void StreamFeaturesTest::everyFeatureIsUpdated()
 {
     QFETCH(const QByteArray, action);
     QFETCH(const QByteArray, operation);
@@ -73,11 +73,11 @@ void StreamFeaturesTest::everyFeatureIsReadAnew()
     QVERIFY(made.indexOf(QRegularExpression("^Nd_.*")) > made.indexOf(before));
 }
 
-void StreamFeaturesTest::startEndsTheOpenEditorFirst()
+void StreamFeaturesTest::startCommitsTheOpenEditorFirst()
 {
     WindowDriver driver;
     driver.open();
-    // An editor that has not the keyboard cannot lose it, which is when it writes.
+    // The editor writes when it loses the focus, so it must have the focus first.
     driver.window().activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&driver.window(), kPatienceMs));
     const QPointer<QLineEdit> editor =
@@ -88,7 +88,7 @@ void StreamFeaturesTest::startEndsTheOpenEditorFirst()
     driver.start();
     QCOMPARE(scripted::node("DeviceUserID").strValue, std::string("bench 3"));
 
-    // Written before any other feature is read.
+    // The write precedes the first read of any other feature.
     const QString own = QString::number(itemOf(driver, "DeviceUserID")->getNodeHandle());
     const QStringList made = recorded::texts({"Nd_"});
     const int written = made.indexOf(QRegularExpression("^Nd_SetStrValue.*"));

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// What a camera tells of its images.
+/// Image parameters of a camera.
 struct Parameters {
     QSize size;
     std::uint32_t format = 0;
@@ -25,7 +25,7 @@ struct Parameters {
     }
 };
 
-// No two have anything in common, so that what is used tells when it was read.
+// All values differ, so that each shows when it was read.
 constexpr Parameters kOpened{{64, 48}, scripted::bayerRG8};
 constexpr Parameters kStarted{{32, 16}, scripted::mono8};
 constexpr Parameters kStreamOpened{{80, 60}, 0x02180014};
@@ -42,26 +42,26 @@ class StreamTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void startMakesItsCallsInOrder_data();
-    void startMakesItsCallsInOrder();
-    void startPassesTheFixedNumbers();
-    void startEnablesWhatAStreamOffers();
+    void startCallsInOrder_data();
+    void startCallsInOrder();
+    void startPassesTheFixedParameters();
+    void startEnablesTheStreamActions();
     void startTwiceDoesNothing();
     void startWithoutCameraDoesNothing();
     void startFailureClosesTheCamera_data();
     void startFailureClosesTheCamera();
-    void startGoesOnWithWhatItCouldRead_data();
-    void startGoesOnWithWhatItCouldRead();
+    void startContinuesWithTheParametersItCouldRead_data();
+    void startContinuesWithTheParametersItCouldRead();
     void startWithoutMemory_data();
     void startWithoutMemory();
-    void startMakesANewViewOnlyWhereTheFormatChanged();
-    void sizeThatChangesWithTheOpeningIsTaken();
+    void startCreatesANewViewOnlyForANewFormat();
+    void sizeChangedByOpeningTheStreamIsUsed();
     void newSizeKeepsTheZoomFactorOfTheWindow();
     void startAfterOpeningKeepsTheView();
     void callbacksWhileStartingAreNotLogged();
 
-    void stopMakesItsCallsInOrder();
-    void stopEndsTheDisplayThreadBeforeTheStream();
+    void stopCallsInOrder();
+    void stopStopsTheDisplayThreadBeforeTheStream();
     void stopWithFailure();
     void stopWithoutClosing();
     void stopWithoutStream();
@@ -71,14 +71,14 @@ private slots:
 
 // --- Start ----------------------------------------------------------------------------------------------------------
 
-void StreamTest::startMakesItsCallsInOrder_data()
+void StreamTest::startCallsInOrder_data()
 {
     QTest::addColumn<QByteArray>("action");
     QTest::newRow("tool bar") << QByteArray("actionStart");
     QTest::newRow("menu") << QByteArray("action_Menu_Start");
 }
 
-void StreamTest::startMakesItsCallsInOrder()
+void StreamTest::startCallsInOrder()
 {
     QFETCH(const QByteArray, action);
     WindowDriver driver;
@@ -93,7 +93,7 @@ void StreamTest::startMakesItsCallsInOrder()
     QCOMPARE(driver.log(), QStringList());
 }
 
-void StreamTest::startPassesTheFixedNumbers()
+void StreamTest::startPassesTheFixedParameters()
 {
     WindowDriver driver;
     driver.open();
@@ -105,7 +105,7 @@ void StreamTest::startPassesTheFixedNumbers()
     QCOMPARE(scripted::calls({"Strm_Start"}).at(0).arguments.at(1), std::string("8"));
 }
 
-void StreamTest::startEnablesWhatAStreamOffers()
+void StreamTest::startEnablesTheStreamActions()
 {
     WindowDriver driver;
     driver.open();
@@ -145,7 +145,7 @@ void StreamTest::startFailureClosesTheCamera_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<QStringList>("closing");
     const QStringList closed{"Cam_Close", "Sys_CloseSignal"};
-    // A stream that is open is stopped, although it never started.
+    // An open stream is stopped, even if it never started.
     const QStringList stopped = QStringList{"Strm_Stop", "Strm_Close"} + closed;
     QTest::newRow("Strm_OpenSimple") << "ERROR: Strm_OpenSimple() [CAM_API_STS_NO_MEMORY]" << closed;
     QTest::newRow("Strm_SetCallbackImageAcquired")
@@ -178,7 +178,7 @@ void StreamTest::startFailureClosesTheCamera()
     QVERIFY(scripted::streaming());
 }
 
-void StreamTest::startGoesOnWithWhatItCouldRead_data()
+void StreamTest::startContinuesWithTheParametersItCouldRead_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<QString>("what");
@@ -191,12 +191,12 @@ void StreamTest::startGoesOnWithWhatItCouldRead_data()
         QTest::addRow("%s %s", operation, which) << operation << what << failing << converted << viewed;
     };
 
-    // They are read before the stream is opened, and after it.
+    // The parameters are read before and after the stream is opened.
     const QVector<int> first{1};
     const QVector<int> second{2};
     const QVector<int> twice{1, 2};
 
-    // A value that fails leaves out those behind it; a view is made anew only where all were read.
+    // A failing read skips those after it; a new view is created only if all reads succeeded.
     row("GetCamWidth", "width", first, kStreamOpened, kStreamOpened.size);
     row("GetCamWidth", "width", second, kStarted, kStarted.size);
     row("GetCamWidth", "width", twice, kOpened, kOpened.size);
@@ -213,7 +213,7 @@ void StreamTest::startGoesOnWithWhatItCouldRead_data()
     row("GetCamPixelFormat", "pixel format", twice, {kStreamOpened.size, kOpened.format}, kOpened.size);
 }
 
-void StreamTest::startGoesOnWithWhatItCouldRead()
+void StreamTest::startContinuesWithTheParametersItCouldRead()
 {
     QFETCH(const QString, operation);
     QFETCH(const QString, what);
@@ -250,7 +250,7 @@ void StreamTest::startWithoutMemory_data()
     QTest::addColumn<quint32>("height");
     QTest::newRow("no pixels") << 0u << 48u;
     QTest::newRow("product wraps to 0") << 0x8000u << 0x8000u;
-    QTest::newRow("product wraps to little") << 0x10000u << 0x4001u;
+    QTest::newRow("product wraps to a small size") << 0x10000u << 0x4001u;
 }
 
 void StreamTest::startWithoutMemory()
@@ -270,11 +270,11 @@ void StreamTest::startWithoutMemory()
                           "Strm_Close", "Cam_Close", "Sys_CloseSignal"}));
 }
 
-void StreamTest::startMakesANewViewOnlyWhereTheFormatChanged()
+void StreamTest::startCreatesANewViewOnlyForANewFormat()
 {
     WindowDriver driver;
     driver.open();
-    driver.start(); // remembers
+    driver.start(); // stores the format
     driver.stop();
     const QPointer<QWidget> view = driver.window().centralWidget();
     driver.start();
@@ -293,7 +293,7 @@ void StreamTest::startMakesANewViewOnlyWhereTheFormatChanged()
     QVERIFY(!ofOtherFormat);
 }
 
-void StreamTest::sizeThatChangesWithTheOpeningIsTaken()
+void StreamTest::sizeChangedByOpeningTheStreamIsUsed()
 {
     WindowDriver driver;
     driver.open();
@@ -318,7 +318,7 @@ void StreamTest::newSizeKeepsTheZoomFactorOfTheWindow()
     scripted::setImageFormat(33, 17, scripted::bayerRG8);
     driver.start();
     QCOMPARE(driver.imageView()->view()->transform().m11(), 1.0);
-    QVERIFY(driver.enabled("actionNormalSize")); // the window still counts 2.0
+    QVERIFY(driver.enabled("actionNormalSize")); // the window still has a factor of 2.0
 }
 
 void StreamTest::startAfterOpeningKeepsTheView()
@@ -328,13 +328,13 @@ void StreamTest::startAfterOpeningKeepsTheView()
     driver.open();
     driver.close();
     scripted::setImageFormat(41, 30, scripted::bayerRG8);
-    driver.open(); // remembers 41
+    driver.open(); // stores a width of 41
     const QPointer<QWidget> view = driver.window().centralWidget();
     driver.start();
     QCOMPARE(driver.window().centralWidget(), view.data());
 }
 
-/// Writes a line that comes behind what the callbacks have queued, and gives the log with it.
+/// Queues a line behind those of the callbacks and returns the log once it contains that line.
 QStringList logUpTo(WindowDriver& driver, const QString& line)
 {
     QMetaObject::invokeMethod(&driver.window(), "write_log", Qt::QueuedConnection, Q_ARG(QString, line));
@@ -352,7 +352,7 @@ void StreamTest::callbacksWhileStartingAreNotLogged()
             ++delivered;
     };
     scripted::onCall("GetCamTriggerMode", callBack);
-    scripted::onCall("Nd_GetIntValue", callBack); // while the features are read anew
+    scripted::onCall("Nd_GetIntValue", callBack); // while the features are updated
     driver.start();
     QVERIFY(delivered > 1);
     QCOMPARE(logUpTo(driver, "started"), QStringList{"started"});
@@ -360,7 +360,7 @@ void StreamTest::callbacksWhileStartingAreNotLogged()
 
 // --- Stop -----------------------------------------------------------------------------------------------------------
 
-void StreamTest::stopMakesItsCallsInOrder()
+void StreamTest::stopCallsInOrder()
 {
     WindowDriver driver;
     driver.open();
@@ -371,11 +371,11 @@ void StreamTest::stopMakesItsCallsInOrder()
     QVERIFY(driver.enabled("actionStart"));
     QVERIFY(!driver.enabled("actionStop"));
     QVERIFY(driver.enabled("action_Menu_Stop"));
-    QVERIFY(driver.enabled("actionSnapshot")); // the image is still there
+    QVERIFY(driver.enabled("actionSnapshot")); // the image remains
     QCOMPARE(driver.log(), QStringList());
 }
 
-void StreamTest::stopEndsTheDisplayThreadBeforeTheStream()
+void StreamTest::stopStopsTheDisplayThreadBeforeTheStream()
 {
     bool gone = false;
     WindowDriver driver;
@@ -403,7 +403,7 @@ void StreamTest::stopWithoutClosing()
     WindowDriver driver;
     driver.open();
     driver.start();
-    // The stream is gone before it is closed.
+    // The stream has been closed elsewhere before the window closes it.
     scripted::onCall("Strm_Close", [] {
         scripted::onCall("Strm_Close", nullptr);
         QCOMPARE(Orvo::Strm_Close(3001), Orvo::CAM_API_STS_SUCCESS);
@@ -413,7 +413,7 @@ void StreamTest::stopWithoutClosing()
     QCOMPARE(driver.log(), QStringList());
     scripted::clearCalls();
     driver.trigger("action_Menu_Stop");
-    QCOMPARE(recorded::windowOperations(), QStringList()); // it counts as closed
+    QCOMPARE(recorded::windowOperations(), QStringList()); // the window considers it closed
     driver.start();
     QVERIFY(scripted::streaming());
     QVERIFY(scripted::deliverImage(1));

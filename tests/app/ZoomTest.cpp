@@ -18,9 +18,9 @@ private slots:
     void init() { scripted::reset(); }
 
     void limits();
-    void goesToEightWithoutAChangeOfState();
-    void menuNormalSizeFollowsTheStateOnly();
-    void menuTwins();
+    void reachesEightWithoutAStateChange();
+    void menuNormalSizeDependsOnTheStateOnly();
+    void menuActionsZoom();
     void resendsTheImage();
     void resendsTheImageOfAnEarlierCamera();
 };
@@ -39,7 +39,7 @@ void ZoomTest::limits()
     QVERIFY(driver.enabled("actionNormalSize"));
     driver.trigger("actionZoomIn"); // 4.0
     QVERIFY(driver.enabled("actionZoomIn") && driver.enabled("action_Menu_Zoom_In"));
-    driver.start(); // a change of state allows less
+    driver.start(); // a state change applies the lower limit
     QVERIFY(!driver.enabled("actionZoomIn") && !driver.enabled("action_Menu_Zoom_In"));
     driver.triggerDisabled("actionZoomIn"); // 8.0
     QVERIFY(!driver.enabled("actionZoomIn") && !driver.enabled("action_Menu_Zoom_In"));
@@ -49,7 +49,7 @@ void ZoomTest::limits()
     driver.trigger("actionNormalSize");
     QCOMPARE(view->view()->transform().m11(), 1.0);
     QVERIFY(driver.enabled("actionZoomOut"));
-    QVERIFY(!driver.enabled("action_Menu_Zoom_Out")); // off at 1.0, unlike the tool bar's
+    QVERIFY(!driver.enabled("action_Menu_Zoom_Out")); // disabled at 1.0, unlike that of the tool bar
     QVERIFY(!driver.enabled("actionNormalSize"));
 
     driver.trigger("actionZoomOut"); // 0.5
@@ -60,13 +60,13 @@ void ZoomTest::limits()
     QVERIFY(driver.enabled("actionNormalSize"));
     QCOMPARE(view->view()->transform().m11(), 0.25);
 
-    driver.trigger("action_Menu_Zoom_Out"); // the menu goes on
+    driver.trigger("action_Menu_Zoom_Out"); // the menu action has no such limit
     QCOMPARE(view->view()->transform().m11(), 0.125);
     driver.trigger("action_Menu_Normal_Size");
     QCOMPARE(view->view()->transform().m11(), 1.0);
 }
 
-void ZoomTest::goesToEightWithoutAChangeOfState()
+void ZoomTest::reachesEightWithoutAStateChange()
 {
     WindowDriver driver;
     driver.open();
@@ -80,7 +80,7 @@ void ZoomTest::goesToEightWithoutAChangeOfState()
     QVERIFY(driver.enabled("action_Menu_Zoom_In"));
 }
 
-void ZoomTest::menuNormalSizeFollowsTheStateOnly()
+void ZoomTest::menuNormalSizeDependsOnTheStateOnly()
 {
     WindowDriver driver;
     driver.triggerDisabled("actionZoomIn");
@@ -93,7 +93,7 @@ void ZoomTest::menuNormalSizeFollowsTheStateOnly()
     QVERIFY(driver.enabled("action_Menu_Normal_Size"));
 }
 
-void ZoomTest::menuTwins()
+void ZoomTest::menuActionsZoom()
 {
     WindowDriver driver;
     driver.open();
@@ -114,7 +114,7 @@ void ZoomTest::resendsTheImage()
     driver.start();
     const ShownImages shown(driver.window(), ShownImages::Keep::All);
     driver.trigger("actionZoomIn");
-    QCOMPARE(shown.count(), 0); // nothing to send yet
+    QCOMPARE(shown.count(), 0); // no image yet
     QVERIFY(scripted::deliverImage(1, 7));
     QTRY_COMPARE(shown.count(), 1);
     driver.trigger("actionZoomIn");

@@ -1,4 +1,4 @@
-// The discovery dialog: its form, when it asks the camera API, what it lists, and what it gives back.
+// The discovery dialog: its form, when it enumerates cameras, what it lists, and what it returns.
 
 #include "discovery/DiscoveryDlg.h"
 #include "tests/support/Patience.h"
@@ -23,7 +23,7 @@ struct Shown {
     QSignalSpy errors{&dialog, &DiscoveryDlg::setError};
     QSignalSpy lines{&dialog, &DiscoveryDlg::writeLog};
 
-    /// The row's cells, the hidden one included.
+    /// The cells of the row, including the hidden one.
     [[nodiscard]] QStringList row(int index) const
     {
         QStringList cells;
@@ -45,14 +45,14 @@ struct Shown {
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, QPoint(10, cell.center().y()));
     }
 
-    /// On the keyboard, whichever widget has it.
+    /// Sends the key to the widget that has the focus.
     void press(Qt::Key key)
     {
         QWidget* const focused = dialog.focusWidget();
         QTest::keyClick(focused ? focused : &dialog, key);
     }
 
-    /// Presses Tab until the button has the keyboard.
+    /// Presses Tab until the button has the focus.
     [[nodiscard]] bool tabTo(const QPushButton& button)
     {
         constexpr int widgets = 4;
@@ -77,8 +77,8 @@ std::vector<scripted::CameraSpec> threeCameras()
         {"Maker A", "Model 1", "S-1", "left"}, {"Maker B", "Model 2", "S-2", ""}, {"Maker C", "Model 3", "S-3", "top"}};
 }
 
-/// Waits as long as the dialog waits before it lists the cameras, so many times over: a timer like the dialog's own
-/// goes off in turn with it, however busy the machine is.
+/// Waits `count` times as long as the dialog waits before it lists the cameras. It uses the same kind of timer, so the
+/// two fire in turn however busy the machine is.
 [[nodiscard]] bool waitForPeriods(int count)
 {
     QTimer timer;
@@ -102,38 +102,38 @@ private slots:
 
     void formHasItsWidgets_data();
     void formHasItsWidgets();
-    void formHasItsOrderAndNoLayout();
+    void formWidgetsAreInOrderWithoutALayout();
     void columns();
     void membersAreKnownByName();
 
-    void listComesAfterTheDialog();
-    void listComesOnce();
-    void listComesOnceWhereTheDialogIsShownAgain();
-    void listComesAgainWithTheDialog();
+    void listIsFilledAfterTheDialogIsShown();
+    void listIsFilledOnce();
+    void hidingAndShowingBeforeTheListIsFilledFillsItOnce();
+    void showingTheDialogAgainRefillsTheList();
     void threeCamerasInIndexOrder();
-    void textsAreShownAsTheyAre();
+    void textsAreShownVerbatim();
     void everyByteOfAFieldIsACharacter();
     void noCamera();
     void buttonsAreDisabledWhileEnumerating();
 
-    void openGivesTheFirstRow();
-    void openGivesTheSelectedRow();
-    void indexComesFromTheHiddenColumn();
+    void openReturnsTheFirstRow();
+    void openReturnsTheSelectedRow();
+    void indexIsReadFromTheHiddenColumn();
     void clearedSelectionKeepsTheIndexAndDoesNotOpen();
-    void noSelectionLeavesTheArgument();
-    void enterOpensWhatIsHighlighted_data();
-    void enterOpensWhatIsHighlighted();
-    void enterDoesNothingBeforeTheListIsThere();
-    void enterPressesAButtonThatWasReachedByTab_data();
-    void enterPressesAButtonThatWasReachedByTab();
-    void updateLeavesTheKeyboardWhereItIs();
+    void noSelectionLeavesTheArgumentUnchanged();
+    void enterOpensTheHighlightedRow_data();
+    void enterOpensTheHighlightedRow();
+    void enterDoesNothingBeforeTheListIsFilled();
+    void enterPressesTheFocusedButton_data();
+    void enterPressesTheFocusedButton();
+    void updateKeepsTheFocus();
     void doubleClickOpens();
     void doubleClickDoesNothingWhileOpenIsDisabled();
     void rejected_data();
     void rejected();
 
-    void updateClearsBeforeItAsks();
-    void updateListsAnew();
+    void updateClearsTheListBeforeEnumerating();
+    void updateRefillsTheList();
     void countFailsAfterAClick();
     void countFailsAfterTheTimer();
     void recordFails_data();
@@ -171,7 +171,7 @@ void DiscoveryDlgTest::formHasItsWidgets()
     QCOMPARE(widget->toolTip(), QString());
 }
 
-void DiscoveryDlgTest::formHasItsOrderAndNoLayout()
+void DiscoveryDlgTest::formWidgetsAreInOrderWithoutALayout()
 {
     const Shown shown;
     QStringList names;
@@ -226,9 +226,9 @@ void DiscoveryDlgTest::membersAreKnownByName()
 
 // --- Listing --------------------------------------------------------------------------------------------------------
 
-void DiscoveryDlgTest::listComesAfterTheDialog()
+void DiscoveryDlgTest::listIsFilledAfterTheDialogIsShown()
 {
-    constexpr qint64 earliestMs = 90; // a coarse timer of 100
+    constexpr qint64 earliestMs = 90; // a coarse timer of 100 ms may fire early
     Shown shown;
     QElapsedTimer sinceShown;
     qint64 askedAfterMs = -1;
@@ -243,7 +243,7 @@ void DiscoveryDlgTest::listComesAfterTheDialog()
     QVERIFY(shown.update->isEnabled());
 }
 
-void DiscoveryDlgTest::listComesOnce()
+void DiscoveryDlgTest::listIsFilledOnce()
 {
     Shown shown;
     shown.dialog.show();
@@ -251,7 +251,7 @@ void DiscoveryDlgTest::listComesOnce()
     QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 1);
 }
 
-void DiscoveryDlgTest::listComesOnceWhereTheDialogIsShownAgain()
+void DiscoveryDlgTest::hidingAndShowingBeforeTheListIsFilledFillsItOnce()
 {
     Shown shown;
     shown.dialog.show();
@@ -261,7 +261,7 @@ void DiscoveryDlgTest::listComesOnceWhereTheDialogIsShownAgain()
     QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 1);
 }
 
-void DiscoveryDlgTest::listComesAgainWithTheDialog()
+void DiscoveryDlgTest::showingTheDialogAgainRefillsTheList()
 {
     Shown shown;
     shown.dialog.show();
@@ -296,7 +296,7 @@ void DiscoveryDlgTest::threeCamerasInIndexOrder()
     QCOMPARE(shown.lines.count(), 0);
 }
 
-void DiscoveryDlgTest::textsAreShownAsTheyAre()
+void DiscoveryDlgTest::textsAreShownVerbatim()
 {
     const std::string longest(63, 'x');
     scripted::setCameras({{longest, "<b>bold</b>", "%1 %2", "&name"}});
@@ -342,7 +342,7 @@ void DiscoveryDlgTest::buttonsAreDisabledWhileEnumerating()
 
 // --- Choosing -------------------------------------------------------------------------------------------------------
 
-void DiscoveryDlgTest::openGivesTheFirstRow()
+void DiscoveryDlgTest::openReturnsTheFirstRow()
 {
     Shown shown;
     QTimer::singleShot(0, &shown.dialog, [&] {
@@ -353,7 +353,7 @@ void DiscoveryDlgTest::openGivesTheFirstRow()
     QCOMPARE(shown.dialog.current_device, 0U);
 }
 
-void DiscoveryDlgTest::openGivesTheSelectedRow()
+void DiscoveryDlgTest::openReturnsTheSelectedRow()
 {
     Shown shown;
     shown.dialog.show();
@@ -366,7 +366,7 @@ void DiscoveryDlgTest::openGivesTheSelectedRow()
     QCOMPARE(shown.dialog.current_device, 2U);
 }
 
-void DiscoveryDlgTest::indexComesFromTheHiddenColumn()
+void DiscoveryDlgTest::indexIsReadFromTheHiddenColumn()
 {
     Shown shown;
     shown.dialog.discovery_camera();
@@ -394,7 +394,7 @@ void DiscoveryDlgTest::clearedSelectionKeepsTheIndexAndDoesNotOpen()
     QCOMPARE(shown.errors.count(), 0);
 }
 
-void DiscoveryDlgTest::noSelectionLeavesTheArgument()
+void DiscoveryDlgTest::noSelectionLeavesTheArgumentUnchanged()
 {
     Shown shown;
     std::uint32_t index = 99;
@@ -402,7 +402,7 @@ void DiscoveryDlgTest::noSelectionLeavesTheArgument()
     QCOMPARE(index, 99U);
 }
 
-void DiscoveryDlgTest::enterOpensWhatIsHighlighted_data()
+void DiscoveryDlgTest::enterOpensTheHighlightedRow_data()
 {
     QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<bool>("updated");
@@ -411,7 +411,7 @@ void DiscoveryDlgTest::enterOpensWhatIsHighlighted_data()
     QTest::newRow("after a click on the update button") << Qt::Key_Return << true;
 }
 
-void DiscoveryDlgTest::enterOpensWhatIsHighlighted()
+void DiscoveryDlgTest::enterOpensTheHighlightedRow()
 {
     QFETCH(const Qt::Key, key);
     QFETCH(const bool, updated);
@@ -429,7 +429,7 @@ void DiscoveryDlgTest::enterOpensWhatIsHighlighted()
     QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 0);
 }
 
-void DiscoveryDlgTest::enterDoesNothingBeforeTheListIsThere()
+void DiscoveryDlgTest::enterDoesNothingBeforeTheListIsFilled()
 {
     Shown shown;
     shown.dialog.show();
@@ -438,14 +438,14 @@ void DiscoveryDlgTest::enterDoesNothingBeforeTheListIsThere()
     QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 0);
 }
 
-void DiscoveryDlgTest::enterPressesAButtonThatWasReachedByTab_data()
+void DiscoveryDlgTest::enterPressesTheFocusedButton_data()
 {
     QTest::addColumn<bool>("keypad");
     QTest::newRow("Return") << false;
     QTest::newRow("Enter") << true;
 }
 
-void DiscoveryDlgTest::enterPressesAButtonThatWasReachedByTab()
+void DiscoveryDlgTest::enterPressesTheFocusedButton()
 {
     QFETCH(const bool, keypad);
     const Qt::Key key = keypad ? Qt::Key_Enter : Qt::Key_Return;
@@ -462,7 +462,7 @@ void DiscoveryDlgTest::enterPressesAButtonThatWasReachedByTab()
     QCOMPARE(shown.dialog.result(), int(QDialog::Rejected));
 }
 
-void DiscoveryDlgTest::updateLeavesTheKeyboardWhereItIs()
+void DiscoveryDlgTest::updateKeepsTheFocus()
 {
     Shown shown;
     QVERIFY(waitUntilReady(shown));
@@ -470,14 +470,14 @@ void DiscoveryDlgTest::updateLeavesTheKeyboardWhereItIs()
     QTest::mouseClick(shown.update, Qt::LeftButton);
     QVERIFY(shown.list->hasFocus());
 
-    // A camera needs some seconds to start: the button is pressed again and again.
+    // A camera needs some seconds to start, so a user presses the button repeatedly.
     QVERIFY(shown.tabTo(*shown.update));
     shown.press(Qt::Key_Space);
     QVERIFY(shown.update->hasFocus());
     scripted::failCall("Sys_GetNumOfCameras", Orvo::CAM_API_STS_BUSY);
     shown.press(Qt::Key_Space);
     QVERIFY(!shown.update->isEnabled());
-    QVERIFY(shown.list->hasFocus()); // not "Cancel", which stands behind it
+    QVERIFY(shown.list->hasFocus()); // not "Cancel", the next widget
 }
 
 void DiscoveryDlgTest::doubleClickOpens()
@@ -526,7 +526,7 @@ void DiscoveryDlgTest::rejected()
 
 // --- Updating and failing -------------------------------------------------------------------------------------------
 
-void DiscoveryDlgTest::updateClearsBeforeItAsks()
+void DiscoveryDlgTest::updateClearsTheListBeforeEnumerating()
 {
     Shown shown;
     shown.dialog.discovery_camera();
@@ -537,7 +537,7 @@ void DiscoveryDlgTest::updateClearsBeforeItAsks()
     QCOMPARE(shown.list->topLevelItemCount(), 3);
 }
 
-void DiscoveryDlgTest::updateListsAnew()
+void DiscoveryDlgTest::updateRefillsTheList()
 {
     Shown shown;
     shown.dialog.discovery_camera();

@@ -1,4 +1,4 @@
-// The buffer that the display thread lends to the GUI: its sizes, the loan, and how long the memory lives.
+// The buffer that the display thread lends to the GUI: its sizes, the loan, and the lifetime of its memory.
 
 #include "display/ConversionBuffer.h"
 #include "display/ImageLoan.h"
@@ -14,12 +14,12 @@ class ConversionBufferTest : public QObject {
 private slots:
     void sizesWithoutABuffer_data();
     void sizesWithoutABuffer();
-    void lendsItsPixelsWithoutACopy();
+    void lendsPixelsWithoutCopying();
     void loanEndsWhenTheGuiIsDone();
-    void sharedImageEndsTheLoanToo();
-    void otherImagesLeaveTheLoanAlone();
+    void sharedCopyEndsTheLoan();
+    void otherImagesDoNotAffectTheLoan();
     void imageOutlivesTheBuffer();
-    void bufferIsBlackAtFirst();
+    void bufferIsInitiallyBlack();
 };
 
 void ConversionBufferTest::sizesWithoutABuffer_data()
@@ -42,7 +42,7 @@ void ConversionBufferTest::sizesWithoutABuffer()
     QVERIFY(!ConversionBuffer::create(width, height));
 }
 
-void ConversionBufferTest::lendsItsPixelsWithoutACopy()
+void ConversionBufferTest::lendsPixelsWithoutCopying()
 {
     const auto buffer = ConversionBuffer::create(3, 2);
     QVERIFY(buffer);
@@ -68,7 +68,7 @@ void ConversionBufferTest::loanEndsWhenTheGuiIsDone()
     }
 }
 
-void ConversionBufferTest::sharedImageEndsTheLoanToo()
+void ConversionBufferTest::sharedCopyEndsTheLoan()
 {
     const auto buffer = ConversionBuffer::create(4, 4);
     const QImage image = buffer->lend();
@@ -79,7 +79,7 @@ void ConversionBufferTest::sharedImageEndsTheLoanToo()
     QVERIFY(!buffer->isLent());
 }
 
-void ConversionBufferTest::otherImagesLeaveTheLoanAlone()
+void ConversionBufferTest::otherImagesDoNotAffectTheLoan()
 {
     const auto earlier = ConversionBuffer::create(4, 4);
     const QImage stale = earlier->lend();
@@ -107,7 +107,7 @@ void ConversionBufferTest::imageOutlivesTheBuffer()
     QCOMPARE(first.pixel(1, 1), 0x7F7F7F7FU);
 }
 
-void ConversionBufferTest::bufferIsBlackAtFirst()
+void ConversionBufferTest::bufferIsInitiallyBlack()
 {
     QCOMPARE(ConversionBuffer::create(2, 2)->lend().pixel(1, 1), qRgb(0, 0, 0));
 }

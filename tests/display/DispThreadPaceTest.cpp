@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const std::string kPoll = "Sys_WaitForSignal"; // begins a round, after its 2 ms
+const std::string kPoll = "Sys_WaitForSignal"; // the first call of a round, after its sleep of 2 ms
 
 class DispThreadPaceTest : public QObject {
     Q_OBJECT
@@ -24,24 +24,24 @@ class DispThreadPaceTest : public QObject {
 private slots:
     void init() { scripted::reset(); }
 
-    void roundsComeNoCloserThan2Milliseconds();
-    void atMostOneTryIn26Milliseconds_data();
-    void atMostOneTryIn26Milliseconds();
-    void everyTryEndsInAPauseOf5Milliseconds_data();
-    void everyTryEndsInAPauseOf5Milliseconds();
+    void roundsAreAtLeast2MillisecondsApart();
+    void atMostOneAttemptIn26Milliseconds_data();
+    void atMostOneAttemptIn26Milliseconds();
+    void everyAttemptEndsInAPauseOf5Milliseconds_data();
+    void everyAttemptEndsInAPauseOf5Milliseconds();
     void pausesBeforeTheFirstImageToo();
-    void imagesAndReportsComeInTime();
+    void imagesAndReportsArriveInTime();
 
     void lentImageBlocksTheNext();
-    void ratesGoOnWhileAnImageIsLent();
-    void shownImagesAreWhole();
-    void shownImagesStayAsTheyAreWhileOthersCome();
+    void ratesAreReportedWhileAnImageIsLent();
+    void shownImagesAreComplete();
+    void laterImagesDoNotChangeShownOnes();
     void staleImageAfterRestartIsHarmless_data();
     void staleImageAfterRestartIsHarmless();
     void staleImageAfterExitIsHarmless();
-    void imageHandledAfterStopFreesNothingOfTheNextStart();
+    void imageHandledAfterStopKeepsTheLoanOfTheNextStart();
 
-    void pausedTakesNoImagesButReportsRates();
+    void pausedThreadTakesNoImagesButReportsRates();
     void fastCameraShowsFewerImagesThanItDelivers();
     void stoppedCameraShowsZeroAndKeepsTheImage();
     void nothingIsReportedWhileNotAcquiring();
@@ -49,7 +49,7 @@ private slots:
 
 // --- Pace ------------------------------------------------------------------------------------------------------------
 
-void DispThreadPaceTest::roundsComeNoCloserThan2Milliseconds()
+void DispThreadPaceTest::roundsAreAtLeast2MillisecondsApart()
 {
     const CallTimes times({kPoll});
     RunningStream running;
@@ -59,7 +59,7 @@ void DispThreadPaceTest::roundsComeNoCloserThan2Milliseconds()
         QVERIFY2(calls[i].at - calls[i - 1].at >= 2ms, qPrintable(QString::number(i)));
 }
 
-void DispThreadPaceTest::atMostOneTryIn26Milliseconds_data()
+void DispThreadPaceTest::atMostOneAttemptIn26Milliseconds_data()
 {
     QTest::addColumn<QString>("tried");
     QTest::addColumn<QString>("failing");
@@ -71,7 +71,7 @@ void DispThreadPaceTest::atMostOneTryIn26Milliseconds_data()
                              << "Strm_LockBuffer";
 }
 
-void DispThreadPaceTest::atMostOneTryIn26Milliseconds()
+void DispThreadPaceTest::atMostOneAttemptIn26Milliseconds()
 {
     QFETCH(QString, tried);
     QFETCH(QString, failing);
@@ -84,7 +84,7 @@ void DispThreadPaceTest::atMostOneTryIn26Milliseconds()
         const Feeder feeder(3);
         QTRY_VERIFY_WITH_TIMEOUT(times.count(operation) >= 30, kPatienceMs);
     }
-    // The frame timer starts anew between the poll of a round and what is tried in it.
+    // The frame timer restarts between the poll of a round and the attempt in it.
     std::optional<CallTimes::Clock::time_point> roundBegan;
     const auto calls = times.entries();
     for (std::size_t i = 1; i < calls.size(); ++i) {
@@ -97,7 +97,7 @@ void DispThreadPaceTest::atMostOneTryIn26Milliseconds()
     }
 }
 
-void DispThreadPaceTest::everyTryEndsInAPauseOf5Milliseconds_data()
+void DispThreadPaceTest::everyAttemptEndsInAPauseOf5Milliseconds_data()
 {
     QTest::addColumn<QString>("last"); // operation of the round
     QTest::addColumn<QString>("failing");
@@ -112,7 +112,7 @@ void DispThreadPaceTest::everyTryEndsInAPauseOf5Milliseconds_data()
                              << "Strm_LockBuffer" << 0U;
 }
 
-void DispThreadPaceTest::everyTryEndsInAPauseOf5Milliseconds()
+void DispThreadPaceTest::everyAttemptEndsInAPauseOf5Milliseconds()
 {
     QFETCH(QString, last);
     QFETCH(QString, failing);
@@ -129,7 +129,7 @@ void DispThreadPaceTest::everyTryEndsInAPauseOf5Milliseconds()
     QVERIFY(recorded::waitRounds(2));
     const auto calls = times.entries();
     for (std::size_t i = 1; i < calls.size(); ++i) {
-        // And the 2 ms that every round begins with.
+        // The pause plus the 2 ms at the start of every round.
         if (calls[i - 1].operation == operation)
             QVERIFY2(calls[i].at - calls[i - 1].at >= 7ms, qPrintable(QString::number(i)));
     }
@@ -141,8 +141,8 @@ void DispThreadPaceTest::pausesBeforeTheFirstImageToo()
     RunningStream running;
     const auto acquiring = CallTimes::Clock::now();
     QVERIFY(recorded::waitRounds(150));
-    // A round that begins 26 ms after the frame timer was started finds it run out, and pauses; not before the stream
-    // has been started, which the thread does not wait for.
+    // A round that begins 26 ms after the start of the frame timer finds it elapsed, and pauses. This holds only once
+    // the stream has started, which happens while the thread already runs.
     const auto calls = times.entries();
     auto timerStartedBefore = calls[0].at;
     for (std::size_t i = 1; i < calls.size(); ++i) {
@@ -155,7 +155,7 @@ void DispThreadPaceTest::pausesBeforeTheFirstImageToo()
     QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0);
 }
 
-void DispThreadPaceTest::imagesAndReportsComeInTime()
+void DispThreadPaceTest::imagesAndReportsArriveInTime()
 {
     constexpr std::size_t mostReports = 20;
     constexpr double enough = 30; // 1000 / 26 at best
@@ -164,7 +164,7 @@ void DispThreadPaceTest::imagesAndReportsComeInTime()
     CallTimes::Clock::duration shortest = 1h;
     RunningStream running;
     const Feeder feeder(5);
-    // By and by: the machine may be busy with something else for a while.
+    // Repeated, because the machine may be busy for a while.
     for (std::size_t last = 1; last < mostReports && (fastest < enough || shortest >= soon); ++last) {
         QVERIFY(running.waitForReports(last + 1));
         const auto rates = running.rates();
@@ -189,13 +189,13 @@ void DispThreadPaceTest::lentImageBlocksTheNext()
     QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), asked);
     QVERIFY(scripted::deliverImage(3));
 
-    // The newest one comes when the GUI has handled the first.
+    // The newest image follows as soon as the GUI has handled the first.
     QTRY_COMPARE(conversions(), 2);
     QCOMPARE(recorded::texts({"Strm_LockBuffer"}).at(1), QString("Strm_LockBuffer(3001, 2, out)"));
     QTRY_COMPARE(running.images(), 2);
 }
 
-void DispThreadPaceTest::ratesGoOnWhileAnImageIsLent()
+void DispThreadPaceTest::ratesAreReportedWhileAnImageIsLent()
 {
     RunningStream running;
     QVERIFY(scripted::deliverImage(1));
@@ -205,7 +205,7 @@ void DispThreadPaceTest::ratesGoOnWhileAnImageIsLent()
     QCOMPARE(running.rates().at(1).display, 0.0);
 }
 
-void DispThreadPaceTest::shownImagesAreWhole()
+void DispThreadPaceTest::shownImagesAreComplete()
 {
     constexpr int enough = 40;
     scripted::setImageFormat(640, 480, scripted::bayerRG8);
@@ -224,14 +224,14 @@ void DispThreadPaceTest::shownImagesAreWhole()
     const Feeder feeder(3);
     QElapsedTimer timer;
     timer.start();
-    // A GUI thread that never sleeps is not woken by anything either: the hand-over alone orders the two threads.
+    // The GUI thread busy-waits, so that only the hand-over synchronises the two threads.
     while (whole + torn < enough && timer.elapsed() < kPatienceMs)
         QCoreApplication::processEvents();
     QCOMPARE(torn, 0);
     QCOMPARE(whole, enough);
 }
 
-void DispThreadPaceTest::shownImagesStayAsTheyAreWhileOthersCome()
+void DispThreadPaceTest::laterImagesDoNotChangeShownOnes()
 {
     constexpr int frames = 6;
     const auto greyOf = [](int frame) { return static_cast<std::uint8_t>(0x20 * frame); };
@@ -241,7 +241,7 @@ void DispThreadPaceTest::shownImagesStayAsTheyAreWhileOthersCome()
         QVERIFY(scripted::deliverImage(std::uint64_t(frame), greyOf(frame)));
         QTRY_COMPARE(shown.count(), frame);
     }
-    running.driver().trigger("actionZoomIn"); // shows the last one again
+    running.driver().trigger("actionZoomIn"); // shows the last image again
     QCOMPARE(shown.count(), frames + 1);
     for (int i = 0; i <= frames; ++i) {
         const QImage image = shown.images().at(i);
@@ -271,11 +271,11 @@ void DispThreadPaceTest::staleImageAfterRestartIsHarmless()
     running.driver().stop();
     scripted::setImageFormat(width, height, scripted::bayerRG8);
     running.start();
-    QVERIFY(scripted::deliverImage(1)); // the thread is a new one and knows no number
+    QVERIFY(scripted::deliverImage(1)); // the new thread has no previous frame number
     QVERIFY(waitBlocked([&] { return running.images() == 2; }));
 
-    // Both wait in the queue now: handling the stale one must not end the loan of the other too early, nor the other's
-    // loan be forgotten.
+    // Both images are queued now: handling the stale one must not end the loan of the other too early, and that loan
+    // must still end.
     QVERIFY(scripted::deliverImage(2));
     QTRY_COMPARE(running.images(), 3);
     QVERIFY(scripted::deliverImage(3));
@@ -293,7 +293,7 @@ void DispThreadPaceTest::staleImageAfterExitIsHarmless()
     QCOMPARE(scripted::lockedBuffers(), 0);
 }
 
-void DispThreadPaceTest::imageHandledAfterStopFreesNothingOfTheNextStart()
+void DispThreadPaceTest::imageHandledAfterStopKeepsTheLoanOfTheNextStart()
 {
     RunningStream running;
     QVERIFY(scripted::deliverImage(1));
@@ -307,7 +307,7 @@ void DispThreadPaceTest::imageHandledAfterStopFreesNothingOfTheNextStart()
 
 // --- Rates ----------------------------------------------------------------------------------------------------------
 
-void DispThreadPaceTest::pausedTakesNoImagesButReportsRates()
+void DispThreadPaceTest::pausedThreadTakesNoImagesButReportsRates()
 {
     RunningStream running;
     running.driver().trigger("actionPause");
@@ -324,7 +324,7 @@ void DispThreadPaceTest::pausedTakesNoImagesButReportsRates()
 
 void DispThreadPaceTest::fastCameraShowsFewerImagesThanItDelivers()
 {
-    constexpr double highestDisplayRate = 1000.0 / 26 + 1; // one more may fall into a report
+    constexpr double highestDisplayRate = 1000.0 / 26 + 1; // a report may contain one image more
     RunningStream running;
     int deliveredBefore = 0;
     int deliveredAfter = 0;
@@ -339,7 +339,7 @@ void DispThreadPaceTest::fastCameraShowsFewerImagesThanItDelivers()
     QVERIFY2(rates.display <= highestDisplayRate, qPrintable(QString::number(rates.display)));
     QVERIFY(rates.display > 0);
     QVERIFY2(rates.capture > rates.display, qPrintable(QString::number(rates.capture)));
-    // A report covers 2 seconds or a little more; the two moments were taken a little after the reports.
+    // A report covers slightly more than 2 seconds, and the counts were taken slightly after the reports.
     QVERIFY(rates.capture * 2 <= (deliveredAfter - deliveredBefore) * 1.5);
     QVERIFY(rates.capture * 2 >= (deliveredAfter - deliveredBefore) * 0.5);
 }
@@ -353,7 +353,7 @@ void DispThreadPaceTest::stoppedCameraShowsZeroAndKeepsTheImage()
         QVERIFY(scripted::deliverImage(number, 0x40));
     QVERIFY(running.waitForReports(2));
 
-    // What was counted tells the time that the report covers, in whole milliseconds.
+    // The known count gives the period of the report, which is in whole milliseconds.
     const RunningStream::Rates first = running.rates().at(0);
     const double milliseconds = delivered * 1000.0 / first.capture;
     QVERIFY(milliseconds > 2000.5);
@@ -361,7 +361,7 @@ void DispThreadPaceTest::stoppedCameraShowsZeroAndKeepsTheImage()
     QVERIFY(first.imagesBefore > 0);
     QCOMPARE(first.display, first.imagesBefore * 1000.0 / std::round(milliseconds));
 
-    // Both counters began anew.
+    // Both counters were reset.
     const RunningStream::Rates second = running.rates().at(1);
     QCOMPARE(second.capture, 0.0);
     QCOMPARE(second.display, 0.0);
@@ -372,8 +372,8 @@ void DispThreadPaceTest::stoppedCameraShowsZeroAndKeepsTheImage()
 
 void DispThreadPaceTest::nothingIsReportedWhileNotAcquiring()
 {
-    // The thread already runs while the stream is opened. Opening takes longer here than the period of the reports:
-    // only time can show that none comes.
+    // The thread already runs while the stream is opened. Here opening takes longer than a report period; the absence
+    // of a report can only be shown by waiting.
     constexpr int longerThanAReportMs = 2300;
     std::atomic<int> reports{0};
     int reportsWhileOpening = -1;
@@ -388,7 +388,7 @@ void DispThreadPaceTest::nothingIsReportedWhileNotAcquiring()
     });
     driver.start();
     QCOMPARE(reportsWhileOpening, 0);
-    QTRY_COMPARE(reports, 1); // at once: more than two seconds have passed
+    QTRY_COMPARE(reports, 1); // immediately: more than two seconds have passed
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The display thread in the real main window: which images it takes, and how it ends.
+// The display thread in the real main window: which images it takes, and how it terminates.
 
 #include "tests/display/RunningStream.h"
 #include "tests/support/TestProgram.h"
@@ -21,16 +21,16 @@ private slots:
 
     void imageIsLockedConvertedAndUnlocked();
     void imageIsEmittedAsAViewOfTheBuffer();
-    void nothingIsAskedBeforeTheFirstImage();
+    void bufferIndexIsNotQueriedBeforeTheFirstImage();
     void failedIndexQueryIsSkipped();
-    void failedLockIsUnlockedAllTheSame();
+    void failedLockIsStillUnlocked();
     void incompleteImageIsSkippedAndUnlocked();
     void sameFrameNumberIsNotConvertedAgain();
-    void wholeFrameNumberIsCompared();
+    void all64BitsOfTheFrameNumberAreCompared();
     void firstImageNumbered21845IsNotShown();
-    void failedConversionIsShownAllTheSame();
+    void failedConversionIsStillShown();
 
-    void removalIsAskedForWithoutWaiting();
+    void removalIsPolledWithoutWaiting();
     void removalEndsTheThread();
     void removalIsPolledBeforeTheStreamRuns();
     void withoutSignalNothingIsPolled();
@@ -60,7 +60,7 @@ void DispThreadTest::livesWhileTheStreamIsOpen()
     QVERIFY(!running.thread());
 }
 
-// --- Which images ---------------------------------------------------------------------------------------------------
+// --- Images ---------------------------------------------------------------------------------------------------------
 
 void DispThreadTest::imageIsLockedConvertedAndUnlocked()
 {
@@ -87,7 +87,7 @@ void DispThreadTest::imageIsEmittedAsAViewOfTheBuffer()
     });
     QImage emitted;
     RunningStream running;
-    const QObject receiver; // goes before what it writes: images may be queued still
+    const QObject receiver; // destroyed before the variables it writes to: images may still be queued
     connect(running.thread(), &DispThread::dispImage, &receiver, [&](const QImage& image) {
         emitted = image.copy();
         QCOMPARE(static_cast<const void*>(image.constBits()), converted.load());
@@ -99,7 +99,7 @@ void DispThreadTest::imageIsEmittedAsAViewOfTheBuffer()
     QCOMPARE(emitted.pixel(63, 47), 0xFF204060U);
 }
 
-void DispThreadTest::nothingIsAskedBeforeTheFirstImage()
+void DispThreadTest::bufferIndexIsNotQueriedBeforeTheFirstImage()
 {
     RunningStream running;
     QVERIFY(recorded::waitRounds());
@@ -121,7 +121,7 @@ void DispThreadTest::failedIndexQueryIsSkipped()
     QTRY_COMPARE(conversions(), 1);
 }
 
-void DispThreadTest::failedLockIsUnlockedAllTheSame()
+void DispThreadTest::failedLockIsStillUnlocked()
 {
     RunningStream running;
     scripted::failAlways("Strm_LockBuffer", Orvo::CAM_API_STS_BUSY);
@@ -156,17 +156,17 @@ void DispThreadTest::sameFrameNumberIsNotConvertedAgain()
     QTRY_COMPARE(conversions(), 1);
     const int locks = scripted::count("Strm_LockBuffer");
     QTRY_VERIFY(scripted::count("Strm_LockBuffer") >= locks + 3);
-    QVERIFY(scripted::deliverImage(7)); // in another slot
+    QVERIFY(scripted::deliverImage(7)); // in another buffer
     QTRY_VERIFY(scripted::count("Strm_LockBuffer") >= locks + 6);
     QCOMPARE(conversions(), 1);
     QCOMPARE(running.images(), 1);
-    QVERIFY(scripted::deliverImage(6)); // any other number will do
+    QVERIFY(scripted::deliverImage(6)); // any other number counts as new
     QTRY_COMPARE(conversions(), 2);
     running.driver().stop();
     QCOMPARE(scripted::lockedBuffers(), 0);
 }
 
-void DispThreadTest::wholeFrameNumberIsCompared()
+void DispThreadTest::all64BitsOfTheFrameNumberAreCompared()
 {
     RunningStream running;
     QVERIFY(scripted::deliverImage(1));
@@ -187,7 +187,7 @@ void DispThreadTest::firstImageNumbered21845IsNotShown()
     QTRY_COMPARE(conversions(), 2);
 }
 
-void DispThreadTest::failedConversionIsShownAllTheSame()
+void DispThreadTest::failedConversionIsStillShown()
 {
     RunningStream running;
     scripted::failAlways("ConvImage", Orvo::CAM_API_STS_NOT_IMPLEMENTED);
@@ -198,11 +198,11 @@ void DispThreadTest::failedConversionIsShownAllTheSame()
     QCOMPARE(running.driver().log(), QStringList());
 }
 
-// --- How it ends ----------------------------------------------------------------------------------------------------
+// --- Termination ----------------------------------------------------------------------------------------------------
 
-void DispThreadTest::removalIsAskedForWithoutWaiting()
+void DispThreadTest::removalIsPolledWithoutWaiting()
 {
-    // Each opening has a signal of its own.
+    // Each opening creates a new signal.
     for (const char* asked : {"Sys_WaitForSignal(1001, 0)", "Sys_WaitForSignal(1002, 0)"}) {
         scripted::clearCalls();
         RunningStream running;
@@ -219,7 +219,8 @@ void DispThreadTest::removalEndsTheThread()
     QTRY_COMPARE(conversions(), 1);
     QSignalSpy removed(running.thread(), &DispThread::removedCamera);
     scripted::unplug();
-    QVERIFY2(running.thread()->wait(kPatienceMs), "ends by itself, before the GUI hears of it");
+    QVERIFY2(running.thread()->wait(kPatienceMs),
+             "the thread terminates on its own, before the GUI handles the removal");
     const int polled = scripted::count("Sys_WaitForSignal");
     QTRY_COMPARE(running.driver().log(), QStringList("A camera has been Removed."));
     QCOMPARE(scripted::count("Sys_WaitForSignal"), polled);
@@ -257,7 +258,7 @@ void DispThreadTest::withoutSignalNothingIsPolled()
 
 void DispThreadTest::stopEndsTheThreadAfterEveryStep_data()
 {
-    // The operation during which the stop is requested, and those that must not follow.
+    // The stop is requested during the first operation; none of those listed may follow.
     QTest::addColumn<QStringList>("notAfter");
     QTest::newRow("Strm_GetCurrentBufferIndex")
         << QStringList{"Strm_GetCurrentBufferIndex", "Strm_LockBuffer", "ConvImage", "Sys_WaitForSignal"};
@@ -273,7 +274,7 @@ void DispThreadTest::stopEndsTheThreadAfterEveryStep()
     RunningStream running;
     std::atomic<bool> entered{false};
     scripted::onCall(operation, [&] {
-        // Closing requests the stop before it stops the stream.
+        // Stopping requests the end of the thread before it stops the stream.
         entered = true;
         static_cast<void>(waitBlocked([] { return scripted::count("Strm_Stop") > 0; }));
     });

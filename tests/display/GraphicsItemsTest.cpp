@@ -1,4 +1,4 @@
-// What the two items of the image view paint, as a painter hears it and as pixels.
+// What the two items of the image view paint, as paint engine calls and as pixels.
 
 #include "display/ImageGraphicsItem.h"
 #include "display/LineGraphicsItem.h"
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Notes lines with their pens, and pixmaps with their targets.
+/// Records lines with their pens, and pixmaps with their targets.
 class NotingEngine : public QPaintEngine {
 public:
     struct Stroke {
@@ -123,19 +123,19 @@ class GraphicsItemsTest : public QObject {
 
 private slots:
     void imageItemPaintsNothingWithoutAnImage();
-    void imageItemCoversTheSizeThatItWasTold();
+    void imageItemCoversTheGivenSize();
     void imageItemStretchesASmallerImage();
     void imageItemShrinksALargerImage();
-    void imageItemAsksForARepaintWithAnImageOnly();
+    void imageItemRequestsARepaintOnlyWithAnImage();
     void imageItemSharesAnOpaqueImage_data();
     void imageItemSharesAnOpaqueImage();
-    void imageItemTakesTheAlphaOfACameraImageForOpaque();
+    void imageItemIgnoresTheAlphaOfACameraImage();
     void imageItemKeepsTheTransparencyOfOtherImages();
     void imageItemKeepsItsOwnPixmap();
     void clearedImageItemPaintsNothing();
 
     void lineItemBounds();
-    void lineItemAsksForARepaint();
+    void lineItemRequestsARepaint();
     void lineItemDrawsOutlineThenFill();
     void lineItemHeadStrokes_data();
     void lineItemHeadStrokes();
@@ -154,7 +154,7 @@ void GraphicsItemsTest::imageItemPaintsNothingWithoutAnImage()
     QCOMPARE(painted(item, {20, 10}), paper({20, 10}));
 }
 
-void GraphicsItemsTest::imageItemCoversTheSizeThatItWasTold()
+void GraphicsItemsTest::imageItemCoversTheGivenSize()
 {
     ImageGraphicsItem item;
     item.set_image_size(20, 10);
@@ -186,7 +186,7 @@ void GraphicsItemsTest::imageItemShrinksALargerImage()
     QCOMPARE(painted(item, {20, 10}), quarters({20, 10}));
 }
 
-void GraphicsItemsTest::imageItemAsksForARepaintWithAnImageOnly()
+void GraphicsItemsTest::imageItemRequestsARepaintOnlyWithAnImage()
 {
     QGraphicsScene scene;
     auto* const item = new ImageGraphicsItem;
@@ -221,10 +221,10 @@ void GraphicsItemsTest::imageItemSharesAnOpaqueImage()
     QVERIFY2(!image.isDetached(), "the pixmap uses the image's memory");
     QCOMPARE(painted(item, {20, 10}), quarters({20, 10}));
     item.update_image(quarters({20, 10}));
-    QVERIFY2(image.isDetached(), "what is no longer shown is given back");
+    QVERIFY2(image.isDetached(), "an image that is no longer shown is released");
 }
 
-void GraphicsItemsTest::imageItemTakesTheAlphaOfACameraImageForOpaque()
+void GraphicsItemsTest::imageItemIgnoresTheAlphaOfACameraImage()
 {
     QImage image(20, 10, QImage::Format_ARGB32);
     image.fill(qRgba(0x20, 0x40, 0x60, 0));
@@ -278,7 +278,7 @@ void GraphicsItemsTest::lineItemBounds()
     QCOMPARE(item.boundingRect(), QRectF(0, 0, 1, 1));
 }
 
-void GraphicsItemsTest::lineItemAsksForARepaint()
+void GraphicsItemsTest::lineItemRequestsARepaint()
 {
     QGraphicsScene scene;
     auto* const item = new LineGraphicsItem;
@@ -352,7 +352,7 @@ void GraphicsItemsTest::lineItemPixels()
     QCOMPARE(at(result, 70, 47.5), black);
     QCOMPARE(at(result, 70, 55), white);
     QCOMPARE(at(result, 70, 44), white);
-    // Half-way up both head strokes, and beyond their ends.
+    // In the middle of both head strokes, and beyond their ends.
     const double x = std::cos(32 * M_PI / 180);
     const double y = std::sin(32 * M_PI / 180);
     for (const int side : {-1, 1}) {

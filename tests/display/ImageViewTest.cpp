@@ -1,4 +1,4 @@
-// The image view: how it is put together, the main window's signals, zoom, pointer modes and what it shows.
+// The image view: its parts, the main window's signals, zoom, pointer modes and the image shown.
 
 #include "display/ImageView.h"
 #include "app/MainWindow.h"
@@ -18,7 +18,7 @@
 
 namespace {
 
-/// A view in a main window that has opened no camera.
+/// A view in a main window without a camera.
 struct Fixture {
     Fixture()
     {
@@ -67,10 +67,10 @@ private slots:
     void modeBar();
     void layoutOfTheParts();
     void sceneHoldsTheImageItem();
-    void partsGoWithTheView();
+    void partsAreDestroyedWithTheView();
 
-    void zoomDoublesWithoutABound();
-    void zoomHalvesWithoutABound();
+    void zoomInDoublesWithoutALimit();
+    void zoomOutHalvesWithoutALimit();
     void zoomReplacesTheMatrix();
     void zoomResetShowsTheOrigin();
     void resetViewKeepsTheZoom();
@@ -79,9 +79,9 @@ private slots:
     void pointerModes();
     void pointerModeButtonsExcludeEachOther();
 
-    void mainWindowDrivesIt();
+    void followsTheSignalsOfTheMainWindow();
     void imageIsStretchedToTheSize();
-    void imageIsNotCopiedDeeply();
+    void imageIsShared();
     void clearedImageStaysOnScreen();
 };
 
@@ -163,7 +163,7 @@ void ImageViewTest::sceneHoldsTheImageItem()
     QCOMPARE(scene->items()[0]->boundingRect(), QRectF(0, 0, 640, 480));
 }
 
-void ImageViewTest::partsGoWithTheView()
+void ImageViewTest::partsAreDestroyedWithTheView()
 {
     const Fixture f;
     const QPointer<QGraphicsScene> scene = f.view->view()->scene();
@@ -176,7 +176,7 @@ void ImageViewTest::partsGoWithTheView()
 
 // --- Zoom -----------------------------------------------------------------------------------------------------------
 
-void ImageViewTest::zoomDoublesWithoutABound()
+void ImageViewTest::zoomInDoublesWithoutALimit()
 {
     const Fixture f;
     for (const double expected : {2.0, 4.0, 8.0, 16.0}) {
@@ -185,7 +185,7 @@ void ImageViewTest::zoomDoublesWithoutABound()
     }
 }
 
-void ImageViewTest::zoomHalvesWithoutABound()
+void ImageViewTest::zoomOutHalvesWithoutALimit()
 {
     const Fixture f;
     for (const double expected : {0.5, 0.25, 0.125}) {
@@ -209,7 +209,7 @@ void ImageViewTest::zoomResetShowsTheOrigin()
     GraphicsView& view = *f.view->view();
     f.view->set_image_size(4000, 3000);
     f.view->update_image(filled({40, 30}, Qt::red));
-    QCoreApplication::processEvents(); // the scene learns the item's size
+    QCoreApplication::processEvents(); // updates the scene's rectangle
     QCOMPARE(view.sceneRect(), QRectF(0, 0, 4000, 3000));
     f.view->zoomIn();
     f.view->zoomIn();
@@ -230,7 +230,7 @@ void ImageViewTest::resetViewKeepsTheZoom()
     view.centerOn(3000, 3000);
     f.view->resetView();
     QCOMPARE(f.scale(), 2.0);
-    // The origin is that far inside the view, coming from the lower right.
+    // Scrolling from the lower right stops as soon as the origin is 50 pixels inside the view.
     QCOMPARE(view.mapFromScene(0, 0), QPoint(50, 50));
 }
 
@@ -262,7 +262,7 @@ void ImageViewTest::pointerModeButtonsExcludeEachOther()
     f.button(" Drag ")->click();
     QVERIFY(!f.button(" Select ")->isChecked());
     f.button(" Drag ")->click();
-    QVERIFY2(f.button(" Drag ")->isChecked(), "one of them is always checked");
+    QVERIFY2(f.button(" Drag ")->isChecked(), "one button is always checked");
     f.button(" Select ")->setChecked(true);
     QVERIFY(!f.button(" Drag ")->isChecked());
     QCOMPARE(f.view->view()->dragMode(), QGraphicsView::RubberBandDrag);
@@ -270,7 +270,7 @@ void ImageViewTest::pointerModeButtonsExcludeEachOther()
 
 // --- Images ---------------------------------------------------------------------------------------------------------
 
-void ImageViewTest::mainWindowDrivesIt()
+void ImageViewTest::followsTheSignalsOfTheMainWindow()
 {
     Fixture f;
     emit f.window.Set_Image_Size(6, 4);
@@ -303,7 +303,7 @@ void ImageViewTest::imageIsStretchedToTheSize()
     QCOMPARE(shown.pixelColor(500, 960), QColor(Qt::white));
 }
 
-void ImageViewTest::imageIsNotCopiedDeeply()
+void ImageViewTest::imageIsShared()
 {
     Fixture f;
     const QImage image = filled({640, 480}, Qt::red);

@@ -1,4 +1,4 @@
-// Copies of images into memory that is kept: whose pixels they have, and when their memory is used again.
+// Copies of images into pooled memory: their pixels, and when their memory is reused.
 
 #include "display/KeptImages.h"
 #include "tests/support/TestProgram.h"
@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Every pixel unlike its neighbours, and unlike those of another `first`.
+/// Every pixel differs from its neighbours, and from those of a pattern with another `first`.
 QImage pattern(QSize size, quint32 first, QImage::Format format = QImage::Format_ARGB32)
 {
     QImage image(size, QImage::Format_ARGB32);
@@ -24,19 +24,19 @@ class KeptImagesTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void copyHasThePixelsAndNotTheMemory();
-    void thirdCopyTakesTheMemoryOfTheFirst();
-    void memoryInUseIsLeftAlone();
-    void changedImageIsCopiedAsItIs_data();
-    void changedImageIsCopiedAsItIs();
-    void longerLinesAreCopiedWithoutTheirEnds();
-    void nullImageGivesANullImage();
+    void copyHasTheSamePixelsInOtherMemory();
+    void thirdCopyReusesTheMemoryOfTheFirst();
+    void memoryInUseIsNotReused();
+    void imageOfAnotherFormatOrSizeIsCopied_data();
+    void imageOfAnotherFormatOrSizeIsCopied();
+    void linePaddingIsNotCopied();
+    void copyOfANullImageIsNull();
 };
 
-void KeptImagesTest::copyHasThePixelsAndNotTheMemory()
+void KeptImagesTest::copyHasTheSamePixelsInOtherMemory()
 {
     KeptImages kept;
-    for (quint32 i = 0; i < 4; ++i) { // the third and the fourth go into memory that is there already
+    for (quint32 i = 0; i < 4; ++i) { // the third and the fourth reuse memory
         QImage image = pattern(kSize, i * 1000);
         const QImage copy = kept.copyOf(image);
         QCOMPARE(copy, image);
@@ -47,7 +47,7 @@ void KeptImagesTest::copyHasThePixelsAndNotTheMemory()
     }
 }
 
-void KeptImagesTest::thirdCopyTakesTheMemoryOfTheFirst()
+void KeptImagesTest::thirdCopyReusesTheMemoryOfTheFirst()
 {
     KeptImages kept;
     const auto memoryOfCopy = [&kept](quint32 first) {
@@ -60,7 +60,7 @@ void KeptImagesTest::thirdCopyTakesTheMemoryOfTheFirst()
         QCOMPARE(memoryOfCopy(i * 1000), i % 2 == 0 ? first : second);
 }
 
-void KeptImagesTest::memoryInUseIsLeftAlone()
+void KeptImagesTest::memoryInUseIsNotReused()
 {
     KeptImages kept;
     const QImage held = kept.copyOf(pattern(kSize, 0));
@@ -71,19 +71,19 @@ void KeptImagesTest::memoryInUseIsLeftAlone()
     QCOMPARE(held, pattern(kSize, 0));
 }
 
-void KeptImagesTest::changedImageIsCopiedAsItIs_data()
+void KeptImagesTest::imageOfAnotherFormatOrSizeIsCopied_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QImage::Format>("format");
     QTest::newRow("smaller") << QSize(5, 3) << QImage::Format_ARGB32;
     QTest::newRow("larger") << QSize(130, 70) << QImage::Format_ARGB32;
-    QTest::newRow("as many lines, shorter") << QSize(12, 7) << QImage::Format_ARGB32;
-    QTest::newRow("fewer lines of the same length") << QSize(13, 6) << QImage::Format_ARGB32;
-    QTest::newRow("other format of the same length") << kSize << QImage::Format_RGB32;
-    QTest::newRow("other length of a pixel") << kSize << QImage::Format_RGB888;
+    QTest::newRow("same number of lines, shorter") << QSize(12, 7) << QImage::Format_ARGB32;
+    QTest::newRow("fewer lines, same length") << QSize(13, 6) << QImage::Format_ARGB32;
+    QTest::newRow("other format, same pixel size") << kSize << QImage::Format_RGB32;
+    QTest::newRow("other pixel size") << kSize << QImage::Format_RGB888;
 }
 
-void KeptImagesTest::changedImageIsCopiedAsItIs()
+void KeptImagesTest::imageOfAnotherFormatOrSizeIsCopied()
 {
     QFETCH(QSize, size);
     QFETCH(QImage::Format, format);
@@ -99,7 +99,7 @@ void KeptImagesTest::changedImageIsCopiedAsItIs()
     }
 }
 
-void KeptImagesTest::longerLinesAreCopiedWithoutTheirEnds()
+void KeptImagesTest::linePaddingIsNotCopied()
 {
     constexpr int left = 2;
     const QImage whole = pattern({kSize.width() + 5, kSize.height()}, 0);
@@ -110,7 +110,7 @@ void KeptImagesTest::longerLinesAreCopiedWithoutTheirEnds()
         QCOMPARE(kept.copyOf(part), whole.copy(QRect(QPoint(left, 0), kSize)));
 }
 
-void KeptImagesTest::nullImageGivesANullImage()
+void KeptImagesTest::copyOfANullImageIsNull()
 {
     KeptImages kept;
     QVERIFY(kept.copyOf(QImage()).isNull());

@@ -19,18 +19,18 @@
 /// Waits without letting the GUI thread handle its events.
 [[nodiscard]] bool waitBlocked(const std::function<bool()>& condition);
 
-/// recorded::waitRounds() likewise.
+/// recorded::waitRounds() without letting the GUI thread handle its events.
 [[nodiscard]] bool waitRoundsBlocked(int rounds = recorded::kRoundsOfAnImage);
 
 [[nodiscard]] int conversions();
 
-/// A started stream, and what its display thread emits, noted on that thread.
+/// A started stream that records the signals of its display thread, on that thread.
 class RunningStream {
 public:
     struct Rates {
         double capture = 0;
         double display = 0;
-        int imagesBefore = 0; // emitted since the report before
+        int imagesBefore = 0; // emitted since the previous report
         std::chrono::steady_clock::time_point at;
     };
 
@@ -45,7 +45,7 @@ public:
     [[nodiscard]] bool waitForReports(std::size_t count) const;
 
 private:
-    mutable std::mutex m_mutex; // the members below outlive the thread that writes them
+    mutable std::mutex m_mutex; // declared before m_driver, whose thread writes the members below
     std::vector<Rates> m_rates;
     int m_imagesReported = 0;
     std::atomic<int> m_images{0};
@@ -67,9 +67,9 @@ private:
     std::thread m_thread;
 };
 
-/// When the operations were called, from its making on.
+/// Records when the operations are called, from its construction on.
 ///
-/// A thread that a busy machine holds up is late, never early: only the least time between two calls can be relied on.
+/// On a busy machine a thread is late, never early: only minimum times between two calls are reliable.
 class CallTimes {
 public:
     using Clock = std::chrono::steady_clock;

@@ -16,10 +16,10 @@ private slots:
     void init()
     {
         model = std::make_unique<QStandardItemModel>(10, 3);
-        told.clear();
+        emitted.clear();
         connect(model.get(), &QStandardItemModel::dataChanged, this,
                 [this](const QModelIndex& a, const QModelIndex& b) {
-                    told << QString("%1,%2-%3,%4").arg(a.row()).arg(a.column()).arg(b.row()).arg(b.column());
+                    emitted << QString("%1,%2-%3,%4").arg(a.row()).arg(a.column()).arg(b.row()).arg(b.column());
                 });
     }
 
@@ -32,7 +32,7 @@ private slots:
 
 private:
     std::unique_ptr<QStandardItemModel> model;
-    QStringList told;
+    QStringList emitted;
 };
 
 void HeldChangesTest::emitsNothingWithoutNotedRows()
@@ -41,9 +41,9 @@ void HeldChangesTest::emitsNothingWithoutNotedRows()
         const HeldChanges held(model.get());
         model->setData(model->index(0, 0), "text");
     }
-    QVERIFY(told.isEmpty());
+    QVERIFY(emitted.isEmpty());
     model->setData(model->index(0, 0), "other");
-    QCOMPARE(told.size(), 1);
+    QCOMPARE(emitted.size(), 1);
 }
 
 void HeldChangesTest::emitsOnDestruction()
@@ -52,9 +52,9 @@ void HeldChangesTest::emitsOnDestruction()
         HeldChanges held(model.get());
         model->setData(model->index(4, 2), "text");
         held.note(4, 2);
-        QVERIFY(told.isEmpty());
+        QVERIFY(emitted.isEmpty());
     }
-    QCOMPARE(told, QStringList({"4,2-4,2"}));
+    QCOMPARE(emitted, QStringList({"4,2-4,2"}));
 }
 
 void HeldChangesTest::joinsConsecutiveRows()
@@ -64,7 +64,7 @@ void HeldChangesTest::joinsConsecutiveRows()
         for (const int row : {1, 2, 2, 3, 5, 6, 9, 8})
             held.note(row, 2);
     }
-    QCOMPARE(told, QStringList({"1,2-3,2", "5,2-6,2", "9,2-9,2", "8,2-8,2"}));
+    QCOMPARE(emitted, QStringList({"1,2-3,2", "5,2-6,2", "9,2-9,2", "8,2-8,2"}));
 }
 
 void HeldChangesTest::emitsEachRowSeparately()
@@ -74,7 +74,7 @@ void HeldChangesTest::emitsEachRowSeparately()
         for (const int row : {1, 2, 2, 3, 6})
             held.note(row, 2);
     }
-    QCOMPARE(told, QStringList({"1,2-1,2", "2,2-2,2", "3,2-3,2", "6,2-6,2"}));
+    QCOMPARE(emitted, QStringList({"1,2-1,2", "2,2-2,2", "3,2-3,2", "6,2-6,2"}));
 }
 
 void HeldChangesTest::aRangeCoversItsWidestRow()
@@ -86,7 +86,7 @@ void HeldChangesTest::aRangeCoversItsWidestRow()
         held.note(1, 2);
         held.note(2, 2);
     }
-    QCOMPARE(told, QStringList({"0,0-2,2"}));
+    QCOMPARE(emitted, QStringList({"0,0-2,2"}));
 }
 
 void HeldChangesTest::blockedSignalsStayBlocked()
@@ -96,7 +96,7 @@ void HeldChangesTest::blockedSignalsStayBlocked()
         HeldChanges held(model.get());
         held.note(0, 0);
     }
-    QVERIFY(told.isEmpty());
+    QVERIFY(emitted.isEmpty());
     QVERIFY(model->signalsBlocked());
 }
 
