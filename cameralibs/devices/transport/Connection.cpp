@@ -23,15 +23,9 @@ using namespace transport;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
-
 /// Opening gives up a transport that does not even start as it gives up a camera that does not answer. With a sanitizer
 /// a busy machine takes its time to start a program.
-constexpr std::chrono::seconds kStartLimit{kSanitized ? 10 : 3};
+constexpr std::chrono::seconds kStartLimit{Connection::kSanitized ? 10 : 3};
 constexpr Connection::Limits kStart{kStartLimit, kStartLimit};
 
 /// Several times as long as it is silent between two signs of life, and enough for a machine that swaps.
@@ -44,6 +38,9 @@ constexpr std::chrono::milliseconds kFarewell{800};
 constexpr timeval kSendLimit{3, 0};
 
 constexpr std::size_t kMaxLine = 2 * kMaxText;
+
+/// Of what a transport has written before its end: as much as a pipe holds that it did not enlarge.
+constexpr int kMaxLastParts = 16;
 
 /// How Aravis marks its lines, within their first bytes.
 struct AravisRow {
@@ -66,6 +63,8 @@ std::uint32_t logLevel()
         return 1;
     return logs(Severity::debug) ? 3 : 2;
 }
+
+constexpr std::string_view kLate = "The camera does not answer in time";
 
 std::string reasonOf(int error)
 {
@@ -220,8 +219,9 @@ void Connection::cancel()
         const std::lock_guard lock(m_mutex);
         if (m_opened)
             return;
+        m_end = std::min(m_end, Clock::now());
     }
-    endBy(Clock::now());
+    wakeWatcher();
 }
 
 bool Connection::inHurry()
@@ -271,7 +271,7 @@ bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
         case Received::packet:
             break;
         case Received::timeout:
-            return endNow("The camera does not answer in time");
+            return endNow(kLate);
         case Received::closed:
             return endNow({});
         case Received::malformed:
@@ -282,16 +282,19 @@ bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
                 silentUntil = Clock::now() + limits.silence;
             if (progress->answer == Answer::pending && !inHurry())
                 silentUntil = end;
-            continue;
+        } else {
+            switch (handler(m_reply)) {
+            case Heard::last:
+                return true;
+            case Heard::more:
+                break;
+            case Heard::wrong:
+                return endNow("It gives an answer that does not belong to the request");
+            }
         }
-        switch (handler(m_reply)) {
-        case Heard::last:
-            return true;
-        case Heard::more:
-            break;
-        case Heard::wrong:
-            return endNow("It gives an answer that does not belong to the request");
-        }
+        // Waiting alone does not find this out where the next packet is always there.
+        if (Clock::now() >= std::min(silentUntil, end))
+            return endNow(kLate);
     }
 }
 
@@ -324,27 +327,34 @@ void Connection::watchWhileItLives(Packet& packet)
         return std::min(m_end, m_hurryEnd);
     };
     for (;;) {
-        const Clock::time_point end = std::min(givenTime(), silentUntil);
+        // Looked at in each turn: a transport that never pauses gets no more time than any other.
+        const Clock::time_point given = givenTime();
+        if (Clock::now() >= given) {
+            endNow(kLate);
+            break;
+        }
         std::array<pollfd, 3> watched = {pollfd{m_events.descriptor(), POLLIN, 0}, pollfd{m_wake.get(), POLLIN, 0},
                                          pollfd{m_errors.get(), POLLIN, 0}};
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(std::min(given, silentUntil) - Clock::now()).count();
         const int ready = ::poll(watched.data(), watched.size(), static_cast<int>(std::max<std::int64_t>(left, 0)));
-        if (ready == 0 && end != silentUntil && Clock::now() < givenTime())
-            continue; // the hurry is over
-        if (ready == 0)
-            endNow(end == silentUntil ? "It gives no sign of life" : "The camera does not answer in time");
-        if (ready == 0 || (ready < 0 && errno != EINTR))
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready < 0)
             break;
         if (watched[1].revents != 0) {
             std::uint64_t count = 0;
             (void)!::read(m_wake.get(), &count, sizeof count);
         }
         if (watched[2].revents != 0)
-            readErrors();
+            (void)readErrors();
         if (watched[0].revents != 0) {
             if (!readEvent(packet))
                 break;
             silentUntil = Clock::now() + kSilence;
+        } else if (Clock::now() >= silentUntil) {
+            endNow("It gives no sign of life");
+            break;
         }
     }
 }
@@ -361,22 +371,24 @@ bool Connection::readEvent(Packet& packet)
     return false;
 }
 
-void Connection::readErrors()
+/// Reads a part of its standard error, so that a flood of lines holds up nothing else. False where nothing is left.
+bool Connection::readErrors()
 {
     std::array<char, 4096> bytes{};
-    ssize_t size = 0;
-    while (m_errors && (size = ::read(m_errors.get(), bytes.data(), bytes.size())) > 0) {
-        for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(size))) {
-            if (byte != '\n' && m_line.size() < kMaxLine) {
-                m_line += byte;
-                continue;
-            }
-            logLine(m_line);
-            m_line.clear();
-        }
-    }
+    const ssize_t size = m_errors ? ::read(m_errors.get(), bytes.data(), bytes.size()) : -1;
     if (size == 0)
         m_errors.reset();
+    if (size <= 0)
+        return false;
+    for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(size))) {
+        if (byte != '\n' && m_line.size() < kMaxLine) {
+            m_line += byte;
+            continue;
+        }
+        logLine(m_line);
+        m_line.clear();
+    }
+    return true;
 }
 
 /// A transport puts the priority first, Aravis "[time] mark "; what has neither comes of GLib or the C library.
@@ -404,7 +416,8 @@ void Connection::tellGone() noexcept
     std::string reason;
     try {
         const std::string end = m_process.wait();
-        readErrors();
+        for (int part = 0; part < kMaxLastParts && readErrors(); ++part) {
+        }
         const std::lock_guard lock(m_mutex);
         if (m_reason.empty())
             m_reason = "Its process " + (end.empty() ? "is gone" : end);

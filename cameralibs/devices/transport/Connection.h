@@ -21,6 +21,13 @@ namespace cameralibs {
 /// is asked of it waits. Any thread.
 class Connection {
 public:
+    /// Programs take longer to start with a sanitizer.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    static constexpr bool kSanitized = true;
+#else
+    static constexpr bool kSanitized = false;
+#endif
+
     /// How long an answer may take.
     struct Limits {
         std::chrono::milliseconds silence; ///< without any sign that the camera answers
@@ -66,7 +73,10 @@ public:
         return outcome;
     }
 
-    [[nodiscard]] bool gone() const noexcept { return m_gone.load(std::memory_order_acquire); }
+    [[nodiscard]] bool gone() const noexcept
+    {
+        return m_gone.load(std::memory_order_acquire);
+    }
 
     /// Ends the process; `reason` is for the log. Always false.
     bool endNow(std::string_view reason) noexcept;
@@ -78,7 +88,7 @@ public:
     void hurry(transport::Clock::time_point end);
     void relax();
 
-    /// Ends it at once, unless it has been relaxed: that of an opened camera is closed politely.
+    /// Ends the process at once, unless relax() has told that opening is over: then it is to be closed politely.
     void cancel();
 
     /// Runs once, on any thread, as soon as the transport is gone unasked; at once where it is.
@@ -99,7 +109,7 @@ private:
     void wakeWatcher() const;
     [[nodiscard]] bool inHurry();
     [[nodiscard]] bool readEvent(transport::Packet& packet);
-    void readErrors();
+    [[nodiscard]] bool readErrors();
     void logLine(std::string_view line) const noexcept;
     void tellGone() noexcept;
 

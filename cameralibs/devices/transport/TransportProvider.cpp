@@ -17,8 +17,9 @@ using namespace transport;
 
 namespace {
 
-/// It takes a second; a network that keeps answering gets no more than this.
-constexpr Connection::Limits kSearch{std::chrono::seconds(4), std::chrono::seconds(4)};
+/// It takes a second; a network that keeps answering gets no more than this, the start of the transport included.
+constexpr std::chrono::seconds kSearchLimit{Connection::kSanitized ? 10 : 4};
+constexpr Connection::Limits kSearch{kSearchLimit, kSearchLimit};
 
 /// A slow camera needs several seconds for a large description.
 constexpr std::chrono::seconds kOpeningLimit{20};
@@ -39,15 +40,17 @@ public:
         std::vector<DeviceInfo> found;
         m_listed.clear();
         std::shared_ptr<Connection> connection;
-        if (const Outcome outcome = connect({}, connection); !outcome.ok()) {
+        if (const Outcome outcome = connect({}, kSearchLimit, connection); !outcome.ok()) {
             log(Severity::warning, {}, "No real cameras are listed: " + outcome.text);
             return found;
         }
+        std::size_t told = 0;
         const bool whole = connection->request(Kind::enumerate, m_kinds, kSearch, [&](const Packet& reply) {
             if (reply.body<Done>(Kind::done))
                 return Connection::Heard::last;
             const auto camera = reply.body<transport::Listed>(Kind::listed);
-            return camera && add(*camera, found) ? Connection::Heard::more : Connection::Heard::wrong;
+            return camera && ++told <= kMaxCameras && add(*camera, found) ? Connection::Heard::more
+                                                                          : Connection::Heard::wrong;
         });
         if (!whole)
             log(Severity::warning, {}, "The search for cameras ended early");
@@ -65,11 +68,9 @@ public:
             return {CAM_API_STS_CAMERA_NOT_RESPONDING, "The camera was not there when cameras were last looked for"};
         const auto& [info, name] = listed->second;
         std::shared_ptr<Connection> connection;
-        const Clock::time_point end = Clock::now() + kOpeningLimit;
-        Outcome outcome = connect(info.logName(), connection);
+        Outcome outcome = connect(info.logName(), kOpeningLimit, connection);
         if (!outcome.ok())
             return outcome;
-        connection->hurry(end);
         transport::Open open{};
         open.link = info.link;
         setText(open.name, name);
@@ -88,9 +89,12 @@ public:
     }
 
 private:
-    [[nodiscard]] Outcome connect(const std::string& camera, std::shared_ptr<Connection>& connection)
+    /// The limit is that of all that is done until the connection is relaxed.
+    [[nodiscard]] Outcome connect(const std::string& camera, std::chrono::seconds limit,
+                                  std::shared_ptr<Connection>& connection)
     {
         connection = std::make_shared<Connection>(camera);
+        connection->hurry(Clock::now() + limit);
         {
             const std::lock_guard lock(m_mutex);
             if (m_cancelled)
@@ -100,11 +104,11 @@ private:
         return connection->open();
     }
 
-    /// False where nobody has as many cameras.
+    /// False for what is no camera of these kinds.
     [[nodiscard]] bool add(const transport::Listed& camera, std::vector<DeviceInfo>& found)
     {
         const bool usb = camera.link == CAM_LINK_USB3_VISION;
-        if (found.size() >= kMaxCameras || (!usb && camera.link != CAM_LINK_GIGE_VISION))
+        if (!usb && camera.link != CAM_LINK_GIGE_VISION)
             return false;
         DeviceInfo info{static_cast<CAM_LINK>(camera.link),
                         textOf(camera.id),

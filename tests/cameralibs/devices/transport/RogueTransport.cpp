@@ -55,7 +55,9 @@ class Rogue {
 public:
     int run()
     {
-        std::thread([this] { tellEvents(); }).detach();
+        // As many as it takes to be faster than whoever reads.
+        for (int i = 0; i < (isFlood() ? 4 : 1); ++i)
+            std::thread([this] { tellEvents(); }).detach();
         Packet packet;
         while (m_control.receive(packet, Clock::time_point::max(), Channel::Descriptors::accept) == Received::packet) {
             answer(packet);
@@ -68,6 +70,7 @@ public:
 private:
     void tellEvents()
     {
+        const std::string line = std::string(1000, 'x') + '\n';
         for (;;) {
             if (lie() == "garbage event") {
                 (void)!::send(kEventDescriptor, "x", 1, MSG_NOSIGNAL);
@@ -76,9 +79,31 @@ private:
             } else if (lie() != "no sign of life" && lie() != "says nothing") {
                 (void)m_events.send(Kind::alive);
             }
-            std::this_thread::sleep_for(kAlivePeriod);
+            if (lie() == "flood log")
+                (void)!::write(STDERR_FILENO, line.data(), line.size());
+            if (!isFlood())
+                std::this_thread::sleep_for(kAlivePeriod);
         }
     }
+
+    /// What never pauses leaves a deadline no moment in which nothing is there to be read.
+    static bool isFlood() { return lie().rfind("flood", 0) == 0; }
+
+    /// Never ends.
+    void flood() const
+    {
+        const auto tell = [this] {
+            while (lie() == "flood progress" && tellProgress()) {
+            }
+            for (;;)
+                ::pause();
+        };
+        for (int i = 0; i < 4; ++i)
+            std::thread(tell).detach();
+        tell();
+    }
+
+    [[nodiscard]] bool tellProgress() const { return m_control.send(Kind::progress, Progress{Answer::pending, 0}); }
 
     void done(std::uint32_t status = 0, std::string_view data = {})
     {
@@ -102,6 +127,8 @@ private:
             return done();
         case Kind::start:
             return start(packet.takeDescriptor());
+        case Kind::close:
+            return isFlood() ? flood() : done();
         default:
             return done();
         }
@@ -115,6 +142,8 @@ private:
             ::_exit(3);
         if (lie() == "says nothing")
             return;
+        if (lie() == "slow search")
+            std::this_thread::sleep_for(std::chrono::milliseconds(2800));
         if (lie() == "short packet") {
             (void)!::send(kControlDescriptor, "abc", 3, MSG_NOSIGNAL);
         } else if (lie() == "data without end") {
@@ -137,13 +166,22 @@ private:
             std::memset(camera.id, 'x', sizeof camera - sizeof camera.link);
         for (int i = 0; lie() == "endless list" && m_control.send(Kind::listed, camera); ++i)
             setText(camera.id, std::to_string(i));
-        (void)m_control.send(Kind::listed, camera);
-        done();
+        const bool endless = lie() == "same camera for ever";
+        bool sent = true;
+        do
+            sent = m_control.send(Kind::listed, camera);
+        while (sent && endless);
+        if (lie() != "slow search")
+            done();
     }
 
     void answerDescribe(std::uint64_t offset)
     {
-        const std::string text = description();
+        std::string text = description();
+        if (lie() == "slow parts") {
+            text.resize(16 * kMaxData + 1, '\n');
+            std::this_thread::sleep_for(std::chrono::seconds(2));
+        }
         std::uint64_t total = text.size();
         std::string_view part = std::string_view(text).substr(std::min<std::size_t>(offset, text.size()), kMaxData);
         if (lie() == "huge description") {
@@ -177,9 +215,11 @@ private:
         } else if (lie() == "other answer") {
             return (void)m_control.send(Kind::described, Described{4}, bytes);
         } else if (lie() == "endless progress") {
-            while (m_control.send(Kind::progress, Progress{Answer::pending, 0}))
+            while (tellProgress())
                 std::this_thread::sleep_for(std::chrono::milliseconds(100));
             return;
+        } else if (lie() == "flood progress") {
+            return flood();
         }
         done(0, bytes);
     }

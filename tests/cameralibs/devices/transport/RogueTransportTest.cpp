@@ -9,9 +9,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
 #include <string>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 using namespace Orvo;
 
@@ -58,11 +66,68 @@ protected:
     }
     [[nodiscard]] CAM_API_STATUS open() { return Cam_Open(0, &m_camera, m_signal, 1, nullptr, 1); }
 
+    /// What a busy machine adds is less than what a limit that does not hold takes.
+    static void expectWithin(std::chrono::seconds limit, const std::function<void()>& step)
+    {
+        const auto begin = std::chrono::steady_clock::now();
+        step();
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, limit + std::chrono::seconds(kSanitized ? 10 : 2));
+    }
+
+    void close() const { EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS); }
+
     [[nodiscard]] bool lost() const { return Sys_WaitForSignal(m_signal, 60'000) == CAM_API_STS_SUCCESS; }
 
     CAM_SIGNAL_HANDLE m_signal = 0;
     CAM_HANDLE m_camera = 0;
     std::size_t m_descriptors = 0;
+};
+
+/// The threads of this process get the processor after those of transports that never pause, so that there is always
+/// something to be read.
+class Outrun {
+public:
+    Outrun() { prefer(19); }
+    ~Outrun() { prefer(0); } // if that is allowed
+    Outrun(const Outrun&) = delete;
+    Outrun& operator=(const Outrun&) = delete;
+
+private:
+    static void prefer(int niceness)
+    {
+        for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task"))
+            (void)::setpriority(PRIO_PROCESS, static_cast<id_t>(std::stoul(thread.path().filename())), niceness);
+    }
+};
+
+/// Somebody reads it, but not as fast as a transport writes.
+class SlowStandardError {
+public:
+    SlowStandardError()
+    {
+        std::array<int, 2> ends = {-1, -1};
+        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        ::dup2(ends[1], STDERR_FILENO);
+        ::close(ends[1]);
+        m_reader = std::thread([from = ends[0]] {
+            std::array<char, 4096> bytes{};
+            while (::read(from, bytes.data(), bytes.size()) > 0)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            ::close(from);
+        });
+    }
+    ~SlowStandardError()
+    {
+        ::dup2(m_before, STDERR_FILENO);
+        ::close(m_before);
+        m_reader.join();
+    }
+    SlowStandardError(const SlowStandardError&) = delete;
+    SlowStandardError& operator=(const SlowStandardError&) = delete;
+
+private:
+    const int m_before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+    std::thread m_reader;
 };
 
 } // namespace
@@ -180,4 +245,59 @@ TEST_F(RogueTransportTest, NumbersAndStatusesOfImagesAreThoseOfTheInterface)
         EXPECT_THAT(recorder.errors(), ::testing::Each(CAM_API_STS_DATA_DISCARDED));
         EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     }
+}
+
+TEST_F(RogueTransportTest, ProgressWithoutPauseDoesNotProlongAnAccess)
+{
+    ASSERT_EQ(list(), 1U);
+    tell("flood progress");
+    ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
+    const Outrun outrun;
+    std::int64_t value = 0;
+    expectWithin(std::chrono::seconds(10),
+                 [&] { EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone); });
+}
+
+TEST_F(RogueTransportTest, FloodsDoNotProlongClosing)
+{
+    for (const char* lie : {"flood progress", "flood events"}) {
+        ASSERT_EQ(list(), 1U);
+        tell(lie);
+        ASSERT_EQ(open(), CAM_API_STS_SUCCESS) << lie;
+        const Outrun outrun;
+        expectWithin(std::chrono::seconds(1), [this] { close(); });
+    }
+}
+
+TEST_F(RogueTransportTest, FloodOfTheLogDoesNotProlongClosing)
+{
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ::setenv("ORVO_CAMERA_LOG", "warning", 1); // NOLINT(concurrency-mt-unsafe)
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    m_signal = 0;
+    EXPECT_EQ(list(), 1U);
+    tell("flood log");
+    {
+        const SlowStandardError slow;
+        EXPECT_EQ(open(), CAM_API_STS_SUCCESS);
+        expectWithin(std::chrono::seconds(1), [this] { close(); });
+    }
+    ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+}
+
+TEST_F(RogueTransportTest, SearchEndsInTime)
+{
+    for (const char* lie : {"same camera for ever", "says nothing", "slow search"}) {
+        tell(lie);
+        expectWithin(std::chrono::seconds(4), [] { EXPECT_LE(list(), 1U); });
+    }
+}
+
+TEST_F(RogueTransportTest, OpeningEndsInTime)
+{
+    ASSERT_EQ(list(), 1U);
+    tell("says nothing");
+    expectWithin(std::chrono::seconds(4), [this] { EXPECT_EQ(open(), kGone); });
+    tell("slow parts");
+    expectWithin(std::chrono::seconds(20), [this] { EXPECT_EQ(open(), kGone); });
 }
