@@ -6,6 +6,7 @@
 
 #include <limits>
 #include <new>
+#include <utility>
 
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/asan_interface.h>
@@ -49,6 +50,9 @@ ImageMemory::ImageMemory(std::size_t count, std::size_t bytes)
     m_size = count * m_stride;
 
     m_descriptor = ::memfd_create("images", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    // What a program that has closed its standard descriptors writes to those must not get into images.
+    if (m_descriptor >= 0 && m_descriptor <= STDERR_FILENO)
+        ::close(std::exchange(m_descriptor, ::fcntl(m_descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)));
     // A process that shares the memory can neither truncate it under a reader nor make it grow.
     const bool ready = m_descriptor >= 0 && ::ftruncate(m_descriptor, static_cast<off_t>(m_size)) == 0 &&
                        ::fcntl(m_descriptor, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;

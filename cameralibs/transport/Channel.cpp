@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
@@ -36,6 +37,13 @@ void Descriptor::reset() noexcept
 {
     if (m_number >= 0)
         ::close(std::exchange(m_number, -1));
+}
+
+Descriptor aboveStandard(Descriptor descriptor) noexcept
+{
+    if (!descriptor || descriptor.get() > STDERR_FILENO)
+        return descriptor;
+    return Descriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
 }
 
 Packet::Packet()

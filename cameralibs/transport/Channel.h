@@ -40,6 +40,10 @@ private:
     int m_number = -1;
 };
 
+/// The same, at 3 or above: what a program that has closed its standard descriptors writes to those must not reach
+/// ours.
+[[nodiscard]] Descriptor aboveStandard(Descriptor descriptor) noexcept;
+
 /// A received packet. Whoever asks for a body gets it only where kind and length are right.
 class Packet {
 public:

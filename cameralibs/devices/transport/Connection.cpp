@@ -85,7 +85,7 @@ CAM_API_STATUS knownStatus(std::uint32_t status)
 
 Connection::Connection(std::string camera)
     : m_camera(std::move(camera))
-    , m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , m_wake(aboveStandard(Descriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))))
 {
 }
 
@@ -118,8 +118,8 @@ std::string Connection::start()
     if (!m_wake || !makeChannel(m_control, ends.control) || !makeChannel(m_events, ends.events))
         return "There are no more descriptors: " + reasonOf(errno);
     if (logLevel() != 0 && ::pipe2(errors.data(), O_CLOEXEC | O_NONBLOCK) == 0) {
-        m_errors = Descriptor(errors[0]);
-        ends.errors = Descriptor(errors[1]);
+        m_errors = aboveStandard(Descriptor(errors[0]));
+        ends.errors = aboveStandard(Descriptor(errors[1]));
     } else if (kSanitized) {
         ends.errors = Descriptor(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)); // where reports are looked for
     }
@@ -257,9 +257,9 @@ bool Connection::makeChannel(Channel& here, Descriptor& there)
     if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
         return false;
     (void)::setsockopt(ends[0], SOL_SOCKET, SO_SNDTIMEO, &kSendLimit, sizeof kSendLimit);
-    here = Channel(Descriptor(ends[0]));
-    there = Descriptor(ends[1]);
-    return true;
+    here = Channel(aboveStandard(Descriptor(ends[0])));
+    there = aboveStandard(Descriptor(ends[1]));
+    return here.descriptor() >= 0 && there;
 }
 
 bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
@@ -316,6 +316,7 @@ void Connection::watch(Packet& packet) noexcept
     }
     m_gone.store(true, std::memory_order_release);
     m_process.kill();
+    m_control.shutDown();
     tellGone();
 }
 
@@ -333,8 +334,8 @@ void Connection::watchWhileItLives(Packet& packet)
             endNow(kLate);
             break;
         }
-        std::array<pollfd, 3> watched = {pollfd{m_events.descriptor(), POLLIN, 0}, pollfd{m_wake.get(), POLLIN, 0},
-                                         pollfd{m_errors.get(), POLLIN, 0}};
+        std::array<pollfd, 4> watched = {pollfd{m_events.descriptor(), POLLIN, 0}, pollfd{m_wake.get(), POLLIN, 0},
+                                         pollfd{m_errors.get(), POLLIN, 0}, pollfd{m_process.handle(), POLLIN, 0}};
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(std::min(given, silentUntil) - Clock::now()).count();
         const int ready = ::poll(watched.data(), watched.size(), static_cast<int>(std::max<std::int64_t>(left, 0)));
@@ -352,6 +353,8 @@ void Connection::watchWhileItLives(Packet& packet)
             if (!readEvent(packet))
                 break;
             silentUntil = Clock::now() + kSilence;
+        } else if (watched[3].revents != 0) {
+            break; // while another process has its ends of the channels, by a fork
         } else if (Clock::now() >= silentUntil) {
             endNow("It gives no sign of life");
             break;
@@ -415,6 +418,7 @@ void Connection::tellGone() noexcept
 {
     std::string reason;
     try {
+        // It has hardly any time left to tell how it ended: whoever is to hear of the loss does not wait for that.
         const std::string end = m_process.wait();
         for (int part = 0; part < kMaxLastParts && readErrors(); ++part) {
         }

@@ -8,12 +8,16 @@
 #include <cstring>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <system_error>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -21,12 +25,16 @@
 
 namespace cameralibs {
 
+using transport::aboveStandard;
 using transport::Descriptor;
 
 namespace {
 
 /// Above every number that the child gets its descriptors under, so that none is overwritten before it is copied.
 constexpr int kAboveAll = 16;
+
+/// In milliseconds: how long an ended process usually takes at most. With it closing takes less than a second.
+constexpr int kDying = 200;
 
 std::string reasonOf(int error)
 {
@@ -48,18 +56,23 @@ public:
 
     void give(int descriptor, int as)
     {
-        m_copies.at(m_count) = Descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, kAboveAll));
-        ::posix_spawn_file_actions_adddup2(&m_actions, m_copies.at(m_count).get(), as);
-        ++m_count;
+        Descriptor& copy = m_copies.at(m_count++);
+        copy = Descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, kAboveAll));
+        const int error = copy ? ::posix_spawn_file_actions_adddup2(&m_actions, copy.get(), as) : errno;
+        if (error != 0)
+            m_error = error;
     }
     void openNull(int as, int mode) { ::posix_spawn_file_actions_addopen(&m_actions, as, "/dev/null", mode, 0); }
     void closeFrom(int descriptor) { ::posix_spawn_file_actions_addclosefrom_np(&m_actions, descriptor); }
+    /// Of the descriptors that were to be given; 0: none.
+    [[nodiscard]] int error() const { return m_error; }
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &m_actions; }
 
 private:
     posix_spawn_file_actions_t m_actions{};
     std::array<Descriptor, 3> m_copies;
     std::size_t m_count = 0;
+    int m_error = 0;
 };
 
 class Attributes {
@@ -105,6 +118,22 @@ std::vector<char*> environmentPassedOn()
     return passedOn;
 }
 
+/// Waits so many milliseconds (-1: without end) and leaves nothing of the process behind. Nothing where it goes on; how
+/// it ended is empty where SIGCHLD is ignored, or the program waits for all its children.
+std::optional<siginfo_t> waitFor(const Descriptor& process, int milliseconds)
+{
+    pollfd end{process.get(), POLLIN, 0};
+    int ready = -1;
+    do
+        ready = ::poll(&end, 1, milliseconds);
+    while (ready < 0 && errno == EINTR);
+    if (ready <= 0)
+        return {};
+    siginfo_t how{};
+    (void)::waitid(P_PIDFD, static_cast<id_t>(process.get()), &how, WEXITED | WNOHANG);
+    return how;
+}
+
 std::string folderOf(const std::string& path)
 {
     return path.substr(0, path.rfind('/'));
@@ -116,6 +145,13 @@ Process::~Process()
 {
     kill();
     (void)wait();
+    if (!m_handle || m_ended)
+        return;
+    try {
+        std::thread([handle = std::move(m_handle)] { (void)waitFor(handle, -1); }).detach();
+    } catch (const std::system_error&) {
+        // What is left of it stays until the program ends.
+    }
 }
 
 std::string Process::start(const std::string& program, const Ends& ends)
@@ -131,21 +167,24 @@ std::string Process::start(const std::string& program, const Ends& ends)
     actions.give(ends.control.get(), transport::kControlDescriptor);
     actions.give(ends.events.get(), transport::kEventDescriptor);
     actions.closeFrom(transport::kEventDescriptor + 1);
+    if (actions.error() != 0)
+        return program + " cannot be started: " + reasonOf(actions.error());
     const Attributes attributes;
     std::string name = program;
     std::array<char*, 2> arguments = {name.data(), nullptr};
     const std::vector<char*> environment = environmentPassedOn();
+    pid_t number = -1;
     const int error =
-        ::posix_spawn(&m_pid, name.c_str(), actions.get(), attributes.get(), arguments.data(), environment.data());
-    if (error != 0) {
-        m_pid = -1;
+        ::posix_spawn(&number, name.c_str(), actions.get(), attributes.get(), arguments.data(), environment.data());
+    if (error != 0)
         return program + " cannot be started: " + reasonOf(error);
-    }
-    m_handle = Descriptor(openProcess(m_pid));
+    m_handle = aboveStandard(Descriptor(openProcess(number)));
     if (!m_handle) {
-        // Not yet waited for, so the number is still this child's.
-        (void)::kill(m_pid, SIGKILL);
-        return program + " cannot be watched: " + reasonOf(errno);
+        const int reason = errno;
+        // It has just been started, so the number is this child's.
+        (void)::kill(number, SIGKILL);
+        (void)::waitpid(number, nullptr, 0);
+        return program + " cannot be watched: " + reasonOf(reason);
     }
     return {};
 }
@@ -158,20 +197,14 @@ void Process::kill() const noexcept
 
 std::string Process::wait()
 {
-    if (m_pid <= 0)
+    if (!m_handle || m_ended)
         return {};
-    int status = 0;
-    pid_t waited = -1;
-    do
-        waited = ::waitpid(m_pid, &status, 0);
-    while (waited < 0 && errno == EINTR);
-    // Where SIGCHLD is ignored, or the program waits for all its children, nothing is left to be told.
-    const bool told = waited == m_pid;
-    m_pid = -1;
-    if (told && WIFSIGNALED(status))
-        return "ended by signal " + std::to_string(WTERMSIG(status));
-    if (told && WIFEXITED(status) && WEXITSTATUS(status) != 0)
-        return "ended with status " + std::to_string(WEXITSTATUS(status));
+    const auto how = waitFor(m_handle, kDying);
+    m_ended = how.has_value();
+    if (how && (how->si_code == CLD_KILLED || how->si_code == CLD_DUMPED))
+        return "ended by signal " + std::to_string(how->si_status);
+    if (how && how->si_code == CLD_EXITED && how->si_status != 0)
+        return "ended with status " + std::to_string(how->si_status);
     return {};
 }
 

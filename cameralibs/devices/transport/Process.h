@@ -4,15 +4,13 @@
 
 #include <string>
 
-#include <sys/types.h>
-
 namespace cameralibs {
 
 /// A child that was started with descriptors of its own and nothing else of this process: a session of its own, so that
 /// no signal of a terminal reaches it, every signal as at its default, and no other descriptor.
 ///
-/// Only this one child is ever waited for. Whether the program handles SIGCHLD, ignores it or waits for children itself
-/// makes no difference.
+/// Only this one child is ever waited for, whatever has become of its number meanwhile. Whether the program handles
+/// SIGCHLD, ignores it or waits for children itself makes no difference.
 class Process {
 public:
     Process() = default;
@@ -34,11 +32,15 @@ public:
     /// Ends it at once, if it runs. Any thread.
     void kill() const noexcept;
 
-    /// Waits until it has ended, and leaves nothing of it behind. How it ended, where that can be told.
+    /// Waits a moment for its end, which does not come at once for one in an uninterruptible call. How it ended, where
+    /// that can be told.
     std::string wait();
 
+    /// Can be read once the process has ended; -1: it was not started.
+    [[nodiscard]] int handle() const noexcept { return m_handle.get(); }
+
 private:
-    pid_t m_pid = -1;
+    bool m_ended = false;
     transport::Descriptor m_handle; ///< names the process for good, unlike its number
 };
 

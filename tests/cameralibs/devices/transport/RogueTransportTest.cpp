@@ -9,8 +9,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -18,7 +20,9 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/ptrace.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Orvo;
@@ -283,6 +287,43 @@ TEST_F(RogueTransportTest, FloodOfTheLogDoesNotProlongClosing)
         expectWithin(std::chrono::seconds(1), [this] { close(); });
     }
     ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+}
+
+TEST_F(RogueTransportTest, EndsWithItsProcessWhoeverHasItsChannels)
+{
+    ASSERT_EQ(list(), 1U);
+    tell("leaves its ends");
+    ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
+    std::int64_t value = 0;
+    expectWithin(std::chrono::seconds(3),
+                 [&] { EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone); });
+    expectWithin(std::chrono::seconds(3), [this] { EXPECT_TRUE(lost()); });
+}
+
+// What the kernel does with a process in an uninterruptible call, too: it is not gone until that is over.
+TEST_F(RogueTransportTest, ProcessThatCannotEndHoldsUpNothing)
+{
+    ASSERT_EQ(list(), 1U);
+    for (const bool killed : {false, true}) {
+        ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
+        ASSERT_THAT(transports(), ::testing::SizeIs(1));
+        const pid_t transport = transports().front();
+        pid_t thread = 0;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(transport) + "/task"))
+            thread = std::max(thread, std::stoi(entry.path().filename()));
+        ASSERT_NE(thread, transport);
+        // Its death has to be acknowledged here before the process is gone.
+        ASSERT_EQ(::ptrace(PTRACE_SEIZE, thread, nullptr, nullptr), 0);
+        if (killed) {
+            ::kill(transport, SIGKILL);
+            expectWithin(std::chrono::seconds(3), [this] { EXPECT_TRUE(lost()); });
+        }
+        expectWithin(std::chrono::seconds(3), [this] { close(); });
+        if (!killed)
+            ::kill(transport, SIGKILL);
+        EXPECT_EQ(::waitpid(thread, nullptr, __WALL), thread);
+        EXPECT_TRUE(becomes([this] { return transports().empty() && ownDescriptors() == m_descriptors; }));
+    }
 }
 
 TEST_F(RogueTransportTest, SearchEndsInTime)

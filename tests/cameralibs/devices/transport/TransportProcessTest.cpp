@@ -4,6 +4,7 @@
 
 #include "tests/cameralibs/devices/aravis/UsbFixture.h"
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -165,12 +166,41 @@ TEST_F(TransportProcessTest, ProgramMayHaveClosedItsStandardDescriptors)
             ::close(standard);
         CAM_HANDLE camera = 0;
         const bool opened = open(camera);
+        // What it writes there goes nowhere, to a transport least of all.
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            (void)!::write(standard, "a line\n", 7);
+        const bool alive = opened && intOf(camera, "Width") == 320;
         (void)Sys_Terminate();
-        ::_exit(opened ? 0 : 1);
+        ::_exit(alive ? 0 : 1);
     }
     int status = -1;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
+}
+
+TEST_F(TransportProcessTest, ProgramMayHaveNoDescriptorLeft)
+{
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    ::setenv("ORVO_CAMERA_LOG", "warning", 1); // NOLINT(concurrency-mt-unsafe)
+    ::testing::internal::CaptureStderr();
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    std::uint32_t count = 1;
+    // From none at all to enough for the channels, but not for giving them to a transport.
+    for (rlim_t few = ownDescriptors() - 1; few <= 16; ++few) {
+        const rlimit fewer{few, limit.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &fewer), 0);
+        EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+        EXPECT_EQ(count, 0U) << few;
+    }
+    EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(count, 1U);
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    EXPECT_THAT(log, ::testing::HasSubstr("There are no more descriptors: Too many open files"));
+    EXPECT_THAT(log, ::testing::HasSubstr("cannot be started: "));
+    EXPECT_THAT(log, ::testing::Not(::testing::HasSubstr("does not run")));
+    ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
 }
 
 TEST_F(TransportProcessTest, ForkedProcessHasCamerasOfItsOwn)
