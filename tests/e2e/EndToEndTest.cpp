@@ -74,6 +74,7 @@ private slots:
     void liveImageUnplugAndExit();
     void stopAndClose();
     void otherLibrariesTakeTheirPlace();
+    void geometryGrowsWithTheTextAtHighResolution_data();
     void geometryGrowsWithTheTextAtHighResolution();
     void windowHasItsIcon();
     void operationLogGoesToStandardOutput();
@@ -269,13 +270,24 @@ void EndToEndTest::otherLibrariesTakeTheirPlace()
     QCOMPARE(viewer.exitCode(), 0);
 }
 
+void EndToEndTest::geometryGrowsWithTheTextAtHighResolution_data()
+{
+    QTest::addColumn<QString>("dpi");
+    QTest::addColumn<QSize>("size");
+    // One and a half times must not double a window that fits a full-HD screen.
+    QTest::newRow("one and a half times") << "144" << QSize(1200, 880);
+    QTest::newRow("twice") << "192" << QSize(2400, 1760);
+}
+
 void EndToEndTest::geometryGrowsWithTheTextAtHighResolution()
 {
+    QFETCH(const QString, dpi);
+    QFETCH(const QSize, size);
     QProcessEnvironment extra;
-    extra.insert("QT_FONT_DPI", "192");
+    extra.insert("QT_FONT_DPI", dpi);
     const Viewer viewer(extra);
     QTRY_VERIFY_WITH_TIMEOUT(desktop.window(kMainWindow), kPatienceMs);
-    QCOMPARE(desktop.window(kMainWindow)->size(), QSize(2 * 1200, 2 * 880));
+    QCOMPARE(desktop.window(kMainWindow)->size(), size);
 }
 
 void EndToEndTest::windowHasItsIcon()
