@@ -7,6 +7,26 @@
 #include <csignal>
 #include <cstring>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/// Null where that fails. A named pipe holds nobody up: without a reader it cannot be opened, and what finds no room in
+/// it, because its reader has stalled, cannot be written.
+std::FILE* openToAppend(const char* name)
+{
+    const int descriptor = ::open(name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (descriptor < 0)
+        return nullptr;
+    std::FILE* const file = ::fdopen(descriptor, "a");
+    if (file == nullptr)
+        ::close(descriptor);
+    return file;
+}
+
+} // namespace
+
 void OperationLogFile::Close::operator()(std::FILE* file) const
 {
     // Every entry has been flushed: nothing is left that could fail.
@@ -20,7 +40,7 @@ bool OperationLogFile::open()
     if (name.isEmpty())
         return true;
     m_name = QFile::decodeName(name);
-    m_file.reset(name == "-" ? stdout : std::fopen(name.constData(), "ae"));
+    m_file.reset(name == "-" ? stdout : openToAppend(name.constData()));
     if (!m_file)
         return fail(errno);
     // A pipe whose reader is gone is a reported failure; SIGPIPE must not end the program.

@@ -39,9 +39,17 @@ private slots:
     void openFailureIsLoggedOnce();
     void writeFailureIsLoggedOnce();
     void closedPipeIsLoggedOnce();
+    void pipeWithoutReaderIsLoggedOnce();
+    void stalledReaderIsLoggedOnce();
 
 private:
     void name(const QString& file) { qputenv("ORVO_OPERATION_LOG", QFile::encodeName(file)); }
+    /// Makes the file a named pipe.
+    [[nodiscard]] bool makePipe() const { return mkfifo(QFile::encodeName(m_file).constData(), 0600) == 0; }
+    [[nodiscard]] int openReader() const
+    {
+        return ::open(QFile::encodeName(m_file).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    }
     [[nodiscard]] QByteArray written() const
     {
         QFile file(m_file);
@@ -178,8 +186,8 @@ void OperationLogFileTest::writeFailureIsLoggedOnce()
 
 void OperationLogFileTest::closedPipeIsLoggedOnce()
 {
-    QCOMPARE(mkfifo(QFile::encodeName(m_file).constData(), 0600), 0);
-    const int reader = ::open(QFile::encodeName(m_file).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    QVERIFY(makePipe());
+    const int reader = openReader();
     QVERIFY(reader >= 0);
     name(m_file);
     WindowDriver driver;
@@ -188,6 +196,35 @@ void OperationLogFileTest::closedPipeIsLoggedOnce()
     emitEntry(driver, "entry");
     QCOMPARE(driver.log(),
              QStringList{"ERROR: Operation log " + m_file + ": Broken pipe [CAM_API_STS_FILE_WRITE_ERROR]"});
+}
+
+void OperationLogFileTest::pipeWithoutReaderIsLoggedOnce()
+{
+    QVERIFY(makePipe());
+    name(m_file);
+    WindowDriver driver; // whose window must not wait for a reader
+    driver.open();
+    emitEntry(driver, "entry");
+    QCOMPARE(driver.log(), QStringList{"ERROR: Operation log " + m_file +
+                                       ": No such device or address [CAM_API_STS_FILE_OPEN_ERROR]"});
+    QVERIFY(driver.enabled("actionStart"));
+}
+
+void OperationLogFileTest::stalledReaderIsLoggedOnce()
+{
+    constexpr int moreThanAPipeHolds = 1 << 22;
+    QVERIFY(makePipe());
+    const int reader = openReader();
+    QVERIFY(reader >= 0);
+    name(m_file);
+    WindowDriver driver;
+    driver.open();
+    emitEntry(driver, QString(moreThanAPipeHolds, 'x'));
+    emitEntry(driver, "entry");
+    QCOMPARE(driver.log(), QStringList{"ERROR: Operation log " + m_file +
+                                       ": Resource temporarily unavailable [CAM_API_STS_FILE_WRITE_ERROR]"});
+    QVERIFY(driver.enabled("actionStart"));
+    ::close(reader);
 }
 
 } // namespace
