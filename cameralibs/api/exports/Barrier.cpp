@@ -44,7 +44,7 @@ void Call::setCamera(const std::string& name)
 }
 
 // Without a text the status tells the caller everything, so the entry goes to the debug level.
-void Call::logFailure(CAM_API_STATUS status, const std::string& text) const noexcept
+void Call::logFailure(CAM_API_STATUS status, std::string_view text) const noexcept
 {
     if (isPollingResult(status))
         return;
@@ -53,8 +53,14 @@ void Call::logFailure(CAM_API_STATUS status, const std::string& text) const noex
     const Severity withReason = ofNode ? Severity::info : Severity::warning;
     logText(text.empty() ? Severity::debug : withReason, m_camera, [&] {
         return std::string(m_function) + ": " + std::to_string(status) + " " + cameraStatusName(status) +
-               (text.empty() ? "" : ": ") + text;
+               (text.empty() ? "" : ": ") + std::string(text);
     });
+}
+
+CAM_API_STATUS Call::logged(CAM_API_STATUS status, std::string_view text) const noexcept
+{
+    logFailure(status, text);
+    return status;
 }
 
 CAM_API_STATUS Call::statusOfException() const noexcept
@@ -71,12 +77,14 @@ CAM_API_STATUS Call::statusOfException() const noexcept
             }
         }
         return failure.status();
-    } catch (const std::bad_alloc&) {
-        return CAM_API_STS_NO_MEMORY;
-    } catch (const std::length_error&) {
-        return CAM_API_STS_NO_MEMORY;
+    } catch (const std::bad_alloc& error) {
+        return logged(CAM_API_STS_NO_MEMORY, error.what());
+    } catch (const std::length_error& error) {
+        return logged(CAM_API_STS_NO_MEMORY, error.what());
+    } catch (const std::exception& error) {
+        return logged(CAM_API_STS_UNSUCCESSFUL, error.what());
     } catch (...) {
-        return CAM_API_STS_UNSUCCESSFUL;
+        return logged(CAM_API_STS_UNSUCCESSFUL, "");
     }
 }
 

@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace cameralibs {
 
@@ -33,7 +34,8 @@ public:
     [[nodiscard]] Orvo::CAM_API_STATUS statusOfException() const noexcept;
 
 private:
-    void logFailure(Orvo::CAM_API_STATUS status, const std::string& text) const noexcept;
+    void logFailure(Orvo::CAM_API_STATUS status, std::string_view text) const noexcept;
+    [[nodiscard]] Orvo::CAM_API_STATUS logged(Orvo::CAM_API_STATUS status, std::string_view text) const noexcept;
 
     static constexpr std::chrono::milliseconds kLimit{50};
 

@@ -15,9 +15,7 @@ extern "C" {
 
 CAM_API_STATUS Sys_Initialize(std::uint32_t mask)
 {
-    CAM_API_STATUS status = CAM_API_STS_SUCCESS;
-    const CAM_API_STATUS failure = guarded([&] { status = System::initialize(mask); });
-    return failure != CAM_API_STS_SUCCESS ? failure : status;
+    return guarded([&] { throwIfFailed({System::initialize(mask), {}}); });
 }
 
 CAM_API_STATUS Sys_Terminate()

@@ -2,7 +2,10 @@
 
 #include "CameraFixture.h"
 #include "DescribedCamera.h"
+#include "MemoryLimit.h"
 #include "StreamRecorder.h"
+
+#include <pthread.h>
 
 #include <cstdlib>
 #include <regex>
@@ -80,6 +83,30 @@ Lines linesOfRefusal(const char* level)
     return log.end();
 }
 
+/// Gives new threads a stack that no address space holds, as long as it lives.
+class NoMoreThreads {
+public:
+    NoMoreThreads()
+    {
+        EXPECT_EQ(::pthread_getattr_default_np(&m_before), 0);
+        pthread_attr_t huge;
+        EXPECT_EQ(::pthread_attr_init(&huge), 0);
+        EXPECT_EQ(::pthread_attr_setstacksize(&huge, std::size_t{1} << 60), 0);
+        EXPECT_EQ(::pthread_setattr_default_np(&huge), 0);
+        ::pthread_attr_destroy(&huge);
+    }
+    ~NoMoreThreads()
+    {
+        EXPECT_EQ(::pthread_setattr_default_np(&m_before), 0);
+        ::pthread_attr_destroy(&m_before);
+    }
+    NoMoreThreads(const NoMoreThreads&) = delete;
+    NoMoreThreads& operator=(const NoMoreThreads&) = delete;
+
+private:
+    pthread_attr_t m_before = {};
+};
+
 class DiagnosticLogTest : public ::testing::Test {};
 
 } // namespace
@@ -133,6 +160,57 @@ TEST_F(DiagnosticLogTest, TellsWhyImagesAreTooLarge)
     EXPECT_THAT(ours(log.end()),
                 ElementsAre(HasSubstr("warning: Described XML-1: Strm_OpenSimple: 13 CAM_API_STS_INVALID_PARAMETER: "
                                       "4 buffers of 1073741824 bytes each would take 4 GiB or more")));
+}
+
+TEST_F(DiagnosticLogTest, TellsOfCallsWithoutMemory)
+{
+    if (!MemoryLimit::kPossible)
+        GTEST_SKIP() << "no limit with a sanitizer";
+    Log log("debug");
+    {
+        const DescribedCamera camera(describe(constant("PayloadSize", 0x3FFFFFFF)));
+        CAM_STRM_HANDLE stream = 0;
+        const MemoryLimit limit(1U << 30);
+        EXPECT_EQ(Strm_OpenSimple(camera.handle(), &stream, nullptr, nullptr, 3, nullptr), CAM_API_STS_NO_MEMORY);
+    }
+    EXPECT_THAT(ours(log.end()),
+                Contains(HasSubstr("warning: Described XML-1: Strm_OpenSimple: 15 CAM_API_STS_NO_MEMORY: ")).Times(1));
+}
+
+TEST_F(DiagnosticLogTest, TellsWhatSysInitializeAnswers)
+{
+    ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
+    Log log("debug");
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_ALREADY_INITIALIZED);
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    EXPECT_THAT(ours(log.end()),
+                Contains(HasSubstr("debug: Sys_Initialize: 2 CAM_API_STS_ALREADY_INITIALIZED")).Times(1));
+}
+
+TEST_F(DiagnosticLogTest, TellsOfThreadsThatCannotBeStarted)
+{
+    ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
+    std::uint32_t count = 0;
+    CAM_HANDLE camera = 0;
+    CAM_STRM_HANDLE stream = 0;
+    Log log("warning");
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Strm_OpenSimple(camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+    {
+        const NoMoreThreads noMoreThreads;
+        EXPECT_EQ(Strm_Start(stream, 8), CAM_API_STS_NO_MEMORY);
+    }
+    StreamRecorder recorder;
+    recorder.attachTo(stream);
+    EXPECT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(recorder.waitForImages(1)) << "once there are threads again";
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    EXPECT_THAT(ours(log.end()), Contains(HasSubstr("warning: SIM-M1280 SIM-1: Strm_Start: 15 CAM_API_STS_NO_MEMORY: "
+                                                    "There are no more threads"))
+                                     .Times(1));
 }
 
 TEST_F(DiagnosticLogTest, IsReadWhenTheLibraryStarts)

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <exception>
+#include <system_error>
 
 namespace cameralibs::simulated {
 
@@ -34,7 +35,12 @@ Outcome FrameGenerator::start()
 {
     m_frameNumber = 0;
     m_acquisition.openSource();
-    m_thread = std::thread([this] { run(); });
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        m_acquisition.closeSource();
+        return {Orvo::CAM_API_STS_NO_MEMORY, "There are no more threads"};
+    }
     return {};
 }
 
