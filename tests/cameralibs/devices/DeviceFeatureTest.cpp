@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -55,6 +56,24 @@ TEST_F(DeviceFeatureTest, AutomaticExposureAndGainKeepTheBrightness)
     m_camera.setReal("ExposureTime", 5000);
     EXPECT_NEAR(m_camera.real("Gain"), 6, 0.05);
     EXPECT_EQ(m_camera.access("Gain"), NODE_ACCESS_MODE_RO);
+}
+
+TEST_F(DeviceFeatureTest, NoTriggerIsForTheStartOfTheAcquisition)
+{
+    const CAM_NODE_HANDLE selector = m_camera.node("TriggerSelector");
+    const auto entries = m_camera.entries("TriggerSelector");
+    const auto found = std::find(entries.begin(), entries.end(), "AcquisitionStart");
+    ASSERT_NE(found, entries.end());
+    CAM_NODE_HANDLE entry = 0;
+    NodeAccessMode access = NODE_ACCESS_MODE_UNDEFINED;
+    ASSERT_EQ(Nd_GetEnumEntryByIndex(m_camera.handle(), selector, static_cast<std::uint32_t>(found - entries.begin()),
+                                     &entry),
+              CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Nd_GetAccessMode(m_camera.handle(), entry, &access), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(access, NODE_ACCESS_MODE_NA);
+    const std::string before = m_camera.choice("TriggerSelector");
+    EXPECT_EQ(Nd_SetEnumStrValue(m_camera.handle(), selector, "AcquisitionStart"), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(m_camera.choice("TriggerSelector"), before);
 }
 
 TEST_F(DeviceFeatureTest, UserSetsAreSavedAndLoaded)
