@@ -3,6 +3,7 @@
 
 #include "app/MainWindow.h"
 
+#include "camera/Flag.h"
 #include "camera/OrvoCamUtl.h"
 #include "display/ConversionBuffer.h"
 #include "display/DispThread.h"
@@ -204,13 +205,12 @@ void MainWindow::execute_software_trigger()
 
 void MainWindow::check_software_trigger_mode()
 {
-    // A failed read counts as "no software trigger". The flag is a byte, non-zero meaning on: a library may write a
-    // value that a C++ bool must not hold.
-    std::uint8_t flag = 0;
-    auto* const triggerMode = reinterpret_cast<bool*>(&flag);
+    // A failed read counts as "no software trigger".
+    Flag triggerMode;
     std::uint32_t source = 0;
     const bool enabled = cameraOpened && state == MAIN_STATE_ACQUIRING &&
-                         Orvo::GetCamTriggerMode(camera, triggerMode) == Orvo::CAM_API_STS_SUCCESS && flag != 0 &&
+                         Orvo::GetCamTriggerMode(camera, triggerMode.out()) == Orvo::CAM_API_STS_SUCCESS &&
+                         triggerMode.isSet() &&
                          Orvo::GetCamTriggerSource(camera, &source) == Orvo::CAM_API_STS_SUCCESS &&
                          source == Orvo::CAM_TRIGGER_SOURCE_SOFTWARE;
     ui->actionSoftwareTrigger->setEnabled(enabled);

@@ -1,5 +1,6 @@
 #include "features/item/GenAPINodeItem.h"
 
+#include "camera/Flag.h"
 #include "camera/TextField.h"
 #include "features/item/NodeItemListener.h"
 #include "features/item/NodeText.h"
@@ -109,10 +110,10 @@ CAM_API_STATUS GenAPINodeItem::readInteger()
 
 CAM_API_STATUS GenAPINodeItem::readBoolean()
 {
-    bool value = false;
-    const CAM_API_STATUS status = Nd_GetBoolValue(m_camHandle, m_node.handle, &value);
+    Flag value;
+    const CAM_API_STATUS status = Nd_GetBoolValue(m_camHandle, m_node.handle, value.out());
     if (status == CAM_API_STS_SUCCESS)
-        m_node.valueText = boolText(value);
+        m_node.valueText = boolText(value.isSet());
     return status;
 }
 
@@ -233,7 +234,9 @@ void GenAPINodeItem::readFloatRange(bool all, QString& log)
         return;
     Nd_GetFloatMin(m_camHandle, m_node.handle, &m_node.minFloat);
     tell(Fragment::FloatMinimum);
-    Nd_GetFloatHasInc(m_camHandle, m_node.handle, &m_node.hasIncFloat);
+    Flag hasInc(m_node.hasIncFloat);
+    Nd_GetFloatHasInc(m_camHandle, m_node.handle, hasInc.out());
+    m_node.hasIncFloat = hasInc.isSet();
     tell(Fragment::FloatHasIncrement);
     if (!m_node.hasIncFloat)
         return;

@@ -51,7 +51,7 @@ NodeSpec real(std::string name, double value, double minimum, double maximum)
 NodeSpec boolean(std::string name, bool value)
 {
     NodeSpec spec = ofType(std::move(name), Orvo::NODE_TYPE_BOOLEAN);
-    spec.boolValue = value;
+    spec.boolValue = value ? 1 : 0;
     return spec;
 }
 

@@ -183,7 +183,7 @@ void LineEditWithSliderLoadTest::logLoadersCheckTheRepresentation()
 void LineEditWithSliderLoadTest::floatIncrementIsSquared()
 {
     NodeSpec spec = features::linear(features::real("Stepped", 0, 0, 1));
-    spec.floatHasInc = true;
+    spec.floatHasInc = 1;
     spec.floatInc = 0.5;
     m_editor->setValue(itemOf(spec));
     QCOMPARE(m_editor->getValidNodeValue(1.0), 0.5);
@@ -250,7 +250,7 @@ void LineEditWithSliderLoadTest::extremes_data()
     row("no number", features::real("Extreme", notANumber, notANumber, notANumber));
     row("no number as value", features::real("Extreme", notANumber, 0, 1));
     NodeSpec stepped = features::real("Extreme", 1, 0, 100);
-    stepped.floatHasInc = true;
+    stepped.floatHasInc = 1;
     for (const double increment : {0.0, -0.5, infinity, notANumber, 1e-300}) {
         stepped.floatInc = increment;
         row(qPrintable(QString("float increment %1").arg(increment)), stepped);

@@ -96,7 +96,7 @@ scripted::NodeSpec exposure()
     spec.unit = "us";
     spec.floatMin = 1.5;
     spec.floatMax = 1e6;
-    spec.floatHasInc = true;
+    spec.floatHasInc = 1;
     spec.floatInc = 0.5;
     return spec;
 }

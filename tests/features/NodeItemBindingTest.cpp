@@ -26,7 +26,7 @@ scripted::NodeSpec fullNode()
     spec.precision = 3;
     spec.floatMin = -5;
     spec.floatMax = 95;
-    spec.floatHasInc = true;
+    spec.floatHasInc = 1;
     spec.floatInc = 0.5;
     return spec;
 }

@@ -99,7 +99,7 @@ void NodeItemInfoTest::floats()
     spec.notation = static_cast<FloatDisplayNotation>(notation);
     spec.floatMin = minimum;
     spec.floatMax = maximum;
-    spec.floatHasInc = hasIncrement;
+    spec.floatHasInc = hasIncrement ? 1 : 0;
     spec.floatInc = 0.25;
     NodeBench bench({spec});
     const auto item = bench.item();

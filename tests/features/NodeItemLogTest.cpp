@@ -270,7 +270,7 @@ void NodeItemLogTest::rangeEntry_data()
     QTest::newRow("integer, maximum only") << integerNode(5) << false << intMax;
     QTest::newRow("float") << floatNode(5) << true << floatMax + floatMin + hasInc;
     scripted::NodeSpec steps = floatNode(5);
-    steps.floatHasInc = true;
+    steps.floatHasInc = 1;
     QTest::newRow("float with increment") << steps << true << floatMax + floatMin + hasInc + floatInc;
     QTest::newRow("float, maximum only") << steps << false << floatMax;
     QTest::newRow("not readable") << with(NODE_ACCESS_MODE_NA, integerNode(5)) << true << intMax + intMin + intInc;

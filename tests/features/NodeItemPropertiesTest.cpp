@@ -206,7 +206,7 @@ void NodeItemPropertiesTest::validFloats()
     scripted::NodeSpec spec = floatNode(0);
     spec.floatMin = minimum;
     spec.floatMax = maximum;
-    spec.floatHasInc = !qIsNaN(increment);
+    spec.floatHasInc = qIsNaN(increment) ? 0 : 1;
     spec.floatInc = increment;
     NodeBench bench({spec});
     const auto item = bench.item();

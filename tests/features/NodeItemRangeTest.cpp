@@ -19,6 +19,7 @@ private slots:
     void updateValsOfAnInteger();
     void updateValsOfAFloat();
     void updateValsOfAFloatWithoutIncrement();
+    void everyByteThatIsNotZeroIsAnIncrement();
     void updateValsOfOtherTypes_data();
     void updateValsOfOtherTypes();
     void updateValsStopsWhereNotImplemented();
@@ -73,7 +74,7 @@ void NodeItemRangeTest::updateValsOfAFloat()
 void NodeItemRangeTest::updateValsOfAFloatWithoutIncrement()
 {
     scripted::NodeSpec spec = exposure();
-    spec.floatHasInc = false;
+    spec.floatHasInc = 0;
     NodeBench bench({spec});
     const auto item = bench.item();
     item->updateVals(true);
@@ -82,11 +83,22 @@ void NodeItemRangeTest::updateValsOfAFloatWithoutIncrement()
     QVERIFY(!item->getHasIncFloat());
 
     // Once an increment is known to exist, it is read even where the check for it fails.
-    scripted::changeNode("ExposureTime", [](scripted::NodeSpec& node) { node.floatHasInc = true; });
+    scripted::changeNode("ExposureTime", [](scripted::NodeSpec& node) { node.floatHasInc = 1; });
     item->updateVals(true);
     scripted::failAlways("Nd_GetFloatHasInc", CAM_API_STS_TIMEOUT);
     item->updateVals(true);
     QCOMPARE(scripted::count("Nd_GetFloatInc"), 2);
+}
+
+void NodeItemRangeTest::everyByteThatIsNotZeroIsAnIncrement()
+{
+    scripted::NodeSpec spec = exposure();
+    spec.floatHasInc = 2;
+    NodeBench bench({spec});
+    const auto item = bench.item();
+    item->updateVals(true);
+    QCOMPARE(item->getHasIncFloat(), true);
+    QCOMPARE(item->getIncFloat(), 0.5);
 }
 
 void NodeItemRangeTest::updateValsOfOtherTypes_data()

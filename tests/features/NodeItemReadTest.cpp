@@ -46,13 +46,16 @@ void NodeItemReadTest::valueTexts_data()
         QTest::addRow("%s, read-only", name) << with(ro, spec) << QString::fromUtf8(text);
     };
     scripted::NodeSpec on = nodeOf(NODE_TYPE_BOOLEAN);
-    on.boolValue = true;
+    on.boolValue = 1;
+    scripted::NodeSpec two = nodeOf(NODE_TYPE_BOOLEAN);
+    two.boolValue = 2;
     row("integer", integerNode(-42), "-42");
     row("IPv4 address", with(NODE_REPRESENTATION_IPV4_ADDRESS, integerNode(0xC0A80001)), "192.168.0.1");
     row("MAC address", with(NODE_REPRESENTATION_MAC_ADDRESS, integerNode(0x0011223344AB)), "00-11-22-33-44-ab");
     row("hexadecimal", with(NODE_REPRESENTATION_HEX_NUMBER, integerNode(255)), "0x000000ff");
     row("boolean false", nodeOf(NODE_TYPE_BOOLEAN), "false");
     row("boolean true", on, "true");
+    row("boolean of a byte that is neither 0 nor 1", two, "true");
     row("float", floatNode(12.3456), "12.35");
     row("string", stringNode("text"), "text");
     row("empty string", stringNode(""), "");

@@ -142,9 +142,9 @@ struct NodeSpec {
     double floatValue = 0;
     double floatMin = -1e300;
     double floatMax = 1e300;
-    bool floatHasInc = false;
+    std::uint8_t floatHasInc = 0; ///< true where it is not 0: a library may write any byte
     double floatInc = 0;
-    bool boolValue = false;
+    std::uint8_t boolValue = 0; ///< likewise
     std::string strValue;
 
     /// Features of a category; entries of an enumeration (type NODE_TYPE_ENUM_ENTRY, `intValue` their number, `name`

@@ -30,7 +30,7 @@ bool accepts(const NodeSpec& spec, double value)
     constexpr double tolerance = 1e-6; // of a step
     if (std::isnan(value) || value < spec.floatMin || value > spec.floatMax)
         return false;
-    if (!spec.floatHasInc || spec.floatInc <= 0)
+    if (spec.floatHasInc == 0 || spec.floatInc <= 0)
         return true;
     const double steps = (value - spec.floatMin) / spec.floatInc;
     return std::abs(steps - std::round(steps)) <= tolerance;
@@ -89,7 +89,7 @@ CAM_API_STATUS Nd_SetFloatValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, double 
 CAM_API_STATUS Nd_SetBoolValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool value, bool verify)
 {
     return write("Nd_SetBoolValue", camera, node, NODE_TYPE_BOOLEAN, flag(value), verify, [&](Node& found) {
-        found.spec.boolValue = value;
+        found.spec.boolValue = value ? 1 : 0;
         return true;
     });
 }

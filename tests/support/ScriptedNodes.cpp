@@ -228,7 +228,7 @@ CAM_API_STATUS Nd_GetFloatInc(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* r
                             return CAM_API_STS_INVALID_PARAMETER;
                         if (isUnavailable(found.spec.access))
                             return CAM_API_STS_NOT_AVAILABLE;
-                        if (!found.spec.floatHasInc)
+                        if (found.spec.floatHasInc == 0)
                             return CAM_API_STS_INVALID_PARAMETER;
                         *result = found.spec.floatInc;
                         return CAM_API_STS_SUCCESS;
@@ -237,13 +237,15 @@ CAM_API_STATUS Nd_GetFloatInc(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* r
 
 CAM_API_STATUS Nd_GetFloatHasInc(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool* hasInc)
 {
-    return typedProperty("Nd_GetFloatHasInc", camera, node, NODE_TYPE_FLOAT, hasInc,
+    auto* const byte = reinterpret_cast<std::uint8_t*>(hasInc);
+    return typedProperty("Nd_GetFloatHasInc", camera, node, NODE_TYPE_FLOAT, byte,
                          [](const NodeSpec& spec) { return spec.floatHasInc; });
 }
 
 CAM_API_STATUS Nd_GetBoolValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool* result)
 {
-    return value("Nd_GetBoolValue", camera, node, NODE_TYPE_BOOLEAN, result,
+    auto* const byte = reinterpret_cast<std::uint8_t*>(result);
+    return value("Nd_GetBoolValue", camera, node, NODE_TYPE_BOOLEAN, byte,
                  [](const NodeSpec& spec) { return spec.boolValue; });
 }
 
