@@ -107,6 +107,7 @@ int main(int argc, char* argv[])
     // is gone by then. That race is none of the viewer's; the program that the tour starts inherits the variable.
     qputenv("QT_LOGGING_RULES", "qt.qpa.xcb.warning=false");
     const QApplication application(argc, argv);
+    QApplication::setStyle("Fusion"); // until the chapter of styles; otherwise the platform chooses
     // As main() of the program has them: the title of boxes that have none of their own, and the icon.
     QApplication::setApplicationName("OrvoCamLinuxViewer");
     QApplication::setWindowIcon(QIcon(":/images/Icon/Viewer_Main_icon_2.ico"));

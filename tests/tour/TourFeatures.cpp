@@ -40,8 +40,8 @@ void Tour::featuresChapter()
     hand.clickTool("&levelExpert");
     hand.clickTool("&sortAz");
     picture("features-by-name");
-    hand.clickTool("&levelGuru"); // where a feature has a very long name
-    picture("features-by-name-long");
+    hand.clickTool("&levelGuru");
+    picture("features-by-name-guru"); // with the longest names
     hand.clickTool("&sortCtg");
     picture("features-by-category");
 }

@@ -7,15 +7,11 @@
 #include <QApplication>
 #include <QStyleFactory>
 
-#include <cstdio>
-
 void Tour::stylesChapter()
 {
     for (const char* style : {"Breeze", "Adwaita-Dark"}) {
-        if (!QStyleFactory::keys().contains(style, Qt::CaseInsensitive)) {
-            std::printf("no pictures under %s, which is not installed\n", style);
-            continue;
-        }
+        if (!QStyleFactory::keys().contains(style, Qt::CaseInsensitive))
+            endTour(QString("the style %1 is not installed").arg(style));
         const QString suffix = QString("-%1").arg(style).toLower();
         QApplication::setStyle(style);
         newWindow(); // a window that changes its style is laid out as no user sees it
