@@ -56,6 +56,9 @@ MainWindow::MainWindow(QWidget* parent)
     }
 
     ui->dockWidget_Top->setFixedHeight(kTopDockHeight);
+    // Some styles leave room for a frame around docks when they first meet them, which would cut the frame rates.
+    ui->dockWidget_Top->ensurePolished();
+    ui->dockWidget_Top->setContentsMargins(0, 0, 0, 0);
     ui->dockWidgetRight->setFixedWidth(kRightDockWidth);
     ui->dockWidgetBottom->setFixedHeight(kBottomDockHeight);
 

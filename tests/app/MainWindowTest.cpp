@@ -10,6 +10,7 @@
 #include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QMetaMethod>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -31,6 +32,7 @@ private slots:
     void startInitialisesTheLibraries();
     void startCentresTheWindow();
     void startFixesTheDockSizes();
+    void frameRatesHaveTheHeightOfTheirDock();
     void startWithoutCameraApi();
     void startWithoutConversionTables();
 
@@ -147,6 +149,27 @@ void MainWindowTest::startFixesTheDockSizes()
     QCOMPARE(dockSizes(driver, &QWidget::size), kFixedDocks);
     QCOMPARE(dockSizes(driver, &QWidget::minimumSize), kFixedDocks);
     QCOMPARE(dockSizes(driver, &QWidget::maximumSize), kFixedDocks);
+}
+
+/// Leaves room for a frame around docks, as the styles of some desktops do.
+class FramedDocks : public QProxyStyle {
+public:
+    using QProxyStyle::polish;
+    void polish(QWidget* widget) override
+    {
+        QProxyStyle::polish(widget);
+        if (qobject_cast<QDockWidget*>(widget) != nullptr)
+            widget->setContentsMargins(6, 6, 6, 6);
+    }
+};
+
+void MainWindowTest::frameRatesHaveTheHeightOfTheirDock()
+{
+    const auto fusion = qScopeGuard([] { QApplication::setStyle("Fusion"); });
+    QApplication::setStyle(new FramedDocks);
+    const WindowDriver driver;
+    const int height = driver.child<QDockWidget>("dockWidget_Top")->height();
+    QCOMPARE(driver.child<QWidget>("dockWidgetContents_11")->height(), height);
 }
 
 void MainWindowTest::startWithoutCameraApi()
