@@ -1,6 +1,6 @@
 // What the library does on threads of its own when there is no memory: it goes on, or it tells; it never ends the
-// program. Only allocations of C++ fail here. GLib, which writes the lines of the diagnostic log, ends the process where
-// it gets no memory itself.
+// program. Only allocations of C++ fail here. GLib, which writes the lines of the diagnostic log, ends the process
+// where it gets no memory itself.
 
 #include "Transports.h"
 
