@@ -35,7 +35,7 @@ QVector<OpaquePixel> opaquePixels(const QImage& icon)
     return pixels;
 }
 
-/// The bytes of a property; numbers of 32 bits stand in a long each.
+/// The bytes of a property. Xlib stores each 32-bit number in a long.
 QByteArray property(Display* display, Window window, const char* name, Atom wantedType)
 {
     Atom type = None;
@@ -159,7 +159,7 @@ std::optional<QRect> Desktop::frame(const QString& title) const
 
 QImage Desktop::icon(const QString& title) const
 {
-    // Width, height, and a number for each pixel; the first of several sizes.
+    // The first of several icons: width, height, and a number for each pixel.
     const QByteArray bytes = property(m_display, ids(title).window, "_NET_WM_ICON", XA_CARDINAL);
     std::vector<long> numbers(static_cast<std::size_t>(bytes.size()) / sizeof(long));
     std::memcpy(numbers.data(), bytes.constData(), numbers.size() * sizeof(long));

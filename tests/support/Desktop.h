@@ -7,9 +7,9 @@
 
 #include <optional>
 
-typedef struct _XDisplay Display; // NOLINT(bugprone-reserved-identifier): the name that X gave it
+typedef struct _XDisplay Display; // NOLINT(bugprone-reserved-identifier): the name comes from Xlib
 
-/// The X screen as a user has it: looks at pixels, moves the pointer, clicks, closes windows.
+/// The X screen as a user sees it: reads pixels, moves the pointer, clicks, closes windows.
 class Desktop {
 public:
     Desktop();
@@ -18,25 +18,25 @@ public:
 
     [[nodiscard]] QImage look() const;
 
-    /// Where on the screen the fully opaque pixels of `icon` stand just so.
+    /// The place on the screen where all fully opaque pixels of `icon` match.
     [[nodiscard]] std::optional<QRect> find(const QImage& icon) const;
 
-    /// The visible top-level window with this title, without what a window manager adds.
+    /// The visible top-level window with this title, without the frame of the window manager.
     [[nodiscard]] std::optional<QRect> window(const QString& title) const;
 
     /// The same window with its frame.
     [[nodiscard]] std::optional<QRect> frame(const QString& title) const;
 
-    /// The icon that the program gives to the window, null where it gives none.
+    /// The icon that the program sets for the window, or null.
     [[nodiscard]] QImage icon(const QString& title) const;
 
     void click(QPoint where);
 
-    /// What a click on the window's close button asks for.
+    /// Sends the close request that a click on the window's close button sends.
     void closeWindow(const QString& title);
 
 private:
-    /// The window and its frame; both are the same where no window manager runs.
+    /// The window and its frame; the same without a window manager.
     struct Ids {
         unsigned long window = 0;
         unsigned long frame = 0;

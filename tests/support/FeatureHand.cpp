@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kNameColumn = 0;
 constexpr int kValueColumn = 2;
-// The table waits this long at most whether a click becomes a double click.
+// The table waits at most this long for a second click.
 constexpr int kSecondClickMs = 2000;
 
 QString nameOf(const QModelIndex& index)
@@ -96,8 +96,8 @@ QModelIndex FeatureHand::find(const QString& name, int column)
         if (nameOf(index) != name)
             continue;
         if (table().isRowHidden(row) && category.isValid()) {
-            view().changeCollapsedState(category); // by hand it would take a double click, and its time
-            QCoreApplication::processEvents();     // the scroll bar learns how far it goes now
+            view().changeCollapsedState(category); // faster than a double click
+            QCoreApplication::processEvents();     // updates the range of the scroll bar
         }
         table().scrollTo(index, QAbstractItemView::PositionAtCenter);
         return index.sibling(row, column);
@@ -113,7 +113,7 @@ QString FeatureHand::shown(const QString& name)
 
 void FeatureHand::click(const QModelIndex& index)
 {
-    // The pointer too: where it stands tells the browser a click on a fold mark from one on a name.
+    // Moves the pointer, too: by its position the browser tells a click on a fold mark from one on a name.
     const QPoint where = table().visualRect(index).center();
     QTest::mouseMove(table().viewport(), where);
     QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, where);
@@ -127,9 +127,9 @@ void FeatureHand::clickName(const QString& name)
 QWidget* FeatureHand::clickValue(const QString& name)
 {
     const QModelIndex cell = find(name, kValueColumn);
-    const bool waits = table().currentIndex() == cell; // whether a second click follows
+    const bool waits = table().currentIndex() == cell; // for a possible second click
     if (waits && editor())
-        return editor(); // starting and stopping the stream open it again
+        return editor(); // starting or stopping the stream may have reopened it
     click(cell);
     if (waits)
         static_cast<void>(QTest::qWaitFor([this] { return editor() != nullptr; }, kSecondClickMs));
@@ -155,7 +155,7 @@ void FeatureHand::choose(const QString& name, const QString& entry)
     QAbstractItemView* const list = combo->view();
     const QModelIndex item = list->model()->index(wanted, 0);
     list->scrollTo(item);
-    // Qt ignores clicks in a popup for that long after it opened: they may belong to the click that opened it.
+    // Qt ignores clicks in a popup for this time after it opens, because they may belong to the opening click.
     QTest::qWait(QApplication::doubleClickInterval());
     QTest::mouseMove(list->viewport(), list->visualRect(item).center());
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(item).center());

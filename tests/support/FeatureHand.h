@@ -9,11 +9,11 @@ class FeatureView;
 class QTableView;
 class QWidget;
 
-/// The editor that is open in the table, null for none.
+/// The open editor of the table, or null.
 [[nodiscard]] QWidget* openEditor(const QTableView& table);
 
-/// A user's hand on the feature browser of a window: clicks and keys. Features are called by name; the category that
-/// hides one is unfolded first. What does not work ends the program with a message.
+/// Operates the feature browser of a window by clicks and keys. Features are addressed by name; a folded category is
+/// unfolded first. A failing operation ends the program with a message.
 class FeatureHand {
 public:
     explicit FeatureHand(QMainWindow& window)
@@ -24,18 +24,18 @@ public:
     [[nodiscard]] FeatureView& view() const;
     [[nodiscard]] QTableView& table() const;
 
-    /// A button of the browser's tool bar, by the text of its action.
+    /// Clicks a button of the browser's tool bar, given the text of its action.
     void clickTool(const QString& text);
 
-    /// Every feature that the level lets through, in the order of the table.
+    /// The features that the level shows, in the order of the table.
     [[nodiscard]] QStringList names() const;
     [[nodiscard]] QString shown(const QString& name);
 
     void clickName(const QString& name);
-    /// The editor that is open after the click, null for none.
+    /// Returns the editor that is open after the click, or null.
     QWidget* clickValue(const QString& name);
 
-    /// Types the text over what the editor holds, and Enter.
+    /// Replaces the text of the editor and presses Enter.
     void type(const QString& name, const QString& text);
     /// Picks an entry of a combo box.
     void choose(const QString& name, const QString& entry);

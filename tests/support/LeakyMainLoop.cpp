@@ -1,4 +1,4 @@
-// Loses an object in a callback of GLib, with its main loop below it on the stack: as on the threads of Aravis.
+// Leaks an object in a GLib callback, with the main loop on the stack below, as on the threads of Aravis.
 
 #include <glib-object.h>
 

@@ -1,4 +1,4 @@
-// Loses memory in a slot of the GUI thread, with the toolkit's event loop below it on the stack.
+// Leaks memory in a slot of the GUI thread, with the toolkit's event loop on the stack below.
 
 #include <QApplication>
 #include <QTimer>

@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 #include <QTranslator>
 
-/// For as long as it lives every text of one context is shown «like this», so that a test sees what can be translated,
-/// and where translators find it.
+/// During its lifetime every text of one translation context appears «like this», so that a test sees which texts are
+/// translatable, and in which context.
 class MarkingTranslator : public QTranslator {
 public:
     explicit MarkingTranslator(QString context)

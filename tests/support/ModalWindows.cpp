@@ -23,7 +23,7 @@ public:
 protected:
     void timerEvent(QTimerEvent* event) override
     {
-        // Started anew before the user acts, because a window can bring up another one before it ends.
+        // Restarted before the user acts, because a window can open another one before it closes.
         killTimer(event->timerId());
         startTimer(kPollMs);
         QWidget* const window = m_find();

@@ -4,13 +4,13 @@
 
 class QWidget;
 
-/// What a user does with a modal window that came up; it is to be closed then.
+/// What a simulated user does with a modal window that opened. It must close the window.
 using ModalUser = std::function<void(QWidget& modal)>;
 
 namespace modal {
 
-/// Does `act`, which waits for modal windows to end. Hands every window that `find` finds to `user`, once each: one
-/// that comes up before the one below it is closed, too. How many there were.
+/// Calls `act`, which blocks until its modal windows are closed. Hands each window that `find` returns to `user` once,
+/// including one that opens on top of another. Returns the number of windows.
 int during(const std::function<void()>& act, QWidget* (*find)(), const ModalUser& user);
 /// The same for any modal window.
 int during(const std::function<void()>& act, const ModalUser& user);

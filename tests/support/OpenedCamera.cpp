@@ -8,7 +8,7 @@ namespace {
 
 std::atomic<Orvo::CAM_HANDLE> lastOpened{0};
 
-/// Does something with a feature of the camera.
+/// Looks up a feature of the camera and applies an operation to it.
 template <typename Action> Orvo::CAM_API_STATUS onNode(const char* name, const Action& action)
 {
     Orvo::CAM_NODE_HANDLE node = 0;
@@ -43,7 +43,7 @@ Orvo::CAM_API_STATUS set(const char* integer, std::int64_t value)
 
 } // namespace opened
 
-// Stands before the camera library's own, which it calls.
+// Overrides the camera library's function and calls it.
 extern "C" __attribute__((visibility("default"))) Orvo::CAM_API_STATUS
 Cam_Open(std::uint32_t cameraIndex, Orvo::CAM_HANDLE* camera, Orvo::CAM_SIGNAL_HANDLE removalSignal,
          std::uint32_t openOption, void* reserved, std::uint32_t accessMode)

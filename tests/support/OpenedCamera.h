@@ -2,11 +2,11 @@
 
 #include "camera/OrvoCamApi.h"
 
-/// The camera that the program opened last: linked into a program, or preloaded, it notes what Cam_Open gave. A test
-/// can then reach the same camera beside the viewer, as a second hand on it.
+/// The camera that the program opened last: linked or preloaded, it records the handle that Cam_Open returns, so that a
+/// test can operate the same camera behind the viewer's back.
 namespace opened {
 
-/// 0 before the first.
+/// 0 before the first one is opened.
 [[nodiscard]] Orvo::CAM_HANDLE camera();
 
 /// Executes a command, or sets an enumeration to an entry, by the names of the camera's features.

@@ -1,7 +1,7 @@
 #pragma once
 
-/// How long a test waits at most for what comes by itself. A busy machine may be late, by much under a sanitizer: there
-/// a large image takes a quarter of a minute.
+/// How long a test waits for an event at most. Busy machines may be slow, above all with a sanitizer, where a single
+/// large image can take 15 seconds.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int kPatienceMs = 240000;
 #else

@@ -32,15 +32,15 @@ namespace recorded {
     return names;
 }
 
-/// The same without the operations on nodes, which are the feature browser's business.
+/// The same without the operations on nodes, which the feature browser makes.
 [[nodiscard]] inline QStringList windowOperations()
 {
     return operations().filter(QRegularExpression("^(?!Nd_)"));
 }
 
-/// Handles events until the display thread went through so many rounds; it asks for the removal signal once in each.
-/// A round takes 2 ms or more, so an image that is to be shown is on screen after kRoundsOfAnImage, whatever the pace
-/// of 26 ms lets it wait for.
+/// Handles events until the display thread has completed `rounds` rounds; it polls the removal signal once in each.
+/// A round takes at least 2 ms, so an image that will be shown is on screen after kRoundsOfAnImage, even after a full
+/// frame period of 26 ms.
 constexpr int kRoundsOfAnImage = 60;
 [[nodiscard]] inline bool waitRounds(int rounds = kRoundsOfAnImage)
 {

@@ -80,7 +80,7 @@ TEST_F(ScriptedCamera, recordsEveryCallWithItsArgumentsInOrder)
                 ElementsAre("Cam_Open(0, out, 1001, 1, null, 1)", "Nd_GetUnit(2001, " + id + ", null, out)"));
 }
 
-TEST_F(ScriptedCamera, namesLeaveThePollingOut)
+TEST_F(ScriptedCamera, callNamesOmitPolling)
 {
     start();
     std::uint32_t index = 0;
@@ -93,7 +93,7 @@ TEST_F(ScriptedCamera, namesLeaveThePollingOut)
     EXPECT_TRUE(scripted::calls().empty());
 }
 
-TEST_F(ScriptedCamera, failsTheNthCallFromNowOnly)
+TEST_F(ScriptedCamera, failsOnlyTheNthCallFromNow)
 {
     Sys_Initialize(65535);
     std::uint32_t count = 77;
@@ -123,7 +123,7 @@ TEST_F(ScriptedCamera, failsAlwaysUntilHealed)
     EXPECT_EQ(Sys_GetNumOfCameras(&count), 0U);
 }
 
-TEST_F(ScriptedCamera, hookSeesTheCallCountedAndMayScriptIt)
+TEST_F(ScriptedCamera, hookRunsAfterTheCallIsCountedAndMayScriptIt)
 {
     Sys_Initialize(65535);
     int seen = 0;
@@ -137,7 +137,7 @@ TEST_F(ScriptedCamera, hookSeesTheCallCountedAndMayScriptIt)
     EXPECT_EQ(count, 3U);
 }
 
-TEST_F(ScriptedCamera, refusesWhatTheInterfaceRefuses)
+TEST_F(ScriptedCamera, refusesInvalidCallsLikeTheInterface)
 {
     std::uint32_t count = 0;
     EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_NOT_INITIALIZED);
@@ -153,7 +153,7 @@ TEST_F(ScriptedCamera, refusesWhatTheInterfaceRefuses)
     EXPECT_EQ(Sys_GetNumOfCameras(nullptr), CAM_API_STS_INVALID_PARAMETER);
 }
 
-TEST_F(ScriptedCamera, unplugSetsTheSignalAndSilencesTheCamera)
+TEST_F(ScriptedCamera, unplugSetsTheSignalAndDisconnectsTheCamera)
 {
     start();
     EXPECT_EQ(Sys_WaitForSignal(signal, 0), CAM_API_STS_TIMEOUT);
@@ -228,7 +228,7 @@ TEST_F(ScriptedCamera, deliversImagesOnAnotherThread)
     EXPECT_FALSE(scripted::streaming());
 }
 
-TEST_F(ScriptedCamera, neverWritesALockedSlot)
+TEST_F(ScriptedCamera, neverWritesToALockedBuffer)
 {
     start();
     Received received;
@@ -242,7 +242,7 @@ TEST_F(ScriptedCamera, neverWritesALockedSlot)
     EXPECT_EQ(*static_cast<const std::uint8_t*>(info.data), 0x11);
 }
 
-TEST_F(ScriptedCamera, lateCallbacksOutliveTheStream)
+TEST_F(ScriptedCamera, lateCallbacksAreDeliveredAfterTheStream)
 {
     start();
     Received received;
@@ -288,7 +288,7 @@ TEST_F(ScriptedCamera, stopWaitsForARunningCallbackAndIsRefusedInside)
     deliverer.join();
 }
 
-TEST_F(ScriptedCamera, convertsTheFirstByteOrWhatTheTestSays)
+TEST_F(ScriptedCamera, convertsTheFirstByteOrAsScripted)
 {
     const std::vector<std::uint8_t> source(4, 0x40);
     std::vector<std::uint32_t> pixels(4, 0);
@@ -300,7 +300,7 @@ TEST_F(ScriptedCamera, convertsTheFirstByteOrWhatTheTestSays)
     EXPECT_EQ(pixels[0], 5U);
 }
 
-TEST_F(ScriptedCamera, textsComeInTwoCalls)
+TEST_F(ScriptedCamera, textsAreReadInTwoCalls)
 {
     open();
     const CAM_NODE_HANDLE vendor = nodeHandle("DeviceVendorName");
@@ -333,9 +333,9 @@ TEST_F(ScriptedCamera, nodesCheckTypeAccessAndValue)
     EXPECT_EQ(Nd_SetIntValue(camera, width, 5000), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Nd_SetIntValue(camera, width, 5000, false), 0U) << "not verified";
     EXPECT_EQ(Nd_SetIntValue(camera, width, 32), 0U);
-    std::uint32_t told = 0;
-    EXPECT_EQ(GetCamWidth(camera, &told), 0U);
-    EXPECT_EQ(told, 32U);
+    std::uint32_t reported = 0;
+    EXPECT_EQ(GetCamWidth(camera, &reported), 0U);
+    EXPECT_EQ(reported, 32U);
     EXPECT_EQ(Nd_GetFloatInc(camera, nodeHandle("Gain"), &real), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Nd_CmdExecute(camera, nodeHandle("TriggerSoftware")), 0U);
     EXPECT_EQ(ExecuteCamSoftwareTrigger(camera), 0U);
@@ -343,7 +343,7 @@ TEST_F(ScriptedCamera, nodesCheckTypeAccessAndValue)
     EXPECT_EQ(Nd_GetIntValue(camera, 0, &value), CAM_API_STS_INVALID_NODE_HANDLE);
 }
 
-TEST_F(ScriptedCamera, entriesAreNodesOfTheirOwn)
+TEST_F(ScriptedCamera, enumerationEntriesAreNodes)
 {
     open();
     const CAM_NODE_HANDLE format = nodeHandle("PixelFormat");
@@ -363,9 +363,9 @@ TEST_F(ScriptedCamera, entriesAreNodesOfTheirOwn)
 
     EXPECT_EQ(Nd_SetEnumStrValue(camera, format, "Mono12p"), CAM_API_STS_INVALID_PARAMETER) << "not to be chosen";
     EXPECT_EQ(Nd_SetEnumStrValue(camera, format, "Mono8"), 0U);
-    std::uint32_t told = 0;
-    EXPECT_EQ(GetCamPixelFormat(camera, &told), 0U);
-    EXPECT_EQ(told, 0x01080001U);
+    std::uint32_t reported = 0;
+    EXPECT_EQ(GetCamPixelFormat(camera, &reported), 0U);
+    EXPECT_EQ(reported, 0x01080001U);
     scripted::changeNode("PixelFormat", [](scripted::NodeSpec& spec) { spec.entries[3].access = NODE_ACCESS_MODE_RO; });
     EXPECT_EQ(Nd_SetEnumIntValue(camera, format, 0x010C0047), 0U);
     size = sizeof name;
@@ -373,7 +373,7 @@ TEST_F(ScriptedCamera, entriesAreNodesOfTheirOwn)
     EXPECT_STREQ(name, "Mono12p");
 }
 
-TEST_F(ScriptedCamera, failuresOfOneNodeLeaveTheOthers)
+TEST_F(ScriptedCamera, failuresOfOneNodeDoNotAffectOthers)
 {
     open();
     std::int64_t value = 0;
@@ -398,7 +398,7 @@ TEST_F(ScriptedCamera, imageFormatAndNodesStayInStep)
     EXPECT_FALSE(on);
 }
 
-TEST_F(ScriptedCamera, nodeMapOfTwentyThousandIsWalked)
+TEST_F(ScriptedCamera, walksTwentyThousandNodes)
 {
     constexpr std::int64_t categories = 200;
     constexpr std::int64_t perCategory = 100;
@@ -447,11 +447,11 @@ TEST_F(ScriptedCamera, nodeMapOfTwentyThousandIsWalked)
     EXPECT_EQ(Nd_GetNode(camera, "Feature0", &child), CAM_API_STS_NOT_FOUND);
 }
 
-TEST_F(ScriptedCamera, sharedLibrariesCarryTheNamesOfTheCameraLibraries)
+TEST_F(ScriptedCamera, sharedLibrariesHaveTheSonamesOfTheCameraLibraries)
 {
     void* utility = dlopen(ORVO_MAKER_LIBS "/libOrvoCamUtl_64.so.1", RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(utility, nullptr) << "the shared libraries are built beside this program";
-    // The second library leads to the first.
+    // The second library loads the first.
     const auto initialize = reinterpret_cast<decltype(&Sys_Initialize)>(dlsym(utility, "Sys_Initialize"));
     const auto enumerate = reinterpret_cast<decltype(&Sys_GetNumOfCameras)>(dlsym(utility, "Sys_GetNumOfCameras"));
     const auto openCamera = reinterpret_cast<decltype(&Cam_Open)>(dlsym(utility, "Cam_Open"));

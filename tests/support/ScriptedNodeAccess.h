@@ -11,7 +11,7 @@ namespace scripted {
     return access == Orvo::NODE_ACCESS_MODE_NI || access == Orvo::NODE_ACCESS_MODE_NA;
 }
 
-/// The frame of the node operations: camera, node, the script's failures of that node, then `body(NodeMap::Node&)`.
+/// Common part of the node operations: checks camera, node and scripted failures, then calls `body(NodeMap::Node&)`.
 template <typename Body>
 Orvo::CAM_API_STATUS nodeCall(const char* operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node,
                               std::initializer_list<Argument> arguments, Body body)
@@ -34,7 +34,7 @@ Orvo::CAM_API_STATUS nodeCall(const char* operation, Orvo::CAM_HANDLE camera, Or
     });
 }
 
-/// Keeps what the utility operations tell in step with a node that was written.
+/// Updates the results of the utility operations after a write to a node.
 void followNode(const NodeMap::Node& node);
 
 } // namespace scripted

@@ -17,10 +17,10 @@ public:
     static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
 
     struct Node {
-        NodeSpec spec;                     // without its entries, which are nodes of their own
-        std::string fullName;              // of an entry with its enumeration's name, as no two nodes share one
-        std::vector<std::size_t> children; // of a category its features (`none` where the name is nowhere), of an
-                                           // enumeration its entries
+        NodeSpec spec;                     // without entries, which are separate nodes
+        std::string fullName;              // of an entry: unique, includes its enumeration's name
+        std::vector<std::size_t> children; // of a category: its features (`none` for unknown names); of an
+                                           // enumeration: its entries
     };
 
     NodeMap() = default;
@@ -33,7 +33,7 @@ public:
 
     /// The node with its entries; the name must exist.
     [[nodiscard]] NodeSpec get(const std::string& name) const;
-    /// An enumeration keeps the number of its entries.
+    /// The number of entries of an enumeration must not change.
     void change(const std::string& name, const std::function<void(NodeSpec&)>& change);
 
     /// The entry of an enumeration with that value or symbolic name, or `none`.
@@ -48,7 +48,7 @@ private:
     std::unordered_map<std::string, std::size_t> m_byName;
 };
 
-/// What a camera has without a script.
+/// The nodes of the camera without a script.
 [[nodiscard]] std::vector<NodeSpec> defaultNodes();
 
 } // namespace scripted

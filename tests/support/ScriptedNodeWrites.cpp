@@ -36,7 +36,7 @@ bool accepts(const NodeSpec& spec, double value)
     return std::abs(steps - std::round(steps)) <= tolerance;
 }
 
-/// Checks type and access, then lets `assign(Node&)` take or refuse the value.
+/// Checks type and access, then lets `assign(Node&)` accept or refuse the value.
 template <typename Assign>
 CAM_API_STATUS write(const char* operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node, Orvo::NodeType type,
                      const Argument& value, bool verify, Assign assign)

@@ -14,7 +14,7 @@ CAM_API_STATUS checkReadable(const Node& node)
     return node.spec.access == Orvo::NODE_ACCESS_MODE_WO ? Orvo::CAM_API_STS_NOT_READABLE : Orvo::CAM_API_STS_SUCCESS;
 }
 
-/// Any node, whatever its type and access.
+/// A property of any node, regardless of type and access.
 template <typename Result, typename Read>
 CAM_API_STATUS property(const char* operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node, Result* result,
                         Read read)
@@ -28,7 +28,7 @@ CAM_API_STATUS property(const char* operation, Orvo::CAM_HANDLE camera, Orvo::CA
                     });
 }
 
-/// A property of one type of node, told without reading the node.
+/// A property of nodes of one type; the node need not be readable.
 template <typename Result, typename Read>
 CAM_API_STATUS typedProperty(const char* operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node,
                              Orvo::NodeType type, Result* result, Read read)

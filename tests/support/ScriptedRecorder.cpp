@@ -105,7 +105,7 @@ std::uint64_t Recorder::begin(Operation& operation, std::initializer_list<Argume
 
 void Recorder::finish(std::uint64_t sequence, Orvo::CAM_API_STATUS result)
 {
-    // A call that was under way while the record was cleared has no entry any more.
+    // Clearing the record removes the entry of a call in progress.
     if (sequence >= m_firstSequence)
         m_entries[sequence - m_firstSequence].result = result;
 }

@@ -16,8 +16,8 @@
 
 namespace scripted {
 
-/// One argument of a call, kept as it came and made a text only when a test asks: a feature browser over 20,000 nodes
-/// makes some hundred thousand calls.
+/// One argument of a call. It is converted to text only on demand, because a feature browser with 20,000 nodes makes
+/// hundreds of thousands of calls.
 class Argument {
 public:
     struct Word {
@@ -53,18 +53,18 @@ template <typename Callback> [[nodiscard]] Argument callback(Callback* function)
     return in(reinterpret_cast<const void*>(function));
 }
 
-/// What was called, and what shall fail. Guarded by the lock of the world that owns it.
+/// Recorded calls and scripted failures. Guarded by the lock of the World that owns it.
 class Recorder {
 public:
     struct Operation {
         std::string name;
         int countSinceClear = 0;
         int countEver = 0;
-        std::map<int, Orvo::CAM_API_STATUS> failures; // by the count ever at which they are due
+        std::map<int, Orvo::CAM_API_STATUS> failures; // by the total count of the call that fails
         std::optional<Orvo::CAM_API_STATUS> failsAlways;
         std::function<void()> hook;
 
-        /// The status that the script has for the call with this count, taken out of the script.
+        /// Removes and returns the scripted status for the call with this count.
         [[nodiscard]] std::optional<Orvo::CAM_API_STATUS> plannedStatus(int count);
     };
 
@@ -87,7 +87,7 @@ private:
     };
 
     std::unordered_map<std::string_view, Operation> m_operations; // never erased: calls refer to them
-    std::deque<std::string> m_names;                              // what the keys point at
+    std::deque<std::string> m_names;                              // storage of the keys
     std::vector<Entry> m_entries;
     std::vector<Argument> m_arguments;
     std::deque<std::string> m_texts; // a deque: the arguments point into it

@@ -1,1 +1,1 @@
-// Nothing: the library is there for its soname, what programs ask it for is in the one that it leads to.
+// Empty: the library only provides its soname; the functions are in the library that it loads.

@@ -12,7 +12,7 @@ void waitForCallback(std::unique_lock<std::mutex>& lock)
     world().changed.wait(lock, [] { return world().callbackThread == std::thread::id(); });
 }
 
-/// Runs `callback` on a thread of its own without the lock; no other callback is running.
+/// Runs `callback` on a thread of its own, without the lock. Callbacks never overlap.
 template <typename Callback> void runCallback(std::unique_lock<std::mutex>& lock, Callback callback)
 {
     World& w = world();
@@ -72,7 +72,7 @@ void fillSlot(Slot& slot, std::uint64_t frameNumber, std::uint8_t fill, std::uin
     slot.filled = true;
 }
 
-/// Registers a callback where the stream is right, and keeps it for a late call.
+/// Registers a callback if the stream handle is valid, and keeps it for late calls.
 template <typename Function>
 Orvo::CAM_API_STATUS registerCallback(Orvo::CAM_STRM_HANDLE stream, Registered<Function> Callbacks::*member,
                                       Registered<Function> registered)

@@ -7,7 +7,7 @@ using namespace scripted;
 
 namespace {
 
-/// Tells one property of the open camera.
+/// Returns one property of the open camera.
 template <typename Result, typename Read>
 Orvo::CAM_API_STATUS cameraProperty(const char* operation, Orvo::CAM_HANDLE camera, Result* result, Read read)
 {
@@ -34,7 +34,7 @@ constexpr std::array<Follower, 5> followers = {{
     {"TriggerSource", [](ImageFormat& format, std::uint32_t value) { format.triggerSource = value; }},
 }};
 
-/// Writes a number into a node that may be there and may take it.
+/// Writes a number to a node if it exists; an enumeration must have an entry with that number.
 void leadNode(const char* name, std::int64_t value)
 {
     NodeMap& nodes = world().nodes;

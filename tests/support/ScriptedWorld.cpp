@@ -8,7 +8,7 @@ namespace scripted {
 
 namespace {
 
-// What the display thread does every few milliseconds, how often depends on the machine.
+// Polled by the display thread every few milliseconds; the number of calls depends on the machine.
 constexpr std::array<std::string_view, 5> polling = {
     "Sys_WaitForSignal", "Strm_GetCurrentBufferIndex", "Strm_LockBuffer", "Strm_UnlockBuffer", "ConvImage",
 };
@@ -115,7 +115,7 @@ void fillField(char* field, std::size_t capacity, const std::string& source)
     field[length] = '\0';
 }
 
-// --- What tests script and ask --------------------------------------------------------------------------------------
+// --- Interface for the tests ----------------------------------------------------------------------------------------
 
 void reset()
 {

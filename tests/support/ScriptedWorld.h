@@ -69,17 +69,17 @@ struct ImageFormat {
     [[nodiscard]] std::size_t imageBytes() const;
 };
 
-/// All that the scripted camera knows, behind one lock.
+/// The complete state of the scripted camera, guarded by one lock.
 struct World {
-    /// The frame of every operation: count and record, run the hook, fail where the script says so, else do. `body`
-    /// gets the held lock, which it may let go of while it waits.
+    /// Common part of every operation: counts and records the call, runs the hook, and returns the scripted failure or
+    /// calls `body`. `body` gets the held lock and may release it while it waits.
     template <typename Body>
     Orvo::CAM_API_STATUS call(std::string_view name, std::initializer_list<Argument> arguments, Body body)
     {
         std::unique_lock lock(mutex);
         Recorder::Operation& operation = recorder.operation(name);
         const std::uint64_t sequence = recorder.begin(operation, arguments);
-        const int count = operation.countEver; // other calls of this operation may come in while the hook runs
+        const int count = operation.countEver; // the hook may lead to more calls of this operation
         if (operation.hook) {
             const std::function<void()> hook = operation.hook;
             lock.unlock();
@@ -93,10 +93,10 @@ struct World {
     }
 
     [[nodiscard]] Orvo::CAM_API_STATUS checkCamera(Orvo::CAM_HANDLE handle) const;
-    /// For the operations that an unplugged camera grants.
+    /// For operations that succeed on an unplugged camera.
     [[nodiscard]] Orvo::CAM_API_STATUS checkCameraKnown(Orvo::CAM_HANDLE handle) const;
     [[nodiscard]] Orvo::CAM_API_STATUS checkStream(Orvo::CAM_STRM_HANDLE handle) const;
-    /// Inside a callback the operations that would wait for its end are refused.
+    /// Operations that would wait for a callback to return are refused inside it.
     [[nodiscard]] bool inCallback() const { return callbackThread == std::this_thread::get_id(); }
 
     void closeStream();
@@ -114,7 +114,7 @@ struct World {
     OpenCamera camera;
     Stream stream;
     Callbacks lateCallbacks;
-    std::thread::id callbackThread; // the one that runs a callback now
+    std::thread::id callbackThread; // the thread that runs a callback now
     int locks = 0;
 
     NodeMap nodes;
@@ -134,7 +134,7 @@ struct World {
 
 [[nodiscard]] World& world();
 
-/// Copies `source` and its NUL as the text results of the interface do.
+/// Copies `source` with its NUL, by the rules for text results of the interface.
 [[nodiscard]] Orvo::CAM_API_STATUS giveText(const std::string& source, char* buffer, std::uint32_t* size);
 
 /// The largest prefix of `source` that fits, with a NUL.

@@ -8,24 +8,25 @@
 
 class MainWindow;
 
-/// What a window hands to its image view, from the making of this object on. Either of the two may be gone first.
+/// Records the images that a window sends to its image view, from construction on. Window and recorder may be destroyed
+/// in any order.
 class ShownImages {
 public:
-    /// An image that is kept shares the window's memory, so that the window needs more of it.
+    /// Kept images share the window's memory, so the window has to allocate more of it.
     enum class Keep { None, Last, All };
 
     explicit ShownImages(MainWindow& window, Keep keep = Keep::None);
 
     [[nodiscard]] int count() const { return m_count; }
-    /// Those that are kept, the latest last.
+    /// The kept images, the latest last.
     [[nodiscard]] const QVector<QImage>& images() const { return m_images; }
-    /// A null image where none is kept.
+    /// A null image if none is kept.
     [[nodiscard]] QImage last() const { return m_images.isEmpty() ? QImage() : m_images.last(); }
 
-    /// Handles events until `more` images have come; false where they do not.
+    /// Handles events until `more` further images arrive; false on timeout.
     [[nodiscard]] bool waitForMore(int more, int patienceMs = kPatienceMs) const;
 
-    /// As at the making.
+    /// Resets to the state after construction.
     void forget();
 
 private:
@@ -34,5 +35,5 @@ private:
     Keep m_keep;
     int m_count = 0;
     QVector<QImage> m_images;
-    QObject m_receiver; // last: no image comes once it is gone
+    QObject m_receiver; // last member: destroyed first, which stops the recording
 };

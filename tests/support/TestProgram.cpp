@@ -31,7 +31,7 @@ int main(int argc, char** argv)
             std::fprintf(stderr, "  %s\n", name.c_str());
         return 2;
     }
-    std::copy(argv + 2, argv + argc + 1, argv + 1); // the class's name is none of Qt's arguments
+    std::copy(argv + 2, argv + argc + 1, argv + 1); // hides the class name from Qt's argument parser
     --argc;
     QApplication application(argc, argv);
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi); // as QTEST_MAIN() does: texts have the same size everywhere

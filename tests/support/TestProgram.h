@@ -2,14 +2,14 @@
 
 #include <QtTest>
 
-/// A class of tests in a program that holds several. The program's first argument names the class that it runs.
+/// A test class in a program with several. The program's first argument names the class to run.
 class TestClass {
 public:
     using Run = int (*)(int argc, char** argv);
     TestClass(const char* name, Run run);
 };
 
-/// Adds a class of tests to its program. Stands at the end of the class's file, in place of QTEST_MAIN().
+/// Registers a test class with its program. Used at the end of the class's file instead of QTEST_MAIN().
 #define ORVO_TEST_CLASS(Class)                                           \
     static const TestClass testClass(#Class, [](int argc, char** argv) { \
         Class tests;                                                     \

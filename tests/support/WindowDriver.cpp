@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The dialog on screen whose list is filled, or was tried to be.
+/// The visible dialog once its list is filled or the enumeration failed.
 QWidget* readyDialog()
 {
     auto* const dialog = qobject_cast<DiscoveryDlg*>(QApplication::activeModalWidget());

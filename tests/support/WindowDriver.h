@@ -14,8 +14,8 @@
 class DiscoveryDlg;
 class ImageView;
 
-/// A main window over the scripted camera, and a user's hand on it. Scripts of the camera are set before the driver is
-/// made or between its calls; making it does not reset them.
+/// A main window and simulated user input for it. Tests script the camera before the driver is constructed or between
+/// its calls; the constructor does not reset the script.
 class WindowDriver {
 public:
     WindowDriver();
@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] MainWindow& window() { return *m_window; }
 
-    /// Ends the program: destroys the window.
+    /// Destroys the window, as at the end of the program.
     void exit() { m_window.reset(); }
 
     [[nodiscard]] QAction* action(const char* name) const;
@@ -35,14 +35,14 @@ public:
     /// Calls the slot of an action that is disabled; an enabled one ends the program with a message.
     void triggerDisabled(const char* name);
 
-    /// Triggers an action that brings up a modal window, and hands that to `user`, who ends it. False where none came.
+    /// Triggers an action that opens a modal window, and hands that to `user`, who closes it. False if none opened.
     [[nodiscard]] bool triggerModal(const char* name, const ModalUser& user);
 
-    /// Opens the first camera through the dialog, or does with the dialog what `user` does once the list is filled.
+    /// Opens the first camera through the dialog, or hands the dialog to `user` once its list is filled.
     void open(const char* action = "actionOpen");
     void open(const std::function<void(DiscoveryDlg&)>& user, const char* action = "actionOpen");
-    /// Opens the first camera of that model; false where none is listed or it does not open. `chosen` is called when
-    /// the model is the current one of the list.
+    /// Opens the first camera of that model; false if none is listed or it fails to open. `chosen` is called when the
+    /// camera is selected in the list.
     [[nodiscard]] bool openModel(const QString& model, const std::function<void()>& chosen = {});
     void start() { trigger("actionStart"); }
     void stop() { trigger("actionStop"); }
@@ -50,13 +50,13 @@ public:
 
     /// Null while no camera is open.
     [[nodiscard]] ImageView* imageView() const;
-    /// What the view keeps free for images, in pixels of the camera.
+    /// The area of the view reserved for images, in camera pixels.
     [[nodiscard]] QRectF imageArea() const;
 
     [[nodiscard]] QStringList log() const;
     void clearLog();
     [[nodiscard]] QString rates() const;
-    /// What rates() is before the first report.
+    /// The value of rates() before the first report.
     [[nodiscard]] static QString noRates() { return "[Disp =           fps] , [Cap =           fps]"; }
 
     template <typename T> [[nodiscard]] T* child(const char* name) const { return m_window->findChild<T*>(name); }
