@@ -1,4 +1,4 @@
-// The real executable with shared camera libraries in a real X server, used through its pixels.
+// The real executable with shared camera libraries in a real X server, tested through the pixels on screen.
 
 #include "tests/support/Desktop.h"
 #include "tests/support/Patience.h"
@@ -16,10 +16,10 @@ namespace {
 
 const QString kMainWindow = "OrvoCamLinuxViewer";
 const QString kDialog = "Select a Camera";
-// In the dialog: the list, and the middle of the button "Open".
+// In the dialog: the list, and the centre of the button "Open".
 constexpr QRect kList{20, 20, 610, 161};
 constexpr QPoint kOpenButton{270 + 91 / 2, 230 + 31 / 2};
-// The built-in cameras stand in this order.
+// The built-in cameras, in the order of the list.
 enum Camera { Monochrome, Colour, LargeColour };
 
 QImage icon(const char* name)
@@ -27,7 +27,7 @@ QImage icon(const char* name)
     return QImage(QString(ICON_FOLDER "/%1.png").arg(name)).convertToFormat(QImage::Format_ARGB32);
 }
 
-/// The viewer as a process of its own, with the simulated cameras and no others.
+/// The viewer as a separate process, with only the simulated cameras.
 class Viewer {
 public:
     explicit Viewer(const QProcessEnvironment& extra = {})
@@ -73,9 +73,9 @@ class EndToEndTest : public QObject {
 private slots:
     void liveImageUnplugAndExit();
     void stopAndClose();
-    void otherLibrariesTakeTheirPlace();
-    void geometryGrowsWithTheTextAtHighResolution_data();
-    void geometryGrowsWithTheTextAtHighResolution();
+    void libraryPathSelectsOtherLibraries();
+    void geometryScalesWithTheTextAtHighResolution_data();
+    void geometryScalesWithTheTextAtHighResolution();
     void windowHasItsIcon();
     void operationLogGoesToStandardOutput();
 
@@ -84,9 +84,9 @@ private:
     [[nodiscard]] bool open(Camera camera);
     [[nodiscard]] bool sees(const char* iconName);
     [[nodiscard]] bool seesNoMore(const char* iconName);
-    /// Whether the row of the dialog's list comes to be drawn as the selected one.
+    /// Waits until the row of the dialog's list is drawn as selected; false on timeout.
     [[nodiscard]] bool selects(Camera row);
-    /// A part of what the image view shows, with the number that makes each image another one.
+    /// A part of the image view, including the frame number that makes every image different.
     [[nodiscard]] QImage imageArea();
     [[nodiscard]] bool imageMoves();
     [[nodiscard]] bool imageStops();
@@ -106,7 +106,7 @@ bool EndToEndTest::seesNoMore(const char* iconName)
 
 bool EndToEndTest::clickIcon(const char* name)
 {
-    // An action that is off shows its icon greyed, so it is not found before it can be used.
+    // A disabled action shows a greyed icon, so it is not found until it is enabled.
     std::optional<QRect> found;
     if (!QTest::qWaitFor([&] { return (found = desktop.find(icon(name))).has_value(); }, kPatienceMs))
         return false;
@@ -114,7 +114,7 @@ bool EndToEndTest::clickIcon(const char* name)
     return true;
 }
 
-/// Where the row of a list like the dialog's stands in it, from end to end.
+/// The rectangle of a row in a list like that of the dialog.
 QRect placeOfRow(int row)
 {
     QTreeWidget like;
@@ -131,7 +131,7 @@ bool EndToEndTest::open(Camera camera)
 {
     if (!clickIcon("Open"))
         return false;
-    // The first one is selected as soon as the cameras are listed; until then clicks do nothing.
+    // The first camera is selected as soon as the list is filled; until then clicks have no effect.
     if (!selects(Monochrome))
         return false;
     const QPoint dialog = desktop.window(kDialog)->topLeft();
@@ -170,7 +170,7 @@ bool EndToEndTest::imageMoves()
 
 bool EndToEndTest::imageStops()
 {
-    constexpr int longerThanAnyImageTakesMs = 500; // only time can show that an image stands still
+    constexpr int longerThanAnyImageTakesMs = 500; // a still image can only be shown by waiting
     return QTest::qWaitFor(
         [&] {
             const QImage before = imageArea();
@@ -189,7 +189,7 @@ void EndToEndTest::liveImageUnplugAndExit()
     extra.insert("LD_PRELOAD", SIMULATED_ONLY ":" REMOTE_CONTROL);
     extra.insert("REMOTE_CONTROL", fifo);
     Viewer viewer(extra);
-    const auto tell = [&](const QByteArray& line) {
+    const auto send = [&](const QByteArray& line) {
         QFile remote(fifo);
         QVERIFY(remote.open(QIODevice::WriteOnly));
         remote.write(line + '\n');
@@ -201,7 +201,7 @@ void EndToEndTest::liveImageUnplugAndExit()
     QVERIFY(imageMoves());
     QVERIFY(imageMoves());
 
-    // A picture in colour, not a blank that flickers.
+    // The image is coloured, not a flickering blank.
     const QImage shown = imageArea();
     QSet<int> strongHues;
     for (int y = 0; y < shown.height(); y += 4) {
@@ -213,7 +213,7 @@ void EndToEndTest::liveImageUnplugAndExit()
     }
     QVERIFY2(strongHues.size() >= 4, qPrintable(QString::number(strongHues.size())));
 
-    tell("SimulationUnplug");
+    send("SimulationUnplug");
     QVERIFY(sees("Open"));
     QVERIFY(seesNoMore("Stop"));
     QVERIFY(viewer.running());
@@ -248,7 +248,7 @@ void EndToEndTest::stopAndClose()
     QCOMPARE(viewer.errors(), QString());
 }
 
-void EndToEndTest::otherLibrariesTakeTheirPlace()
+void EndToEndTest::libraryPathSelectsOtherLibraries()
 {
     {
         Viewer viewer;
@@ -259,7 +259,7 @@ void EndToEndTest::otherLibrariesTakeTheirPlace()
     QProcessEnvironment extra;
     extra.insert("LD_LIBRARY_PATH", OTHER_LIBRARIES);
     Viewer viewer(extra);
-    QVERIFY(open(Monochrome)); // the first of whatever there is
+    QVERIFY(open(Monochrome)); // the first camera in the list
     QVERIFY(sees("Play"));
     const QString maps = viewer.maps();
     QVERIFY(maps.contains(OTHER_LIBRARIES "/libOrvoCamApi_64.so.1"));
@@ -270,7 +270,7 @@ void EndToEndTest::otherLibrariesTakeTheirPlace()
     QCOMPARE(viewer.exitCode(), 0);
 }
 
-void EndToEndTest::geometryGrowsWithTheTextAtHighResolution_data()
+void EndToEndTest::geometryScalesWithTheTextAtHighResolution_data()
 {
     QTest::addColumn<QString>("dpi");
     QTest::addColumn<QSize>("size");
@@ -279,7 +279,7 @@ void EndToEndTest::geometryGrowsWithTheTextAtHighResolution_data()
     QTest::newRow("twice") << "192" << QSize(2400, 1760);
 }
 
-void EndToEndTest::geometryGrowsWithTheTextAtHighResolution()
+void EndToEndTest::geometryScalesWithTheTextAtHighResolution()
 {
     QFETCH(const QString, dpi);
     QFETCH(const QSize, size);

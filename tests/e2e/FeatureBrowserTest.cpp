@@ -1,4 +1,4 @@
-// The real window with the real camera libraries: features are changed in the table, and image and table follow.
+// The real window with the real camera libraries: changes in the feature table affect image and table.
 
 #include "features/description/DescBox.h"
 #include "features/view/FeatureView.h"
@@ -22,7 +22,7 @@ constexpr QRgb kBars[] = {0xffffffff, 0xffffff00, 0xff00ffff, 0xff00ff00,
                           0xffff00ff, 0xffff0000, 0xff0000ff, 0xff000000};
 constexpr int kBarCount = std::size(kBars);
 
-/// The greatest difference of a colour channel in the middle of the bars.
+/// The largest error of a colour channel in the middle of the bars.
 int worstBar(const QImage& image)
 {
     int worst = 0;
@@ -35,7 +35,7 @@ int worstBar(const QImage& image)
     return worst;
 }
 
-/// How many colours there are in the middle row.
+/// The number of colours in the middle row.
 int coloursOf(const QImage& image)
 {
     QSet<QRgb> colours;
@@ -74,13 +74,13 @@ private slots:
 
 private:
     void open(const QString& model);
-    /// Waits for an image that was taken after this call.
+    /// Waits for an image captured after this call.
     [[nodiscard]] bool nextImage();
-    /// The mean grey of the next image.
+    /// The mean grey value of the next image.
     [[nodiscard]] double nextBrightness();
-    /// The message log without the lines of a busy buffer: they come where the machine is slower than the camera.
+    /// The message log without the lines about busy buffers, which appear if the machine is slower than the camera.
     [[nodiscard]] QStringList errors() const;
-    /// Clicks the name and the value of each feature in the table, and tells which editors opened.
+    /// Clicks the name and the value of each feature in the table; returns the editors that opened.
     [[nodiscard]] QStringList clickEveryFeature();
 
     std::unique_ptr<WindowDriver> driver;
@@ -113,7 +113,7 @@ void FeatureBrowserTest::open(const QString& model)
 
 bool FeatureBrowserTest::nextImage()
 {
-    return images->waitForMore(2); // the first may have been on its way already
+    return images->waitForMore(2); // the first may have been captured before the call
 }
 
 double FeatureBrowserTest::nextBrightness()
@@ -146,7 +146,7 @@ void FeatureBrowserTest::pixelFormat()
     struct Row {
         const char* format;
         int bits;
-        bool sharp; ///< every pixel has all its colours: nothing is mixed where two bars meet
+        bool sharp; ///< every pixel has all channels: no interpolation where two bars meet
     };
     for (const Row& row : {Row{"RGB8", 24, true}, Row{"BayerRG12p", 12, false}, Row{"BayerRG8", 8, false}}) {
         hand->choose("PixelFormat", row.format);
@@ -156,7 +156,7 @@ void FeatureBrowserTest::pixelFormat()
         QVERIFY(nextImage());
         QVERIFY2(worstBar(images->last()) <= 2, row.format);
         QCOMPARE(coloursOf(images->last()) == kBarCount, row.sharp);
-        // Locked while the stream runs.
+        // Read-only while the stream runs.
         QVERIFY(!hand->clickValue("PixelFormat"));
         driver->stop();
     }
@@ -184,14 +184,14 @@ void FeatureBrowserTest::exposureTimeAndGain()
     QCOMPARE(hand->shown("ExposureTime"), QString::fromUtf8("10000.0 µs"));
     driver->start();
     const double normal = nextBrightness();
-    // A busy machine shows images of before the change for a while.
+    // A busy machine may show images from before the change for a while.
     const auto becomes = [this](double wanted) {
         return QTest::qWaitFor([&] { return std::abs(nextBrightness() - wanted) < wanted / 20; }, kPatienceMs);
     };
-    hand->type("ExposureTime", "1000"); // a tenth of what it was
+    hand->type("ExposureTime", "1000"); // a tenth of the previous value
     QCOMPARE(hand->shown("ExposureTime"), QString::fromUtf8("1000.0 µs"));
     QVERIFY(becomes(normal / 10));
-    hand->type("Gain", "12"); // decibels: four times
+    hand->type("Gain", "12"); // in dB: four times brighter
     QCOMPARE(hand->shown("Gain"), QString("12.0 dB"));
     QVERIFY(becomes(normal / 10 * 4));
     hand->type("Gain", "0 dB");
@@ -212,7 +212,7 @@ void FeatureBrowserTest::softwareTriggerFromTheToolBar()
     QVERIFY(driver->enabled("actionSoftwareTrigger"));
     QVERIFY(driver->enabled("action_Menu_One_Shot"));
 
-    // What was on its way arrives, then nothing comes by itself: a whole report says so.
+    // After the images in transit none arrives without a trigger: a complete report shows zero.
     QTRY_COMPARE_WITH_TIMEOUT(driver->rates(), QString("[Disp =   0.00 fps] , [Cap =   0.00 fps]"), kPatienceMs);
     const int still = images->count();
     driver->trigger("actionSoftwareTrigger");
@@ -288,7 +288,7 @@ QStringList FeatureBrowserTest::clickEveryFeature()
 
 void FeatureBrowserTest::everyFeatureCanBeClicked_data()
 {
-    // Each with its editor; with a star, those of the Invisible level.
+    // Each feature with its editor; a star marks those of the Invisible level.
     QTest::addColumn<QStringList>("features");
     QTest::newRow("BenchLamp") << QStringList{
         "Width: LineEditWithSlider",
@@ -346,7 +346,7 @@ void FeatureBrowserTest::everyFeatureCanBeClicked()
                    everyday.end());
     QCOMPARE(clickEveryFeature(), everyday);
 
-    hand->view().selectInvisible(); // its button is not offered
+    hand->view().selectInvisible(); // it has no visible button
     QCOMPARE(clickEveryFeature(), features.replaceInStrings("*", ""));
 
     driver->close();

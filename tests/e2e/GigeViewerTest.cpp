@@ -29,9 +29,9 @@ private slots:
     void streams_data();
     void streams();
     void formatAndSizeChangeBetweenStarts();
-    void softwareTriggerBringsAnImage();
-    void incompleteImagesAreToldAndNotShown_data();
-    void incompleteImagesAreToldAndNotShown();
+    void softwareTriggerDeliversAnImage();
+    void incompleteImagesAreLoggedAndNotShown_data();
+    void incompleteImagesAreLoggedAndNotShown();
     void cameraOfAnotherProgramIsRefused();
     void cameraKilledWhileLive();
     void cameraKilledWhileIdle();
@@ -45,7 +45,7 @@ private:
         m_camera = std::make_unique<ChildProcess>(command);
     }
 
-    /// A search that the camera misses while it starts finds nothing.
+    /// Retries, because a search finds nothing until the camera has started.
     void open()
     {
         QVERIFY(QTest::qWaitFor(
@@ -89,7 +89,7 @@ void GigeViewerTest::streams()
 {
     QFETCH(double, rate);
     open();
-    // A feature that this camera's tree leaves out.
+    // No category lists this feature of the camera.
     CAM_NODE_HANDLE node = 0;
     QCOMPARE(Nd_GetNode(opened::camera(), "AcquisitionFrameRate", &node), CAM_API_STS_SUCCESS);
     QCOMPARE(Nd_SetFloatValue(opened::camera(), node, rate), CAM_API_STS_SUCCESS);
@@ -116,16 +116,16 @@ void GigeViewerTest::formatAndSizeChangeBetweenStarts()
     }
 }
 
-void GigeViewerTest::softwareTriggerBringsAnImage()
+void GigeViewerTest::softwareTriggerDeliversAnImage()
 {
     open();
     FeatureHand hand(m_window->window());
     hand.choose("TriggerMode", "On");
     hand.choose("TriggerSource", "Software");
     m_window->start();
-    QVERIFY2(!m_images->waitForMore(1, 300), "without a trigger");
+    QVERIFY2(!m_images->waitForMore(1, 300), "an image arrived without a trigger");
     for (int i = 0; i < 3; ++i) {
-        // On a busy machine an image may be incomplete.
+        // On a busy machine an image may be incomplete, so the trigger is repeated.
         const auto bringsOne = [&] {
             m_window->trigger("actionSoftwareTrigger");
             return m_images->waitForMore(1, 3000);
@@ -134,26 +134,26 @@ void GigeViewerTest::softwareTriggerBringsAnImage()
     }
 }
 
-void GigeViewerTest::incompleteImagesAreToldAndNotShown_data()
+void GigeViewerTest::incompleteImagesAreLoggedAndNotShown_data()
 {
     QTest::addColumn<QString>("perThousand");
     QTest::newRow("few packets are lost") << "10";
     QTest::newRow("many packets are lost") << "100";
 }
 
-void GigeViewerTest::incompleteImagesAreToldAndNotShown()
+void GigeViewerTest::incompleteImagesAreLoggedAndNotShown()
 {
     QFETCH(QString, perThousand);
     m_camera.reset();
     plugIn({"-r", perThousand.toStdString()});
     open();
     FeatureHand hand(m_window->window());
-    hand.type("Width", "64"); // so that some images are whole
+    hand.type("Width", "64"); // small, so that some images are complete
     hand.type("Height", "64");
     m_window->start();
     QVERIFY(m_images->waitForMore(3));
-    const auto told = [&] { return m_window->log().join('\n').contains("CallBackErrorImage. (status = 0x100A)"); };
-    QVERIFY(QTest::qWaitFor(told, kPatienceMs));
+    const auto logged = [&] { return m_window->log().join('\n').contains("CallBackErrorImage. (status = 0x100A)"); };
+    QVERIFY(QTest::qWaitFor(logged, kPatienceMs));
     QVERIFY(m_window->enabled("actionStop"));
 }
 
@@ -181,7 +181,7 @@ void GigeViewerTest::cameraKilledWhileLive()
     }
 }
 
-// Without a display thread nobody looks for the removal; the next operation tells.
+// Without a display thread nothing polls for the removal; the next operation reports it.
 void GigeViewerTest::cameraKilledWhileIdle()
 {
     open();

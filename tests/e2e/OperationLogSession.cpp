@@ -1,5 +1,5 @@
-// A user who sets the first simulated camera up, one feature of each kind, with the real window and the real camera
-// libraries. What the viewer writes meanwhile is looked at by check-operation-log.
+// Simulates a user who sets up the first simulated camera, one feature of each kind, with the real window and the real
+// camera libraries. check-operation-log checks the operation log that the viewer writes.
 
 #include "tests/support/FeatureHand.h"
 #include "tests/support/WindowDriver.h"
@@ -21,7 +21,7 @@ int main(int argc, char* argv[])
     hand.choose("ReverseX", "true");
     hand.choose("PixelFormat", "Mono12");
     hand.type("DeviceUserID", "bench 7, left");
-    hand.type("Width", "641"); // off its increment
+    hand.type("Width", "641"); // not a multiple of its increment
     hand.execute("TimestampLatch");
     driver.close();
     for (const QString& line : driver.log())

@@ -1,5 +1,5 @@
-// Preloaded into the viewer by the end-to-end tests: executes features of the camera that the viewer has open, one
-// command a line, read from the FIFO that REMOTE_CONTROL names.
+// Preloaded into the viewer by the end-to-end tests: operates features of the camera that the viewer has open. It reads
+// one command per line from the FIFO that REMOTE_CONTROL names.
 //
 //     SimulationUnplug            executes the command
 //     TriggerMode=On              sets the enumeration
@@ -26,10 +26,10 @@ void obey(const std::string& line)
 
 [[gnu::constructor]] void listen()
 {
-    const char* const path = std::getenv("REMOTE_CONTROL"); // NOLINT(concurrency-mt-unsafe): before any thread
+    const char* const path = std::getenv("REMOTE_CONTROL"); // NOLINT(concurrency-mt-unsafe): no other thread yet
     if (!path)
         return;
-    // Ends with the program: there is nothing to hand over.
+    // Runs until the program exits; nothing waits for it.
     std::thread([fifo = std::string(path)] {
         for (;;) {
             std::ifstream lines(fifo);

@@ -40,7 +40,7 @@ void UsbViewerTest::cameraUnpluggedWhileLive()
     }
 }
 
-// Without a display thread nobody looks for the removal; the next operation tells.
+// Without a display thread nothing polls for the removal; the next operation reports it.
 void UsbViewerTest::cameraUnpluggedWhileStopped()
 {
     WindowDriver driver;
@@ -63,7 +63,7 @@ void UsbViewerTest::transportDiesWhileLive_data()
     QTest::newRow("stopped") << SIGSTOP;
 }
 
-// For the window that is a camera that was unplugged.
+// The window treats this like an unplugged camera.
 void UsbViewerTest::transportDiesWhileLive()
 {
     QFETCH(int, signal);

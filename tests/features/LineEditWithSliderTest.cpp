@@ -293,8 +293,7 @@ void LineEditWithSliderTest::floatIsDragged()
     QCOMPARE(lineEdit().text(), gain + " dB");
 }
 
-// --- Focus and lifetime
-// -------------------------------------------------------------------------------------------------
+// --- Focus and lifetime ---------------------------------------------------------------------------------------------
 
 void LineEditWithSliderTest::focusGoesToTheLineEdit()
 {

@@ -2,8 +2,8 @@
 //
 //     tour FOLDER
 //
-// Needs a screen with a window manager, such as tests/support/with-xvfb --windows gives. Ends with status 1 and a line
-// on standard error where a state does not come about.
+// Needs a screen with a window manager, such as tests/support/with-xvfb --windows. Exits with 1 and a line on standard
+// error if an expected state is not reached.
 
 #include "tests/tour/Tour.h"
 
@@ -26,7 +26,7 @@ constexpr int kSettleMs = 150;
 void endTour(const QString& what)
 {
     std::fprintf(stderr, "tour: %s\n", qPrintable(what));
-    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): nobody else ends the program
+    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no other thread exits the program
 }
 
 Tour::Tour(const QDir& folder)
@@ -38,7 +38,7 @@ Tour::Tour(const QDir& folder)
 void Tour::newWindow()
 {
     m_images.reset();
-    m_driver.reset(); // before the next one: there is one at a time
+    m_driver.reset(); // before the next one, because only one may exist
     m_driver = std::make_unique<WindowDriver>();
     m_images = std::make_unique<ShownImages>(m_driver->window());
     const MainWindow& window = m_driver->window();
@@ -48,7 +48,7 @@ void Tour::newWindow()
 
 void Tour::picture(const QString& name)
 {
-    // The screen, not the widget: what covers the window belongs to what a user sees.
+    // The screen, not the widget: the picture includes whatever covers the window.
     picture(name, m_driver->window().frameGeometry());
 }
 
@@ -66,13 +66,13 @@ void Tour::picture(const QString& name, const QRect& area)
 void Tour::waitFor(const char* what, const std::function<bool()>& condition)
 {
     if (!QTest::qWaitFor(condition, kPatienceMs))
-        endTour(QString("waited in vain for %1").arg(what));
+        endTour(QString("timed out waiting for %1").arg(what));
 }
 
 void Tour::waitForImages(int count)
 {
     if (!m_images->waitForMore(count))
-        endTour("waited in vain for images");
+        endTour("timed out waiting for images");
 }
 
 void Tour::waitForRates()
@@ -88,7 +88,7 @@ void Tour::pictureOfModal(const char* action, const QString& name)
         modal.close();
     });
     if (!came)
-        endTour(QString("%1 brings up no window").arg(action));
+        endTour(QString("%1 opens no window").arg(action));
 }
 
 void Tour::openCamera(const QString& model, bool pictured)
@@ -98,17 +98,17 @@ void Tour::openCamera(const QString& model, bool pictured)
             picture("discovery");
     };
     if (!m_driver->openModel(model, chosen))
-        endTour(QString("no %1 opens: %2").arg(model, m_driver->log().join(" / ")));
+        endTour(QString("cannot open a %1: %2").arg(model, m_driver->log().join(" / ")));
 }
 
 int main(int argc, char* argv[])
 {
-    // The toolkit asks the X server about windows that the window manager has just told of, and writes a line where one
-    // is gone by then. That race is none of the viewer's; the program that the tour starts inherits the variable.
+    // The toolkit queries windows that the window manager has just announced, and logs a warning if one is already
+    // gone. That race is not the viewer's fault. The program that the tour starts inherits the variable.
     qputenv("QT_LOGGING_RULES", "qt.qpa.xcb.warning=false");
     const QApplication application(argc, argv);
     QApplication::setStyle("Fusion"); // until the chapter of styles; otherwise the platform chooses
-    // As main() of the program has them: the title of boxes that have none of their own, and the icon.
+    // As in main() of the viewer: the default title of message boxes, and the icon.
     QApplication::setApplicationName("OrvoCamLinuxViewer");
     QApplication::setWindowIcon(QIcon(":/images/Icon/Viewer_Main_icon_2.ico"));
     const QStringList arguments = QApplication::arguments();
@@ -119,7 +119,7 @@ int main(int argc, char* argv[])
     QDir folder(arguments.at(1));
     if (!folder.mkpath("."))
         endTour("cannot make " + folder.path());
-    // An earlier tour may have taken pictures that this one does not.
+    // An earlier tour may have left pictures that this one does not take.
     for (const QString& old : folder.entryList({"[0-9][0-9]-*.png"}, QDir::Files)) {
         if (!folder.remove(old))
             endTour("cannot remove " + folder.filePath(old));

@@ -25,18 +25,18 @@ public:
 
 private:
     // Tour.cpp
-    /// Ends the window that there is and starts another one.
+    /// Destroys the window and creates a new one.
     void newWindow();
     void picture(const QString& name);
-    /// Of a part of the screen.
+    /// Saves a picture of a part of the screen.
     void picture(const QString& name, const QRect& area);
-    /// Ends the tour where the condition does not come about in time.
+    /// Ends the tour if the condition does not become true in time.
     void waitFor(const char* what, const std::function<bool()>& condition);
     void waitForImages(int count);
-    /// Triggers the action and closes the modal window that it brings up.
+    /// Triggers the action, saves a picture of the modal window that it opens, and closes the window.
     void pictureOfModal(const char* action, const QString& name);
     void openCamera(const QString& model, bool pictured = false);
-    /// Until the frame rates are other ones.
+    /// Waits until the frame rates change.
     void waitForRates();
 
     // TourFeatures.cpp
@@ -60,7 +60,7 @@ private:
     QDir m_folder;
     int m_number = 0;
     std::unique_ptr<WindowDriver> m_driver;
-    std::unique_ptr<ShownImages> m_images; // of that window
+    std::unique_ptr<ShownImages> m_images; // of the current window
 };
 
 [[noreturn]] void endTour(const QString& what);

@@ -1,4 +1,4 @@
-// Each simulated camera, what its test patterns look like, and what a user sees at each of its faults.
+// Each simulated camera, its test patterns, and the effect of each simulated fault.
 
 #include "tests/tour/Tour.h"
 
@@ -55,7 +55,7 @@ void Tour::camerasChapter()
 
 void Tour::testPatterns()
 {
-    // The whole of a small image at 100 %: a line that is one pixel wide would vanish below.
+    // A complete small image at 100 %: lines of one pixel would vanish at smaller zoom factors.
     m_driver->stop();
     set("Width", 640);
     set("Height", 480);
@@ -76,7 +76,7 @@ void Tour::lostImages()
     FeatureHand hand(m_driver->window());
     hand.type("AcquisitionFrameRate", "2");
     hand.type("SimulationLoseEvery", "2");
-    // The second report is of nothing but the slow stream.
+    // Only the second report covers nothing but the slow stream.
     waitForRates();
     waitForRates();
     for (const char* number : {"1", "2"}) {

@@ -22,7 +22,7 @@ void Tour::featuresChapter()
         hand.clickTool(level);
         picture(QString("features-%1").arg(level + 1));
     }
-    hand.view().selectInvisible(); // its button is not offered
+    hand.view().selectInvisible(); // it has no visible button
     hand.clickName("VisibilityInvisible");
     picture("features-levelInvisible");
     hand.clickTool("&levelGuru");
@@ -51,7 +51,7 @@ void Tour::toolTips()
     FeatureHand hand(m_driver->window());
     hand.clickName("Height");
     const auto rest = [this](QWidget* where, QPoint point, const QString& name) {
-        QTest::mouseMove(where, point + QPoint(0, 3)); // a pointer that stands there already would not move
+        QTest::mouseMove(where, point + QPoint(0, 3)); // otherwise a pointer that is already there would not move
         QTest::mouseMove(where, point);
         const auto shown = [] {
             const QWidgetList windows = QApplication::topLevelWidgets();
@@ -63,7 +63,7 @@ void Tour::toolTips()
         picture(name);
         QTest::mouseMove(where, QPoint());
         QToolTip::hideText();
-        waitFor("the end of the tool tip", [&] { return !shown(); });
+        waitFor("the tool tip to disappear", [&] { return !shown(); });
     };
     const QTableView& table = hand.table();
     rest(table.viewport(), table.visualRect(table.currentIndex()).center(), "tool-tip-name");
@@ -110,7 +110,7 @@ void Tour::editors(const QString& suffix)
 void Tour::refusedAndSlowChapter()
 {
     FeatureHand hand(m_driver->window());
-    // Nothing but the old value, which comes back, tells that a write was refused.
+    // A refused write shows only in the return of the old value.
     const auto replugAfter7 = [&](const QString& name, const QString& taken) {
         auto* const line = qobject_cast<QLineEdit*>(hand.clickValue("SimulationReplugAfter"));
         line->selectAll();

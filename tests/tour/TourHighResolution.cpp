@@ -15,7 +15,7 @@ constexpr int kScale = 2;
 const QString kMainWindow = "OrvoCamLinuxViewer";
 const QString kDialog = "Select a Camera";
 
-// In the dialog and in the main window, as their forms have them.
+// Positions in the dialog and in the main window, as in their forms.
 constexpr QRect kOpenButton{270, 230, 91, 31};
 constexpr QRect kRatesArea{20, 65, 440, 30};
 
@@ -24,7 +24,7 @@ QRect scaled(const QRect& rect)
     return {rect.topLeft() * kScale, rect.size() * kScale};
 }
 
-/// Text that is enabled; grey letters are brighter.
+/// Whether the image contains enabled text; disabled text is brighter.
 bool hasBlack(const QImage& image)
 {
     for (int y = 0; y < image.height(); ++y) {
@@ -36,7 +36,7 @@ bool hasBlack(const QImage& image)
     return false;
 }
 
-/// The icon as it stands on the screen.
+/// The icon as it appears on the screen.
 QImage icon(const char* name)
 {
     const QImage original(QString(ICON_FOLDER "/%1.png").arg(name));
@@ -47,7 +47,7 @@ QImage icon(const char* name)
 
 void Tour::highResolutionChapter()
 {
-    // The program itself: the toolkit asks for the resolution once, when the application object is made.
+    // A separate process, because the toolkit reads the resolution only when the application object is constructed.
     m_driver->window().hide();
     QProcess viewer;
     auto environment = QProcessEnvironment::systemEnvironment();
@@ -81,6 +81,6 @@ void Tour::highResolutionChapter()
     picture("192-dpi-live", *desktop.frame(kMainWindow));
 
     desktop.closeWindow(kMainWindow);
-    waitFor("the end of the program", [&] { return viewer.state() == QProcess::NotRunning; });
+    waitFor("the program to exit", [&] { return viewer.state() == QProcess::NotRunning; });
     m_driver->window().show();
 }

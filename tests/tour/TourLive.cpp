@@ -100,7 +100,7 @@ void Tour::pauseAndSnapshot()
     m_driver->trigger("actionPause");
     waitFor("the paused rate", [&] { return m_driver->rates().contains("Disp =   0.00"); });
     picture("paused");
-    // The file dialog shows the folders of nobody in particular, and the same ones in every tour.
+    // The file dialog shows the same folders in every tour, and none of the user's own.
     const QString folder = QDir::temp().filePath("snapshots");
     const QString folderBefore = QDir::currentPath();
     const QByteArray homeBefore = qgetenv("HOME");
@@ -119,7 +119,7 @@ void Tour::saveInVain()
 {
     const bool came = m_driver->triggerModal("actionSnapshot", [this](QWidget& modal) {
         if (auto* const dialog = qobject_cast<QFileDialog*>(&modal)) {
-            // Ends with the format's word, so the name stays; no format is called so.
+            // The name ends with "png", so no suffix is appended; but there is no format "notpng".
             dialog->findChild<QLineEdit*>("fileNameEdit")->setText("shot.notpng");
             dialog->findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save)->click();
         } else {
@@ -128,7 +128,7 @@ void Tour::saveInVain()
         }
     });
     if (!came || m_driver->log() != QStringList("Cannot save a file."))
-        endTour("a picture in an unknown format is saved");
+        endTour("saving a picture in an unknown format did not fail as expected");
     picture("save-failed-log");
     m_driver->clearLog();
 }
@@ -138,16 +138,16 @@ void Tour::softwareTrigger()
     m_driver->stop();
     picture("stopped");
     if (opened::set("TriggerMode", "On") != 0 || opened::set("TriggerSource", "Software") != 0)
-        endTour("the camera takes no software trigger");
+        endTour("the camera does not accept the software trigger settings");
     m_driver->start();
     m_driver->trigger("actionSoftwareTrigger");
     waitForImages(1);
-    waitForRates();                                           // of single images
+    waitForRates();                                           // rates with single images
     FeatureHand(m_driver->window()).clickName("TriggerMode"); // unfolds its category
     picture("software-trigger");
     m_driver->stop();
     if (opened::set("TriggerMode", "Off") != 0)
-        endTour("the trigger stays on");
+        endTour("the trigger mode cannot be switched off");
     m_driver->start();
     waitForImages(2);
 }

@@ -14,13 +14,13 @@ void Tour::stylesChapter()
             endTour(QString("the style %1 is not installed").arg(style));
         const QString suffix = QString("-%1").arg(style).toLower();
         QApplication::setStyle(style);
-        newWindow(); // a window that changes its style is laid out as no user sees it
+        newWindow(); // a style change of an existing window gives a layout that no user sees
         openCamera("SIM-C1920");
         m_driver->start();
         waitForRates();
         picture("live" + suffix);
         m_driver->stop();
         FeatureHand(m_driver->window()).clickTool("&levelGuru");
-        editors(suffix); // widgets without a frame look different everywhere
+        editors(suffix); // frameless widgets look different in every style
     }
 }
