@@ -76,12 +76,13 @@ void NodeItemChoicesTest::choicesByAccess_data()
     constexpr NodeAccessMode wo = NODE_ACCESS_MODE_WO;
     using Entries = std::vector<NodeAccessMode>;
     QTest::newRow("none") << Entries{} << QStringList();
-    QTest::newRow("the second is not available") << Entries{ro, na, ro} << QStringList{"First", "Third"};
+    QTest::newRow("second entry not available") << Entries{ro, na, ro} << QStringList{"First", "Third"};
     QTest::newRow("not implemented") << Entries{ni, ro} << QStringList{"Second"};
     QTest::newRow("write-only is listed") << Entries{wo, ro} << QStringList{"First", "Second"};
-    QTest::newRow("read-write is not") << Entries{rw, ro} << QStringList{"Second"};
-    QTest::newRow("unknown access is not") << Entries{static_cast<NodeAccessMode>(5), ro} << QStringList{"Second"};
-    QTest::newRow("none can be chosen") << Entries{na, ni, rw} << QStringList();
+    QTest::newRow("read-write is not listed") << Entries{rw, ro} << QStringList{"Second"};
+    QTest::newRow("unknown access is not listed")
+        << Entries{static_cast<NodeAccessMode>(5), ro} << QStringList{"Second"};
+    QTest::newRow("no entry is selectable") << Entries{na, ni, rw} << QStringList();
 }
 
 void NodeItemChoicesTest::choicesByAccess()

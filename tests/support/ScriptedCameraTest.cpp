@@ -361,7 +361,7 @@ TEST_F(ScriptedCamera, enumerationEntriesAreNodes)
     EXPECT_EQ(Nd_GetAccessMode(camera, entry, &access), 0U);
     EXPECT_EQ(access, NODE_ACCESS_MODE_RO);
 
-    EXPECT_EQ(Nd_SetEnumStrValue(camera, format, "Mono12p"), CAM_API_STS_INVALID_PARAMETER) << "not to be chosen";
+    EXPECT_EQ(Nd_SetEnumStrValue(camera, format, "Mono12p"), CAM_API_STS_INVALID_PARAMETER) << "not selectable";
     EXPECT_EQ(Nd_SetEnumStrValue(camera, format, "Mono8"), 0U);
     std::uint32_t reported = 0;
     EXPECT_EQ(GetCamPixelFormat(camera, &reported), 0U);
