@@ -175,7 +175,8 @@ void LineEditWithSlider::getValue()
 
 void LineEditWithSlider::writeText()
 {
-    m_item->setNodeValue(m_lineEdit.text());
+    // A refused write needs no handling here: the value that is shown afterwards is the camera's.
+    static_cast<void>(m_item->setNodeValue(m_lineEdit.text()));
     if (m_item.isNull())
         return;
     // The numbers read last are good enough: after a commit the view reads everything again and reloads the editor.
@@ -187,11 +188,9 @@ void LineEditWithSlider::writeText()
 void LineEditWithSlider::writePosition()
 {
     const int position = m_slider.value();
-    if (isFloat()) {
-        m_item->setNodeValue(convSliderValToFloat(position));
-    } else {
-        m_item->setNodeValue(convSliderValToInt(position));
-    }
+    // As in writeText(), the status does not matter.
+    static_cast<void>(isFloat() ? m_item->setNodeValue(convSliderValToFloat(position))
+                                : m_item->setNodeValue(convSliderValToInt(position)));
 }
 
 void LineEditWithSlider::getSliderValue()
