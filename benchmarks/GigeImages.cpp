@@ -1,6 +1,6 @@
 // What does a GigE Vision camera cost, and how fast may it send? Both processes together, in a network of its own:
 //
-//     tests/cameralibs/devices/aravis/own-network build/release/bin/gige_images
+//     tests/cameralibs/transport/own-network build/release/bin/gige_images
 //
 // With LD_LIBRARY_PATH another build of the camera library is measured.
 

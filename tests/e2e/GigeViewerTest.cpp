@@ -1,7 +1,7 @@
 // The real window with the real camera libraries, and a GigE Vision camera on a network of its own.
 
 #include "camera/OrvoCamUtl.h"
-#include "tests/cameralibs/devices/aravis/ChildProcess.h"
+#include "tests/cameralibs/transport/ChildProcess.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/OpenedCamera.h"
 #include "tests/support/Patience.h"

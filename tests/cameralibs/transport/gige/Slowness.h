@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/cameralibs/devices/gige/Behaviour.h"
+#include "tests/cameralibs/transport/gige/Behaviour.h"
 
 #include <optional>
 

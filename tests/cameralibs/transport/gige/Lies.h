@@ -11,8 +11,8 @@
 ///     build/release/bin/gige_camera --liar SEED --lie NAME      the camera with that lie
 ///     own-network build/release/bin/gige_sessions liar 1 20 1 NAME      20 sessions with it
 
-#include "tests/cameralibs/devices/gige/Behaviour.h"
-#include "tests/cameralibs/devices/gige/Random.h"
+#include "tests/cameralibs/transport/gige/Behaviour.h"
+#include "tests/cameralibs/transport/gige/Random.h"
 
 #include <variant>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/cameralibs/devices/gige/CameraMemory.h"
+#include "tests/cameralibs/transport/gige/CameraMemory.h"
 
 #include <chrono>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/cameralibs/devices/gige/Protocol.h"
+#include "tests/cameralibs/transport/gige/Protocol.h"
 
 #include <netinet/in.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/cameralibs/devices/gige/Behaviour.h"
-#include "tests/cameralibs/devices/gige/UdpSocket.h"
+#include "tests/cameralibs/transport/gige/Behaviour.h"
+#include "tests/cameralibs/transport/gige/UdpSocket.h"
 
 #include <chrono>
 #include <deque>

@@ -2,7 +2,7 @@
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/StreamRecorder.h"
-#include "tests/cameralibs/devices/aravis/ChildProcess.h"
+#include "tests/cameralibs/transport/ChildProcess.h"
 
 #include <gtest/gtest.h>
 

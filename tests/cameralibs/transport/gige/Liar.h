@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/cameralibs/devices/gige/Lies.h"
+#include "tests/cameralibs/transport/gige/Lies.h"
 
 #include <cstdint>
 #include <string>

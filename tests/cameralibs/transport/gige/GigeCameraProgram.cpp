@@ -13,9 +13,9 @@
 // --liar SEED | --stranger SEED    it lies, or somebody else does who sends from another address
 // --lie NAME                       this lie, instead of those that the seed chooses
 
-#include "tests/cameralibs/devices/gige/GigeCamera.h"
-#include "tests/cameralibs/devices/gige/Liar.h"
-#include "tests/cameralibs/devices/gige/Slowness.h"
+#include "tests/cameralibs/transport/gige/GigeCamera.h"
+#include "tests/cameralibs/transport/gige/Liar.h"
+#include "tests/cameralibs/transport/gige/Slowness.h"
 
 #include <cstdio>
 #include <exception>

@@ -6,10 +6,10 @@
 // and closed, and an honest camera is opened after it. A line for each seed tells its lies, a line with FAILED what
 // went wrong. The same seed by itself repeats its session; with the name of a lie all seeds tell that one.
 
-#include "tests/cameralibs/devices/aravis/ChildProcess.h"
-#include "tests/cameralibs/devices/gige/Random.h"
-#include "tests/cameralibs/devices/gige/Resources.h"
-#include "tests/cameralibs/devices/gige/Watched.h"
+#include "tests/cameralibs/transport/ChildProcess.h"
+#include "tests/cameralibs/transport/gige/Random.h"
+#include "tests/cameralibs/transport/gige/Resources.h"
+#include "tests/cameralibs/transport/gige/Watched.h"
 
 #include <array>
 #include <atomic>
