@@ -58,6 +58,8 @@ public:
         // As many as it takes to be faster than whoever reads.
         for (int i = 0; i < (isFlood() ? 4 : 1); ++i)
             std::thread([this] { tellEvents(); }).detach();
+        for (int i = 0; lie() == "flood log" && i < 4; ++i)
+            std::thread(writeLines).detach();
         Packet packet;
         while (m_control.receive(packet, Clock::time_point::max(), Channel::Descriptors::accept) == Received::packet) {
             answer(packet);
@@ -70,7 +72,6 @@ public:
 private:
     void tellEvents()
     {
-        const std::string line = std::string(1000, 'x') + '\n';
         for (;;) {
             if (lie() == "garbage event") {
                 (void)!::send(kEventDescriptor, "x", 1, MSG_NOSIGNAL);
@@ -79,15 +80,39 @@ private:
             } else if (lie() != "no sign of life" && lie() != "says nothing") {
                 (void)m_events.send(Kind::alive);
             }
-            if (lie() == "flood log")
-                (void)!::write(STDERR_FILENO, line.data(), line.size());
-            if (!isFlood())
+            if (!isFlood() || lie() == "flood log")
                 std::this_thread::sleep_for(kAlivePeriod);
         }
     }
 
     /// What never pauses leaves a deadline no moment in which nothing is there to be read.
     static bool isFlood() { return lie().rfind("flood", 0) == 0; }
+
+    /// False where nobody has read the last ones yet.
+    static bool writeLine()
+    {
+        static const std::string line = std::string(1000, 'x') + '\n';
+        return ::write(STDERR_FILENO, line.data(), line.size()) > 0;
+    }
+
+    /// In threads that do nothing else: nothing but the lines' reader holds them up.
+    static void writeLines()
+    {
+        for (;;)
+            (void)writeLine();
+    }
+
+    /// Ends, while another process goes on to write lines for much longer than anybody should read them.
+    static void leaveLog()
+    {
+        if (::fork() == 0) {
+            ::alarm(20);
+            writeLines();
+        }
+        while (writeLine()) {
+        }
+        ::_exit(0);
+    }
 
     /// Ends, while another process goes on with its ends of the channels until the library has closed its own.
     void leaveEnds() const
@@ -99,9 +124,10 @@ private:
         ::_exit(0);
     }
 
-    /// Never ends.
+    /// Never ends. The answer is said to be pending.
     void flood() const
     {
+        (void)tellProgress();
         const auto tell = [this] {
             while (lie() == "flood progress" && tellProgress()) {
             }
@@ -228,8 +254,10 @@ private:
             while (tellProgress())
                 std::this_thread::sleep_for(std::chrono::milliseconds(100));
             return;
-        } else if (lie() == "flood progress") {
+        } else if (isFlood()) {
             return flood();
+        } else if (lie() == "leaves its log") {
+            return leaveLog();
         } else if (lie() == "leaves its ends") {
             return leaveEnds();
         }

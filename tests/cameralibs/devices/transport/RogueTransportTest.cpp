@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <thread>
 
@@ -36,6 +37,30 @@ constexpr bool kSanitized = true;
 #else
 constexpr bool kSanitized = false;
 #endif
+
+/// The threads of this process get the processor after those of transports that never pause, so that there is always
+/// something to be read.
+class Outrun {
+public:
+    Outrun() { prefer(19); }
+    ~Outrun() { prefer(0); } // if that is allowed
+    Outrun(const Outrun&) = delete;
+    Outrun& operator=(const Outrun&) = delete;
+
+private:
+    static void prefer(int niceness)
+    {
+        for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task"))
+            (void)::setpriority(PRIO_PROCESS, static_cast<id_t>(std::stoul(thread.path().filename())), niceness);
+    }
+};
+
+/// Of another process.
+std::size_t threadsOf(pid_t process)
+{
+    const std::filesystem::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
+    return static_cast<std::size_t>(std::distance(begin(threads), end(threads)));
+}
 
 class RogueTransportTest : public ::testing::Test {
 protected:
@@ -80,28 +105,29 @@ protected:
 
     void close() const { EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS); }
 
+    /// Closes the camera while a thread waits for an answer that is said to be pending and never comes.
+    void expectToCloseInTimeDuringAnAccess() const
+    {
+        ASSERT_THAT(transports(), ::testing::SizeIs(1));
+        const std::size_t threads = threadsOf(transports().front());
+        const CAM_NODE_HANDLE node = nodeOf(m_camera, "Width");
+        std::thread access([this, node] {
+            std::int64_t value = 0;
+            EXPECT_NE(Nd_GetIntValue(m_camera, node, &value), CAM_API_STS_SUCCESS);
+        });
+        EXPECT_TRUE(becomes([&] { return threadsOf(transports().front()) > threads; })) << "the flood has not begun";
+        {
+            const Outrun outrun;
+            expectWithin(std::chrono::seconds(1), [this] { close(); });
+        }
+        access.join();
+    }
+
     [[nodiscard]] bool lost() const { return Sys_WaitForSignal(m_signal, 60'000) == CAM_API_STS_SUCCESS; }
 
     CAM_SIGNAL_HANDLE m_signal = 0;
     CAM_HANDLE m_camera = 0;
     std::size_t m_descriptors = 0;
-};
-
-/// The threads of this process get the processor after those of transports that never pause, so that there is always
-/// something to be read.
-class Outrun {
-public:
-    Outrun() { prefer(19); }
-    ~Outrun() { prefer(0); } // if that is allowed
-    Outrun(const Outrun&) = delete;
-    Outrun& operator=(const Outrun&) = delete;
-
-private:
-    static void prefer(int niceness)
-    {
-        for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task"))
-            (void)::setpriority(PRIO_PROCESS, static_cast<id_t>(std::stoul(thread.path().filename())), niceness);
-    }
 };
 
 /// Somebody reads it, but not as fast as a transport writes.
@@ -273,17 +299,32 @@ TEST_F(RogueTransportTest, FloodsDoNotProlongClosing)
     }
 }
 
-TEST_F(RogueTransportTest, FloodOfTheLogDoesNotProlongClosing)
+TEST_F(RogueTransportTest, FloodsDoNotProlongClosingDuringAnAccess)
+{
+    for (const char* lie : {"flood progress", "flood events"}) {
+        ASSERT_EQ(list(), 1U);
+        tell(lie);
+        ASSERT_EQ(open(), CAM_API_STS_SUCCESS) << lie;
+        ASSERT_NO_FATAL_FAILURE(expectToCloseInTimeDuringAnAccess()) << lie;
+    }
+}
+
+TEST_F(RogueTransportTest, FloodsOfTheLogDoNotProlongClosing)
 {
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
     ::setenv("ORVO_CAMERA_LOG", "warning", 1); // NOLINT(concurrency-mt-unsafe)
     EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
     m_signal = 0;
     EXPECT_EQ(list(), 1U);
-    tell("flood log");
     {
         const SlowStandardError slow;
+        tell("flood log");
         EXPECT_EQ(open(), CAM_API_STS_SUCCESS);
+        expectToCloseInTimeDuringAnAccess();
+        tell("leaves its log");
+        EXPECT_EQ(open(), CAM_API_STS_SUCCESS);
+        std::int64_t value = 0;
+        EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone);
         expectWithin(std::chrono::seconds(1), [this] { close(); });
     }
     ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
@@ -326,9 +367,16 @@ TEST_F(RogueTransportTest, ProcessThatCannotEndHoldsUpNothing)
     }
 }
 
+// The limit of a search would end this one, too, but only after seconds.
+TEST_F(RogueTransportTest, CameraCountsEachTimeItIsListed)
+{
+    tell("same camera for ever");
+    expectWithin(std::chrono::seconds(1), [] { EXPECT_LE(list(), 1U); });
+}
+
 TEST_F(RogueTransportTest, SearchEndsInTime)
 {
-    for (const char* lie : {"same camera for ever", "says nothing", "slow search"}) {
+    for (const char* lie : {"says nothing", "slow search"}) {
         tell(lie);
         expectWithin(std::chrono::seconds(4), [] { EXPECT_LE(list(), 1U); });
     }
