@@ -54,9 +54,9 @@ CAM_API_STATUS genicamStatus(int code, Attempted attempted)
     }
 }
 
-Outcome take(GError* error, Attempted attempted, CAM_API_STATUS other)
+Outcome mapped(const GErrorPointer& error, Attempted attempted, CAM_API_STATUS other)
 {
-    if (error == nullptr)
+    if (!error)
         return {};
     Outcome outcome{other, error->message != nullptr ? error->message : ""};
     const auto code = static_cast<std::size_t>(error->code);
@@ -67,22 +67,21 @@ Outcome take(GError* error, Attempted attempted, CAM_API_STATUS other)
     } else if (error->domain == ARV_CHUNK_PARSER_ERROR) {
         outcome.status = CAM_API_STS_NOT_AVAILABLE;
     }
-    g_error_free(error);
     return outcome;
 }
 
 } // namespace
 
-Outcome takeError(GError* error, Attempted attempted)
+Outcome outcomeOf(const GErrorPointer& error, Attempted attempted)
 {
-    return take(error, attempted, CAM_API_STS_GENICAM_ERR);
+    return mapped(error, attempted, CAM_API_STS_GENICAM_ERR);
 }
 
-Outcome takeOpenError(GError* error)
+Outcome outcomeOfOpening(const GErrorPointer& error)
 {
     // Aravis reports a device that another program has claimed as a protocol error.
-    const bool refused = g_error_matches(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_PROTOCOL_ERROR) != FALSE;
-    Outcome outcome = take(error, Attempted::reading, CAM_API_STS_UNSUCCESSFUL);
+    const bool refused = g_error_matches(error.get(), ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_PROTOCOL_ERROR) != FALSE;
+    Outcome outcome = mapped(error, Attempted::reading, CAM_API_STS_UNSUCCESSFUL);
     if (refused)
         outcome.status = CAM_API_STS_BUSY;
     return outcome;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cameralibs/base/GObjectPointer.h"
+#include "cameralibs/base/GlibOwners.h"
 #include "cameralibs/devices/Device.h"
 
 #include <arv.h>

@@ -36,7 +36,7 @@ private:
     Acquisition m_acquisition;
     DeviceClock m_clock;
     CameraRegisters m_registers;
-    ArvDevicePtr m_arvDevice;
+    GObjectPointer<ArvDevice> m_arvDevice;
     std::function<void(const std::string&)> m_removed;
 };
 

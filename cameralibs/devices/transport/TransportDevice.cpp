@@ -67,10 +67,10 @@ struct Access {
     {
         if (done)
             return TRUE;
-        GError* failure = g_error_new_literal(ARV_DEVICE_ERROR, error, text.c_str());
-        if (takeError(g_error_copy(failure), Attempted::reading).status == Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
+        const GErrorPointer failure(g_error_new_literal(ARV_DEVICE_ERROR, error, text.c_str()));
+        if (outcomeOf(failure, Attempted::reading).status == Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
             connection.endNow(text);
-        g_propagate_error(to, failure);
+        g_set_error_literal(to, ARV_DEVICE_ERROR, error, text.c_str());
         return FALSE;
     }
 };

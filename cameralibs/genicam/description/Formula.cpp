@@ -1,5 +1,7 @@
 #include "cameralibs/genicam/description/Formula.h"
 
+#include "cameralibs/base/GlibOwners.h"
+
 #include <arv.h>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include <cstdint>
 #include <limits>
 #include <map>
-#include <memory>
 #include <string_view>
 
 namespace cameralibs {
@@ -16,10 +17,6 @@ namespace {
 
 /// ArvEvaluator's error code for a division by zero. Aravis does not export it.
 constexpr int kDivisionByZero = 11;
-
-struct Unref {
-    void operator()(ArvEvaluator* evaluator) const { g_object_unref(evaluator); }
-};
 
 /// Converts to the nearest integer in range; a plain cast would be undefined behaviour.
 std::int64_t toInteger(double number)
@@ -71,7 +68,7 @@ std::size_t Formula::expandedSize() const
 
 FormulaResult evaluate(const Formula& formula, double input, const std::function<double(const std::string&)>& variable)
 {
-    const std::unique_ptr<ArvEvaluator, Unref> evaluator(arv_evaluator_new(formula.text.c_str()));
+    const GObjectPointer<ArvEvaluator> evaluator(arv_evaluator_new(formula.text.c_str()));
     for (const auto& [name, expression] : formula.expressions)
         arv_evaluator_set_sub_expression(evaluator.get(), name.c_str(), expression.c_str());
     for (const auto& [name, constant] : formula.constants)
@@ -80,17 +77,16 @@ FormulaResult evaluate(const Formula& formula, double input, const std::function
         setVariable(evaluator.get(), formula.kind, name, variable(node));
     if (!formula.input.empty())
         setVariable(evaluator.get(), formula.kind, formula.input, input);
-    GError* error = nullptr;
+    GErrorPointer error;
     FormulaResult result;
     if (formula.kind == Formula::Kind::integer) {
-        result.number = static_cast<double>(arv_evaluator_evaluate_as_int64(evaluator.get(), &error));
+        result.number = static_cast<double>(arv_evaluator_evaluate_as_int64(evaluator.get(), error.out()));
     } else {
-        result.number = arv_evaluator_evaluate_as_double(evaluator.get(), &error);
+        result.number = arv_evaluator_evaluate_as_double(evaluator.get(), error.out());
     }
-    if (error != nullptr) {
+    if (error) {
         result.error = error->message;
         result.divisionByZero = error->code == kDivisionByZero;
-        g_error_free(error);
     }
     return result;
 }

@@ -22,31 +22,30 @@ inline void finishArvCall(Outcome outcome)
 /// Makes `call(GError**)`, which reads, and throws its error as a Failure.
 template <class Call> auto arvRead(Call&& call)
 {
-    GError* error = nullptr;
-    const auto result = call(&error);
-    finishArvCall(takeError(error, Attempted::reading));
+    GErrorPointer error;
+    const auto result = call(error.out());
+    finishArvCall(outcomeOf(error, Attempted::reading));
     return result;
 }
 
 /// The same for a call that writes.
 template <class Call> void arvWrite(Call&& call)
 {
-    GError* error = nullptr;
-    static_cast<void>(call(&error));
-    finishArvCall(takeError(error, Attempted::writing));
+    GErrorPointer error;
+    static_cast<void>(call(error.out()));
+    finishArvCall(outcomeOf(error, Attempted::writing));
 }
 
 /// Like arvRead(), but returns `otherwise` if the description does not define the property.
 template <class Call, class Result> Result arvReadOr(Result otherwise, Call&& call)
 {
-    GError* error = nullptr;
-    const Result result = call(&error);
-    if (g_error_matches(error, ARV_GC_ERROR, ARV_GC_ERROR_PROPERTY_NOT_DEFINED) != FALSE) {
-        g_error_free(error);
+    GErrorPointer error;
+    const Result result = call(error.out());
+    if (g_error_matches(error.get(), ARV_GC_ERROR, ARV_GC_ERROR_PROPERTY_NOT_DEFINED) != FALSE) {
         finishArvCall({});
         return otherwise;
     }
-    finishArvCall(takeError(error, Attempted::reading));
+    finishArvCall(outcomeOf(error, Attempted::reading));
     return result;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameralibs/base/GlibOwners.h"
 #include "cameralibs/genicam/description/Dependencies.h"
 #include "cameralibs/genicam/description/Description.h"
 
@@ -48,12 +49,8 @@ private:
     [[nodiscard]] std::string errorNow(NodeId id) const;
     [[nodiscard]] FormulaResult evaluateNow(const Formula& formula, double input) const;
 
-    struct Unref {
-        void operator()(ArvGc* gc) const { g_object_unref(gc); }
-    };
-
     const std::shared_ptr<const Description> m_description;
-    const std::unique_ptr<ArvGc, Unref> m_gc;
+    const GObjectPointer<ArvGc> m_gc;
     std::vector<ArvGcFeatureNode*> m_features; ///< indexed by NodeId; owned by m_gc
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cameralibs/base/GObjectPointer.h"
+#include "cameralibs/base/GlibOwners.h"
 #include "cameralibs/transport/Channel.h"
 #include "cameralibs/transport/Reception.h"
 #include "cameralibs/transport/connection/SharedMemory.h"

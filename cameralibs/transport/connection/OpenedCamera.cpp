@@ -27,16 +27,15 @@ bool hasOldDescription(ArvDevice* device)
            arv_gc_register_description_node_compare_schema_version(ARV_GC_REGISTER_DESCRIPTION_NODE(node), 1, 1, 0) < 0;
 }
 
-OpenedCamera::Access outcomeOf(bool done, GError* error)
+OpenedCamera::Access accessOf(bool done, const GErrorPointer& error)
 {
-    if (error == nullptr) {
+    if (!error) {
         // Some failures of USB devices come without a reason.
         return done ? OpenedCamera::Access{} : OpenedCamera::Access{1 + ARV_DEVICE_ERROR_UNKNOWN, {}};
     }
     OpenedCamera::Access access{1 + ARV_DEVICE_ERROR_UNKNOWN, error->message};
     if (error->domain == ARV_DEVICE_ERROR)
         access.error = 1 + static_cast<std::uint32_t>(error->code);
-    g_error_free(error);
     return access;
 }
 
@@ -45,9 +44,9 @@ OpenedCamera::Access outcomeOf(bool done, GError* error)
 Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
 {
     enableKinds(link == CAM_LINK_USB3_VISION, link == CAM_LINK_GIGE_VISION);
-    GError* error = nullptr;
-    GObjectPointer<ArvDevice> opened(arv_open_device(name.c_str(), &error));
-    Outcome outcome = takeOpenError(error);
+    GErrorPointer error;
+    GObjectPointer<ArvDevice> opened(arv_open_device(name.c_str(), error.out()));
+    Outcome outcome = outcomeOfOpening(error);
     if (!outcome.ok() && !refusedFile().empty())
         return {CAM_API_STS_XML_LOAD_ERR,
                 "The camera names a file of this machine as its description, which is refused: " + refusedFile()};
@@ -83,31 +82,31 @@ std::string_view OpenedCamera::description() const
 
 OpenedCamera::Access OpenedCamera::read(std::uint64_t address, std::uint32_t size, char* to)
 {
-    GError* error = nullptr;
+    GErrorPointer error;
     if (!takesRegistersFor(size)) {
-        const bool done = arv_device_read_memory(m_device.get(), address, size, to, &error) != FALSE;
-        return outcomeOf(done, error);
+        const bool done = arv_device_read_memory(m_device.get(), address, size, to, error.out()) != FALSE;
+        return accessOf(done, error);
     }
     guint32 value = 0;
-    const bool done = arv_device_read_register(m_device.get(), address, &value, &error) != FALSE;
+    const bool done = arv_device_read_register(m_device.get(), address, &value, error.out()) != FALSE;
     value = GUINT32_TO_BE(value);
     std::copy_n(reinterpret_cast<const char*>(&value), sizeof value, to);
-    return outcomeOf(done, error);
+    return accessOf(done, error);
 }
 
 OpenedCamera::Access OpenedCamera::write(std::uint64_t address, std::string_view bytes)
 {
-    GError* error = nullptr;
+    GErrorPointer error;
     if (!takesRegistersFor(bytes.size())) {
         std::string copy(bytes); // older versions of Aravis want to be able to write to it
         const bool done = arv_device_write_memory(m_device.get(), address, static_cast<guint32>(copy.size()),
-                                                  copy.data(), &error) != FALSE;
-        return outcomeOf(done, error);
+                                                  copy.data(), error.out()) != FALSE;
+        return accessOf(done, error);
     }
     guint32 value = 0;
     bytes.copy(reinterpret_cast<char*>(&value), sizeof value);
-    const bool done = arv_device_write_register(m_device.get(), address, GUINT32_FROM_BE(value), &error) != FALSE;
-    return outcomeOf(done, error);
+    const bool done = arv_device_write_register(m_device.get(), address, GUINT32_FROM_BE(value), error.out()) != FALSE;
+    return accessOf(done, error);
 }
 
 Outcome OpenedCamera::openSource(const Descriptor& memory, std::uint64_t size)
@@ -154,9 +153,9 @@ Outcome OpenedCamera::makeReception(std::unique_ptr<Reception>& reception)
     }
     auto* const device = ARV_GV_DEVICE(m_device.get());
     prepareGigeDevice(device);
-    GError* error = nullptr;
-    GObjectPointer<ArvStream> stream(arv_device_create_stream(m_device.get(), nullptr, nullptr, &error));
-    if (Outcome outcome = takeOpenError(error); !outcome.ok())
+    GErrorPointer error;
+    GObjectPointer<ArvStream> stream(arv_device_create_stream(m_device.get(), nullptr, nullptr, error.out()));
+    if (Outcome outcome = outcomeOfOpening(error); !outcome.ok())
         return outcome;
     if (stream == nullptr)
         return {CAM_API_STS_NOT_IMPLEMENTED, {}};

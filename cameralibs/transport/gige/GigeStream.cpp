@@ -1,5 +1,6 @@
 #include "cameralibs/transport/gige/GigeStream.h"
 
+#include "cameralibs/base/GlibOwners.h"
 #include "cameralibs/transport/Farewell.h"
 
 #include <cstdint>
@@ -22,11 +23,9 @@ constexpr std::uint32_t kResendBit = 1U << 2;
 bool sendsPacketsAgain(ArvGvDevice* device)
 {
     guint32 capability = 0;
-    GError* error = nullptr;
-    arv_device_read_register(ARV_DEVICE(device), kCapabilityRegister, &capability, &error);
-    const bool answered = error == nullptr;
-    g_clear_error(&error);
-    return answered && (capability & kResendBit) != 0;
+    GErrorPointer error;
+    arv_device_read_register(ARV_DEVICE(device), kCapabilityRegister, &capability, error.out());
+    return !error && (capability & kResendBit) != 0;
 }
 
 bool receivesAt(int descriptor, std::uint16_t port)
@@ -58,17 +57,15 @@ void prepareGigeDevice(ArvGvDevice* device)
 {
     // Packet sockets see nothing of a camera on this machine that is reached through another interface.
     arv_gv_device_set_stream_options(device, ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
-    GError* error = nullptr;
-    arv_gv_device_auto_packet_size(device, &error);
-    if (error != nullptr)
+    GErrorPointer error;
+    arv_gv_device_auto_packet_size(device, error.out());
+    if (error)
         note(Severity::warning, std::string("packet size not negotiated: ") + error->message);
-    g_clear_error(&error);
     if (!logs(Severity::info))
         return;
-    const guint size = arv_gv_device_get_packet_size(device, &error);
-    if (error == nullptr)
+    const guint size = arv_gv_device_get_packet_size(device, error.out());
+    if (!error)
         note(Severity::info, "packet size: " + std::to_string(size) + " bytes");
-    g_clear_error(&error);
 }
 
 void prepareGigeStream(ArvGvDevice* device, ArvGvStream* stream)

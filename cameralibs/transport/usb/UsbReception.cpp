@@ -24,9 +24,9 @@ constexpr std::uint32_t kLargestAlignment = 20;
 
 template <typename Number> Outcome read(ArvDevice* device, std::uint64_t address, Number& number)
 {
-    GError* error = nullptr;
-    const bool done = arv_device_read_memory(device, address, sizeof number, &number, &error) != FALSE;
-    Outcome outcome = takeOpenError(error);
+    GErrorPointer error;
+    const bool done = arv_device_read_memory(device, address, sizeof number, &number, error.out()) != FALSE;
+    Outcome outcome = outcomeOfOpening(error);
     if (outcome.ok() && !done)
         outcome.status = CAM_API_STS_CAMERA_NOT_RESPONDING;
     return outcome;
@@ -67,9 +67,9 @@ Outcome UsbReception::begin()
     m_largestBuffer = payload;
     // Asynchronous mode, the default of some versions of Aravis, spins a core.
     arv_uv_device_set_usb_mode(ARV_UV_DEVICE(m_device), ARV_UV_USB_MODE_SYNC);
-    GError* error = nullptr;
-    m_stream.reset(arv_device_create_stream(m_device, nullptr, nullptr, &error));
-    Outcome outcome = takeOpenError(error);
+    GErrorPointer error;
+    m_stream.reset(arv_device_create_stream(m_device, nullptr, nullptr, error.out()));
+    Outcome outcome = outcomeOfOpening(error);
     if (outcome.ok() && m_stream == nullptr)
         outcome.status = CAM_API_STS_NOT_IMPLEMENTED;
     return outcome;

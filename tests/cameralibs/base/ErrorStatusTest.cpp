@@ -63,22 +63,22 @@ constexpr GenicamRow kGenicamErrors[] = {
     {ARV_GC_ERROR_INVALID_SYNTAX, 13, 13},
 };
 
-GError* errorOf(GQuark domain, int code)
+GErrorPointer errorOf(GQuark domain, int code)
 {
-    return g_error_new_literal(domain, code, "what happened");
+    return GErrorPointer(g_error_new_literal(domain, code, "what happened"));
 }
 
 Orvo::CAM_API_STATUS status(GQuark domain, int code, Attempted attempted)
 {
-    return takeError(errorOf(domain, code), attempted).status;
+    return outcomeOf(errorOf(domain, code), attempted).status;
 }
 
 } // namespace
 
 TEST(ErrorStatus, OfNoError)
 {
-    EXPECT_TRUE(takeError(nullptr, Attempted::reading).ok());
-    EXPECT_TRUE(takeOpenError(nullptr).ok());
+    EXPECT_TRUE(outcomeOf({}, Attempted::reading).ok());
+    EXPECT_TRUE(outcomeOfOpening({}).ok());
 }
 
 TEST(ErrorStatus, OfEveryErrorOfADevice)
@@ -109,13 +109,21 @@ TEST(ErrorStatus, OfAnOpening)
     for (const DeviceRow& row : kDeviceErrors) {
         // A claim that is refused comes as a protocol error.
         const Orvo::CAM_API_STATUS expected = row.code == ARV_DEVICE_ERROR_PROTOCOL_ERROR ? 2053 : row.status;
-        EXPECT_EQ(takeOpenError(errorOf(ARV_DEVICE_ERROR, row.code)).status, expected) << row.code;
+        EXPECT_EQ(outcomeOfOpening(errorOf(ARV_DEVICE_ERROR, row.code)).status, expected) << row.code;
     }
-    EXPECT_EQ(takeOpenError(errorOf(G_IO_ERROR, G_IO_ERROR_FAILED)).status, kUnsuccessful);
+    EXPECT_EQ(outcomeOfOpening(errorOf(G_IO_ERROR, G_IO_ERROR_FAILED)).status, kUnsuccessful);
 }
 
 TEST(ErrorStatus, KeepsTheText)
 {
-    EXPECT_EQ(takeError(errorOf(ARV_GC_ERROR, ARV_GC_ERROR_NODE_NOT_FOUND), Attempted::reading).text, "what happened");
-    EXPECT_EQ(takeOpenError(errorOf(G_IO_ERROR, 0)).text, "what happened");
+    EXPECT_EQ(outcomeOf(errorOf(ARV_GC_ERROR, ARV_GC_ERROR_NODE_NOT_FOUND), Attempted::reading).text, "what happened");
+    EXPECT_EQ(outcomeOfOpening(errorOf(G_IO_ERROR, 0)).text, "what happened");
+}
+
+TEST(ErrorStatus, AnErrorIsGoneByTheNextCall)
+{
+    GErrorPointer error = errorOf(G_IO_ERROR, G_IO_ERROR_FAILED);
+    EXPECT_TRUE(error);
+    EXPECT_EQ(*error.out(), nullptr);
+    EXPECT_FALSE(error);
 }

@@ -39,22 +39,19 @@ protected:
     {
         ArvDevice* const device = m_device.get();
         std::uint32_t value = 0;
-        GError* error = nullptr;
-        EXPECT_EQ(arv_device_read_memory(device, 0, sizeof value, &value, &error) != FALSE, expected == 0);
-        EXPECT_EQ(takeError(error, Attempted::reading).status, expected);
-        error = nullptr;
-        EXPECT_EQ(arv_device_write_memory(device, 0, sizeof value, &value, &error) != FALSE, expected == 0);
-        EXPECT_EQ(takeError(error, Attempted::writing).status, expected);
-        error = nullptr;
-        EXPECT_EQ(arv_device_read_register(device, 0, &value, &error) != FALSE, expected == 0);
-        EXPECT_EQ(takeError(error, Attempted::reading).status, expected);
-        error = nullptr;
-        EXPECT_EQ(arv_device_write_register(device, 0, value, &error) != FALSE, expected == 0);
-        EXPECT_EQ(takeError(error, Attempted::writing).status, expected);
+        GErrorPointer error;
+        EXPECT_EQ(arv_device_read_memory(device, 0, sizeof value, &value, error.out()) != FALSE, expected == 0);
+        EXPECT_EQ(outcomeOf(error, Attempted::reading).status, expected);
+        EXPECT_EQ(arv_device_write_memory(device, 0, sizeof value, &value, error.out()) != FALSE, expected == 0);
+        EXPECT_EQ(outcomeOf(error, Attempted::writing).status, expected);
+        EXPECT_EQ(arv_device_read_register(device, 0, &value, error.out()) != FALSE, expected == 0);
+        EXPECT_EQ(outcomeOf(error, Attempted::reading).status, expected);
+        EXPECT_EQ(arv_device_write_register(device, 0, value, error.out()) != FALSE, expected == 0);
+        EXPECT_EQ(outcomeOf(error, Attempted::writing).status, expected);
     }
 
     ScriptedRegisters m_registers;
-    const ArvDevicePtr m_device = makeRegisterDevice(m_registers, "");
+    const GObjectPointer<ArvDevice> m_device = makeRegisterDevice(m_registers, "");
 };
 
 } // namespace

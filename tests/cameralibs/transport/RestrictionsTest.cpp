@@ -2,6 +2,7 @@
 
 #include "cameralibs/transport/Restrictions.h"
 
+#include "cameralibs/base/GlibOwners.h"
 #include "cameralibs/transport/ControlTraffic.h"
 
 #include <gmock/gmock.h>
@@ -396,11 +397,10 @@ TEST(Restrictions, DescriptionsAreNotReadFromFiles)
 {
     char* contents = nullptr;
     gsize size = 1;
-    GError* error = nullptr;
-    EXPECT_FALSE(g_file_get_contents("/etc/passwd", &contents, &size, &error));
+    cameralibs::GErrorPointer error;
+    EXPECT_FALSE(g_file_get_contents("/etc/passwd", &contents, &size, error.out()));
     EXPECT_EQ(contents, nullptr);
     EXPECT_EQ(size, 0U);
-    ASSERT_NE(error, nullptr);
-    g_error_free(error);
+    EXPECT_TRUE(error);
     EXPECT_EQ(refusedFile(), "/etc/passwd");
 }

@@ -39,7 +39,7 @@ private:
     SparseMemory m_memory;
     Acquisition m_acquisition;
     DeviceClock m_clock;
-    ArvDevicePtr m_arvDevice;
+    GObjectPointer<ArvDevice> m_arvDevice;
     std::unique_ptr<FileNodes> m_nodes;
 };
 

@@ -1,5 +1,6 @@
 #include "cameralibs/devices/simulated/file/FileNodes.h"
 
+#include "cameralibs/base/GlibOwners.h"
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/base/PixelFormat.h"
 #include "cameralibs/devices/simulated/images/ImageMaker.h"
@@ -21,50 +22,36 @@ constexpr std::int64_t kMaxPixels = 1 << 27;
 constexpr double kDefaultRate = 30;
 constexpr double kMaxRate = 200;
 
-/// Receives and frees the error of a call. Errors are ignored: a feature that cannot be read or set keeps its value.
-class Attempt {
-public:
-    Attempt() = default;
-    ~Attempt() { g_clear_error(&m_error); }
-    Attempt(const Attempt&) = delete;
-    Attempt& operator=(const Attempt&) = delete;
-
-    [[nodiscard]] GError** error() { return &m_error; }
-    [[nodiscard]] bool ok() const { return m_error == nullptr; }
-
-private:
-    GError* m_error = nullptr;
-};
+// Errors of Aravis are ignored: a feature that cannot be read or set keeps its value.
 
 void clampInteger(ArvGcInteger* node)
 {
-    Attempt attempt;
-    const gint64 value = arv_gc_integer_get_value(node, attempt.error());
-    const gint64 low = attempt.ok() ? arv_gc_integer_get_min(node, attempt.error()) : value;
-    const gint64 high = attempt.ok() ? arv_gc_integer_get_max(node, attempt.error()) : value;
-    if (attempt.ok() && low <= high && (value < low || value > high))
-        arv_gc_integer_set_value(node, std::clamp(value, low, high), attempt.error());
+    GErrorPointer error;
+    const gint64 value = arv_gc_integer_get_value(node, error.out());
+    const gint64 low = error ? value : arv_gc_integer_get_min(node, error.out());
+    const gint64 high = error ? value : arv_gc_integer_get_max(node, error.out());
+    if (!error && low <= high && (value < low || value > high))
+        arv_gc_integer_set_value(node, std::clamp(value, low, high), error.out());
 }
 
 void clampFloat(ArvGcFloat* node)
 {
-    Attempt attempt;
-    const double value = arv_gc_float_get_value(node, attempt.error());
-    const double low = attempt.ok() ? arv_gc_float_get_min(node, attempt.error()) : value;
-    const double high = attempt.ok() ? arv_gc_float_get_max(node, attempt.error()) : value;
-    if (attempt.ok() && low <= high && !(value >= low && value <= high))
-        arv_gc_float_set_value(node, low, attempt.error());
+    GErrorPointer error;
+    const double value = arv_gc_float_get_value(node, error.out());
+    const double low = error ? value : arv_gc_float_get_min(node, error.out());
+    const double high = error ? value : arv_gc_float_get_max(node, error.out());
+    if (!error && low <= high && !(value >= low && value <= high))
+        arv_gc_float_set_value(node, low, error.out());
 }
 
 void chooseAvailableEntry(ArvGcEnumeration* node)
 {
-    Attempt attempt;
-    const gint64 value = arv_gc_enumeration_get_int_value(node, attempt.error());
+    GErrorPointer error;
+    const gint64 value = arv_gc_enumeration_get_int_value(node, error.out());
     guint count = 0;
-    gint64* const values =
-        attempt.ok() ? arv_gc_enumeration_dup_available_int_values(node, &count, attempt.error()) : nullptr;
-    if (attempt.ok() && count > 0 && std::find(values, values + count, value) == values + count)
-        arv_gc_enumeration_set_int_value(node, values[0], attempt.error());
+    gint64* const values = error ? nullptr : arv_gc_enumeration_dup_available_int_values(node, &count, error.out());
+    if (!error && count > 0 && std::find(values, values + count, value) == values + count)
+        arv_gc_enumeration_set_int_value(node, values[0], error.out());
     g_free(values);
 }
 
@@ -123,8 +110,8 @@ std::optional<FrameSettings> FileNodes::readSettings() const
     settings.image.color = true;
     double rate = 0;
     if (ArvGcFeatureNode* const node = feature("AcquisitionFrameRate"); ARV_IS_GC_FLOAT(node)) {
-        Attempt attempt;
-        rate = arv_gc_float_get_value(ARV_GC_FLOAT(node), attempt.error());
+        GErrorPointer error;
+        rate = arv_gc_float_get_value(ARV_GC_FLOAT(node), error.out());
     }
     settings.period = 1 / (rate >= 1 && rate <= kMaxRate ? rate : kDefaultRate);
     return settings;
@@ -145,9 +132,9 @@ std::optional<std::int64_t> FileNodes::integer(const char* name) const
     ArvGcFeatureNode* const node = feature(name);
     if (!ARV_IS_GC_INTEGER(node))
         return std::nullopt;
-    Attempt attempt;
-    const gint64 value = arv_gc_integer_get_value(ARV_GC_INTEGER(node), attempt.error());
-    return attempt.ok() ? std::optional<std::int64_t>(value) : std::nullopt;
+    GErrorPointer error;
+    const gint64 value = arv_gc_integer_get_value(ARV_GC_INTEGER(node), error.out());
+    return error ? std::nullopt : std::optional<std::int64_t>(value);
 }
 
 void FileNodes::setInteger(const char* name, std::int64_t value)
@@ -155,8 +142,8 @@ void FileNodes::setInteger(const char* name, std::int64_t value)
     ArvGcFeatureNode* const node = feature(name);
     if (!ARV_IS_GC_INTEGER(node) || isConstant(m_nodes.description().find(name)))
         return;
-    Attempt attempt;
-    arv_gc_integer_set_value(ARV_GC_INTEGER(node), value, attempt.error());
+    GErrorPointer error;
+    arv_gc_integer_set_value(ARV_GC_INTEGER(node), value, error.out());
 }
 
 void FileNodes::setText(const char* name, const std::string& value)
@@ -164,8 +151,8 @@ void FileNodes::setText(const char* name, const std::string& value)
     ArvGcFeatureNode* const node = feature(name);
     if (!ARV_IS_GC_STRING(node) || isConstant(m_nodes.description().find(name)))
         return;
-    Attempt attempt;
-    arv_gc_string_set_value(ARV_GC_STRING(node), value.c_str(), attempt.error());
+    GErrorPointer error;
+    arv_gc_string_set_value(ARV_GC_STRING(node), value.c_str(), error.out());
 }
 
 void FileNodes::clampFeatures(NodeId category)

@@ -127,18 +127,13 @@ void orvo_register_device_init(OrvoRegisterDevice*) {}
 
 namespace cameralibs::simulated {
 
-void UnrefDevice::operator()(ArvDevice* device) const
-{
-    g_object_unref(device);
-}
-
-ArvDevicePtr makeRegisterDevice(RegisterSpace& space, std::string_view description)
+GObjectPointer<ArvDevice> makeRegisterDevice(RegisterSpace& space, std::string_view description)
 {
     auto* const device = static_cast<OrvoRegisterDevice*>(g_object_new(orvo_register_device_get_type(), nullptr));
     device->space = &space;
     device->description = description.data();
     device->descriptionSize = description.size();
-    return ArvDevicePtr(&device->parent);
+    return GObjectPointer<ArvDevice>(&device->parent);
 }
 
 } // namespace cameralibs::simulated
