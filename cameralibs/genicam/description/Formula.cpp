@@ -1,6 +1,7 @@
 #include "cameralibs/genicam/description/Formula.h"
 
 #include "cameralibs/base/GlibOwners.h"
+#include "cameralibs/genicam/AravisInternals.h"
 
 #include <arv.h>
 
@@ -14,9 +15,6 @@
 namespace cameralibs {
 
 namespace {
-
-/// ArvEvaluator's error code for a division by zero. Aravis does not export it.
-constexpr int kDivisionByZero = 11;
 
 /// Converts to the nearest integer in range; a plain cast would be undefined behaviour.
 std::int64_t toInteger(double number)
@@ -86,7 +84,7 @@ FormulaResult evaluate(const Formula& formula, double input, const std::function
     }
     if (error) {
         result.error = error->message;
-        result.divisionByZero = error->code == kDivisionByZero;
+        result.divisionByZero = isDivisionByZero(*error.get());
     }
     return result;
 }

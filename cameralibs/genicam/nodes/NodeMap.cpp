@@ -1,7 +1,9 @@
 #include "cameralibs/genicam/nodes/NodeMap.h"
 
+#include "cameralibs/genicam/AravisInternals.h"
 #include "cameralibs/genicam/nodes/ArvCall.h"
 
+#include <string_view>
 #include <utility>
 
 namespace cameralibs {
@@ -104,13 +106,28 @@ void NodeMap::bind(NodeId id)
     if (!ARV_IS_GC_FEATURE_NODE(found))
         return;
     m_features[id] = ARV_GC_FEATURE_NODE(found);
-    if (!ARV_IS_GC_ENUMERATION(found))
-        return;
-    // Aravis lists the entries in reverse order.
-    auto entry = described.entries.rbegin();
-    for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(found));
-         item != nullptr && entry != described.entries.rend(); item = item->next, ++entry)
-        m_features[*entry] = ARV_GC_FEATURE_NODE(item->data);
+    if (ARV_IS_GC_ENUMERATION(found))
+        bindEntries(described, ARV_GC_ENUMERATION(found));
+}
+
+void NodeMap::bindEntries(const DescribedNode& described, ArvGcEnumeration* enumeration)
+{
+    std::vector<std::string_view> names;
+    for (const NodeId entry : described.entries)
+        names.push_back(node(entry).name);
+    std::vector<ArvGcFeatureNode*> listed;
+    std::vector<std::string_view> listedNames;
+    for (const GSList* item = arv_gc_enumeration_get_entries(enumeration); item != nullptr; item = item->next) {
+        auto* const entry = ARV_GC_FEATURE_NODE(item->data);
+        const char* const name = arv_gc_feature_node_get_name(entry);
+        listed.push_back(entry);
+        listedNames.emplace_back(name != nullptr ? name : "");
+    }
+    const std::vector<std::size_t> matches = matchEntries(names, listedNames);
+    for (std::size_t i = 0; i < matches.size(); ++i) {
+        if (matches[i] != kNoMatch)
+            m_features[described.entries[matches[i]]] = listed[i];
+    }
 }
 
 // Depth first, so that a check can rely on the nodes it depends on.

@@ -42,6 +42,7 @@ public:
 
 private:
     void bind(NodeId id);
+    void bindEntries(const DescribedNode& described, ArvGcEnumeration* enumeration);
     void checkNow(NodeId asked, const Evaluation& evaluation, std::set<std::size_t>& done) const;
     [[noreturn]] void refuse(NodeId asked, NodeId failing, const std::string& error) const;
 
