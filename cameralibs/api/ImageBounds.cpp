@@ -2,8 +2,7 @@
 
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/base/PixelFormat.h"
-#include "cameralibs/genicam/nodes/EnumerationOperations.h"
-#include "cameralibs/genicam/nodes/IntegerOperations.h"
+#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include <algorithm>
 #include <limits>

@@ -3,8 +3,7 @@
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/HandleTable.h"
 #include "cameralibs/api/ImageBounds.h"
-#include "cameralibs/genicam/nodes/IntegerOperations.h"
-#include "cameralibs/genicam/nodes/TextOperations.h"
+#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include <utility>
 

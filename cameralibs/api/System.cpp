@@ -4,7 +4,7 @@
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/devices/Providers.h"
 #include "cameralibs/genicam/EvaluationBudget.h"
-#include "cameralibs/genicam/nodes/TextOperations.h"
+#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include <algorithm>
 #include <chrono>

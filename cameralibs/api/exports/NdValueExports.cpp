@@ -1,9 +1,6 @@
 #include "cameralibs/api/exports/Barrier.h"
 #include "cameralibs/api/exports/TextResult.h"
-#include "cameralibs/genicam/nodes/EnumerationOperations.h"
-#include "cameralibs/genicam/nodes/FloatOperations.h"
-#include "cameralibs/genicam/nodes/IntegerOperations.h"
-#include "cameralibs/genicam/nodes/TextOperations.h"
+#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include <string>
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameralibs/base/Outcome.h"
 #include "cameralibs/genicam/nodes/NodeMap.h"
 
 namespace cameralibs {
@@ -13,5 +14,19 @@ void requireReadable(const NodeMap& nodes, NodeId id);
 
 /// Throws Failure: CAM_API_STS_NOT_AVAILABLE, CAM_API_STS_NOT_WRITABLE.
 void requireWritable(const NodeMap& nodes, NodeId id);
+
+/// Reads a minimum, maximum or increment. This may succeed even if the node itself is not readable; if it fails, the
+/// node's own status takes precedence.
+template <class Limit> auto limitOf(const NodeMap& nodes, NodeId id, Limit&& limit)
+{
+    try {
+        nodes.check(id, Question::range);
+        return limit();
+    } catch (const Failure& failure) {
+        if (failure.status() != Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
+            requireReadable(nodes, id);
+        throw;
+    }
+}
 
 } // namespace cameralibs

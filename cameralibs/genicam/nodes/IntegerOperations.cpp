@@ -1,8 +1,7 @@
-#include "cameralibs/genicam/nodes/IntegerOperations.h"
+#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include "cameralibs/genicam/nodes/AccessRule.h"
 #include "cameralibs/genicam/nodes/ArvCall.h"
-#include "cameralibs/genicam/nodes/Limit.h"
 
 #include <limits>
 

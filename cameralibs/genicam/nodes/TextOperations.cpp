@@ -1,4 +1,4 @@
-#include "cameralibs/genicam/nodes/TextOperations.h"
+#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include "cameralibs/genicam/nodes/AccessRule.h"
 #include "cameralibs/genicam/nodes/ArvCall.h"
