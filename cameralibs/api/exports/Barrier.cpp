@@ -1,7 +1,6 @@
 #include "cameralibs/api/exports/Barrier.h"
 
 #include "camera/StatusName.h"
-#include "cameralibs/api/exports/LastError.h"
 #include "cameralibs/base/Log.h"
 
 #include <algorithm>
@@ -16,6 +15,12 @@ using namespace Orvo;
 namespace {
 
 thread_local Call* current = nullptr;
+
+std::string& lastError()
+{
+    thread_local std::string text;
+    return text;
+}
 
 /// Programs poll until these statuses change, so they are not logged.
 bool isPollingResult(CAM_API_STATUS status)
@@ -71,7 +76,7 @@ CAM_API_STATUS Call::statusOfException() const noexcept
         logFailure(failure.status(), failure.text());
         if (failure.status() == CAM_API_STS_GENICAM_ERR || failure.status() == CAM_API_STS_XML_LOAD_ERR) {
             try {
-                setLastGenICamError(failure.text());
+                lastError() = errorText(failure.text());
             } catch (const std::bad_alloc&) {
                 return CAM_API_STS_NO_MEMORY;
             }
@@ -86,6 +91,11 @@ CAM_API_STATUS Call::statusOfException() const noexcept
     } catch (...) {
         return logged(CAM_API_STS_UNSUCCESSFUL, "");
     }
+}
+
+const char* lastGenICamError() noexcept
+{
+    return lastError().c_str();
 }
 
 std::shared_ptr<System> requireSystem()

@@ -45,6 +45,9 @@ private:
     std::string m_camera;
 };
 
+/// The text of the calling thread's last GenICam error, empty if there was none. Valid until the thread's next one.
+[[nodiscard]] const char* lastGenICamError() noexcept;
+
 [[nodiscard]] std::shared_ptr<System> requireSystem();
 [[nodiscard]] std::shared_ptr<Camera> requireCamera(const System& system, Orvo::CAM_HANDLE camera);
 [[nodiscard]] std::shared_ptr<Stream> requireStream(const System& system, Orvo::CAM_STRM_HANDLE stream);

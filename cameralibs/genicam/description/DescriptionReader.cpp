@@ -3,7 +3,6 @@
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/description/ElementTable.h"
-#include "cameralibs/genicam/description/NodeProperties.h"
 
 #include <string_view>
 #include <utility>

@@ -31,4 +31,8 @@ private:
     std::unordered_map<std::string, XmlElement> m_elements; ///< elements of nodes, by node name
 };
 
+/// Reads the children of a node's element into `node`. Also strips the white space around names and numbers from the
+/// elements themselves, so that Aravis reads the same.
+void readProperties(XmlElement element, DescribedNode& node);
+
 } // namespace cameralibs

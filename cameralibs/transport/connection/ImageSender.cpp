@@ -1,7 +1,5 @@
 #include "cameralibs/transport/connection/ImageSender.h"
 
-#include "cameralibs/transport/connection/ImageStatus.h"
-
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -19,7 +17,7 @@ constexpr std::size_t kFewBuffers = 2;
 constexpr std::uint64_t kShortPollMicroseconds = 1'000;
 
 /// Bytes between the rows of an image.
-int rowPadding(ArvBuffer* buffer)
+int rowPaddingOf(ArvBuffer* buffer)
 {
     if (arv_buffer_get_status(buffer) != ARV_BUFFER_STATUS_SUCCESS ||
         arv_buffer_get_payload_type(buffer) != ARV_BUFFER_PAYLOAD_TYPE_IMAGE)
@@ -127,7 +125,7 @@ bool ImageSender::takeFreeBuffers()
 
 bool ImageSender::send(ArvBuffer* buffer)
 {
-    const CAM_API_STATUS status = imageStatus(arv_buffer_get_status(buffer), rowPadding(buffer));
+    const CAM_API_STATUS status = imageStatus(arv_buffer_get_status(buffer), rowPaddingOf(buffer));
     if (status != CAM_API_STS_SUCCESS) {
         push(buffer);
         return m_channel.send(Kind::failed, Failed{status, 0});
@@ -145,6 +143,26 @@ void ImageSender::push(ArvBuffer* buffer)
     g_object_ref(buffer);
     arv_stream_push_buffer(m_reception->stream(), buffer);
     ++m_pushed;
+}
+
+CAM_API_STATUS imageStatus(ArvBufferStatus status, int rowPadding)
+{
+    switch (status) {
+    case ARV_BUFFER_STATUS_SUCCESS:
+        return rowPadding == 0 ? CAM_API_STS_SUCCESS : CAM_API_STS_UNEXPECTED_BUFFER_SIZE;
+    case ARV_BUFFER_STATUS_TIMEOUT:
+    case ARV_BUFFER_STATUS_MISSING_PACKETS:
+        return CAM_API_STS_MISSING_PACKETS;
+    case ARV_BUFFER_STATUS_WRONG_PACKET_ID:
+        return CAM_API_STS_UNEXPECTED_NUMBER;
+    case ARV_BUFFER_STATUS_SIZE_MISMATCH:
+        return CAM_API_STS_UNEXPECTED_BUFFER_SIZE;
+    case ARV_BUFFER_STATUS_ABORTED:
+    case ARV_BUFFER_STATUS_FILLING:
+        return CAM_API_STS_FLUSH_REQUESTED;
+    default:
+        return CAM_API_STS_DATA_DISCARDED;
+    }
 }
 
 } // namespace cameralibs::transport

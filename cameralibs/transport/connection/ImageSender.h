@@ -1,5 +1,6 @@
 #pragma once
 
+#include "camera/OrvoCamApi.h"
 #include "cameralibs/base/GlibOwners.h"
 #include "cameralibs/transport/Channel.h"
 #include "cameralibs/transport/Reception.h"
@@ -45,5 +46,9 @@ private:
     std::thread m_thread;
     std::atomic<bool> m_running{false};
 };
+
+/// What the status of a buffer means to whoever waits for its image. `rowPadding` are the bytes between the rows, which
+/// the interface has no place for.
+[[nodiscard]] Orvo::CAM_API_STATUS imageStatus(ArvBufferStatus status, int rowPadding);
 
 } // namespace cameralibs::transport

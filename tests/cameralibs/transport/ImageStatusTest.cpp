@@ -1,4 +1,4 @@
-#include "cameralibs/transport/connection/ImageStatus.h"
+#include "cameralibs/transport/connection/ImageSender.h"
 
 #include <gtest/gtest.h>
 
