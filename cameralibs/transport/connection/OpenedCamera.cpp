@@ -6,7 +6,6 @@
 #include "cameralibs/transport/Restrictions.h"
 #include "cameralibs/transport/discovery/Discovery.h"
 #include "cameralibs/transport/gige/GigeReception.h"
-#include "cameralibs/transport/gige/GigeStream.h"
 #include "cameralibs/transport/usb/UsbReception.h"
 
 #include <algorithm>
@@ -151,17 +150,7 @@ Outcome OpenedCamera::makeReception(std::unique_ptr<Reception>& reception)
         reception = std::make_unique<UsbReception>(m_device.get());
         return {};
     }
-    auto* const device = ARV_GV_DEVICE(m_device.get());
-    prepareGigeDevice(device);
-    GErrorPointer error;
-    GObjectPointer<ArvStream> stream(arv_device_create_stream(m_device.get(), nullptr, nullptr, error.out()));
-    if (Outcome outcome = outcomeOfOpening(error); !outcome.ok())
-        return outcome;
-    if (stream == nullptr)
-        return {CAM_API_STS_NOT_IMPLEMENTED, {}};
-    prepareGigeStream(device, ARV_GV_STREAM(stream.get()));
-    reception = std::make_unique<GigeReception>(std::move(stream));
-    return {};
+    return GigeReception::make(ARV_GV_DEVICE(m_device.get()), reception);
 }
 
 bool OpenedCamera::takesRegistersFor(std::uint64_t size) const

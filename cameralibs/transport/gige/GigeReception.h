@@ -3,6 +3,7 @@
 #include "cameralibs/transport/Reception.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace cameralibs::transport {
 
@@ -10,6 +11,9 @@ namespace cameralibs::transport {
 /// thread starts anew.
 class GigeReception : public Reception {
 public:
+    /// Makes the stream and sets what lets its images arrive.
+    [[nodiscard]] static Outcome make(ArvGvDevice* device, std::unique_ptr<Reception>& reception);
+
     explicit GigeReception(GObjectPointer<ArvStream> stream);
     ~GigeReception() override;
     GigeReception(const GigeReception&) = delete;
