@@ -82,7 +82,7 @@ void GigeProbe::run()
     }
 }
 
-/// Asks until anything is heard of the camera, an answer or other news.
+/// Asks until the camera answers or sends anything else. False if it stays silent, or cannot be asked.
 bool GigeProbe::hearsOfCamera()
 {
     if (!m_socket)

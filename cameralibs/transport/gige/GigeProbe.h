@@ -11,9 +11,9 @@
 
 namespace cameralibs::transport {
 
-/// Finds out within 4 s that a GigE Vision camera is gone, which Aravis' own heartbeat does in 6: after a second
-/// without news it asks the camera itself, over a socket of its own. Silence of the stream alone is no removal, nor is
-/// a camera that hangs for less than 2 s. One that never answers such a question is left to the heartbeat.
+/// Finds out within 4 s that a GigE Vision camera is gone, whereas Aravis' heartbeat needs 6 s. After a second
+/// in which nothing came from the camera, the probe queries it over a separate socket. A silent stream alone is not a
+/// removal, nor is a camera that hangs for less than 2 s. One that never answers queries is left to the heartbeat.
 class GigeProbe {
 public:
     explicit GigeProbe(ArvGvDevice* device);
