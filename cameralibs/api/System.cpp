@@ -2,7 +2,7 @@
 
 #include "cameralibs/base/Log.h"
 #include "cameralibs/base/Outcome.h"
-#include "cameralibs/devices/Providers.h"
+#include "cameralibs/devices/Device.h"
 #include "cameralibs/genicam/EvaluationBudget.h"
 #include "cameralibs/genicam/nodes/NodeOperations.h"
 

@@ -1,5 +1,4 @@
 #include "cameralibs/api/exports/Barrier.h"
-#include "cameralibs/api/exports/TextResult.h"
 #include "cameralibs/genicam/nodes/AccessRule.h"
 
 using namespace cameralibs;
