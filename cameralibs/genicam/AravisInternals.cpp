@@ -40,7 +40,8 @@ std::optional<int> divisionByZeroCode(std::optional<int> division, std::optional
 {
     if (division && division != malformed)
         return division;
-    warn("does not tell divisions by zero: formulas that may divide by zero are taken for malformed");
+    warn("does not distinguish divisions by zero from other errors: formulas that may divide by zero count as "
+         "malformed");
     return std::nullopt;
 }
 
@@ -56,7 +57,7 @@ std::vector<std::size_t> matchEntries(const std::vector<std::string_view>& descr
     }
     static std::atomic<bool> warned{false};
     if (!warned.exchange(true))
-        warn("lists the entries of enumerations in another order: they are matched by name");
+        warn("lists enumeration entries in an unexpected order: they are matched by name");
     for (const std::string_view name : listed) {
         const auto found = std::find(described.begin(), described.end(), name);
         matches.push_back(found == described.end() ? kNoMatch : static_cast<std::size_t>(found - described.begin()));

@@ -132,6 +132,21 @@ private:
     std::string m_xml;
 };
 
+/// A question about a node: a vertex of the graph of all evaluations.
+struct Evaluation {
+    NodeId node;
+    Question question;
+
+    [[nodiscard]] std::size_t vertex() const noexcept { return node * kQuestions + static_cast<std::size_t>(question); }
+    [[nodiscard]] static Evaluation of(std::size_t vertex) noexcept
+    {
+        return {static_cast<NodeId>(vertex / kQuestions), static_cast<Question>(vertex % kQuestions)};
+    }
+};
+
+/// The evaluations that this one needs directly. References to missing nodes are skipped.
+[[nodiscard]] std::vector<Evaluation> dependencies(const Description& description, const Evaluation& evaluation);
+
 /// Reads and validates a description. Throws Failure: CAM_API_STS_XML_LOAD_ERR if it is not well-formed,
 /// CAM_API_STS_GENICAM_ERR with the name of the node if it cannot be used.
 [[nodiscard]] std::shared_ptr<const Description> readDescription(const std::string& xml);

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 namespace cameralibs {
@@ -30,6 +31,17 @@ private:
     std::shared_ptr<Description> m_description;
     std::unordered_map<std::string, XmlElement> m_elements; ///< elements of nodes, by node name
 };
+
+/// The node type and default access mode of an element.
+struct ElementRow {
+    std::string_view name;
+    Element element;
+    Orvo::NodeType type;
+    Orvo::NodeAccessMode access; ///< if the element does not specify one
+};
+
+/// The row of Element::unknown if the element is not a node.
+[[nodiscard]] const ElementRow& elementRow(std::string_view name);
 
 /// Reads the children of a node's element into `node`. Also strips the white space around names and numbers from the
 /// elements themselves, so that Aravis reads the same.

@@ -1,6 +1,5 @@
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/genicam/EvaluationBudget.h"
-#include "cameralibs/genicam/description/Dependencies.h"
 #include "cameralibs/genicam/description/Graph.h"
 #include "cameralibs/genicam/description/Validator.h"
 
@@ -117,7 +116,7 @@ void checkEvaluation(Description& description)
     };
     const GraphReport report = examineGraph(description.size() * kQuestions, edges, weight);
     if (report.onCycle)
-        refuse(description, *report.onCycle, "The node's evaluation needs itself");
+        refuse(description, *report.onCycle, "The node depends on itself");
     for (const std::size_t vertex : report.order) {
         if (report.depth[vertex] > kMaxDepth)
             refuse(description, vertex, "The node's evaluation is nested too deep");

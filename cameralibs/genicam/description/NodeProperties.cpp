@@ -1,5 +1,4 @@
 #include "cameralibs/genicam/description/DescriptionReader.h"
-#include "cameralibs/genicam/description/ElementTable.h"
 
 #include <algorithm>
 #include <iterator>

@@ -10,13 +10,8 @@ namespace cameralibs {
 /// node instead.
 void validate(Description& description);
 
-// The individual checks, in the order in which they run.
-void checkCategories(const Description& description);
-void checkRegisters(Description& description);
-void checkReferences(Description& description);
-void checkFormulas(Description& description);
-
-/// Must be the last: it propagates the faults to all nodes that depend on a faulty one.
+/// The last of the checks: the cost of evaluations. It propagates the faults that the others have found to all nodes
+/// that depend on a faulty one.
 void checkEvaluation(Description& description);
 
 } // namespace cameralibs

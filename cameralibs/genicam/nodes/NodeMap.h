@@ -1,7 +1,6 @@
 #pragma once
 
 #include "cameralibs/base/GlibOwners.h"
-#include "cameralibs/genicam/description/Dependencies.h"
 #include "cameralibs/genicam/description/Description.h"
 
 #include <arv.h>

@@ -69,8 +69,7 @@ Lines ours(const Lines& lines)
     return result;
 }
 
-const std::string kRefused =
-    describe("<Integer Name=\"Snake\"><pValue>Snake</pValue></Integer>"); // its evaluation needs itself
+const std::string kRefused = describe("<Integer Name=\"Snake\"><pValue>Snake</pValue></Integer>"); // depends on itself
 
 /// What is written while a description is refused.
 Lines linesOfRefusal(const char* level)
@@ -123,7 +122,7 @@ TEST_F(DiagnosticLogTest, TellsTimeCameraAndReasonOfARefusedDescription)
     ASSERT_THAT(lines, SizeIs(1));
     EXPECT_THAT(lines.front(),
                 MatchesRegex("OrvoCamera-Message: [0-9]+:[0-9]+:[0-9]+\\.[0-9]+: warning: Described XML-1: Cam_Open: "
-                             "258 CAM_API_STS_GENICAM_ERR: \\[Snake\\] .*needs itself.*"));
+                             "258 CAM_API_STS_GENICAM_ERR: \\[Snake\\] .*depends on itself.*"));
 }
 
 TEST_F(DiagnosticLogTest, LevelsAddToOneAnother)
@@ -267,7 +266,7 @@ TEST_F(DiagnosticLogTest, TellsOfFailedImagesOnceAndCountsThem)
         ASSERT_TRUE(recorder.waitForErrors(3));
         ASSERT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
         const std::string failed = std::to_string(recorder.errors().size()) + " failed";
-        const std::string came = std::to_string(recorder.images().size()) + " images came";
+        const std::string came = std::to_string(recorder.images().size()) + " images received";
         EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
         const Lines lines = ours(log.end());
         ASSERT_THAT(lines, SizeIs(2));

@@ -96,15 +96,15 @@ TEST(AravisInternals, EntriesInReverseOrderAreMatchedByPosition)
     EXPECT_THAT(matchEntries({"A", "A", "B"}, {"B", "A", "A"}), ElementsAre(2, 1, 0));
 }
 
-TEST(AravisInternals, EntriesInAnotherOrderAreMatchedByName)
+TEST(AravisInternals, EntriesInUnexpectedOrderAreMatchedByName)
 {
     EXPECT_THAT(matchEntries({"A", "B", "C"}, {"A", "B", "C"}), ElementsAre(0, 1, 2));
     EXPECT_THAT(matchEntries({"A", "B", "C"}, {"C", "A"}), ElementsAre(2, 0));
     EXPECT_THAT(matchEntries({"A"}, {"B", "A"}), ElementsAre(kNoMatch, 0));
 }
 
-TEST(AravisInternalsDeathTest, TheLogTellsWhatAnotherVersionDoesDifferently)
+TEST(AravisInternalsDeathTest, DifferencesOfTheVersionAreLogged)
 {
-    expectWarning([] { (void)divisionByZeroCode(3, 3); }, "warning: Aravis .* does not tell divisions by zero");
-    expectWarning([] { (void)matchEntries({"A", "B"}, {"A", "B"}); }, "warning: Aravis .* in another order");
+    expectWarning([] { (void)divisionByZeroCode(3, 3); }, "warning: Aravis .* does not distinguish divisions by zero");
+    expectWarning([] { (void)matchEntries({"A", "B"}, {"A", "B"}); }, "warning: Aravis .* in an unexpected order");
 }
