@@ -56,7 +56,7 @@ ImageSettings settingsOf(const CameraModel& model, std::string_view format)
     ImageSettings settings;
     settings.sensorWidth = settings.width = model.width;
     settings.sensorHeight = settings.height = model.height;
-    settings.color = model.color;
+    settings.colour = model.colour;
     settings.format = cameralibs::findPixelFormat(format)->value;
     settings.packing = findPacking(settings.format);
     return settings;

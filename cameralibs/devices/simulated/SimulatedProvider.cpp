@@ -1,15 +1,19 @@
-#include "cameralibs/devices/Providers.h"
-
-#include "cameralibs/devices/simulated/SimulatedDevice.h"
-#include "cameralibs/devices/simulated/file/DescriptionFile.h"
+#include "cameralibs/devices/Device.h"
+#include "cameralibs/devices/simulated/SimulatedDescription.h"
 #include "cameralibs/devices/simulated/file/FileCamera.h"
+#include "cameralibs/devices/simulated/images/Acquisition.h"
+#include "cameralibs/devices/simulated/images/DeviceClock.h"
+#include "cameralibs/devices/simulated/images/FrameGenerator.h"
 #include "cameralibs/devices/simulated/registers/Attachment.h"
 #include "cameralibs/devices/simulated/registers/CameraModel.h"
+#include "cameralibs/devices/simulated/registers/CameraRegisters.h"
+#include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +25,63 @@ namespace cameralibs {
 namespace {
 
 using namespace simulated;
+
+/// An opened built-in camera.
+class SimulatedDevice : public Device {
+public:
+    SimulatedDevice(const CameraModel& model, DeviceInfo info, std::shared_ptr<Attachment> attachment);
+
+    [[nodiscard]] const DeviceInfo& info() const override { return m_info; }
+    [[nodiscard]] ArvDevice* registers() override { return m_arvDevice.get(); }
+    [[nodiscard]] Outcome description(std::string& xml) override;
+    [[nodiscard]] Outcome openSource(FrameSink& sink, const ImageMemory& memory,
+                                     const std::vector<FrameBuffer*>& buffers,
+                                     std::unique_ptr<FrameSource>& source) override;
+    void onRemoval(std::function<void(const std::string&)> handler) override { m_removed = std::move(handler); }
+
+private:
+    void unplug(unsigned replugAfter);
+
+    DeviceInfo m_info;
+    std::shared_ptr<Attachment> m_attachment;
+    std::string m_description;
+    Acquisition m_acquisition;
+    DeviceClock m_clock;
+    CameraRegisters m_registers;
+    GObjectPointer<ArvDevice> m_arvDevice;
+    std::function<void(const std::string&)> m_removed;
+};
+
+SimulatedDevice::SimulatedDevice(const CameraModel& model, DeviceInfo info, std::shared_ptr<Attachment> attachment)
+    : m_info(std::move(info))
+    , m_attachment(std::move(attachment))
+    , m_description(describe(model))
+    , m_registers(model, m_info.serial, *m_attachment, m_acquisition, m_clock)
+    , m_arvDevice(makeRegisterDevice(m_registers, m_description))
+{
+    m_registers.onUnplug([this](unsigned replugAfter) { unplug(replugAfter); });
+}
+
+Outcome SimulatedDevice::description(std::string& xml)
+{
+    xml = m_description;
+    return {};
+}
+
+Outcome SimulatedDevice::openSource(FrameSink& sink, const ImageMemory& /*memory*/,
+                                    const std::vector<FrameBuffer*>& buffers, std::unique_ptr<FrameSource>& source)
+{
+    source = std::make_unique<FrameGenerator>(m_acquisition, m_clock, sink, buffers);
+    return {};
+}
+
+void SimulatedDevice::unplug(unsigned replugAfter)
+{
+    m_attachment->unplug(replugAfter);
+    m_acquisition.disconnect();
+    if (m_removed)
+        m_removed("The camera was unplugged");
+}
 
 /// The parsed value of ORVO_SIMULATED_CAMERAS.
 struct CameraList {

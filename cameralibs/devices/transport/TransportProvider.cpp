@@ -1,4 +1,4 @@
-#include "cameralibs/devices/Providers.h"
+#include "cameralibs/devices/Device.h"
 
 #include "cameralibs/base/Log.h"
 #include "cameralibs/devices/transport/Connection.h"

@@ -313,10 +313,10 @@ TEST_P(FeatureWalkTest, ValuesOfEnumerationsAreAmongTheirEntries)
 
 TEST_P(FeatureWalkTest, ColourBelongsToColourCameras)
 {
-    const bool color = GetParam() != kMono;
+    const bool colour = GetParam() != kMono;
     for (const char* const name : {"BalanceRatioSelector", "BalanceRatio", "BalanceWhiteAuto"})
-        EXPECT_EQ(m_camera.access(name), color ? NODE_ACCESS_MODE_RW : NODE_ACCESS_MODE_NI) << name;
-    EXPECT_EQ(m_camera.choice("PixelColorFilter"), color ? "BayerRG" : "None");
+        EXPECT_EQ(m_camera.access(name), colour ? NODE_ACCESS_MODE_RW : NODE_ACCESS_MODE_NI) << name;
+    EXPECT_EQ(m_camera.choice("PixelColorFilter"), colour ? "BayerRG" : "None");
 }
 
 INSTANTIATE_TEST_SUITE_P(BuiltIn, FeatureWalkTest, ::testing::Values(kMono, kColor, kLarge));

@@ -27,12 +27,12 @@ constexpr TestPattern kPatterns[] = {TestPattern::Off, TestPattern::GreyHorizont
                                      TestPattern::HorizontalLineMoving};
 
 /// The colours of an image, without what the format makes of them: the upper 8 bits.
-std::vector<ReferenceConversion::Colour> make(const std::string& format, Size size, TestPattern pattern, bool color)
+std::vector<ReferenceConversion::Colour> make(const std::string& format, Size size, TestPattern pattern, bool colour)
 {
     ImageSettings settings;
     settings.format = findPixelFormat(format)->value;
     settings.packing = findPacking(settings.format);
-    settings.color = color;
+    settings.colour = colour;
     settings.pattern = pattern;
     settings.width = settings.sensorWidth = size.width;
     settings.height = settings.sensorHeight = size.height;

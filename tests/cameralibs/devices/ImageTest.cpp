@@ -284,10 +284,10 @@ TEST_F(SensorTest, SizesOfTheBuiltInCameras)
     }
 }
 
-class ColorImageTest : public BuiltInTest {};
+class ColourImageTest : public BuiltInTest {};
 
 // The colours of the chart come through every format alike, and the balance changes them.
-TEST_F(ColorImageTest, ChartHasItsColoursInEveryFormat)
+TEST_F(ColourImageTest, ChartHasItsColoursInEveryFormat)
 {
     const SimulatedCamera& camera = switchedOn(kColor);
     const std::uint32_t blue = 80 + 110 * 4 + 55; // the fifth of six patches, 110 wide each

@@ -3,7 +3,6 @@
 #include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 
 #include "cameralibs/base/ErrorStatus.h"
-#include "cameralibs/devices/simulated/registers/RegisterSpace.h"
 
 #include <gtest/gtest.h>
 

@@ -107,7 +107,7 @@ std::optional<FrameSettings> FileNodes::readSettings() const
     settings.image.packing = packing;
     settings.image.width = settings.image.sensorWidth = static_cast<std::uint32_t>(width);
     settings.image.height = settings.image.sensorHeight = static_cast<std::uint32_t>(height);
-    settings.image.color = true;
+    settings.image.colour = true;
     double rate = 0;
     if (ArvGcFeatureNode* const node = feature("AcquisitionFrameRate"); ARV_IS_GC_FLOAT(node)) {
         GErrorPointer error;

@@ -27,7 +27,7 @@ enum class TestPattern : std::uint8_t {
 struct ImageSettings {
     std::uint32_t sensorWidth = 0;
     std::uint32_t sensorHeight = 0;
-    bool color = false;
+    bool colour = false;
 
     std::uint32_t format = 0;              ///< PFNC value; determines the size of the image
     const PixelPacking* packing = nullptr; ///< of that format, or of one with the same bits per pixel
@@ -52,7 +52,7 @@ struct ImageSettings {
 
     [[nodiscard]] auto members() const
     {
-        return std::tie(sensorWidth, sensorHeight, color, format, packing, width, height, offsetX, offsetY, binningX,
+        return std::tie(sensorWidth, sensorHeight, colour, format, packing, width, height, offsetX, offsetY, binningX,
                         binningY, reverseX, reverseY, pattern, red, green, blue, blackLevel, gamma, useTable, table);
     }
     [[nodiscard]] bool operator==(const ImageSettings& other) const { return members() == other.members(); }

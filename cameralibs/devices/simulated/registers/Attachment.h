@@ -25,13 +25,33 @@ struct NonVolatile {
 /// in use.
 class Attachment {
 public:
-    [[nodiscard]] bool isPlugged() const;
+    [[nodiscard]] bool isPlugged() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_plugged || (m_back.has_value() && Clock::now() >= *m_back);
+    }
 
     /// Unplugs the camera for `seconds`; 0 means for good.
-    void unplug(unsigned seconds);
+    void unplug(unsigned seconds)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_plugged = false;
+        m_back.reset();
+        if (seconds > 0)
+            m_back = Clock::now() + std::chrono::seconds(seconds);
+    }
 
-    [[nodiscard]] NonVolatile memory() const;
-    void setMemory(const NonVolatile& memory);
+    [[nodiscard]] NonVolatile memory() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_memory;
+    }
+
+    void setMemory(const NonVolatile& memory)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_memory = memory;
+    }
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -12,7 +12,7 @@ struct CameraModel {
     std::string_view sensor;
     std::uint32_t width;
     std::uint32_t height;
-    bool color;
+    bool colour;
     bool rollingShutter;
     double pixelPitch;                       ///< micrometres
     double fullFrameRate;                    ///< maximum frames per second of the whole sensor

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "cameralibs/devices/simulated/registers/Firmware.h"
+#include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 #include "cameralibs/devices/simulated/registers/RegisterMemory.h"
-#include "cameralibs/devices/simulated/registers/RegisterSpace.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,5 @@
 #include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 
-#include "cameralibs/devices/simulated/registers/RegisterSpace.h"
-
 #include <cstddef>
 #include <iterator>
 
@@ -44,7 +42,7 @@ constexpr ErrorRow kErrors[] = {
     {ARV_DEVICE_ERROR_PROTOCOL_ERROR_WRITE_PROTECT, "The register cannot be written"},
     {ARV_DEVICE_ERROR_PROTOCOL_ERROR_ACCESS_DENIED, "The camera refuses register accesses"},
     {ARV_DEVICE_ERROR_PROTOCOL_ERROR_INVALID_PARAMETER, "The camera refuses this value"},
-    {ARV_DEVICE_ERROR_UNKNOWN, "The camera has a fault of its own"},
+    {ARV_DEVICE_ERROR_UNKNOWN, "The camera has an internal error"},
 };
 
 gboolean answer(AccessResult result, GError** error)

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 
 namespace cameralibs::simulated {
@@ -64,5 +67,112 @@ struct RegisterEntry {
         return row;
     }
 };
+
+/// Constructors for the rows of RegisterTable.h.
+namespace rows {
+
+constexpr auto RO = RegisterAccess::ReadOnly;
+constexpr auto RW = RegisterAccess::ReadWrite;
+constexpr auto WO = RegisterAccess::WriteOnly;
+
+constexpr std::int64_t kLeastInteger = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kGreatestInteger = std::numeric_limits<std::int64_t>::max();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
+
+constexpr RegisterEntry integer(std::string_view name, RegisterKind kind, std::uint32_t length, RegisterAccess access,
+                                std::int64_t initial)
+{
+    RegisterEntry row;
+    row.name = name;
+    row.kind = kind;
+    row.length = length;
+    row.access = access;
+    row.integer = initial;
+    return row;
+}
+
+constexpr RegisterEntry u32(std::string_view name, RegisterAccess access, std::int64_t initial = 0)
+{
+    return integer(name, RegisterKind::Unsigned, 4, access, initial);
+}
+
+constexpr RegisterEntry i32(std::string_view name, RegisterAccess access, std::int64_t initial = 0)
+{
+    return integer(name, RegisterKind::Signed, 4, access, initial);
+}
+
+constexpr RegisterEntry i64(std::string_view name, RegisterAccess access, std::int64_t initial = 0)
+{
+    return integer(name, RegisterKind::Signed, 8, access, initial);
+}
+
+constexpr RegisterEntry flag(std::string_view name, RegisterAccess access, bool initial = false)
+{
+    return u32(name, access, initial ? 1 : 0).between(0, 1);
+}
+
+constexpr RegisterEntry choice(std::string_view name, std::int64_t entries, std::int64_t initial = 0)
+{
+    return u32(name, RW, initial).between(0, static_cast<double>(entries - 1));
+}
+
+constexpr RegisterEntry command(std::string_view name)
+{
+    return u32(name, WO);
+}
+
+constexpr RegisterEntry real(std::string_view name, RegisterAccess access, double initial = 0)
+{
+    RegisterEntry row;
+    row.name = name;
+    row.kind = RegisterKind::Real;
+    row.length = 8;
+    row.access = access;
+    row.real = initial;
+    return row;
+}
+
+constexpr RegisterEntry single(std::string_view name, RegisterAccess access, double initial = 0)
+{
+    RegisterEntry row = real(name, access, initial);
+    row.length = 4;
+    return row;
+}
+
+constexpr RegisterEntry text(std::string_view name, RegisterAccess access, std::uint32_t length,
+                             std::string_view initial = {})
+{
+    RegisterEntry row;
+    row.name = name;
+    row.kind = RegisterKind::Text;
+    row.length = length;
+    row.access = access;
+    row.text = initial;
+    return row;
+}
+
+constexpr RegisterEntry bytes(std::string_view name, RegisterAccess access, std::uint32_t length)
+{
+    RegisterEntry row;
+    row.name = name;
+    row.kind = RegisterKind::Bytes;
+    row.length = length;
+    row.access = access;
+    return row;
+}
+
+/// Assigns consecutive addresses, aligned to eight bytes.
+template <std::size_t N> constexpr std::array<RegisterEntry, N> withAddresses(std::array<RegisterEntry, N> table)
+{
+    std::uint32_t next = 0x1000;
+    for (RegisterEntry& row : table) {
+        row.address = next;
+        next += (row.size() + 7) / 8 * 8;
+    }
+    return table;
+}
+
+} // namespace rows
 
 } // namespace cameralibs::simulated

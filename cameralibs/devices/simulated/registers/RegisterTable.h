@@ -3,7 +3,7 @@
 /// All registers of the built-in cameras. The description refers to the register "Width" by the node name "WidthReg".
 /// Values that differ between the cameras (CameraModel.h) are set at power-up.
 
-#include "cameralibs/devices/simulated/registers/RegisterRows.h"
+#include "cameralibs/devices/simulated/registers/RegisterEntry.h"
 
 #include <stdexcept>
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameralibs/devices/simulated/images/FrameSettings.h"
 #include "cameralibs/devices/simulated/registers/RegisterEntry.h"
 
 #include <array>
@@ -38,5 +39,11 @@ private:
     RegisterMemory& m_memory;
     std::array<std::int64_t, 2> m_binning{1, 1}; ///< that the region of interest is adapted to: horizontal, vertical
 };
+
+/// Reads the image settings from the registers of a built-in camera.
+[[nodiscard]] FrameSettings readSettings(const RegisterMemory& memory);
+
+/// Factor between the brightness of the scene and the image, from exposure and gain.
+[[nodiscard]] double brightness(double exposureTime, double gain);
 
 } // namespace cameralibs::simulated
