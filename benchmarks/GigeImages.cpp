@@ -166,7 +166,8 @@ void measureAndPrint(const Row& row)
 int main()
 {
     // It ends with its input.
-    const std::unique_ptr<std::FILE, decltype(&::pclose)> device(::popen(GIGE_CAMERA " >/dev/null", "w"), &::pclose);
+    const auto end = [](std::FILE* input) { ::pclose(input); };
+    const std::unique_ptr<std::FILE, decltype(end)> device(::popen(GIGE_CAMERA " >/dev/null", "w"), end);
     require(Sys_Initialize(CAM_LAYER_GIGE_VISION), "Sys_Initialize");
     std::uint32_t count = 0;
     for (int i = 0; i < kRounds && count == 0; ++i)
