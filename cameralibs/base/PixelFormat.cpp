@@ -26,7 +26,7 @@ constexpr auto Pairs = SamplePacking::Pairs;
 // than 8 or more than 16 bits, signed ones, BT.2020, one or two colours alone (R8, BiColorRGBG8 and the like), the
 // packed RGB of early GigE Vision (RGB10V1Packed, RGB12V1Packed), and what is no image of light (3D, confidence, raw
 // data).
-constexpr std::array<PixelFormat, 141> pixelFormats{{
+constexpr std::array<PixelFormat, 141> kPixelFormats{{
     {"Mono8", 0x01080001, Mono, 8, Unpacked, "Y"},
     {"Mono10", 0x01100003, Mono, 10, Unpacked, "Y"},
     {"Mono12", 0x01100005, Mono, 12, Unpacked, "Y"},
@@ -206,10 +206,9 @@ constexpr unsigned bitsInLayout(const PixelFormat& format)
 // A PFNC value encodes the bits per pixel; they must agree with the layout in the table.
 constexpr bool valuesAgreeWithLayouts()
 {
-    for (const PixelFormat& format : pixelFormats) {
-        if (bitsPerPixel(format.value) != bitsInLayout(format)) {
+    for (const PixelFormat& format : kPixelFormats) {
+        if (bitsPerPixel(format.value) != bitsInLayout(format))
             return false;
-        }
     }
     return true;
 }
@@ -217,11 +216,10 @@ static_assert(valuesAgreeWithLayouts());
 
 constexpr bool valuesAreUnique()
 {
-    for (std::size_t i = 0; i < pixelFormats.size(); ++i) {
+    for (std::size_t i = 0; i < kPixelFormats.size(); ++i) {
         for (std::size_t j = 0; j < i; ++j) {
-            if (pixelFormats[i].value == pixelFormats[j].value || pixelFormats[i].name == pixelFormats[j].name) {
+            if (kPixelFormats[i].value == kPixelFormats[j].value || kPixelFormats[i].name == kPixelFormats[j].name)
                 return false;
-            }
         }
     }
     return true;
@@ -230,9 +228,9 @@ static_assert(valuesAreUnique());
 
 template <typename Key> const PixelFormat* find(Key key, Key PixelFormat::*field)
 {
-    const auto* const found = std::find_if(pixelFormats.begin(), pixelFormats.end(),
+    const auto* const found = std::find_if(kPixelFormats.begin(), kPixelFormats.end(),
                                            [&](const PixelFormat& format) { return format.*field == key; });
-    return found == pixelFormats.end() ? nullptr : found;
+    return found == kPixelFormats.end() ? nullptr : found;
 }
 
 constexpr std::uint64_t kSaturated = std::numeric_limits<std::uint64_t>::max();

@@ -41,13 +41,11 @@ struct PixelFormat {
 /// Number of pixels in one group of samples. The pixels of a group share its chroma samples.
 [[nodiscard]] constexpr unsigned pixelsPerGroup(const PixelFormat& format) noexcept
 {
-    if (format.family == PixelFamily::Bayer) {
+    if (format.family == PixelFamily::Bayer)
         return 2;
-    }
     unsigned luminances = 0;
-    for (const char sample : format.order) {
+    for (const char sample : format.order)
         luminances += sample == 'Y' ? 1U : 0U;
-    }
     return luminances == 0 ? 1 : luminances;
 }
 

@@ -17,19 +17,15 @@ using IntegerGetter = CAM_API_STATUS (*)(CAM_HANDLE, CAM_NODE_HANDLE, std::int64
 CAM_API_STATUS readNumber(CAM_HANDLE camera, const char* feature, IntegerGetter getter, std::uint32_t* number)
 {
     CAM_NODE_HANDLE node = 0;
-    if (const CAM_API_STATUS status = Nd_GetNode(camera, feature, &node); status != CAM_API_STS_SUCCESS) {
+    if (const CAM_API_STATUS status = Nd_GetNode(camera, feature, &node); status != CAM_API_STS_SUCCESS)
         return status;
-    }
-    if (number == nullptr) {
+    if (number == nullptr)
         return CAM_API_STS_INVALID_PARAMETER;
-    }
     std::int64_t value = 0;
-    if (const CAM_API_STATUS status = getter(camera, node, &value); status != CAM_API_STS_SUCCESS) {
+    if (const CAM_API_STATUS status = getter(camera, node, &value); status != CAM_API_STS_SUCCESS)
         return status;
-    }
-    if (value < 0 || value > std::numeric_limits<std::uint32_t>::max()) {
+    if (value < 0 || value > std::numeric_limits<std::uint32_t>::max())
         return CAM_API_STS_INVALID_PARAMETER;
-    }
     *number = static_cast<std::uint32_t>(value);
     return CAM_API_STS_SUCCESS;
 }
@@ -38,12 +34,10 @@ CAM_API_STATUS readNumber(CAM_HANDLE camera, const char* feature, IntegerGetter 
 CAM_API_STATUS hasEntrySelected(CAM_HANDLE camera, const char* feature, std::string_view entry, bool* result)
 {
     CAM_NODE_HANDLE node = 0;
-    if (const CAM_API_STATUS status = Nd_GetNode(camera, feature, &node); status != CAM_API_STS_SUCCESS) {
+    if (const CAM_API_STATUS status = Nd_GetNode(camera, feature, &node); status != CAM_API_STS_SUCCESS)
         return status;
-    }
-    if (result == nullptr) {
+    if (result == nullptr)
         return CAM_API_STS_INVALID_PARAMETER;
-    }
     std::array<char, 256> name{};
     auto size = static_cast<std::uint32_t>(name.size());
     if (const CAM_API_STATUS status = Nd_GetEnumStrValue(camera, node, name.data(), &size);
@@ -81,9 +75,8 @@ CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE camera, std::uint32_t* source)
     bool software = false;
     const CAM_API_STATUS status =
         hasEntrySelected(camera, "TriggerSource", "Software", source == nullptr ? nullptr : &software);
-    if (status != CAM_API_STS_SUCCESS) {
+    if (status != CAM_API_STS_SUCCESS)
         return status;
-    }
     if (software) {
         *source = CAM_TRIGGER_SOURCE_SOFTWARE;
         return CAM_API_STS_SUCCESS;
@@ -94,9 +87,8 @@ CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE camera, std::uint32_t* source)
 CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE camera)
 {
     CAM_NODE_HANDLE trigger = 0;
-    if (const CAM_API_STATUS status = Nd_GetNode(camera, "TriggerSoftware", &trigger); status != CAM_API_STS_SUCCESS) {
+    if (const CAM_API_STATUS status = Nd_GetNode(camera, "TriggerSoftware", &trigger); status != CAM_API_STS_SUCCESS)
         return status;
-    }
     return Nd_CmdExecute(camera, trigger);
 }
 
@@ -109,12 +101,10 @@ CAM_API_STATUS GetCamIndexFromCamHandle(CAM_HANDLE camera, std::uint32_t* camera
         return Nd_GetNode(camera, "Root", &root);
     }
     CAM_INFO info{};
-    if (const CAM_API_STATUS status = Cam_GetInformation(camera, 0, &info); status != CAM_API_STS_SUCCESS) {
+    if (const CAM_API_STATUS status = Cam_GetInformation(camera, 0, &info); status != CAM_API_STS_SUCCESS)
         return status;
-    }
-    if (cameraIndex == nullptr) {
+    if (cameraIndex == nullptr)
         return CAM_API_STS_INVALID_PARAMETER;
-    }
     *cameraIndex = info.cameraIndex;
     return CAM_API_STS_SUCCESS;
 }

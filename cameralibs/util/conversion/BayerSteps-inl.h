@@ -1,4 +1,4 @@
-// Two rows of a Bayer image at once.
+// Converts two rows of a Bayer image at a time.
 #if defined(ORVO_BAYER_STEPS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef ORVO_BAYER_STEPS_INL_H
 #undef ORVO_BAYER_STEPS_INL_H
@@ -11,10 +11,10 @@
 HWY_BEFORE_NAMESPACE();
 namespace cameralibs::HWY_NAMESPACE {
 
-static_assert(bayerMargin >= vectorBytes + 3);
-static_assert(bayerImageWidth >= 2 * vectorBytes);
+static_assert(kBayerMargin >= kVectorBytes + 3);
+static_assert(kMinBayerImageWidth >= 2 * kVectorBytes);
 
-/// Every second column, as words.
+/// Every second column as words.
 HWY_INLINE SignedVector evenColumns(ByteVector columns)
 {
     return hn::And(hn::BitCast(SignedWords(), columns), hn::Set(SignedWords(), std::int16_t{0xFF}));
@@ -25,27 +25,27 @@ HWY_INLINE SignedVector oddColumns(ByteVector columns)
     return hn::BitCast(SignedWords(), hn::ShiftRight<8>(hn::BitCast(Words(), columns)));
 }
 
-/// What stands beside the columns of a step: more of the row, or at an edge of the image the mirrored columns.
+/// What is beside the columns of a step: more columns of the row, or mirrored ones at an edge of the image.
 enum class Beside { Columns, LeftEdge, RightEdge };
 
-/// The columns from `Offset` (-2, 0 or 2) after `row` on.
+/// The columns that start at `row` + `Offset`, which is -2, 0 or 2.
 template <Beside Place, std::ptrdiff_t Offset> HWY_INLINE ByteVector columnsAt(const std::uint8_t* row)
 {
     if constexpr (Place == Beside::LeftEdge && Offset == -2) {
-        static constexpr BlockTable mirror{2, 1};
-        const ByteVector mirrored = lookUp(load(row), repeated(mirror));
+        static constexpr BlockTable kMirror{2, 1};
+        const ByteVector mirrored = lookUp(load(row), repeated(kMirror));
         return hn::IfThenElse(hn::FirstN(Bytes(), 2), mirrored, load(row + Offset));
     } else if constexpr (Place == Beside::RightEdge && Offset == 2) {
-        static constexpr BlockTable mirror{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 14, 13};
-        const ByteVector mirrored = lookUp(load(row), repeated(mirror));
-        return hn::IfThenElse(hn::FirstN(Bytes(), vectorBytes - 2), load(row + Offset), mirrored);
+        static constexpr BlockTable kMirror{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 14, 13};
+        const ByteVector mirrored = lookUp(load(row), repeated(kMirror));
+        return hn::IfThenElse(hn::FirstN(Bytes(), kVectorBytes - 2), load(row + Offset), mirrored);
     } else {
         return load(row + Offset);
     }
 }
 
-/// What the columns of the sites themselves give to the filters: the sites of both rows, and sums of those above and
-/// below them.
+/// The filter inputs from the column of a site itself, for both rows: its value, and the sums of the neighbours above
+/// and below at a distance of one (near) and two (far).
 struct OwnColumns {
     SignedVector here0;
     SignedVector here1;
@@ -61,7 +61,7 @@ HWY_INLINE OwnColumns ownColumns(SignedVector row0, SignedVector row1, SignedVec
     return {row2, row3, hn::Add(row1, row3), hn::Add(row2, row4), hn::Add(row0, row4), hn::Add(row1, row5)};
 }
 
-/// What the filters take of a site and around it.
+/// The inputs of the filters for one site: its value and sums of its neighbours.
 struct Site {
     SignedVector here;
     SignedVector inRow;
@@ -71,18 +71,20 @@ struct Site {
     SignedVector diagonal;
 };
 
-/// The rounded upper half of a product: (sum + 4) >> 3 and (sum + 8) >> 4, of negative sums too.
+/// (sum + 4) >> 3, computed as the rounded upper half of a product. Also correct for negative sums.
 HWY_INLINE SignedVector fromEighths(SignedVector sum)
 {
     return hn::MulFixedPoint15(sum, hn::Set(SignedWords(), std::int16_t{4096}));
 }
 
+/// (sum + 8) >> 4.
 HWY_INLINE SignedVector fromSixteenths(SignedVector sum)
 {
     return hn::MulFixedPoint15(sum, hn::Set(SignedWords(), std::int16_t{2048}));
 }
 
-/// The colours of a row's sites: those that it has, and those that the rows above and below have.
+/// The interpolated colours: the one that alternates with green in this row, green, and the one of the rows above and
+/// below.
 struct Colours {
     SignedVector ofRow;
     SignedVector green;
@@ -112,8 +114,8 @@ HWY_INLINE Colours coloursAtGreen(const Site& s)
 
 HWY_INLINE ByteVector inTurn(SignedVector even, SignedVector odd)
 {
-    static constexpr BlockTable turns{0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15};
-    return lookUp(packed(even, odd), repeated(turns));
+    static constexpr BlockTable kTurns{0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15};
+    return lookUp(packed(even, odd), repeated(kTurns));
 }
 
 template <bool RedRow> HWY_INLINE void writeColours(const Colours& even, const Colours& odd, std::uint8_t* bgra)
@@ -129,19 +131,18 @@ template <bool AtGreen> HWY_INLINE Colours coloursAt(const Site& site)
     return AtGreen ? coloursAtGreen(site) : coloursAtColour(site);
 }
 
-/// Brings what the next steps write into the cache. Two rows at once are more than the processor fetches ahead by
-/// itself: its stores would wait for memory. Addresses behind the image do no harm.
+/// Prefetches the destination of later steps. Hardware prefetching does not keep up with writing two rows at once, so
+/// stores would wait for memory. Prefetching an address outside the image is harmless.
 HWY_INLINE void expectStores(const std::uint8_t* bgra)
 {
-    constexpr std::size_t cacheLine = 64;
-    constexpr std::size_t ahead = 2048;
-    for (std::size_t line = 0; line < bytesPerBgra * vectorBytes; line += cacheLine) {
-        __builtin_prefetch(bgra + ahead + line, 1);
-    }
+    constexpr std::size_t kCacheLine = 64;
+    constexpr std::size_t kAhead = 2048;
+    for (std::size_t line = 0; line < kBytesPerBgra * kVectorBytes; line += kCacheLine)
+        __builtin_prefetch(bgra + kAhead + line, 1);
 }
 
-/// A vector of pixels of both rows. In one of them green comes first, and one has red. The second row is stored first:
-/// see RowKernels. The order of the work keeps few vectors alive at a time.
+/// Converts one vector of pixels in each of the two rows. Stores the second row first; see RowKernels::bgraFromBayer.
+/// The order of the calculations keeps the number of live registers low.
 template <bool GreenFirst, bool RedFirst, Beside Place>
 HWY_INLINE void bayerStep(const BayerRows& rows, std::size_t x, std::uint8_t* first, std::uint8_t* second)
 {
@@ -152,7 +153,7 @@ HWY_INLINE void bayerStep(const BayerRows& rows, std::size_t x, std::uint8_t* fi
     const OwnColumns e = ownColumns(even(0), even(1), even(2), even(3), even(4), even(5));
     const OwnColumns o = ownColumns(odd(0), odd(1), odd(2), odd(3), odd(4), odd(5));
 
-    // The columns beside even ones are odd ones, from the one before on.
+    // The neighbours of even columns are odd ones, starting with the one before.
     const ByteVector before2 = before(2);
     const ByteVector before3 = before(3);
     const ByteVector after2 = after(2);
@@ -178,12 +179,12 @@ HWY_INLINE void bayerStep(const BayerRows& rows, std::size_t x, std::uint8_t* fi
     writeColours<RedFirst>(even0, odd0, first);
 }
 
-/// A step over pixels of the image itself.
+/// A step that writes directly to the image.
 template <bool GreenFirst, bool RedFirst, Beside Place>
 HWY_INLINE void stepInPlace(const BayerRows& rows, std::size_t x, std::uint8_t* first, std::uint8_t* second)
 {
-    first += bytesPerBgra * x;
-    second += bytesPerBgra * x;
+    first += kBytesPerBgra * x;
+    second += kBytesPerBgra * x;
     expectStores(first);
     expectStores(second);
     bayerStep<GreenFirst, RedFirst, Place>(rows, x, first, second);
@@ -193,22 +194,21 @@ template <bool GreenFirst, bool RedFirst> struct OverLines {
     HWY_INLINE static void run(const BayerRows& rows, std::size_t pixels, std::uint8_t* first, std::uint8_t* second)
     {
         std::size_t x = 0;
-        for (; x + vectorBytes <= pixels; x += vectorBytes) {
+        for (; x + kVectorBytes <= pixels; x += kVectorBytes)
             stepInPlace<GreenFirst, RedFirst, Beside::Columns>(rows, x, first, second);
-        }
-        if (x == pixels) {
+        if (x == pixels)
             return;
-        }
-        // The last step overlaps the one before. It begins with an even column, so that its last one may lie outside.
-        x = pixels < vectorBytes ? 0 : (pixels - vectorBytes + 1) / 2 * 2;
-        if (x + vectorBytes == pixels) {
+        // The last step overlaps the previous one. It starts at an even column, so its last column may be outside the
+        // row.
+        x = pixels < kVectorBytes ? 0 : (pixels - kVectorBytes + 1) / 2 * 2;
+        if (x + kVectorBytes == pixels) {
             stepInPlace<GreenFirst, RedFirst, Beside::Columns>(rows, x, first, second);
         } else {
-            std::array<std::uint8_t, bytesPerBgra * vectorBytes> firstBuffer;
-            std::array<std::uint8_t, bytesPerBgra * vectorBytes> secondBuffer;
+            std::array<std::uint8_t, kBytesPerBgra * kVectorBytes> firstBuffer;
+            std::array<std::uint8_t, kBytesPerBgra * kVectorBytes> secondBuffer;
             bayerStep<GreenFirst, RedFirst, Beside::Columns>(rows, x, firstBuffer.data(), secondBuffer.data());
-            std::memcpy(second + bytesPerBgra * x, secondBuffer.data(), bytesPerBgra * (pixels - x));
-            std::memcpy(first + bytesPerBgra * x, firstBuffer.data(), bytesPerBgra * (pixels - x));
+            std::memcpy(second + kBytesPerBgra * x, secondBuffer.data(), kBytesPerBgra * (pixels - x));
+            std::memcpy(first + kBytesPerBgra * x, firstBuffer.data(), kBytesPerBgra * (pixels - x));
         }
     }
 };
@@ -217,10 +217,9 @@ template <bool GreenFirst, bool RedFirst> struct InImage {
     HWY_INLINE static void run(const BayerRows& rows, std::size_t pixels, std::uint8_t* first, std::uint8_t* second)
     {
         stepInPlace<GreenFirst, RedFirst, Beside::LeftEdge>(rows, 0, first, second);
-        const std::size_t last = pixels - vectorBytes;
-        for (std::size_t x = vectorBytes; x < last; x += vectorBytes) {
+        const std::size_t last = pixels - kVectorBytes;
+        for (std::size_t x = kVectorBytes; x < last; x += kVectorBytes)
             stepInPlace<GreenFirst, RedFirst, Beside::Columns>(rows, x, first, second);
-        }
         stepInPlace<GreenFirst, RedFirst, Beside::RightEdge>(rows, last, first, second);
     }
 };
@@ -229,7 +228,7 @@ template <template <bool, bool> class Way>
 HWY_INLINE void overBayerRows(const BayerRows& rows, BayerRow first, std::size_t pixels, std::uint8_t* firstBgra,
                               std::uint8_t* secondBgra)
 {
-    const BayerRows localRows = rows; // which no store can change
+    const BayerRows localRows = rows; // a copy: stores through byte pointers could alias `rows`
     switch (first) {
     case BayerRow::RedGreen:
         Way<false, true>::run(localRows, pixels, firstBgra, secondBgra);

@@ -1,4 +1,4 @@
-// Bytes of gray and of colours to B, G, R, 255.
+// Converts gray and colour bytes to B, G, R, 255.
 #if defined(ORVO_BGRA_STEPS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef ORVO_BGRA_STEPS_INL_H
 #undef ORVO_BGRA_STEPS_INL_H
@@ -11,28 +11,27 @@
 HWY_BEFORE_NAMESPACE();
 namespace cameralibs::HWY_NAMESPACE {
 
-constexpr std::size_t vectorPixels = vectorBytes / bytesPerBgra;
+constexpr std::size_t kVectorPixels = kVectorBytes / kBytesPerBgra;
 
 HWY_INLINE ByteVector opaque()
 {
     return hn::BitCast(Bytes(), hn::Set(DoubleWords(), 0xFF000000U));
 }
 
-/// A vector of pixels is made of four bytes of each block of the planes. Brings them where the interleaving of blocks
-/// takes them from.
+/// Interleaving works within blocks, so each vector of pixels is made of four bytes from every block of the planes.
+/// Reorders a plane accordingly.
 HWY_INLINE ByteVector inPixelOrder(ByteVector plane)
 {
-    if constexpr (vectorBlocks == 1) {
+    if constexpr (kVectorBlocks == 1) {
         return plane;
     } else {
-        static constexpr DoubleWordTable order = [] {
+        static constexpr DoubleWordTable kOrder = [] {
             DoubleWordTable result{};
-            for (std::size_t i = 0; i < result.size(); ++i) {
-                result[i] = static_cast<std::uint32_t>(i % 4 * vectorBlocks + i / 4);
-            }
+            for (std::size_t i = 0; i < result.size(); ++i)
+                result[i] = static_cast<std::uint32_t>(i % 4 * kVectorBlocks + i / 4);
             return result;
         }();
-        return reordered(plane, order);
+        return reordered(plane, kOrder);
     }
 }
 
@@ -48,18 +47,18 @@ HWY_INLINE void writePixels(ByteVector blue, ByteVector green, ByteVector red, s
     const WordVector lowerRedAlpha = hn::BitCast(words, hn::InterleaveLower(Bytes(), red, alpha));
     const WordVector upperRedAlpha = hn::BitCast(words, hn::InterleaveUpper(Bytes(), red, alpha));
     store(hn::BitCast(Bytes(), hn::InterleaveLower(words, lowerBlueGreen, lowerRedAlpha)), bgra);
-    store(hn::BitCast(Bytes(), hn::InterleaveUpper(words, lowerBlueGreen, lowerRedAlpha)), bgra + vectorBytes);
-    store(hn::BitCast(Bytes(), hn::InterleaveLower(words, upperBlueGreen, upperRedAlpha)), bgra + 2 * vectorBytes);
-    store(hn::BitCast(Bytes(), hn::InterleaveUpper(words, upperBlueGreen, upperRedAlpha)), bgra + 3 * vectorBytes);
+    store(hn::BitCast(Bytes(), hn::InterleaveUpper(words, lowerBlueGreen, lowerRedAlpha)), bgra + kVectorBytes);
+    store(hn::BitCast(Bytes(), hn::InterleaveLower(words, upperBlueGreen, upperRedAlpha)), bgra + 2 * kVectorBytes);
+    store(hn::BitCast(Bytes(), hn::InterleaveUpper(words, upperBlueGreen, upperRedAlpha)), bgra + 3 * kVectorBytes);
 }
 
 class GrayStep {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = vectorBytes;
-    static constexpr std::size_t inBytes = vectorBytes;
-    static constexpr std::size_t inReach = vectorBytes;
-    static constexpr std::size_t outBytes = 4 * vectorBytes;
+    static constexpr std::size_t kPlanes = 1;
+    static constexpr std::size_t kUnits = kVectorBytes;
+    static constexpr std::size_t kInBytes = kVectorBytes;
+    static constexpr std::size_t kInReach = kVectorBytes;
+    static constexpr std::size_t kOutBytes = 4 * kVectorBytes;
 
     HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& gray, std::uint8_t* bgra) const
     {
@@ -70,44 +69,44 @@ public:
     }
 
 private:
-    // A block of 16 levels, loaded into every block, holds the pixels of one to four vectors.
-    static constexpr std::size_t vectorsPerBlock = blockBytes / vectorPixels;
+    // A block of 16 levels, copied to every block of a vector, makes one to four vectors of pixels.
+    static constexpr std::size_t kVectorsPerBlock = kBlockBytes / kVectorPixels;
 
-    static constexpr std::array<VectorTable, vectorsPerBlock> levels = [] {
-        std::array<VectorTable, vectorsPerBlock> result{};
-        for (std::size_t i = 0; i < vectorsPerBlock * vectorBytes; ++i) {
-            const auto level = static_cast<std::uint8_t>(i / bytesPerBgra);
-            result[i / vectorBytes][i % vectorBytes] = i % bytesPerBgra == 3 ? zeroByte : level;
+    static constexpr std::array<VectorTable, kVectorsPerBlock> kLevels = [] {
+        std::array<VectorTable, kVectorsPerBlock> result{};
+        for (std::size_t i = 0; i < kVectorsPerBlock * kVectorBytes; ++i) {
+            const auto level = static_cast<std::uint8_t>(i / kBytesPerBgra);
+            result[i / kVectorBytes][i % kVectorBytes] = i % kBytesPerBgra == 3 ? kZeroByte : level;
         }
         return result;
     }();
 
     template <std::size_t Part> HWY_INLINE static void writePart(const std::uint8_t* gray, std::uint8_t* bgra)
     {
-        const ByteVector block = hn::LoadDup128(Bytes(), gray + Part / vectorsPerBlock * blockBytes);
-        const ByteVector pixels = lookUp(block, load(levels[Part % vectorsPerBlock].data()));
-        store(hn::Or(pixels, opaque()), bgra + Part * vectorBytes);
+        const ByteVector block = hn::LoadDup128(Bytes(), gray + Part / kVectorsPerBlock * kBlockBytes);
+        const ByteVector pixels = lookUp(block, load(kLevels[Part % kVectorsPerBlock].data()));
+        store(hn::Or(pixels, opaque()), bgra + Part * kVectorBytes);
     }
 };
 
-/// Each double word of a result is made of a pixel, of three bytes or four.
+/// Reorders the bytes of pixels that have three or four of them.
 template <std::size_t BytesPerPixel> class PixelsStep {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = 4 * vectorPixels;
-    static constexpr std::size_t inBytes = units * BytesPerPixel;
-    static constexpr std::size_t inReach = inBytes - vectorPixels * BytesPerPixel + vectorBytes;
-    static constexpr std::size_t outBytes = 4 * vectorBytes;
+    static constexpr std::size_t kPlanes = 1;
+    static constexpr std::size_t kUnits = 4 * kVectorPixels;
+    static constexpr std::size_t kInBytes = kUnits * BytesPerPixel;
+    static constexpr std::size_t kInReach = kInBytes - kVectorPixels * BytesPerPixel + kVectorBytes;
+    static constexpr std::size_t kOutBytes = 4 * kVectorBytes;
 
     HWY_INLINE explicit PixelsStep(const PixelLayout& layout)
     {
         BlockTable table{};
-        for (std::size_t pixel = 0; pixel < blockBytes / bytesPerBgra; ++pixel) {
+        for (std::size_t pixel = 0; pixel < kBlockBytes / kBytesPerBgra; ++pixel) {
             const std::size_t start = pixel * BytesPerPixel;
-            table[bytesPerBgra * pixel] = static_cast<std::uint8_t>(start + layout.blue);
-            table[bytesPerBgra * pixel + 1] = static_cast<std::uint8_t>(start + layout.green);
-            table[bytesPerBgra * pixel + 2] = static_cast<std::uint8_t>(start + layout.red);
-            table[bytesPerBgra * pixel + 3] = zeroByte;
+            table[kBytesPerBgra * pixel] = static_cast<std::uint8_t>(start + layout.blue);
+            table[kBytesPerBgra * pixel + 1] = static_cast<std::uint8_t>(start + layout.green);
+            table[kBytesPerBgra * pixel + 2] = static_cast<std::uint8_t>(start + layout.red);
+            table[kBytesPerBgra * pixel + 3] = kZeroByte;
         }
         m_places = repeated(table);
     }
@@ -115,21 +114,20 @@ public:
     HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& samples, std::uint8_t* bgra) const
     {
         for (std::size_t part = 0; part < 4; ++part) {
-            ByteVector pixels = load(samples[0] + part * vectorPixels * BytesPerPixel);
-            if constexpr (BytesPerPixel == 3 && vectorBlocks > 1) {
-                pixels = reordered(pixels, blocks);
+            ByteVector pixels = load(samples[0] + part * kVectorPixels * BytesPerPixel);
+            if constexpr (BytesPerPixel == 3 && kVectorBlocks > 1) {
+                pixels = reordered(pixels, kBlocks);
             }
-            store(hn::Or(lookUp(pixels, m_places), opaque()), bgra + part * vectorBytes);
+            store(hn::Or(lookUp(pixels, m_places), opaque()), bgra + part * kVectorBytes);
         }
     }
 
 private:
-    // Four pixels of three bytes for each block.
-    static constexpr DoubleWordTable blocks = [] {
+    // Brings four pixels of three bytes into each block.
+    static constexpr DoubleWordTable kBlocks = [] {
         DoubleWordTable result{};
-        for (std::size_t i = 0; i < result.size(); ++i) {
+        for (std::size_t i = 0; i < result.size(); ++i)
             result[i] = static_cast<std::uint32_t>(i / 4 * 3 + std::min<std::size_t>(i % 4, 2));
-        }
         return result;
     }();
 
@@ -138,11 +136,11 @@ private:
 
 class Words30Step {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = vectorPixels;
-    static constexpr std::size_t inBytes = vectorBytes;
-    static constexpr std::size_t inReach = vectorBytes;
-    static constexpr std::size_t outBytes = vectorBytes;
+    static constexpr std::size_t kPlanes = 1;
+    static constexpr std::size_t kUnits = kVectorPixels;
+    static constexpr std::size_t kInBytes = kVectorBytes;
+    static constexpr std::size_t kInReach = kVectorBytes;
+    static constexpr std::size_t kOutBytes = kVectorBytes;
 
     HWY_INLINE void operator()(const std::array<const std::uint8_t*, 1>& words, std::uint8_t* bgra) const
     {
@@ -158,11 +156,11 @@ public:
 
 class PlanesStep {
 public:
-    static constexpr std::size_t planes = 3;
-    static constexpr std::size_t units = vectorBytes;
-    static constexpr std::size_t inBytes = vectorBytes;
-    static constexpr std::size_t inReach = vectorBytes;
-    static constexpr std::size_t outBytes = 4 * vectorBytes;
+    static constexpr std::size_t kPlanes = 3;
+    static constexpr std::size_t kUnits = kVectorBytes;
+    static constexpr std::size_t kInBytes = kVectorBytes;
+    static constexpr std::size_t kInReach = kVectorBytes;
+    static constexpr std::size_t kOutBytes = 4 * kVectorBytes;
 
     HWY_INLINE void operator()(const std::array<const std::uint8_t*, 3>& blueGreenRed, std::uint8_t* bgra) const
     {

@@ -6,12 +6,12 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The conversions behind ConvImage, one for each family of formats. Each reads the samples as bytes, a piece at a time
-/// in a buffer on the stack where they have more than 8 bits, and writes B, G, R, 255.
+/// The conversions behind ConvImage, one per family of formats. Each writes B, G, R, 255. Samples of more than 8 bits
+/// are first reduced to bytes, piece by piece in a buffer on the stack.
 
 namespace cameralibs {
 
-/// Width and height are at least 1, and the pixels fewer than 2^30.
+/// Width and height are at least 1, and there are fewer than 2^30 pixels.
 struct SourceImage {
     const PixelFormat& format;
     const std::uint8_t* data;
@@ -22,10 +22,10 @@ struct SourceImage {
 
     [[nodiscard]] std::uint64_t samplesPerRow() const noexcept { return cameralibs::samplesPerRow(format, width); }
 
-    /// No conversion reads beyond them.
+    /// Size of the image data. No conversion reads beyond it.
     [[nodiscard]] std::uint64_t bytes() const noexcept { return imageBytes(format, width, height); }
 
-    /// Whether the rows can be taken for one row: nothing lies between them.
+    /// Whether the rows follow one another without padding, so that the image can be converted as one row.
     [[nodiscard]] bool gapless() const noexcept;
 };
 
@@ -38,24 +38,24 @@ void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept;
 
 void convertYCbCr(const SourceImage& image, std::uint8_t* bgra) noexcept;
 
-/// Pixels of the buffers that samples of more than 8 bits are reduced into: a multiple of every group, and small enough
-/// for the first level cache.
-constexpr std::uint32_t pixelsPerPiece = 2048;
+/// Number of pixels that are reduced to bytes at a time: a multiple of every group, and small enough for the
+/// first-level cache.
+constexpr std::uint32_t kPixelsPerPiece = 2048;
 
-/// Calls `convert(x, y, pixels, bgra)` for every piece of an image, from left to right and from top to bottom. Rows of
-/// bytes are one piece, and rows that follow one another without a gap are one row.
+/// Calls `convert(x, y, pixels, bgra)` for every piece of an image, from left to right and from top to bottom. With
+/// 8-bit samples a piece is a whole row, and without padding the whole image is one row.
 template <typename Convert> void forEachPiece(const SourceImage& image, std::uint8_t* bgra, Convert convert)
 {
     const bool gapless = image.gapless();
     const auto width = gapless ? static_cast<std::uint32_t>(image.pixels()) : image.width;
     const std::uint32_t height = gapless ? 1 : image.height;
-    const std::uint32_t largest = image.format.bits == 8 ? width : pixelsPerPiece;
-    std::uint8_t* const end = bgra + bytesPerBgra * image.pixels();
+    const std::uint32_t largest = image.format.bits == 8 ? width : kPixelsPerPiece;
+    std::uint8_t* const end = bgra + kBytesPerBgra * image.pixels();
     for (std::uint32_t y = 0; y < height; ++y) {
         for (std::uint32_t x = 0; x < width; x += largest) {
             const std::uint32_t rest = width - x;
             const std::uint64_t first = std::uint64_t{y} * width + x;
-            convert(x, y, rest < largest ? rest : largest, WritableBytes{bgra + bytesPerBgra * first, end});
+            convert(x, y, rest < largest ? rest : largest, WritableBytes{bgra + kBytesPerBgra * first, end});
         }
     }
 }

@@ -18,19 +18,19 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
     const RowKernels& kernels = rowKernels();
     const SampleReader reader(image);
     const PixelLayout layout = layoutOf(image.format);
-    PieceBuffer<4> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): room
+    PieceBuffer<4> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): a buffer
     forEachPiece(image, bgra, [&](std::uint32_t x, std::uint32_t, std::uint32_t pixels, WritableBytes target) {
         const std::uint64_t first = std::uint64_t{x} * layout.bytes;
         kernels.bgraFromPixels(reader.read(first, pixels * layout.bytes, buffer.bytes()), layout, pixels, target);
     });
 }
 
-// Red, green, blue in every format of the PFNC.
+// All planar formats of the PFNC store red, green and blue in this order.
 void convertPlanar(const SourceImage& image, std::uint8_t* bgra)
 {
     const RowKernels& kernels = rowKernels();
     const SampleReader reader(image);
-    std::array<PieceBuffer<1>, 3> buffers; // NOLINT(cppcoreguidelines-pro-type-member-init): room
+    std::array<PieceBuffer<1>, 3> buffers; // NOLINT(cppcoreguidelines-pro-type-member-init): a buffer
     forEachPiece(image, bgra, [&](std::uint32_t x, std::uint32_t, std::uint32_t pixels, WritableBytes target) {
         const auto readPlane = [&](std::size_t plane) {
             return reader.read(plane * image.pixels() + x, pixels, buffers[plane].bytes());
@@ -49,7 +49,7 @@ void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept
         break;
     case SamplePacking::Bits32:
         rowKernels().bgraFromWords30({image.data, image.data + image.bytes()}, image.pixels(),
-                                     {bgra, bgra + bytesPerBgra * image.pixels()});
+                                     {bgra, bgra + kBytesPerBgra * image.pixels()});
         break;
     default:
         convertInterleaved(image, bgra);

@@ -5,14 +5,14 @@ namespace cameralibs {
 
 namespace {
 
-// The equations of a standard; its weights, as large as 16-bit products allow.
+// The conversion equations of a standard, scaled as high as 16-bit products allow.
 constexpr ChromaWeights weightsOf(double kr, double kb, bool fullRange)
 {
     const double kg = 1 - kr - kb;
     const double luma = fullRange ? 1.0 : 255.0 / 219;
     const double chroma = fullRange ? 1.0 : 255.0 / 224;
     const int black = fullRange ? 0 : 16;
-    // Away from zero where it is halfway.
+    // Rounds half away from zero; std::round is not constexpr.
     const auto rounded = [](double value) {
         return static_cast<std::int16_t>(static_cast<int>(value * 2 + (value < 0 ? -1 : 1)) / 2);
     };
@@ -25,19 +25,19 @@ constexpr ChromaWeights weightsOf(double kr, double kb, bool fullRange)
             weight(2 * (1 - kb) * chroma)};
 }
 
-constexpr ChromaWeights bt601Full = weightsOf(0.299, 0.114, true);
-constexpr ChromaWeights bt601Limited = weightsOf(0.299, 0.114, false);
-constexpr ChromaWeights bt709Limited = weightsOf(0.2126, 0.0722, false);
+constexpr ChromaWeights kBt601Full = weightsOf(0.299, 0.114, true);
+constexpr ChromaWeights kBt601Limited = weightsOf(0.299, 0.114, false);
+constexpr ChromaWeights kBt709Limited = weightsOf(0.2126, 0.0722, false);
 
 const ChromaWeights& weightsOf(PixelFamily family)
 {
     switch (family) {
     case PixelFamily::YCbCr601:
-        return bt601Limited;
+        return kBt601Limited;
     case PixelFamily::YCbCr709:
-        return bt709Limited;
+        return kBt709Limited;
     default:
-        return bt601Full;
+        return kBt601Full;
     }
 }
 
@@ -47,7 +47,7 @@ ChromaLayout layoutOf(const PixelFormat& format)
     ChromaLayout layout{};
     layout.pixels = pixelsPerGroup(format);
     layout.samples = order.size();
-    std::size_t chroma = 0; // where it begins, in semiplanar formats behind the last Y
+    std::size_t chroma = 0; // index of the first chroma sample; in semiplanar formats that after the last Y
     for (std::size_t pixel = 0, place = 0; pixel < layout.pixels; ++pixel) {
         place = order.find('Y', place);
         layout.luma[pixel] = static_cast<std::uint8_t>(place++);
@@ -65,7 +65,7 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
     const ChromaWeights& weights = weightsOf(image.format.family);
     const ChromaLayout layout = layoutOf(image.format);
     const std::uint64_t samplesPerRow = image.samplesPerRow();
-    PieceBuffer<3> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): room
+    PieceBuffer<3> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): a buffer
     forEachPiece(image, bgra, [&](std::uint32_t x, std::uint32_t y, std::uint32_t pixels, WritableBytes target) {
         const std::uint64_t first = y * samplesPerRow + x / layout.pixels * layout.samples;
         const std::size_t samples = (pixels + layout.pixels - 1) / layout.pixels * layout.samples;
@@ -73,7 +73,7 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
     });
 }
 
-// Of 8 bits in every format of the PFNC. The plane of Y has no padding, the rows of chroma are completed.
+// All semiplanar formats of the PFNC have 8 bits. The Y plane has no padding; chroma rows are padded to whole pairs.
 void convertSemiplanar(const SourceImage& image, std::uint8_t* bgra)
 {
     const RowKernels& kernels = rowKernels();

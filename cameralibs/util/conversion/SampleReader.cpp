@@ -37,17 +37,17 @@ ReadableBytes SampleReader::read(std::uint64_t first, std::size_t count, Writabl
 
 void SampleReader::copyBits(std::uint64_t first, std::size_t count, WritableBytes bytes) const noexcept
 {
-    // Every fourth sample begins with a byte. Rows may begin in the middle of such a group.
-    constexpr std::size_t group = 4;
-    const std::size_t skipped = first % group;
-    const std::uint8_t* run = m_image.begin + first / group * (group * m_bits / 8);
+    // Every fourth sample starts at a byte boundary. A row may start in the middle of such a group of four.
+    constexpr std::size_t kGroup = 4;
+    const std::size_t skipped = first % kGroup;
+    const std::uint8_t* run = m_image.begin + first / kGroup * (kGroup * m_bits / 8);
     if (skipped != 0) {
-        std::array<std::uint8_t, 64> samples{}; // room for a vector
-        const std::size_t wanted = std::min(group - skipped, count);
+        std::array<std::uint8_t, 64> samples{}; // large enough for a vector
+        const std::size_t wanted = std::min(kGroup - skipped, count);
         m_kernels.bytesFromSamples({run, m_image.end}, m_packing, m_bits, skipped + wanted,
                                    {samples.data(), samples.data() + samples.size()});
         std::memcpy(bytes.begin, samples.data() + skipped, wanted);
-        run += group * m_bits / 8;
+        run += kGroup * m_bits / 8;
         bytes.begin += wanted;
         count -= wanted;
     }

@@ -8,16 +8,16 @@
 
 namespace cameralibs {
 
-/// Reads the samples of an image as bytes: of samples with more than 8 bits the upper 8. Samples are numbered in the
-/// order in which they are stored; where they are packed in pairs, the first one asked for is the first of a pair.
+/// Reads the samples of an image as bytes, reduced to their upper 8 bits. Samples are numbered in storage order. If
+/// they are packed in pairs, `first` must be the first of a pair.
 class SampleReader {
 public:
     explicit SampleReader(const SourceImage& image) noexcept;
 
-    /// `count` samples from number `first` on.
+    /// Copies `count` samples, starting with number `first`.
     void copy(std::uint64_t first, std::size_t count, WritableBytes bytes) const noexcept;
 
-    /// The same where they are if the image holds bytes, else in `buffer`.
+    /// The same without copying if the samples have 8 bits; otherwise they are copied to `buffer`.
     [[nodiscard]] ReadableBytes read(std::uint64_t first, std::size_t count, WritableBytes buffer) const noexcept;
 
 private:
@@ -29,13 +29,13 @@ private:
     unsigned m_bits;
 };
 
-/// Room for the samples of a piece. Nothing is read that was not written, but for results that are thrown away.
+/// Room for the samples of a piece. Not initialised: bytes that were never written only affect discarded results.
 template <std::size_t SamplesPerPixel> class PieceBuffer {
 public:
     [[nodiscard]] WritableBytes bytes() noexcept { return {m_bytes.data(), m_bytes.data() + m_bytes.size()}; }
 
 private:
-    std::array<std::uint8_t, SamplesPerPixel * pixelsPerPiece> m_bytes;
+    std::array<std::uint8_t, SamplesPerPixel * kPixelsPerPiece> m_bytes;
 };
 
 } // namespace cameralibs

@@ -1,4 +1,4 @@
-// Samples of more than 8 bits to bytes, and to pixels of gray.
+// Converts samples of more than 8 bits to bytes, or to gray pixels.
 #if defined(ORVO_SAMPLE_STEPS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef ORVO_SAMPLE_STEPS_INL_H
 #undef ORVO_SAMPLE_STEPS_INL_H
@@ -11,11 +11,11 @@
 HWY_BEFORE_NAMESPACE();
 namespace cameralibs::HWY_NAMESPACE {
 
-/// A vector of samples at a time, as bytes.
+/// Reduces 16-bit words to bytes, a vector of bytes at a time.
 class WordSamples {
 public:
-    static constexpr std::size_t inBytes = 2 * vectorBytes;
-    static constexpr std::size_t inReach = inBytes;
+    static constexpr std::size_t kInBytes = 2 * kVectorBytes;
+    static constexpr std::size_t kInReach = kInBytes;
 
     HWY_INLINE explicit WordSamples(unsigned bits)
         : m_unusedBits(static_cast<int>(16 - bits))
@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] HWY_INLINE ByteVector read(const std::uint8_t* words) const
     {
-        return halvesOfBlocksApart(packed(upperBits(words), upperBits(words + vectorBytes)));
+        return halvesOfBlocksApart(packed(upperBits(words), upperBits(words + kVectorBytes)));
     }
 
 private:
@@ -36,15 +36,15 @@ private:
     int m_unusedBits;
 };
 
-/// Each vector takes half of the samples, eight a block: the bytes of a block begin with a double word, or two bytes
-/// after one.
+/// How a run of bits is distributed: each of two vectors takes half of the samples, eight per block. The samples of a
+/// block start at a double word or two bytes after one.
 template <unsigned Bits> struct RunLayout {
-    static constexpr std::size_t halfVectorBytes = vectorBytes / 2 * Bits / 8;
+    static constexpr std::size_t kHalfVectorBytes = kVectorBytes / 2 * Bits / 8;
 
-    static constexpr DoubleWordTable blocks = [] {
+    static constexpr DoubleWordTable kBlocks = [] {
         DoubleWordTable result{};
         for (std::size_t i = 0; i < result.size(); ++i) {
-            // What lies beyond the samples of a block is not looked at.
+            // Double words after the samples of a block are not used.
             const std::size_t from = i / 4 * Bits / 4 + i % 4;
             result[i] = static_cast<std::uint32_t>(std::min(from, result.size() - 1));
         }
@@ -56,71 +56,72 @@ template <unsigned Bits> struct RunLayout {
 
 template <unsigned Bits> class RunSamples {
 public:
-    static constexpr std::size_t inBytes = 2 * RunLayout<Bits>::halfVectorBytes;
-    static constexpr std::size_t inReach = RunLayout<Bits>::halfVectorBytes + vectorBytes;
+    static constexpr std::size_t kInBytes = 2 * RunLayout<Bits>::kHalfVectorBytes;
+    static constexpr std::size_t kInReach = RunLayout<Bits>::kHalfVectorBytes + kVectorBytes;
 
     [[nodiscard]] HWY_INLINE ByteVector read(const std::uint8_t* run) const
     {
-        return halvesOfBlocksApart(packed(upperBits(run), upperBits(run + RunLayout<Bits>::halfVectorBytes)));
+        return halvesOfBlocksApart(packed(upperBits(run), upperBits(run + RunLayout<Bits>::kHalfVectorBytes)));
     }
 
 private:
-    // Words of the two bytes that hold the upper 8 bits of a sample.
-    static constexpr VectorTable places = [] {
+    // Selects the two bytes that contain the upper 8 bits of a sample.
+    static constexpr VectorTable kPlaces = [] {
         VectorTable result{};
-        for (std::size_t i = 0; i < vectorBytes / 2; ++i) {
+        for (std::size_t i = 0; i < kVectorBytes / 2; ++i) {
             const std::size_t bit = i % 8 * Bits + Bits - 8;
             const std::size_t byte = RunLayout<Bits>::startInBlock(i / 8) + bit / 8;
             result[2 * i] = static_cast<std::uint8_t>(byte);
-            result[2 * i + 1] = bit % 8 == 0 ? zeroByte : static_cast<std::uint8_t>(byte + 1);
+            result[2 * i + 1] = bit % 8 == 0 ? kZeroByte : static_cast<std::uint8_t>(byte + 1);
         }
         return result;
     }();
 
-    // Multiplied by these the 8 bits are the upper ones of their word.
-    static constexpr std::array<std::uint16_t, vectorBytes / 2> shifts = [] {
-        std::array<std::uint16_t, vectorBytes / 2> result{};
-        for (std::size_t i = 0; i < result.size(); ++i) {
+    // Multiplying by these moves the 8 bits to the upper byte of their word.
+    static constexpr std::array<std::uint16_t, kVectorBytes / 2> kShifts = [] {
+        std::array<std::uint16_t, kVectorBytes / 2> result{};
+        for (std::size_t i = 0; i < result.size(); ++i)
             result[i] = static_cast<std::uint16_t>(1U << (8 - (i % 8 * Bits + Bits - 8) % 8));
-        }
         return result;
     }();
 
     [[nodiscard]] HWY_INLINE WordVector upperBits(const std::uint8_t* run) const
     {
-        const ByteVector blocks = reordered(load(run), RunLayout<Bits>::blocks);
+        const ByteVector blocks = reordered(load(run), RunLayout<Bits>::kBlocks);
         return hn::ShiftRight<8>(
-            hn::Mul(hn::BitCast(Words(), lookUp(blocks, load(places.data()))), hn::LoadU(Words(), shifts.data())));
+            hn::Mul(hn::BitCast(Words(), lookUp(blocks, load(kPlaces.data()))), hn::LoadU(Words(), kShifts.data())));
     }
 };
 
-/// Laid out like samples of 12 bits, but the upper 8 are a byte of their own.
+/// Like a run of 12-bit samples, but the upper 8 bits of each sample are a separate byte.
 class PairSamples {
 public:
-    static constexpr std::size_t inBytes = 2 * RunLayout<12>::halfVectorBytes;
-    static constexpr std::size_t inReach = RunLayout<12>::halfVectorBytes + vectorBytes;
+    static constexpr std::size_t kInBytes = 2 * RunLayout<12>::kHalfVectorBytes;
+    static constexpr std::size_t kInReach = RunLayout<12>::kHalfVectorBytes + kVectorBytes;
 
     [[nodiscard]] HWY_INLINE ByteVector read(const std::uint8_t* pairs) const
     {
-        const ByteVector first = reordered(load(pairs), RunLayout<12>::blocks);
-        const ByteVector second = reordered(load(pairs + RunLayout<12>::halfVectorBytes), RunLayout<12>::blocks);
-        return halvesOfBlocksApart(hn::Or(lookUp(first, repeated(toLower)), lookUp(second, repeated(toUpper))));
+        const ByteVector first = reordered(load(pairs), RunLayout<12>::kBlocks);
+        const ByteVector second = reordered(load(pairs + RunLayout<12>::kHalfVectorBytes), RunLayout<12>::kBlocks);
+        return halvesOfBlocksApart(hn::Or(lookUp(first, repeated(kToLower)), lookUp(second, repeated(kToUpper))));
     }
 
 private:
-    static constexpr BlockTable toLower{0,        2,        3,        5,        6,        8,        9,        11,
-                                        zeroByte, zeroByte, zeroByte, zeroByte, zeroByte, zeroByte, zeroByte, zeroByte};
-    static constexpr BlockTable toUpper{zeroByte, zeroByte, zeroByte, zeroByte, zeroByte, zeroByte, zeroByte, zeroByte,
-                                        0,        2,        3,        5,        6,        8,        9,        11};
+    static constexpr BlockTable kToLower{0,         2,         3,         5,         6,         8,
+                                         9,         11,        kZeroByte, kZeroByte, kZeroByte, kZeroByte,
+                                         kZeroByte, kZeroByte, kZeroByte, kZeroByte};
+    static constexpr BlockTable kToUpper{kZeroByte, kZeroByte, kZeroByte, kZeroByte, kZeroByte, kZeroByte,
+                                         kZeroByte, kZeroByte, 0,         2,         3,         5,
+                                         6,         8,         9,         11};
 };
 
 template <typename Samples> class BytesStep {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = vectorBytes;
-    static constexpr std::size_t inBytes = Samples::inBytes;
-    static constexpr std::size_t inReach = Samples::inReach;
-    static constexpr std::size_t outBytes = vectorBytes;
+    static constexpr std::size_t kPlanes = 1;
+    static constexpr std::size_t kUnits = kVectorBytes;
+    static constexpr std::size_t kInBytes = Samples::kInBytes;
+    static constexpr std::size_t kInReach = Samples::kInReach;
+    static constexpr std::size_t kOutBytes = kVectorBytes;
 
     HWY_INLINE explicit BytesStep(const Samples& samples)
         : m_samples(samples)
@@ -136,15 +137,15 @@ private:
     Samples m_samples;
 };
 
-/// In one go: a buffer between two passes costs a quarter more where the images do not fit the caches, because stores
-/// to it wait for those of the pixels before.
+/// One pass from samples to pixels. Two passes with a buffer in between take a quarter longer for images that do not
+/// fit the caches, because stores to the buffer wait for earlier stores of pixels.
 template <typename Samples> class GraySamplesStep {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t units = vectorBytes;
-    static constexpr std::size_t inBytes = Samples::inBytes;
-    static constexpr std::size_t inReach = Samples::inReach;
-    static constexpr std::size_t outBytes = vectorBytes * bytesPerBgra;
+    static constexpr std::size_t kPlanes = 1;
+    static constexpr std::size_t kUnits = kVectorBytes;
+    static constexpr std::size_t kInBytes = Samples::kInBytes;
+    static constexpr std::size_t kInReach = Samples::kInReach;
+    static constexpr std::size_t kOutBytes = kVectorBytes * kBytesPerBgra;
 
     HWY_INLINE explicit GraySamplesStep(const Samples& samples)
         : m_samples(samples)
@@ -161,7 +162,7 @@ private:
     Samples m_samples;
 };
 
-/// `Step` is one of the two above.
+/// `Step` is BytesStep or GraySamplesStep.
 template <template <typename> class Step>
 HWY_INLINE void overSamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t samples,
                             WritableBytes to)

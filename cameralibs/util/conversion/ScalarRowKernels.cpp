@@ -15,28 +15,25 @@ void writePixel(std::uint8_t blue, std::uint8_t green, std::uint8_t red, std::ui
     bgra[3] = 255;
 }
 
-// --- Samples to bytes
-// ---------------------------------------------------------------------------------------------------
+// Samples to bytes
 
 std::uint8_t upperBits(const std::uint8_t* from, SamplePacking packing, unsigned bits, std::size_t sample)
 {
-    if (packing == SamplePacking::Pairs) {
+    if (packing == SamplePacking::Pairs)
         return from[sample / 2 * 3 + sample % 2 * 2];
-    }
-    // The last 8 bits of a sample, in a run of bits or in words of 16.
+    // The position of the upper 8 bits of a sample, in a run of bits or in 16-bit words.
     const std::size_t bit = packing == SamplePacking::Bits ? (sample + 1) * bits - 8 : 16 * sample + bits - 8;
     const std::uint8_t* const byte = from + bit / 8;
     const unsigned shift = bit % 8;
-    // The byte after a sample that ends with its byte may be past the end of the image.
+    // Do not read byte[1] if the sample ends at a byte boundary: it may lie outside the image.
     return shift == 0 ? *byte : static_cast<std::uint8_t>(byte[0] >> shift | byte[1] << (8 - shift));
 }
 
 void bytesFromSamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t samples,
                       WritableBytes bytes)
 {
-    for (std::size_t i = 0; i < samples; ++i) {
+    for (std::size_t i = 0; i < samples; ++i)
         bytes.begin[i] = upperBits(from.begin, packing, bits, i);
-    }
 }
 
 void bgraFromGraySamples(ReadableBytes from, SamplePacking packing, unsigned bits, std::size_t pixels,
@@ -44,18 +41,17 @@ void bgraFromGraySamples(ReadableBytes from, SamplePacking packing, unsigned bit
 {
     for (std::size_t i = 0; i < pixels; ++i) {
         const std::uint8_t level = upperBits(from.begin, packing, bits, i);
-        writePixel(level, level, level, bgra.begin + bytesPerBgra * i);
+        writePixel(level, level, level, bgra.begin + kBytesPerBgra * i);
     }
 }
 
-// --- Gray and colours
-// ---------------------------------------------------------------------------------------------------
+// Gray and colours
 
 void bgraFromGray(ReadableBytes gray, std::size_t pixels, WritableBytes bgra)
 {
     for (std::size_t i = 0; i < pixels; ++i) {
         const std::uint8_t level = gray.begin[i];
-        writePixel(level, level, level, bgra.begin + bytesPerBgra * i);
+        writePixel(level, level, level, bgra.begin + kBytesPerBgra * i);
     }
 }
 
@@ -63,7 +59,7 @@ void bgraFromPixels(ReadableBytes samples, const PixelLayout& layout, std::size_
 {
     for (std::size_t i = 0; i < pixels; ++i) {
         const std::uint8_t* const pixel = samples.begin + layout.bytes * i;
-        writePixel(pixel[layout.blue], pixel[layout.green], pixel[layout.red], bgra.begin + bytesPerBgra * i);
+        writePixel(pixel[layout.blue], pixel[layout.green], pixel[layout.red], bgra.begin + kBytesPerBgra * i);
     }
 }
 
@@ -73,26 +69,24 @@ void bgraFromWords30(ReadableBytes words, std::size_t pixels, WritableBytes bgra
         const std::uint8_t* const word = words.begin + 4 * i;
         const unsigned bits = word[0] | unsigned{word[1]} << 8 | unsigned{word[2]} << 16 | unsigned{word[3]} << 24;
         const auto upper = [bits](unsigned sample) { return static_cast<std::uint8_t>(bits >> (10 * sample + 2)); };
-        writePixel(upper(2), upper(1), upper(0), bgra.begin + bytesPerBgra * i);
+        writePixel(upper(2), upper(1), upper(0), bgra.begin + kBytesPerBgra * i);
     }
 }
 
 void bgraFromPlanes(ReadableBytes blue, ReadableBytes green, ReadableBytes red, std::size_t pixels, WritableBytes bgra)
 {
-    for (std::size_t i = 0; i < pixels; ++i) {
-        writePixel(blue.begin[i], green.begin[i], red.begin[i], bgra.begin + bytesPerBgra * i);
-    }
+    for (std::size_t i = 0; i < pixels; ++i)
+        writePixel(blue.begin[i], green.begin[i], red.begin[i], bgra.begin + kBytesPerBgra * i);
 }
 
-// --- Luma and chroma
-// ----------------------------------------------------------------------------------------------------
+// Luma and chroma
 
 std::uint8_t fromThirtySeconds(int sum)
 {
     return static_cast<std::uint8_t>(std::clamp(sum >> 5, 0, 255));
 }
 
-// Products in 2^-5 levels, cut down: that costs less than a tenth of a level, and 16 bits hold every sum.
+// Products are truncated to units of 2^-5, so that every sum fits 16 bits. The error is less than a tenth of a level.
 void writeYCbCr(std::uint8_t y, std::uint8_t cb, std::uint8_t cr, const ChromaWeights& weights, std::uint8_t* bgra)
 {
     const int gray = (y * weights.luma >> 8) + weights.offset;
@@ -108,7 +102,7 @@ void bgraFromGroups(ReadableBytes samples, const ChromaLayout& layout, const Chr
     for (std::size_t i = 0; i < pixels; ++i) {
         const std::uint8_t* const group = samples.begin + i / layout.pixels * layout.samples;
         writeYCbCr(group[layout.luma[i % layout.pixels]], group[layout.cb], group[layout.cr], weights,
-                   bgra.begin + bytesPerBgra * i);
+                   bgra.begin + kBytesPerBgra * i);
     }
 }
 
@@ -117,19 +111,18 @@ void bgraFromSemiplanar(ReadableBytes luma, ReadableBytes chroma, const ChromaLa
 {
     for (std::size_t i = 0; i < pixels; ++i) {
         const std::uint8_t* const pair = chroma.begin + i / 2 * 2;
-        writeYCbCr(luma.begin[i], pair[layout.cb], pair[layout.cr], weights, bgra.begin + bytesPerBgra * i);
+        writeYCbCr(luma.begin[i], pair[layout.cb], pair[layout.cr], weights, bgra.begin + kBytesPerBgra * i);
     }
 }
 
-// --- Bayer
-// --------------------------------------------------------------------------------------------------------------
+// Bayer
 
 std::uint8_t fromSixteenths(int sum)
 {
     return static_cast<std::uint8_t>(std::clamp((sum + 8) >> 4, 0, 255));
 }
 
-// A row, and the two above and the two below it.
+// A row between the two rows above and the two rows below it.
 using FilterRows = std::array<const std::uint8_t*, 5>;
 
 // The four filters of Malvar, He and Cutler: "High-quality linear interpolation for demosaicing of Bayer-patterned
@@ -138,7 +131,7 @@ void writeBayerRow(const FilterRows& rows, BayerRow kind, std::size_t pixels, st
 {
     const bool greenFirst = kind == BayerRow::GreenRed || kind == BayerRow::GreenBlue;
     const bool redRow = kind == BayerRow::GreenRed || kind == BayerRow::RedGreen;
-    for (std::ptrdiff_t x = 0; x < static_cast<std::ptrdiff_t>(pixels); ++x, bgra += bytesPerBgra) {
+    for (std::ptrdiff_t x = 0; x < static_cast<std::ptrdiff_t>(pixels); ++x, bgra += kBytesPerBgra) {
         const std::uint8_t here = rows[2][x];
         const int inRow = rows[2][x - 1] + rows[2][x + 1];
         const int inColumn = rows[1][x] + rows[3][x];
@@ -186,10 +179,10 @@ void bgraFromBayer(const BayerRows& rows, BayerRow first, std::size_t pixels, st
 
 const RowKernels& scalarRowKernels() noexcept
 {
-    static constexpr RowKernels kernels{
+    static constexpr RowKernels kKernels{
         bytesFromSamples, bgraFromGraySamples, bgraFromGray,       bgraFromPixels, bgraFromWords30,
         bgraFromPlanes,   bgraFromGroups,      bgraFromSemiplanar, bgraFromBayer,  nullptr};
-    return kernels;
+    return kKernels;
 }
 
 } // namespace cameralibs

@@ -1,13 +1,13 @@
 #include "cameralibs/util/conversion/RowKernels.h"
 
-// Compiles this file once for every instruction set that Highway knows on this architecture.
+// Compiles this file once per instruction set that Highway supports on this architecture.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "cameralibs/util/conversion/VectorRowKernels.cpp"
 #include <hwy/foreach_target.h>
 
 #include <hwy/highway.h>
 
-// The code below needs vectors of a known size. Without one, the plain code serves.
+// The vector code needs a vector size that is known at compile time. Other targets use the scalar code.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128 && !HWY_HAVE_SCALABLE
 #include "cameralibs/util/conversion/BayerSteps-inl.h"
 #include "cameralibs/util/conversion/BgraSteps-inl.h"
@@ -21,10 +21,10 @@ namespace cameralibs::HWY_NAMESPACE {
 const RowKernels* kernelsOfTarget()
 {
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128 && !HWY_HAVE_SCALABLE
-    static constexpr RowKernels kernels{bytesFromSamples, bgraFromGraySamples, bgraFromGray,   bgraFromPixels,
-                                        bgraFromWords30,  bgraFromPlanes,      bgraFromGroups, bgraFromSemiplanar,
-                                        bgraFromBayer,    bgraFromBayerImage};
-    return &kernels;
+    static constexpr RowKernels kKernels{bytesFromSamples, bgraFromGraySamples, bgraFromGray,   bgraFromPixels,
+                                         bgraFromWords30,  bgraFromPlanes,      bgraFromGroups, bgraFromSemiplanar,
+                                         bgraFromBayer,    bgraFromBayerImage};
+    return &kKernels;
 #else
     return &scalarRowKernels();
 #endif

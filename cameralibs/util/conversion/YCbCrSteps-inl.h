@@ -1,4 +1,4 @@
-// Luma and chroma to B, G, R, 255.
+// Converts luma and chroma to B, G, R, 255.
 #if defined(ORVO_YCBCR_STEPS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef ORVO_YCBCR_STEPS_INL_H
 #undef ORVO_YCBCR_STEPS_INL_H
@@ -11,22 +11,22 @@
 HWY_BEFORE_NAMESPACE();
 namespace cameralibs::HWY_NAMESPACE {
 
-/// Pixels in words: half a vector of bytes. A block of results is made of four pixels of the first half of them and
-/// four of the second, so that two vectors of results come out in order.
-constexpr std::size_t wordPixels = vectorBytes / 2;
-constexpr std::size_t quadPixels = 4;
+/// Pixels per step: as many as a vector has words. Each block processes four pixels (a quad) of their first half and
+/// four of their second half, so that the two vectors of results are in order.
+constexpr std::size_t kWordPixels = kVectorBytes / 2;
+constexpr std::size_t kQuadPixels = 4;
 
-/// Where the samples of a quad of pixels lie, counted from its first byte.
+/// The offsets of the samples in a quad of pixels.
 struct QuadPlaces {
-    std::array<std::size_t, quadPixels> y;
-    std::array<std::size_t, quadPixels> cb;
-    std::array<std::size_t, quadPixels> cr;
+    std::array<std::size_t, kQuadPixels> y;
+    std::array<std::size_t, kQuadPixels> cb;
+    std::array<std::size_t, kQuadPixels> cr;
 };
 
 HWY_INLINE QuadPlaces quadPlaces(const ChromaLayout& layout)
 {
     QuadPlaces places{};
-    for (std::size_t pixel = 0; pixel < quadPixels; ++pixel) {
+    for (std::size_t pixel = 0; pixel < kQuadPixels; ++pixel) {
         const std::size_t group = pixel / layout.pixels * layout.samples;
         places.y[pixel] = group + layout.luma[pixel % layout.pixels];
         places.cb[pixel] = group + layout.cb;
@@ -35,17 +35,18 @@ HWY_INLINE QuadPlaces quadPlaces(const ChromaLayout& layout)
     return places;
 }
 
-/// Indices for half of a block: these four bytes become the upper ones of words.
+/// Fills half of a table so that these four bytes become the upper bytes of words.
 HWY_INLINE void placeWords(BlockTable& table, std::size_t half, const std::array<std::size_t, 4>& bytes)
 {
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        table[8 * half + 2 * i] = zeroByte;
+        table[8 * half + 2 * i] = kZeroByte;
         table[8 * half + 2 * i + 1] = static_cast<std::uint8_t>(bytes[i]);
     }
 }
 
-/// Samples in the upper bytes of words. Those of chroma are counted from 128; Cb and Cr take turns, one of each for
-/// every two pixels, or, where `chromaVectors` is 2, for every pixel: the quads of a block apart.
+/// Samples in the upper bytes of words. Chroma has 128 subtracted, and Cb and Cr alternate. With one chroma vector
+/// there is a pair for every two pixels; with two, a pair for every pixel, and each vector holds one quad of each
+/// block.
 template <std::size_t ChromaVectors> struct Samples {
     WordVector y;
     std::array<SignedVector, ChromaVectors> chroma;
@@ -56,12 +57,12 @@ HWY_INLINE SignedVector from128(ByteVector samplesInUpperBytes)
     return hn::Xor(hn::BitCast(SignedWords(), samplesInUpperBytes), hn::Set(SignedWords(), std::int16_t{-32768}));
 }
 
-/// Groups of two or four pixels: both quads of a block fit it with all of their samples.
+/// Groups of two or four pixels. Both quads of a block fit the block with all their samples.
 template <std::size_t BytesPerQuad> class SharedChroma {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t inBytes = wordPixels / quadPixels * BytesPerQuad;
-    static constexpr std::size_t inReach = vectorBytes;
+    static constexpr std::size_t kPlanes = 1;
+    static constexpr std::size_t kInBytes = kWordPixels / kQuadPixels * BytesPerQuad;
+    static constexpr std::size_t kInReach = kVectorBytes;
 
     HWY_INLINE explicit SharedChroma(const ChromaLayout& layout)
     {
@@ -72,17 +73,17 @@ public:
 
     [[nodiscard]] HWY_INLINE Samples<1> read(const std::array<const std::uint8_t*, 1>& samples) const
     {
-        const ByteVector quads = reordered(load(samples[0]), quadOrder);
+        const ByteVector quads = reordered(load(samples[0]), kQuadOrder);
         return {hn::BitCast(Words(), lookUp(quads, m_y)), {from128(lookUp(quads, m_chroma))}};
     }
 
 private:
     static constexpr std::size_t firstByte(std::size_t block, std::size_t half)
     {
-        return (half * vectorBlocks + block) * BytesPerQuad;
+        return (half * kVectorBlocks + block) * BytesPerQuad;
     }
 
-    static constexpr DoubleWordTable quadOrder = [] {
+    static constexpr DoubleWordTable kQuadOrder = [] {
         DoubleWordTable result{};
         for (std::size_t i = 0; i < result.size(); ++i) {
             const std::size_t from = firstByte(i / 4, i % 4 / 2) / 4 + i % 2;
@@ -91,12 +92,11 @@ private:
         return result;
     }();
 
-    // A quad begins with a double word, or two bytes after one.
-    static constexpr VectorTable starts = [] {
+    // A quad starts at a double word or two bytes after one.
+    static constexpr VectorTable kStarts = [] {
         VectorTable result{};
-        for (std::size_t i = 0; i < vectorBytes; ++i) {
-            result[i] = static_cast<std::uint8_t>(firstByte(i / blockBytes, i % blockBytes / 8) % 4);
-        }
+        for (std::size_t i = 0; i < kVectorBytes; ++i)
+            result[i] = static_cast<std::uint8_t>(firstByte(i / kBlockBytes, i % kBlockBytes / 8) % 4);
         return result;
     }();
 
@@ -105,45 +105,44 @@ private:
         BlockTable table{};
         placeWords(table, 0, bytes);
         placeWords(table, 1, {bytes[0] + 8, bytes[1] + 8, bytes[2] + 8, bytes[3] + 8});
-        return hn::Add(repeated(table), load(starts.data())); // `zeroByte` and a start give zero as well
+        return hn::Add(repeated(table), load(kStarts.data())); // kZeroByte plus a start still selects zero
     }
 
     ByteVector m_y;
     ByteVector m_chroma;
 };
 
-/// Three samples for every pixel: each quad of a block comes from a vector of its own.
+/// Three samples for every pixel. The two quads of a block come from different vectors.
 class OwnChroma {
 public:
-    static constexpr std::size_t planes = 1;
-    static constexpr std::size_t bytesPerQuad = 12;
-    static constexpr std::size_t inBytes = wordPixels / quadPixels * bytesPerQuad;
-    static constexpr std::size_t inReach = inBytes / 2 + vectorBytes;
+    static constexpr std::size_t kPlanes = 1;
+    static constexpr std::size_t kBytesPerQuad = 12;
+    static constexpr std::size_t kInBytes = kWordPixels / kQuadPixels * kBytesPerQuad;
+    static constexpr std::size_t kInReach = kInBytes / 2 + kVectorBytes;
 
     HWY_INLINE explicit OwnChroma(const ChromaLayout& layout)
     {
         const QuadPlaces places = quadPlaces(layout);
-        constexpr std::array<std::size_t, 4> nothing{zeroByte, zeroByte, zeroByte, zeroByte};
-        m_yOfFirst = tableOf(places.y, nothing);
-        m_yOfSecond = tableOf(nothing, places.y);
+        constexpr std::array<std::size_t, 4> kNothing{kZeroByte, kZeroByte, kZeroByte, kZeroByte};
+        m_yOfFirst = tableOf(places.y, kNothing);
+        m_yOfSecond = tableOf(kNothing, places.y);
         m_chroma = tableOf({places.cb[0], places.cr[0], places.cb[1], places.cr[1]},
                            {places.cb[2], places.cr[2], places.cb[3], places.cr[3]});
     }
 
     [[nodiscard]] HWY_INLINE Samples<2> read(const std::array<const std::uint8_t*, 1>& samples) const
     {
-        const ByteVector first = reordered(load(samples[0]), quadOrder);
-        const ByteVector second = reordered(load(samples[0] + inBytes / 2), quadOrder);
+        const ByteVector first = reordered(load(samples[0]), kQuadOrder);
+        const ByteVector second = reordered(load(samples[0] + kInBytes / 2), kQuadOrder);
         return {hn::BitCast(Words(), hn::Or(lookUp(first, m_yOfFirst), lookUp(second, m_yOfSecond))),
                 {from128(lookUp(first, m_chroma)), from128(lookUp(second, m_chroma))}};
     }
 
 private:
-    static constexpr DoubleWordTable quadOrder = [] {
+    static constexpr DoubleWordTable kQuadOrder = [] {
         DoubleWordTable result{};
-        for (std::size_t i = 0; i < result.size(); ++i) {
+        for (std::size_t i = 0; i < result.size(); ++i)
             result[i] = static_cast<std::uint32_t>(i / 4 * 3 + std::min<std::size_t>(i % 4, 2));
-        }
         return result;
     }();
 
@@ -161,12 +160,12 @@ private:
     ByteVector m_chroma;
 };
 
-/// A block takes four bytes of luma for each quad, then four of chroma for each.
+/// Separate planes. A block holds four luma bytes for each quad, then four chroma bytes for each.
 class SemiplanarChroma {
 public:
-    static constexpr std::size_t planes = 2;
-    static constexpr std::size_t inBytes = wordPixels;
-    static constexpr std::size_t inReach = wordPixels;
+    static constexpr std::size_t kPlanes = 2;
+    static constexpr std::size_t kInBytes = kWordPixels;
+    static constexpr std::size_t kInReach = kWordPixels;
 
     HWY_INLINE explicit SemiplanarChroma(const ChromaLayout& layout)
     {
@@ -178,16 +177,15 @@ public:
     {
         const hn::Half<Bytes> half;
         const ByteVector both = hn::Combine(Bytes(), hn::LoadU(half, lumaChroma[1]), hn::LoadU(half, lumaChroma[0]));
-        const ByteVector quads = reordered(both, quadOrder);
+        const ByteVector quads = reordered(both, kQuadOrder);
         return {hn::BitCast(Words(), lookUp(quads, m_y)), {from128(lookUp(quads, m_chroma))}};
     }
 
 private:
-    static constexpr DoubleWordTable quadOrder = [] {
+    static constexpr DoubleWordTable kQuadOrder = [] {
         DoubleWordTable result{};
-        for (std::size_t i = 0; i < result.size(); ++i) {
-            result[i] = static_cast<std::uint32_t>(i % 4 * vectorBlocks + i / 4);
-        }
+        for (std::size_t i = 0; i < result.size(); ++i)
+            result[i] = static_cast<std::uint32_t>(i % 4 * kVectorBlocks + i / 4);
         return result;
     }();
 
@@ -203,32 +201,32 @@ private:
     ByteVector m_chroma;
 };
 
-/// Products of chroma to words of pixels: from the lower or the upper word of each two.
+/// Distributes products of chroma to the pixels: the lower or the upper word of each pair.
 template <bool Upper> HWY_INLINE SignedVector spread(const std::array<SignedVector, 1>& products)
 {
-    static constexpr BlockTable lowerWords{0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13};
-    static constexpr BlockTable upperWords{2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15};
-    const ByteVector table = repeated(Upper ? upperWords : lowerWords);
+    static constexpr BlockTable kLowerWords{0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13};
+    static constexpr BlockTable kUpperWords{2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15};
+    const ByteVector table = repeated(Upper ? kUpperWords : kLowerWords);
     return hn::BitCast(SignedWords(), lookUp(hn::BitCast(Bytes(), products[0]), table));
 }
 
 template <bool Upper> HWY_INLINE SignedVector spread(const std::array<SignedVector, 2>& products)
 {
-    constexpr std::uint8_t no = zeroByte;
-    static constexpr BlockTable lowerOfFirst{0, 1, 4, 5, 8, 9, 12, 13, no, no, no, no, no, no, no, no};
-    static constexpr BlockTable lowerOfSecond{no, no, no, no, no, no, no, no, 0, 1, 4, 5, 8, 9, 12, 13};
-    static constexpr BlockTable upperOfFirst{2, 3, 6, 7, 10, 11, 14, 15, no, no, no, no, no, no, no, no};
-    static constexpr BlockTable upperOfSecond{no, no, no, no, no, no, no, no, 2, 3, 6, 7, 10, 11, 14, 15};
-    const ByteVector first = lookUp(hn::BitCast(Bytes(), products[0]), repeated(Upper ? upperOfFirst : lowerOfFirst));
+    constexpr std::uint8_t kNo = kZeroByte;
+    static constexpr BlockTable kLowerOfFirst{0, 1, 4, 5, 8, 9, 12, 13, kNo, kNo, kNo, kNo, kNo, kNo, kNo, kNo};
+    static constexpr BlockTable kLowerOfSecond{kNo, kNo, kNo, kNo, kNo, kNo, kNo, kNo, 0, 1, 4, 5, 8, 9, 12, 13};
+    static constexpr BlockTable kUpperOfFirst{2, 3, 6, 7, 10, 11, 14, 15, kNo, kNo, kNo, kNo, kNo, kNo, kNo, kNo};
+    static constexpr BlockTable kUpperOfSecond{kNo, kNo, kNo, kNo, kNo, kNo, kNo, kNo, 2, 3, 6, 7, 10, 11, 14, 15};
+    const ByteVector first = lookUp(hn::BitCast(Bytes(), products[0]), repeated(Upper ? kUpperOfFirst : kLowerOfFirst));
     const ByteVector second =
-        lookUp(hn::BitCast(Bytes(), products[1]), repeated(Upper ? upperOfSecond : lowerOfSecond));
+        lookUp(hn::BitCast(Bytes(), products[1]), repeated(Upper ? kUpperOfSecond : kLowerOfSecond));
     return hn::BitCast(SignedWords(), hn::Or(first, second));
 }
 
-/// For each two words the sum of their products, of which the upper word is wanted.
+/// The sum of the products of each pair of words, as a double word. Only its upper word is used.
 HWY_INLINE SignedVector sumsOfProducts(SignedVector a, SignedVector b)
 {
-    // Highway 1.0 has no such operation that keeps the order on every processor.
+    // Highway 1.0 has no such operation that keeps the order on all processors.
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
     return SignedVector{_mm512_madd_epi16(a.raw, b.raw)};
 #elif HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX2
@@ -246,11 +244,11 @@ HWY_INLINE SignedVector sumsOfProducts(SignedVector a, SignedVector b)
 
 template <typename Reader> class ChromaStep {
 public:
-    static constexpr std::size_t planes = Reader::planes;
-    static constexpr std::size_t units = wordPixels;
-    static constexpr std::size_t inBytes = Reader::inBytes;
-    static constexpr std::size_t inReach = Reader::inReach;
-    static constexpr std::size_t outBytes = wordPixels * bytesPerBgra;
+    static constexpr std::size_t kPlanes = Reader::kPlanes;
+    static constexpr std::size_t kUnits = kWordPixels;
+    static constexpr std::size_t kInBytes = Reader::kInBytes;
+    static constexpr std::size_t kInReach = Reader::kInReach;
+    static constexpr std::size_t kOutBytes = kWordPixels * kBytesPerBgra;
 
     HWY_INLINE ChromaStep(const ChromaLayout& layout, const ChromaWeights& weights)
         : m_reader(layout)
@@ -261,7 +259,7 @@ public:
     {
     }
 
-    HWY_INLINE void operator()(const std::array<const std::uint8_t*, planes>& from, std::uint8_t* bgra) const
+    HWY_INLINE void operator()(const std::array<const std::uint8_t*, kPlanes>& from, std::uint8_t* bgra) const
     {
         const auto samples = m_reader.read(from);
         auto blueRedChroma = samples.chroma;
@@ -280,7 +278,7 @@ public:
         const auto blueGreen = hn::BitCast(Words(), hn::InterleaveLower(Bytes(), blueRed, greenAlpha));
         const auto redAlpha = hn::BitCast(Words(), hn::InterleaveUpper(Bytes(), blueRed, greenAlpha));
         store(hn::BitCast(Bytes(), hn::InterleaveLower(Words(), blueGreen, redAlpha)), bgra);
-        store(hn::BitCast(Bytes(), hn::InterleaveUpper(Words(), blueGreen, redAlpha)), bgra + vectorBytes);
+        store(hn::BitCast(Bytes(), hn::InterleaveUpper(Words(), blueGreen, redAlpha)), bgra + kVectorBytes);
     }
 
 private:
