@@ -19,7 +19,8 @@ struct ModeRow {
     NodeAccessMode mode;
 };
 
-// Behind them: registers RegRO, RegWO, RegRW; flags Yes and No; Gone (not available), Missing (not implemented).
+// The rows refer to the registers RegRO, RegWO and RegRW, the flags Yes and No, and the nodes Gone (not available) and
+// Missing (not implemented).
 constexpr ModeRow kModes[] = {
     {"Category", "", RO},
     {"Integer", "<Value>1</Value>", RW},
@@ -111,7 +112,7 @@ std::string everything()
 
 } // namespace
 
-TEST(AccessMode, OfEveryCombination)
+TEST(AccessMode, EveryCombinationGivesItsMode)
 {
     DescribedCamera camera(everything());
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
@@ -121,7 +122,7 @@ TEST(AccessMode, OfEveryCombination)
     }
 }
 
-TEST(AccessMode, DecidesBeforeTheValueIsLookedAt)
+TEST(AccessMode, IsCheckedBeforeTheValue)
 {
     DescribedCamera camera(everything());
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
@@ -145,14 +146,14 @@ TEST(AccessMode, DecidesBeforeTheValueIsLookedAt)
         EXPECT_EQ(Nd_GetIntValue(camera.handle(), node, &value), expected.read) << row.content;
         EXPECT_EQ(Nd_SetIntValue(camera.handle(), node, 1, true), expected.write) << row.content;
         EXPECT_EQ(Nd_SetIntValue(camera.handle(), node, 1, false), expected.write) << row.content;
-        // Neither range nor value come first.
+        // Neither the range nor the value is checked first.
         if (expected.write != CAM_API_STS_SUCCESS) {
             EXPECT_EQ(Nd_SetIntValue(camera.handle(), node, -5, true), expected.write) << row.content;
         }
     }
 }
 
-TEST(AccessMode, OfEveryTypeOfOperation)
+TEST(AccessMode, IsCheckedByEveryOperation)
 {
     DescribedCamera camera(describe(constant("No", 0) + intReg("RegRO", 0, "RO") + intReg("RegWO", 4, "WO") +
                                     R"(<Float Name="F"><pIsAvailable>No</pIsAvailable><Value>1</Value></Float>
@@ -185,7 +186,7 @@ TEST(AccessMode, OfEveryTypeOfOperation)
     EXPECT_EQ(Nd_SetEnumIntValue(c, camera.node("ERO"), 77), CAM_API_STS_NOT_WRITABLE);
 }
 
-TEST(AccessMode, OfEntriesTellsWhetherTheyCanBeChosen)
+TEST(AccessMode, OfAnEntryShowsWhetherItCanBeChosen)
 {
     DescribedCamera camera(describe(constant("No", 0) + intReg("Switch", 0) + intReg("Reg", 4) +
                                     R"(<Integer Name="On"><pValue>Switch</pValue></Integer>
@@ -216,7 +217,7 @@ TEST(AccessMode, OfEntriesTellsWhetherTheyCanBeChosen)
     EXPECT_THAT(modes(), ::testing::ElementsAre(RO, RO, NI));
     EXPECT_EQ(Nd_SetEnumStrValue(c, e, "Sometimes"), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Nd_SetEnumStrValue(c, e, "Never"), CAM_API_STS_INVALID_PARAMETER);
-    // An entry that cannot be chosen any more still names the value.
+    // An entry that can no longer be chosen still names the value.
     EXPECT_EQ(Nd_SetIntValue(c, camera.node("On"), 0), CAM_API_STS_SUCCESS);
     EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "Sometimes");
 }

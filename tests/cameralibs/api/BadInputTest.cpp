@@ -16,7 +16,7 @@ namespace {
 constexpr int kThreads = 8;
 constexpr std::uint64_t kCanary = 0xA5A5A5A5A5A5A5A5;
 
-/// What wrong callers pass: zero, small and large numbers, handles of all kinds, living and dead.
+/// Wrong arguments: zero, small and large numbers, and valid and stale handles of all kinds.
 class Handles {
 public:
     explicit Handles(unsigned seed)
@@ -25,7 +25,7 @@ public:
     }
 
     void add(std::uint64_t handle) { m_handles.push_back(handle); }
-    /// One that nobody may close.
+    /// A handle that must stay valid.
     void addKept(std::uint64_t handle)
     {
         add(handle);
@@ -52,7 +52,7 @@ private:
     std::set<std::uint64_t> m_kept;
 };
 
-/// An out-value that must keep its canary unless the operation succeeds.
+/// An output argument that must keep its canary unless the operation succeeds.
 template <class Value> class Out {
 public:
     explicit Out(bool null)
@@ -103,7 +103,7 @@ CAM_API_STATUS readText(Handles& handles, TextOperation operation)
 
 using Call = std::function<CAM_API_STATUS(Handles&)>;
 
-/// Every operation but those that change the library's state, with arguments that are mostly wrong.
+/// Calls every operation, except those that change the library's state, with mostly wrong arguments.
 std::vector<Call> calls()
 {
     std::vector<Call> all = {
@@ -236,7 +236,7 @@ protected:
     }
 };
 
-TEST_F(BadInputTest, FromEightThreads)
+TEST_F(BadInputTest, EightThreads)
 {
     CAM_HANDLE second = 0;
     CAM_STRM_HANDLE stream = 0;
@@ -256,10 +256,10 @@ TEST_F(BadInputTest, FromEightThreads)
         },
         1500);
     std::int64_t value = 0;
-    EXPECT_EQ(Nd_GetIntValue(second, nodeOf(second, "Width"), &value), CAM_API_STS_SUCCESS) << "still in order";
+    EXPECT_EQ(Nd_GetIntValue(second, nodeOf(second, "Width"), &value), CAM_API_STS_SUCCESS) << "still works";
 }
 
-TEST_F(BadInputTest, WhileTheLibraryStartsAndEnds)
+TEST_F(BadInputTest, WhileTheLibraryIsInitializedAndTerminated)
 {
     const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
     std::atomic<bool> done{false};
@@ -331,7 +331,7 @@ TEST_F(BadInputTest, TwoCamerasAreOpenedAtTheSameTime)
         thread.join();
 }
 
-TEST_F(BadInputTest, OpenedAndClosedFromEightThreads)
+TEST_F(BadInputTest, EightThreadsOpenAndClose)
 {
     ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     std::vector<std::thread> threads;

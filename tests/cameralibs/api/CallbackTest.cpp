@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint32_t kSlots = 4;
 
-/// Two cameras; the first streams small images, and its callbacks are what the test is about.
+/// Two cameras. The first one streams small images, and the tests use its callbacks.
 class CallbackTest : public CameraTest {
 public:
     ~CallbackTest() override { (void)Strm_Stop(m_stream); }
@@ -51,7 +51,7 @@ void expectRefusals(CAM_HANDLE camera, CAM_STRM_HANDLE stream)
     EXPECT_EQ(Strm_Close(stream), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Cam_Close(camera), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_INVALID_PARAMETER);
-    // Handles come first.
+    // Handles are checked first.
     EXPECT_EQ(Strm_Stop(camera), CAM_API_STS_INVALID_STREAM_HANDLE);
     EXPECT_EQ(Cam_Close(stream), CAM_API_STS_INVALID_CAMERA_HANDLE);
 }
@@ -61,7 +61,7 @@ void expectRefusals(CAM_HANDLE camera, CAM_STRM_HANDLE stream)
 TEST_F(CallbackTest, FourOperationsAreRefused)
 {
     insideFirstImage([&] { expectRefusals(m_camera, m_stream); });
-    ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS) << "and nothing came of them";
+    ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS) << "the refused operations had no effect";
 }
 
 TEST_F(CallbackTest, FourOperationsAreRefusedInTheOtherCallbacksToo)
@@ -145,7 +145,7 @@ TEST_F(CallbackTest, EveryOtherOperationWorks)
 
 TEST_F(CallbackTest, StopDoesNotWaitForACallbackThatWaitsForIt)
 {
-    // What a callback does while another thread is in Strm_Stop must not wait for that.
+    // Operations in a callback must not wait for another thread's Strm_Stop.
     std::atomic<bool> entered{false};
     std::atomic<bool> stopWaits{false};
     m_recorder.onImage = [&, done = false](const StreamRecorder::Image&) mutable {
@@ -176,7 +176,7 @@ TEST_F(CallbackTest, CloseAndTerminateWaitForCallbacksThatCallTheLibrary)
                 return;
             entered = true;
             for (int i = 0; i < 50; ++i) {
-                // Answers of any kind; none of them may hang.
+                // Any status is fine, but no call may block.
                 std::int64_t value = 0;
                 CAM_NODE_HANDLE handle = 0;
                 std::uint32_t count = 0;
@@ -200,7 +200,7 @@ TEST_F(CallbackTest, CloseAndTerminateWaitForCallbacksThatCallTheLibrary)
     }
 }
 
-TEST_F(CallbackTest, UnpluggedFromInside)
+TEST_F(CallbackTest, CameraIsUnpluggedInACallback)
 {
     m_recorder.onImage = [&](const StreamRecorder::Image&) { (void)Nd_CmdExecute(m_camera, node("SimulationUnplug")); };
     ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);

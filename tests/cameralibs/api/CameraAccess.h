@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-/// Longer than anything takes on the slowest machine.
+/// Longer than any operation takes on the slowest machine.
 constexpr std::chrono::seconds kPatience(60);
 
-/// Whether the condition, which is asked over and over, comes about within that time.
+/// Polls the condition. False if it does not become true within that time.
 [[nodiscard]] bool becomes(const std::function<bool()>& condition);
 
-// Short cuts over the exported functions; what fails fails the test.
+// Shortcuts for exported functions. A failing call fails the test.
 
 [[nodiscard]] Orvo::CAM_NODE_HANDLE nodeOf(Orvo::CAM_HANDLE camera, const std::string& name);
 
@@ -23,7 +23,7 @@ using TextOperation = Orvo::CAM_API_STATUS (*)(Orvo::CAM_HANDLE, Orvo::CAM_NODE_
 /// The whole text, or "status N".
 [[nodiscard]] std::string textOf(TextOperation operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node);
 
-/// The whole text, which there is.
+/// The whole text. Fails the test if there is none.
 [[nodiscard]] std::string wholeText(TextOperation operation, Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node);
 
 /// The names of a category's features, in their order.

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <string>
 
-/// A library with simulated cameras only, so that nothing looks for cameras on the network. Enumerated once.
+/// The library with simulated cameras only, so that it does not search the network. The cameras are enumerated.
 class SystemTest : public ::testing::Test {
 public:
     ~SystemTest() override;
@@ -24,7 +24,7 @@ protected:
     std::uint32_t m_cameras = 0;
 };
 
-/// The first camera of it, opened with a removal signal.
+/// With the first camera opened with a removal signal.
 class CameraTest : public SystemTest {
 protected:
     explicit CameraTest(const std::string& simulatedCameras = "1");
@@ -34,7 +34,7 @@ protected:
     [[nodiscard]] std::int64_t getInt(const char* name) const;
     void execute(const char* name) const;
 
-    /// Leaves the operations with status 19.
+    /// Afterwards operations return status 19.
     void unplug() const { execute("SimulationUnplug"); }
 
     Orvo::CAM_SIGNAL_HANDLE m_signal = 0;

@@ -136,7 +136,7 @@ TEST_F(CameraTest, OpenClearsTheSignal)
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
 }
 
-TEST_F(CameraTest, UnpluggedCameraAnswersAtOnceEverywhere)
+TEST_F(CameraTest, EveryOperationOnAnUnpluggedCameraFailsAtOnce)
 {
     const CAM_NODE_HANDLE width = node("Width");
     CAM_STRM_HANDLE stream = 0;
@@ -157,7 +157,7 @@ TEST_F(CameraTest, UnpluggedCameraAnswersAtOnceEverywhere)
     EXPECT_EQ(Strm_Start(stream, 8), kGone);
     EXPECT_EQ(Strm_GetCurrentBufferIndex(stream, nullptr), kGone);
     EXPECT_EQ(Strm_LockBuffer(stream, 0, nullptr), kGone);
-    // What takes things down works on.
+    // Operations that stop and close still work.
     EXPECT_EQ(Strm_UnlockBuffer(stream, 0), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
@@ -165,7 +165,7 @@ TEST_F(CameraTest, UnpluggedCameraAnswersAtOnceEverywhere)
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_INVALID_CAMERA_HANDLE);
 }
 
-TEST_F(CameraTest, CameraThatIsBackOpensWhileTheLostHandleIsStillOpen)
+TEST_F(CameraTest, ReconnectedCameraOpensBeforeTheLostHandleIsClosed)
 {
     setInt("SimulationReplugAfter", 1);
     const CAM_NODE_HANDLE width = node("Width");
@@ -197,7 +197,7 @@ TEST_F(CameraTest, TerminateClosesEverything)
     EXPECT_EQ(open(0, &m_camera), CAM_API_STS_SUCCESS) << "the device was let go";
 }
 
-TEST_F(CameraTest, UserDefinedNameIsKnownOnceTheCameraWasOpen)
+TEST_F(CameraTest, UserDefinedNameIsKnownAfterTheCameraWasOpened)
 {
     ASSERT_EQ(Nd_SetStrValue(m_camera, node("DeviceUserID"), "left"), CAM_API_STS_SUCCESS);
     ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
@@ -211,7 +211,7 @@ TEST_F(CameraTest, UserDefinedNameIsKnownOnceTheCameraWasOpen)
     EXPECT_EQ(info.userDefinedName, kept);
 }
 
-TEST_F(CameraTest, UserDefinedNameIsTheOneThatWasWrittenLast)
+TEST_F(CameraTest, UserDefinedNameIsTheLastOneWritten)
 {
     const auto listedName = [] {
         CAM_INFO info = {};
@@ -232,7 +232,7 @@ TEST_F(CameraTest, UserDefinedNameIsTheOneThatWasWrittenLast)
     EXPECT_EQ(listedName(), "right") << "a camera that tells its name in the list knows it better";
 }
 
-TEST(CameraInformation, IsAsciiAndCutToItsFields)
+TEST(CameraInformation, IsAsciiAndTruncatedToItsFields)
 {
     const std::string model = "K\u00E4mera " + std::string(100, 'm');
     const DescribedCamera camera(descriptionOf(model, "", ""));

@@ -1,4 +1,4 @@
-// What one thread closes while another uses it.
+// One thread closes objects while another one uses them.
 
 #include "CameraFixture.h"
 #include "StreamRecorder.h"
@@ -19,9 +19,9 @@ using ::testing::AnyOf;
 namespace {
 
 constexpr int kRounds = 25;
-constexpr std::uint32_t kManyBuffers = 1024; ///< so that a stream takes a while to open
+constexpr std::uint32_t kManyBuffers = 1024; ///< opening a stream with so many takes a while
 
-/// A camera that opens fast; its images are small, but it asks for buffers that take their time.
+/// A camera that opens fast. Its images are small, but the buffers are large and take time to allocate.
 std::string smallCamera()
 {
     const std::string size = "<Value>64</Value><Min>64</Min><Max>64</Max>";
@@ -56,15 +56,15 @@ protected:
         ASSERT_EQ(Sys_GetNumOfCameras(&m_cameras), CAM_API_STS_SUCCESS);
     }
 
-    /// Whether the camera's handle comes to be a dead one.
+    /// Waits until the camera's handle is invalid.
     [[nodiscard]] bool handleDies() const
     {
         CAM_NODE_HANDLE root = 0;
         return becomes([&] { return Nd_GetNode(m_camera, "Root", &root) != CAM_API_STS_SUCCESS; });
     }
 
-    /// Strm_Close on another thread. It has taken the stream's handle away and waits for a callback, which goes on
-    /// until the camera's handle is dead, too.
+    /// Strm_Close on another thread. It has invalidated the stream's handle and waits for a callback, which returns
+    /// once the camera's handle is invalid, too.
     [[nodiscard]] std::future<CAM_API_STATUS> startAndCloseStream()
     {
         m_recorder.onImage = [this](const StreamRecorder::Image&) { EXPECT_TRUE(handleDies()); };
@@ -84,7 +84,7 @@ protected:
     StreamRecorder m_recorder;
 };
 
-/// The results of both, which begin at the same time on two threads.
+/// Starts both at the same time on two threads and returns their results.
 template <class First, class Second> std::pair<CAM_API_STATUS, CAM_API_STATUS> together(First&& first, Second&& second)
 {
     std::atomic<int> ready{0};
@@ -103,7 +103,7 @@ template <class First, class Second> std::pair<CAM_API_STATUS, CAM_API_STATUS> t
 
 } // namespace
 
-TEST_F(ClosingTest, AStreamIsClosedOnceByTwoThreads)
+TEST_F(ClosingTest, TwoThreadsCloseAStreamOnce)
 {
     for (int round = 0; round < kRounds; ++round) {
         openCamera();
@@ -114,7 +114,7 @@ TEST_F(ClosingTest, AStreamIsClosedOnceByTwoThreads)
     }
 }
 
-TEST_F(ClosingTest, AStreamIsClosedWhileTheLibraryEnds)
+TEST_F(ClosingTest, AStreamIsClosedDuringTermination)
 {
     for (int round = 0; round < kRounds; ++round) {
         openCamera();
@@ -126,7 +126,7 @@ TEST_F(ClosingTest, AStreamIsClosedWhileTheLibraryEnds)
     }
 }
 
-TEST_F(ClosingTest, TheLibraryEndsWithTheLastCameraThatIsClosed)
+TEST_F(ClosingTest, TerminationWaitsForTheLastCameraToClose)
 {
     openCamera();
     openStream();
@@ -138,7 +138,7 @@ TEST_F(ClosingTest, TheLibraryEndsWithTheLastCameraThatIsClosed)
         entered = true;
         std::uint32_t count = 0;
         EXPECT_TRUE(becomes([&] { return Sys_GetNumOfCameras(&count) != CAM_API_STS_SUCCESS; }));
-        // For a while yet, in which nothing may end.
+        // Keeps closing for a while, in which termination must not return.
         for (int i = 0; i < 1000; ++i)
             std::this_thread::yield();
         left = true;
@@ -163,7 +163,7 @@ TEST_F(ClosingTest, NoStreamOutlivesItsCamera)
             done = true;
             return status;
         });
-        // As soon as the camera has a stream, the other thread is about to make the buffers.
+        // As soon as the camera has a stream, the other thread is about to allocate the buffers.
         EXPECT_TRUE(becomes([&] {
             return done ||
                    Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, 1, nullptr) == CAM_API_STS_ALREADY_OPENED;
@@ -202,7 +202,7 @@ TEST_F(ClosingTest, ACameraCountsAsOpenUntilItIsClosed)
         if (std::exchange(done, true))
             return;
         entered = true;
-        // The handle dies first; what closes the camera then waits for this callback.
+        // The handle becomes invalid first; closing then waits for this callback.
         EXPECT_TRUE(handleDies());
         CAM_HANDLE camera = 0;
         again = Cam_Open(0, &camera, 0, 1, nullptr, 1);
@@ -214,7 +214,7 @@ TEST_F(ClosingTest, ACameraCountsAsOpenUntilItIsClosed)
     openCamera();
 }
 
-TEST_F(ClosingTest, EveryCallAnswersAlikeWhileAnotherThreadTerminates)
+TEST_F(ClosingTest, EveryCallDuringTerminationReturnsNotInitialized)
 {
     ASSERT_NO_FATAL_FAILURE(openCamera());
     ASSERT_NO_FATAL_FAILURE(openStream());
@@ -248,7 +248,7 @@ TEST_F(ClosingTest, EveryCallAnswersAlikeWhileAnotherThreadTerminates)
     ASSERT_NO_FATAL_FAILURE(initialize());
 }
 
-TEST_F(ClosingTest, CallsUnderWayWhenAnotherThreadTerminatesSucceedOrFindTheLibraryEnded)
+TEST_F(ClosingTest, CallsInProgressAtTerminationSucceedOrReturnNotInitialized)
 {
     std::atomic<int> wrong{0};
     for (int round = 0; round < kRounds; ++round) {

@@ -6,7 +6,7 @@
 
 #include <string>
 
-/// A library with one camera, made from a description: opened as far as that goes.
+/// The library with one camera that is made from a description, opened if possible.
 class DescribedCamera {
 public:
     /// The whole description.
@@ -15,14 +15,14 @@ public:
     DescribedCamera(const DescribedCamera&) = delete;
     DescribedCamera& operator=(const DescribedCamera&) = delete;
 
-    /// What Cam_Open gave, and the text it left behind.
+    /// The status of Cam_Open, and its error text.
     [[nodiscard]] Orvo::CAM_API_STATUS status() const { return m_status; }
     [[nodiscard]] const std::string& error() const { return m_error; }
 
     [[nodiscard]] Orvo::CAM_HANDLE handle() const { return m_camera; }
     [[nodiscard]] Orvo::CAM_NODE_HANDLE node(const char* name) const { return nodeOf(m_camera, name); }
 
-    // Of a node, by its name: the result, or 0 with the status in `lastStatus`.
+    // By the name of a node: the result, or 0 with the status in `lastStatus`.
     [[nodiscard]] Orvo::NodeAccessMode access(const char* name);
     [[nodiscard]] std::int64_t integer(const char* name);
     [[nodiscard]] double number(const char* name);
@@ -37,17 +37,17 @@ private:
     std::string m_error;
 };
 
-/// A description of these nodes, with a port named Device and an empty Root.
+/// A description with these nodes, a port named Device and an empty Root.
 [[nodiscard]] std::string describe(const std::string& nodes);
 
-/// The same with these nodes in the Root; names separated by blanks.
+/// The same with these features in Root; names separated by blanks.
 [[nodiscard]] std::string describe(const std::string& features, const std::string& nodes);
 
 /// An IntReg of 4 bytes.
 [[nodiscard]] std::string intReg(const std::string& name, unsigned address, const std::string& access = "RW",
                                  const std::string& more = "");
 
-/// An Integer with a constant of its own.
+/// An Integer with a constant value.
 [[nodiscard]] std::string constant(const std::string& name, std::int64_t value);
 
 /// The last text of Misc_GetLastGenICamError on this thread.

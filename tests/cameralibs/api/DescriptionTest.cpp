@@ -12,7 +12,7 @@ struct RefusedRow {
     const char* what;
     std::string xml;
     CAM_API_STATUS status;
-    const char* text; ///< part of the reason; where a node is to blame, its name
+    const char* text; ///< part of the reason, such as the name of the node
 };
 
 std::string element(const std::string& name, const std::string& content)
@@ -37,7 +37,7 @@ std::string sized(const char* type, const char* length)
                  std::string("<Address>0</Address><Length>") + length + "</Length><pPort>Device</pPort>");
 }
 
-/// Categories within one another; the innermost holds a feature.
+/// Nested categories; the innermost one contains a feature.
 std::string nested(int categories)
 {
     std::string nodes = constant("Leaf", 1);
@@ -48,7 +48,7 @@ std::string nested(int categories)
     return describe(categories > 1 ? "C1" : "Leaf", nodes);
 }
 
-/// `rows` rows below Root, most of them by listing one category many times.
+/// `rows` rows below Root, most of them from listing one category many times.
 std::string crowded(int rows)
 {
     std::string thousand;
@@ -70,7 +70,7 @@ std::string chain(int length)
     return describe(nodes);
 }
 
-/// Every formula needs the one before it twice.
+/// Every formula uses the previous one twice.
 std::string doubling(int length)
 {
     std::string nodes = constant("N0", 1);
@@ -85,12 +85,12 @@ std::string doubling(int length)
 
 } // namespace
 
-TEST(Description, UnusableOnesAreRefusedWithAReason)
+TEST(Description, UnusableDescriptionsAreRefusedWithAReason)
 {
     const std::string good = describe("");
     const RefusedRow rows[] = {
         {"empty", "", 257, "well-formed"},
-        {"no XML", "Hello.", 257, "well-formed"},
+        {"not XML", "Hello.", 257, "well-formed"},
         {"truncated", good.substr(0, good.size() / 2), 257, "line"},
         {"undefined entity", describe(named("String", "S", "<Value>&nothing;</Value>")), 257, "nothing"},
         {"invalid UTF-8", describe(named("String", "S", "<Value>\xFF\xFE</Value>")), 257, "UTF-8"},
@@ -118,16 +118,16 @@ TEST(Description, UnusableOnesAreRefusedWithAReason)
         {"index cycle", describe(named("Integer", "A", element("pIndex", "A") + "<ValueDefault>1</ValueDefault>")), 258,
          "[A]"},
         {"evaluation too deep", chain(300), 258, "too deep"},
-        {"evaluation without end", doubling(40), 258, "too many steps"},
+        {"endless evaluation", doubling(40), 258, "too many steps"},
         {"length 0", describe(sized("IntReg", "0")), 258, "[Sized]"},
         {"negative length", describe(sized("StringReg", "-1")), 258, "[Sized]"},
         {"absurd length", describe(sized("StringReg", "1000000000000000")), 258, "[Sized]"},
         {"length above the limit", describe(sized("Register", "65537")), 258, "[Sized]"},
-        {"length is no number", describe(sized("StringReg", "many")), 258, "[Sized]"},
+        {"length is not a number", describe(sized("StringReg", "many")), 258, "[Sized]"},
         {"length beyond 64 bits", describe(sized("StringReg", "99999999999999999999")), 258, "[Sized]"},
         {"bit beyond the register", describe(masked("<LSB>0</LSB><MSB>16</MSB>")), 258, "[Bits]"},
         {"negative bit", describe(masked("<Bit>-1</Bit>")), 258, "[Bits]"},
-        {"bit is no number", describe(masked("<LSB>low</LSB><MSB>3</MSB>")), 258, "[Bits]"},
+        {"bit is not a number", describe(masked("<LSB>low</LSB><MSB>3</MSB>")), 258, "[Bits]"},
         {"name too long", describe(named("Integer", std::string(256, 'n').c_str(), "<Value>1</Value>")), 258, "[nnnn"},
         {"symbolic name too long",
          describe(named("Enumeration", "E",
@@ -143,7 +143,7 @@ TEST(Description, UnusableOnesAreRefusedWithAReason)
     }
 }
 
-TEST(Description, LimitsThemselvesAreAllowed)
+TEST(Description, DescriptionsAtTheLimitsAreAccepted)
 {
     for (const std::string& xml : {nested(256), crowded(65536), chain(256), describe(sized("StringReg", "65536")),
                                    describe(sized("Register", "1")), describe(sized("StringReg", "0x10")),
@@ -154,15 +154,16 @@ TEST(Description, LimitsThemselvesAreAllowed)
     }
 }
 
-TEST(Description, RefusalIsRepeatedAndLeavesNothingOpen)
+TEST(Description, RefusalLeavesNothingOpenAndIsRepeated)
 {
     const DescribedCamera camera("<RegisterDescription/>");
     CAM_HANDLE again = 0;
-    EXPECT_EQ(Cam_Open(0, &again, 0, 1, nullptr, 1), CAM_API_STS_GENICAM_ERR) << "not status 4";
-    EXPECT_EQ(Cam_Open(0, nullptr, 0, 1, nullptr, 1), CAM_API_STS_INVALID_PARAMETER) << "null pointers come before";
+    EXPECT_EQ(Cam_Open(0, &again, 0, 1, nullptr, 1), CAM_API_STS_GENICAM_ERR) << "not CAM_API_STS_ALREADY_OPENED";
+    EXPECT_EQ(Cam_Open(0, nullptr, 0, 1, nullptr, 1), CAM_API_STS_INVALID_PARAMETER)
+        << "null pointers are checked first";
 }
 
-TEST(Description, MutualRangesAreNoCycle)
+TEST(Description, RangesThatDependOnEachOtherAreNotACycle)
 {
     DescribedCamera camera(
         describe("Width OffsetX",
@@ -180,14 +181,14 @@ TEST(Description, MutualRangesAreNoCycle)
     EXPECT_EQ(Nd_SetIntValue(c, camera.node("Width"), 61), CAM_API_STS_INVALID_PARAMETER);
 }
 
-TEST(Description, DanglingFeaturesAreLeftOut)
+TEST(Description, MissingFeaturesAreSkipped)
 {
     const DescribedCamera camera(describe("A Nothing B", constant("A", 1) + constant("B", 2)));
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
     EXPECT_THAT(featuresOf(camera.handle(), "Root"), ::testing::ElementsAre("A", "B"));
 }
 
-TEST(Description, OfNodesWithOneNameTheLastCounts)
+TEST(Description, OfSeveralNodesWithTheSameNameTheLastCounts)
 {
     DescribedCamera camera(describe("A B", constant("A", 1) + "<Float Name=\"A\"><Value>2.5</Value></Float>" +
                                                "<Integer Name=\"B\"><pValue>Reg</pValue></Integer>" + intReg("Reg", 0) +
@@ -198,7 +199,7 @@ TEST(Description, OfNodesWithOneNameTheLastCounts)
     EXPECT_EQ(camera.integer("B"), 7);
 }
 
-TEST(Description, NamesLoseWhiteSpaceAndTextsKeepIt)
+TEST(Description, WhiteSpaceIsStrippedFromNamesButNotFromTexts)
 {
     DescribedCamera camera(
         describe("\n  A\t", "<Integer Name=\" A\n\"><ToolTip> a b \n</ToolTip><Visibility> Guru </Visibility>"
@@ -219,7 +220,7 @@ TEST(Description, NamesLoseWhiteSpaceAndTextsKeepIt)
     EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "Uno");
 }
 
-TEST(Description, TextsMayComeInPieces)
+TEST(Description, TextsMayConsistOfPieces)
 {
     DescribedCamera camera(describe("A B", R"(<Integer Name="A">
         <ToolTip>a &lt;b&gt;<![CDATA[ <c> ]]><!-- not this -->&#100;</ToolTip><Value>1<!-- nor this -->2</Value></Integer>
@@ -242,7 +243,7 @@ TEST(Description, PaddingAndOtherEncodingsAreRead)
     EXPECT_EQ(camera.text(Nd_GetToolTip, "A"), "grüß");
 }
 
-TEST(Description, GroupsAndStructuresHoldNodes)
+TEST(Description, GroupsAndStructuresContainNodes)
 {
     DescribedCamera camera(describe(
         "High Low", "<Group Comment=\"g\"><Group Comment=\"h\">" + intReg("Whole", 16) +

@@ -1,4 +1,4 @@
-// What ORVO_CAMERA_LOG brings on standard error.
+// The lines that ORVO_CAMERA_LOG writes to standard error.
 
 #include "CameraFixture.h"
 #include "DescribedCamera.h"
@@ -26,7 +26,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-/// Collects standard error from its making on, with the variable set for as long.
+/// Sets the variable and collects standard error as long as it lives.
 class Log {
 public:
     explicit Log(const char* level)
@@ -58,7 +58,7 @@ private:
     bool m_ended = false;
 };
 
-/// Our own lines: Aravis writes its own in its own form.
+/// The lines of the library, without those that Aravis writes in a different form.
 Lines ours(const Lines& lines)
 {
     Lines result;
@@ -71,7 +71,7 @@ Lines ours(const Lines& lines)
 
 const std::string kRefused = describe("<Integer Name=\"Snake\"><pValue>Snake</pValue></Integer>"); // depends on itself
 
-/// What is written while a description is refused.
+/// The lines that are written while a description is refused.
 Lines linesOfRefusal(const char* level)
 {
     Log log(level);
@@ -82,7 +82,7 @@ Lines linesOfRefusal(const char* level)
     return log.end();
 }
 
-/// Gives new threads a stack that no address space holds, as long as it lives.
+/// As long as it lives, new threads have a stack size that no address space can hold.
 class NoMoreThreads {
 public:
     NoMoreThreads()
@@ -116,7 +116,7 @@ TEST_F(DiagnosticLogTest, IsOffByDefaultAndForUnknownLevels)
         EXPECT_THAT(linesOfRefusal(level), IsEmpty()) << (level == nullptr ? "unset" : level);
 }
 
-TEST_F(DiagnosticLogTest, TellsTimeCameraAndReasonOfARefusedDescription)
+TEST_F(DiagnosticLogTest, RefusedDescriptionIsLoggedWithTimeCameraAndReason)
 {
     const Lines lines = linesOfRefusal("warning");
     ASSERT_THAT(lines, SizeIs(1));
@@ -125,7 +125,7 @@ TEST_F(DiagnosticLogTest, TellsTimeCameraAndReasonOfARefusedDescription)
                              "258 CAM_API_STS_GENICAM_ERR: \\[Snake\\] .*depends on itself.*"));
 }
 
-TEST_F(DiagnosticLogTest, LevelsAddToOneAnother)
+TEST_F(DiagnosticLogTest, EachLevelIncludesThePreviousOnes)
 {
     struct Row {
         const char* level;
@@ -147,7 +147,7 @@ TEST_F(DiagnosticLogTest, LevelsAddToOneAnother)
     }
 }
 
-TEST_F(DiagnosticLogTest, TellsWhyImagesAreTooLarge)
+TEST_F(DiagnosticLogTest, TooLargeImagesAreLoggedWithTheirSize)
 {
     Log log("warning");
     {
@@ -161,10 +161,10 @@ TEST_F(DiagnosticLogTest, TellsWhyImagesAreTooLarge)
                                       "4 buffers of 1073741824 bytes each would take 4 GiB or more")));
 }
 
-TEST_F(DiagnosticLogTest, TellsOfCallsWithoutMemory)
+TEST_F(DiagnosticLogTest, CallsWithoutMemoryAreLogged)
 {
     if (!MemoryLimit::kPossible)
-        GTEST_SKIP() << "no limit with a sanitizer";
+        GTEST_SKIP() << "sanitizers do not work with a memory limit";
     Log log("debug");
     {
         const DescribedCamera camera(describe(constant("PayloadSize", 0x3FFFFFFF)));
@@ -176,7 +176,7 @@ TEST_F(DiagnosticLogTest, TellsOfCallsWithoutMemory)
                 Contains(HasSubstr("warning: Described XML-1: Strm_OpenSimple: 15 CAM_API_STS_NO_MEMORY: ")).Times(1));
 }
 
-TEST_F(DiagnosticLogTest, TellsWhatSysInitializeAnswers)
+TEST_F(DiagnosticLogTest, StatusOfSysInitializeIsLogged)
 {
     ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
     Log log("debug");
@@ -187,7 +187,7 @@ TEST_F(DiagnosticLogTest, TellsWhatSysInitializeAnswers)
                 Contains(HasSubstr("debug: Sys_Initialize: 2 CAM_API_STS_ALREADY_INITIALIZED")).Times(1));
 }
 
-TEST_F(DiagnosticLogTest, TellsOfThreadsThatCannotBeStarted)
+TEST_F(DiagnosticLogTest, ThreadsThatCannotBeStartedAreLogged)
 {
     ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
     std::uint32_t count = 0;
@@ -205,14 +205,14 @@ TEST_F(DiagnosticLogTest, TellsOfThreadsThatCannotBeStarted)
     StreamRecorder recorder;
     recorder.attachTo(stream);
     EXPECT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
-    EXPECT_TRUE(recorder.waitForImages(1)) << "once there are threads again";
+    EXPECT_TRUE(recorder.waitForImages(1)) << "after threads can be started again";
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
     EXPECT_THAT(ours(log.end()), Contains(HasSubstr("warning: SIM-M1280 SIM-1: Strm_Start: 15 CAM_API_STS_NO_MEMORY: "
                                                     "There are no more threads"))
                                      .Times(1));
 }
 
-TEST_F(DiagnosticLogTest, IsReadWhenTheLibraryStarts)
+TEST_F(DiagnosticLogTest, LevelIsReadAtSysInitialize)
 {
     ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
     ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
@@ -222,7 +222,7 @@ TEST_F(DiagnosticLogTest, IsReadWhenTheLibraryStarts)
     EXPECT_THAT(log.end(), IsEmpty());
 }
 
-TEST_F(DiagnosticLogTest, WritesOneLineWhateverTheTextsAre)
+TEST_F(DiagnosticLogTest, EveryEventIsOneLineWhateverTheTexts)
 {
     std::string xml = kRefused;
     xml.replace(xml.find("Described"), 9, "Two&#10;lines&#13;&#9;&#155;31m");
@@ -247,7 +247,7 @@ TEST_F(DiagnosticLogTest, IncludesAravis)
     EXPECT_THAT(log.end(), Contains(HasSubstr("evaluator> ")));
 }
 
-TEST_F(DiagnosticLogTest, TellsOfFailedImagesOnceAndCountsThem)
+TEST_F(DiagnosticLogTest, FailedImagesAreLoggedOnceAndCounted)
 {
     Log log("warning");
     {
@@ -266,17 +266,17 @@ TEST_F(DiagnosticLogTest, TellsOfFailedImagesOnceAndCountsThem)
         ASSERT_TRUE(recorder.waitForErrors(3));
         ASSERT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
         const std::string failed = std::to_string(recorder.errors().size()) + " failed";
-        const std::string came = std::to_string(recorder.images().size()) + " images received";
+        const std::string received = std::to_string(recorder.images().size()) + " images received";
         EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
         const Lines lines = ours(log.end());
         ASSERT_THAT(lines, SizeIs(2));
         EXPECT_THAT(lines[0], HasSubstr("SIM-M1280 SIM-1: image failed: 4106 CAM_API_STS_MISSING_PACKETS"));
         EXPECT_THAT(lines[1], HasSubstr(failed));
-        EXPECT_THAT(lines[1], HasSubstr(came));
+        EXPECT_THAT(lines[1], HasSubstr(received));
     }
 }
 
-TEST_F(DiagnosticLogTest, TellsOfALostCamera)
+TEST_F(DiagnosticLogTest, LostCameraIsLogged)
 {
     Log log("warning");
     {

@@ -3,7 +3,7 @@
 
 using namespace Orvo;
 
-// What is wrong with a call is told in a fixed order. Each call here is wrong in several ways; the first counts.
+// Errors are checked in a fixed order. Each call here has several; the first one determines the status.
 
 namespace {
 
@@ -50,15 +50,15 @@ TEST(ErrorOrder, TypeAccessValueEvaluation)
     const CAM_HANDLE c = camera.handle();
     std::int64_t value = 0;
     double number = 0;
-    // The type, before access.
+    // The type is checked before the access mode.
     EXPECT_EQ(Nd_GetIntValue(c, camera.node("GoneFloat"), &value), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Nd_GetFloatValue(c, camera.node("GoneFloat"), &number), CAM_API_STS_NOT_AVAILABLE);
-    // Access, before the value and the evaluation.
+    // The access mode is checked before the value and the evaluation.
     EXPECT_EQ(Nd_GetIntValue(c, camera.node("GoneAndBroken"), &value), CAM_API_STS_NOT_AVAILABLE);
     EXPECT_EQ(Nd_SetIntValue(c, camera.node("GoneAndBroken"), 99), CAM_API_STS_NOT_AVAILABLE);
     EXPECT_EQ(Nd_SetIntValue(c, camera.node("Broken"), 99), CAM_API_STS_NOT_WRITABLE) << "a formula is read-only";
     EXPECT_EQ(Nd_GetIntValue(c, camera.node("Broken"), &value), CAM_API_STS_GENICAM_ERR);
-    // The value, before the evaluation.
+    // The value is checked before the evaluation.
     EXPECT_EQ(Nd_SetFloatValue(c, camera.node("BrokenAtZero"), 6), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Nd_SetFloatValue(c, camera.node("BrokenAtZero"), 0), CAM_API_STS_GENICAM_ERR);
     EXPECT_EQ(Nd_SetFloatValue(c, camera.node("BrokenAtZero"), 1), CAM_API_STS_SUCCESS);
@@ -73,12 +73,14 @@ TEST_F(ErrorOrderTest, OfStreamOperations)
     EXPECT_EQ(Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, 0, nullptr), CAM_API_STS_ALREADY_OPENED);
     EXPECT_EQ(Strm_LockBuffer(kUnknown, 99, nullptr), CAM_API_STS_INVALID_STREAM_HANDLE);
     EXPECT_EQ(Strm_GetCurrentBufferIndex(kUnknown, nullptr), CAM_API_STS_INVALID_STREAM_HANDLE);
-    EXPECT_EQ(Strm_GetCurrentBufferIndex(stream, nullptr), CAM_API_STS_INVALID_PARAMETER) << "not yet 21";
-    EXPECT_EQ(Strm_LockBuffer(stream, 0, nullptr), CAM_API_STS_INVALID_PARAMETER) << "not yet 21";
+    EXPECT_EQ(Strm_GetCurrentBufferIndex(stream, nullptr), CAM_API_STS_INVALID_PARAMETER)
+        << "checked before CAM_API_STS_NOT_READY";
+    EXPECT_EQ(Strm_LockBuffer(stream, 0, nullptr), CAM_API_STS_INVALID_PARAMETER)
+        << "checked before CAM_API_STS_NOT_READY";
     unplug();
     EXPECT_EQ(Strm_Start(kUnknown, 8), CAM_API_STS_INVALID_STREAM_HANDLE);
     EXPECT_EQ(Strm_OpenSimple(m_camera, nullptr, nullptr, nullptr, 0, nullptr), CAM_API_STS_CAMERA_NOT_RESPONDING)
-        << "before the second open";
+        << "checked before CAM_API_STS_ALREADY_OPENED";
     EXPECT_EQ(Strm_LockBuffer(stream, 99, nullptr), CAM_API_STS_CAMERA_NOT_RESPONDING);
 }
 

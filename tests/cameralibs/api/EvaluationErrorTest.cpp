@@ -18,7 +18,7 @@ struct FaultRow {
     const char* reason;
 };
 
-// What is wrong with the description of one node, while the others are fine.
+// Errors in the description of one node, while the others are correct.
 constexpr FaultRow kFaults[] = {
     {"NoTarget", "Integer", "<pValue>Nowhere</pValue>", "Nowhere"},
     {"NoMinimum", "Integer", "<Value>1</Value><pMin>Nowhere</pMin>", "Nowhere"},
@@ -71,7 +71,7 @@ std::string faults()
 
 } // namespace
 
-TEST(EvaluationError, ConcernsTheNodeAndThoseThatNeedIt)
+TEST(EvaluationError, AffectsTheNodeAndThoseThatDependOnIt)
 {
     DescribedCamera camera(faults());
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
@@ -86,7 +86,7 @@ TEST(EvaluationError, ConcernsTheNodeAndThoseThatNeedIt)
     EXPECT_EQ(camera.lastStatus, CAM_API_STS_SUCCESS);
 }
 
-TEST(EvaluationError, LeavesWhatTheDescriptionTells)
+TEST(EvaluationError, DoesNotAffectStaticProperties)
 {
     DescribedCamera camera(faults());
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
@@ -98,9 +98,9 @@ TEST(EvaluationError, LeavesWhatTheDescriptionTells)
         EXPECT_EQ(type, NODE_TYPE_INTEGER);
         double number = 0;
         EXPECT_EQ(Nd_GetFloatValue(camera.handle(), camera.node(row.name), &number), CAM_API_STS_INVALID_PARAMETER)
-            << "the wrong type comes first";
+            << "a wrong type is checked first";
     }
-    // A dangling reference is a fault of the whole node.
+    // A reference to a missing node makes the whole node unusable.
     (void)camera.access("NoSelected");
     EXPECT_EQ(camera.lastStatus, CAM_API_STS_GENICAM_ERR);
     (void)camera.access("FlagDivision");
@@ -110,7 +110,7 @@ TEST(EvaluationError, LeavesWhatTheDescriptionTells)
     EXPECT_EQ(Nd_SetIntValue(camera.handle(), camera.node("NoTarget"), 1), CAM_API_STS_GENICAM_ERR);
 }
 
-TEST(EvaluationError, FormulasThatChooseMayDivideWhereTheyDoNotChoose)
+TEST(EvaluationError, ConditionalFormulasMayDivideByZeroInTheOtherBranch)
 {
     DescribedCamera camera(describe(intReg("A", 0) +
                                     "<IntSwissKnife Name=\"Guarded\"><pVariable Name=\"A\">A</pVariable>"
@@ -122,7 +122,7 @@ TEST(EvaluationError, FormulasThatChooseMayDivideWhereTheyDoNotChoose)
     EXPECT_EQ(camera.integer("Guarded"), 20);
 }
 
-TEST(EvaluationError, FormulasKnowVariablesConstantsAndExpressions)
+TEST(EvaluationError, FormulasUseVariablesConstantsAndExpressions)
 {
     DescribedCamera camera(describe(
         constant("Two", 2) +
@@ -161,9 +161,9 @@ TEST(EvaluationError, EnumerationWithoutAnEntryForItsValue)
     EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "status 258");
     EXPECT_THAT(lastGenICamError(), HasSubstr("[E]"));
     std::int64_t value = 0;
-    EXPECT_EQ(Nd_GetEnumIntValue(camera.handle(), e, &value), CAM_API_STS_SUCCESS) << "the number itself is known";
+    EXPECT_EQ(Nd_GetEnumIntValue(camera.handle(), e, &value), CAM_API_STS_SUCCESS) << "the number is known";
     EXPECT_EQ(value, 9);
-    // An entry of which nothing is known harms no other.
+    // An entry without a value does not affect the others.
     EXPECT_EQ(Nd_SetEnumStrValue(camera.handle(), e, "Two"), CAM_API_STS_SUCCESS);
     EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "Two");
     EXPECT_EQ(Nd_SetEnumStrValue(camera.handle(), e, "Odd"), CAM_API_STS_GENICAM_ERR);
@@ -186,13 +186,13 @@ TEST(EvaluationError, TextBelongsToTheThread)
     EXPECT_EQ(lastGenICamError(), mine) << "success leaves it";
 }
 
-TEST(EvaluationError, TextsHaveAtMost1000BytesOfWholeLetters)
+TEST(EvaluationError, TextsHaveAtMost1000BytesAndNoPartialCharacters)
 {
-    // Four texts, each one byte longer than the one before, so that the cut comes at every place within a letter.
+    // Four texts, each one byte longer than the previous one, so that the limit is at every position in a character.
     for (const char* before : {"", "x", "xx", "xxx"}) {
         std::string formula = before;
         for (int i = 0; i < 1000; ++i)
-            formula += "\xF0\x9D\x84\x9E"; // a letter of four bytes
+            formula += "\xF0\x9D\x84\x9E"; // a character of four bytes
         DescribedCamera camera(describe("<SwissKnife Name=\"Long\"><Formula>" + formula + "</Formula></SwissKnife>"));
         ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS);
         (void)camera.number("Long");

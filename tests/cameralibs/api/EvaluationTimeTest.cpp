@@ -1,5 +1,5 @@
-// Descriptions whose evaluation costs time or memory. Times are processor times of the thread, with room for a machine
-// that is many times slower or faster.
+// Descriptions whose evaluation takes much time or memory. Times are processor times of the thread, with a margin for
+// machines that are many times slower or faster.
 
 #include "DescribedCamera.h"
 #include "MemoryLimit.h"
@@ -44,7 +44,7 @@ std::string numbered(const char* name, int number)
     return name + std::to_string(number);
 }
 
-/// N0 to N`count`, each of which needs the one before twice.
+/// N0 to N`count`, each of which uses the previous one twice.
 std::string doublings(int count)
 {
     std::string nodes = constant("N0", 1);
@@ -53,7 +53,7 @@ std::string doublings(int count)
     return nodes;
 }
 
-/// Features that each need the same chain of doublings.
+/// Features that all depend on the same chain of doublings.
 std::string overDoublings(int features, int count)
 {
     std::string names;
@@ -65,8 +65,8 @@ std::string overDoublings(int features, int count)
     return describe(names, nodes);
 }
 
-/// S0 to S239, of which each takes more steps than the one before and divides, so that the division is looked at for
-/// each: some seconds in all.
+/// S0 to S239. Each takes more steps than the previous one, and contains a division, which is checked separately: some
+/// seconds in total.
 std::string slowNodes()
 {
     std::string nodes = doublings(7) + constant("S0", 1);
@@ -75,7 +75,7 @@ std::string slowNodes()
     return nodes;
 }
 
-/// A formula of so many bytes that is read fast.
+/// A formula of this many bytes that is parsed fast.
 std::string spacious(std::size_t bytes)
 {
     return "1+" + std::string(bytes - 3, ' ') + "1";
@@ -150,7 +150,7 @@ TEST(EvaluationTime, CallsEndAfterFiftyMilliseconds)
     EXPECT_EQ(camera.lastStatus, CAM_API_STS_SUCCESS);
 }
 
-TEST(EvaluationTime, AStartOfAStreamEndsAfterFiftyMilliseconds)
+TEST(EvaluationTime, StartingAStreamEndsAfterFiftyMilliseconds)
 {
     DescribedCamera camera(describe("", constant("Width", 64) + constant("Height", 64) + constant("PayloadSize", 4096) +
                                             slowNodes() +
@@ -163,7 +163,7 @@ TEST(EvaluationTime, AStartOfAStreamEndsAfterFiftyMilliseconds)
     EXPECT_THAT(lastGenICamError(), HasSubstr("takes more than 50 ms of processor time"));
 }
 
-TEST(EvaluationTime, WhatTakesLongCountsAsManySteps)
+TEST(EvaluationTime, SlowEvaluationsCountAsManySteps)
 {
     std::string nodes = constant("N0", 1);
     for (int i = 1; i <= 8; ++i)
@@ -183,7 +183,7 @@ TEST(EvaluationTime, WhatTakesLongCountsAsManySteps)
     EXPECT_THAT(manyInvalidators.error(), HasSubstr("takes too many steps"));
 }
 
-TEST(EvaluationTime, EntriesOfAnEnumerationCountTogether)
+TEST(EvaluationTime, StepsOfAllEntriesOfAnEnumerationAreAdded)
 {
     const auto enumeration = [](int entries) {
         std::string text = "<Enumeration Name=\"E\">";
@@ -218,7 +218,7 @@ TEST(EvaluationTime, AFormulaHasAtMost64KiB)
     const struct {
         const char* what;
         std::string nodes;
-        const char* reason; ///< empty where it is accepted
+        const char* reason; ///< empty if the description is accepted
     } rows[] = {
         {"the limit", knife("F", spacious(65536)), ""},
         {"a byte more", knife("F", spacious(65537)), "[F] The formula has more than 65536 bytes"},
@@ -241,7 +241,7 @@ TEST(EvaluationTime, AFormulaHasAtMost64KiB)
 TEST(EvaluationTime, AFormulaThatIsTooLongTakesNoMemory)
 {
     if (!MemoryLimit::kPossible)
-        GTEST_SKIP() << "sanitizers take all the addresses there are";
+        GTEST_SKIP() << "sanitizers use the whole address space";
     std::string text = "1";
     while (text.size() < 4'000'000)
         text += "+1";

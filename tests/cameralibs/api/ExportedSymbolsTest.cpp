@@ -52,7 +52,7 @@ TEST(ExportedSymbols, AreTheOperationsOfTheInterface)
                     "Nd_SetEnumIntValue", "Nd_CmdExecute"));
 }
 
-TEST(ExportedSymbols, OfTheUtilityLibraryAreItsOperations)
+TEST(ExportedSymbols, AreTheOperationsOfTheUtilityLibrary)
 {
     EXPECT_THAT(exportedSymbols(CAMERA_UTILITY_LIBRARY),
                 ::testing::UnorderedElementsAre("PrepareLUT", "ConvImage", "GetCamWidth", "GetCamHeight",

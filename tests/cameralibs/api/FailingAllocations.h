@@ -1,8 +1,7 @@
 #pragma once
 
-/// Lets every allocation of C++ fail on all threads but those that make one of these, as long as it lives: what the
-/// library does on threads of its own has no memory. For the program that it is linked into, whose operator new it
-/// replaces.
+/// As long as it lives, every C++ allocation fails, except on threads that have created such an object: the threads of
+/// the library run out of memory. Replaces operator new of the program.
 class FailingAllocations {
 public:
     FailingAllocations();
@@ -10,6 +9,6 @@ public:
     FailingAllocations(const FailingAllocations&) = delete;
     FailingAllocations& operator=(const FailingAllocations&) = delete;
 
-    /// How many have failed so far.
+    /// Number of failed allocations so far.
     [[nodiscard]] static int count();
 };

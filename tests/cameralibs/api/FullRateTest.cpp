@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint32_t kSlots = 3;
 
-/// Images as large and as many as the first camera makes them, every one different.
+/// Images at the full size and rate of the first camera, all different.
 class FullRateTest : public CameraTest {
 protected:
     FullRateTest()
@@ -34,7 +34,7 @@ protected:
 std::uint64_t sumOf(const CAM_IMAGE_INFO& info)
 {
     const auto* data = static_cast<const std::uint8_t*>(info.data);
-    // The position counts, so that bytes that move are seen.
+    // The position is part of the sum, so that moved bytes are detected.
     std::uint64_t sum = 0;
     for (std::uint64_t i = 0; i < info.dataSize; ++i)
         sum = sum * 31 + data[i];
@@ -51,7 +51,7 @@ TEST_F(FullRateTest, BytesUnderALockDoNotChange)
         CAM_IMAGE_INFO info = {};
         ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
         const std::uint64_t atLock = sumOf(info);
-        // Once round the ring, up to the locked slot, and a few that are dropped there.
+        // Once round the ring, up to the locked slot, where a few images are dropped.
         ASSERT_TRUE(m_recorder.waitForBusy(m_recorder.busy().size() + 3));
         EXPECT_EQ(sumOf(info), atLock) << "round " << round;
         ASSERT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
@@ -75,7 +75,7 @@ TEST_F(FullRateTest, SlotsLockedFromSeveralThreadsStayApart)
                 ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &slot), CAM_API_STS_SUCCESS);
                 ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
                 const std::uint64_t atLock = sumOf(info);
-                // The camera goes on: into the other slots, or into none where all are locked.
+                // The camera continues with the other slots, or drops images while all are locked.
                 const auto delivered = [&] { return m_recorder.imageCount() + m_recorder.busy().size(); };
                 EXPECT_TRUE(becomes([&, before = delivered()] { return delivered() > before + 1; }));
                 EXPECT_EQ(sumOf(info), atLock);
@@ -85,5 +85,5 @@ TEST_F(FullRateTest, SlotsLockedFromSeveralThreadsStayApart)
     }
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_TRUE(m_recorder.waitForImages(m_recorder.images().size() + kSlots)) << "and nothing stays locked";
+    EXPECT_TRUE(m_recorder.waitForImages(m_recorder.images().size() + kSlots)) << "no slot stays locked";
 }

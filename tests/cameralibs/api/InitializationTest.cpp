@@ -11,16 +11,16 @@ namespace {
 
 class InitializationTest : public ::testing::Test {
 protected:
-    /// Whatever cameras the tests before have asked for.
+    /// Independent of the cameras that earlier tests have requested.
     InitializationTest() { ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); } // NOLINT(concurrency-mt-unsafe)
 };
 
 } // namespace
 
-TEST_F(InitializationTest, OperationsBeforeGiveNotInitialized)
+TEST_F(InitializationTest, OperationsBeforeItReturnNotInitialized)
 {
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_NOT_INITIALIZED);
-    // Not even null pointers are looked at.
+    // Null pointers are not even checked.
     EXPECT_EQ(Sys_GetInformation(nullptr), CAM_API_STS_NOT_INITIALIZED);
     EXPECT_EQ(Sys_GetNumOfCameras(nullptr), CAM_API_STS_NOT_INITIALIZED);
     EXPECT_EQ(Sys_CreateSignal(nullptr), CAM_API_STS_NOT_INITIALIZED);
@@ -79,7 +79,7 @@ TEST_F(InitializationTest, OneOfManyThreadsInitializes)
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
 }
 
-TEST_F(InitializationTest, CamerasAreCountedOrTheLibraryHasEnded)
+TEST_F(InitializationTest, EnumerationDuringTerminationSucceedsOrReturnsNotInitialized)
 {
     std::atomic<bool> ends{false};
     std::atomic<int> wrong{0};
@@ -104,7 +104,7 @@ TEST_F(InitializationTest, CamerasAreCountedOrTheLibraryHasEnded)
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(InitializationTest, SystemInformationHasTextsAndZeros)
+TEST_F(InitializationTest, SystemInformationHasTextsPaddedWithZeros)
 {
     ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
     CAM_SYSTEM_INFO info = {};
@@ -120,7 +120,7 @@ TEST_F(InitializationTest, SystemInformationHasTextsAndZeros)
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
 }
 
-TEST(InitializationDeathTest, ProgramMayEndWithoutTerminate)
+TEST(InitializationDeathTest, ProgramMayExitWithoutTerminate)
 {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-/// The current image of a stream, locked as long as this lives; what fails fails the test.
+/// The current image of a stream, locked as long as this lives. A failing call fails the test.
 class LockedImage {
 public:
     explicit LockedImage(Orvo::CAM_STRM_HANDLE stream);
@@ -15,7 +15,7 @@ public:
 
     [[nodiscard]] std::uint32_t slot() const { return m_slot; }
 
-    /// The bytes as they were when it was locked, and as they are now.
+    /// The bytes at the time of locking, and the current ones.
     [[nodiscard]] const std::vector<std::uint8_t>& lockedBytes() const { return m_bytes; }
     [[nodiscard]] std::vector<std::uint8_t> bytes() const;
 

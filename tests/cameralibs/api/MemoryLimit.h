@@ -2,8 +2,8 @@
 
 #include <sys/resource.h>
 
-/// Lets the process have so many bytes of addresses more than it has, as long as this lives. Not with sanitizers, which
-/// take all the addresses there are.
+/// As long as it lives, limits the address space of the process to its present size plus this many bytes. Does not work
+/// with sanitizers, which reserve the whole address space.
 class MemoryLimit {
 public:
     explicit MemoryLimit(rlim_t more);

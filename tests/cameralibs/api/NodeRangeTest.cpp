@@ -97,7 +97,7 @@ TEST(NodeRange, IntegersAreCheckedBeforeTheyAreWritten)
     }
     EXPECT_EQ(set("Stepped", 100, false), CAM_API_STS_SUCCESS) << "range and increment are left to the device";
     EXPECT_EQ(camera.integer("Stepped"), 100);
-    // From 0 where there is no minimum.
+    // Increments count from 0 if there is no minimum.
     EXPECT_EQ(set("OddSteps", -9), CAM_API_STS_SUCCESS);
     EXPECT_EQ(set("OddSteps", 9), CAM_API_STS_SUCCESS);
     EXPECT_EQ(set("OddSteps", 10), CAM_API_STS_INVALID_PARAMETER);
@@ -116,7 +116,7 @@ TEST(NodeRange, OfFloats)
         const char* name;
         double minimum;
         double maximum;
-        double increment; ///< 0 without one
+        double increment; ///< 0 if there is none
     } rows[] = {
         {"Plain", -DBL_MAX, DBL_MAX, 0},
         {"Single", -static_cast<double>(FLT_MAX), static_cast<double>(FLT_MAX), 0},
@@ -167,7 +167,7 @@ TEST(NodeRange, FloatsAreCheckedBeforeTheyAreWritten)
     EXPECT_EQ(camera.number("Plain"), -5e-324);
 }
 
-TEST(NodeRange, IsToldForNodesThatCannotBeRead)
+TEST(NodeRange, IsAvailableForNodesThatCannotBeRead)
 {
     DescribedCamera camera(describe(
         constant("No", 0) + constant("Zero", 0) + intReg("RegWO", 0, "WO") +

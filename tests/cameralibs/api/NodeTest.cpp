@@ -7,7 +7,7 @@ using namespace Orvo;
 
 using NodeTest = CameraTest;
 
-TEST_F(NodeTest, NamesFindNodesAndHandlesAreEqual)
+TEST_F(NodeTest, NodesAreFoundByNameWithAlwaysTheSameHandle)
 {
     CAM_NODE_HANDLE handle = 77;
     EXPECT_EQ(Nd_GetNode(m_camera, "NoSuchNode", &handle), CAM_API_STS_NOT_FOUND);
@@ -31,7 +31,7 @@ TEST_F(NodeTest, NamesFindNodesAndHandlesAreEqual)
     EXPECT_EQ(beyond, 77U);
 }
 
-TEST_F(NodeTest, TextsFollowTheSizeRule)
+TEST_F(NodeTest, TextsFollowTheBufferConvention)
 {
     const CAM_NODE_HANDLE width = node("Width");
     std::uint32_t size = 0;
@@ -66,7 +66,7 @@ TEST_F(NodeTest, WrongNodeHandlesAreRefused)
     EXPECT_EQ(value, 77);
 }
 
-TEST_F(NodeTest, NodesOfAnotherCameraAreForeign)
+TEST_F(NodeTest, NodesOfAnotherCameraAreRefused)
 {
     ASSERT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
     ::setenv("ORVO_SIMULATED_CAMERAS", "2", 1); // NOLINT(concurrency-mt-unsafe)
@@ -164,7 +164,7 @@ TEST_F(NodeTest, EnumerationIsReadAndWritten)
     EXPECT_EQ(entry, 0U);
 }
 
-TEST_F(NodeTest, OperationsRefuseOtherTypes)
+TEST_F(NodeTest, OperationsRefuseNodesOfOtherTypes)
 {
     constexpr CAM_API_STATUS kWrong = CAM_API_STS_INVALID_PARAMETER;
     const CAM_NODE_HANDLE integer = node("Width");

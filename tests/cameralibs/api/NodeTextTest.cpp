@@ -22,7 +22,7 @@ Value valueOf(CAM_API_STATUS (*operation)(CAM_HANDLE, CAM_NODE_HANDLE, Value*), 
     return value;
 }
 
-/// A text in a register of its own.
+/// A string in a separate register.
 std::string stringReg(const char* name, unsigned address, unsigned length)
 {
     return std::string("<StringReg Name=\"") + name + "\"><Address>" + std::to_string(address) + "</Address><Length>" +
@@ -175,7 +175,7 @@ TEST(NodeText, EntriesKeepTheirOrderAndHaveSymbolicNames)
     EXPECT_THAT(entriesOf(camera.handle(), "Empty"), ElementsAre());
     EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "Empty"), "status 258");
     EXPECT_EQ(Nd_SetEnumIntValue(camera.handle(), camera.node("Empty"), 0), CAM_API_STS_INVALID_PARAMETER);
-    // Entries are found through their enumeration only.
+    // Entries are found only through their enumeration.
     CAM_NODE_HANDLE entry = 0;
     EXPECT_EQ(Nd_GetNode(camera.handle(), "Plain", &entry), CAM_API_STS_NOT_FOUND);
     CAM_NODE_HANDLE again = 0;
@@ -191,7 +191,7 @@ TEST(NodeText, EntriesKeepTheirOrderAndHaveSymbolicNames)
     EXPECT_EQ(textOf(Nd_GetUnit, camera.handle(), entry), "");
 }
 
-TEST(NodeText, StringsHoldAnyLengthUpToTheirRegister)
+TEST(NodeText, StringsMayBeAsLongAsTheirRegister)
 {
     const DescribedCamera camera(describe(
         stringReg("Short", 0, 8) + stringReg("Long", 0x10000, 65536) +
@@ -213,7 +213,7 @@ TEST(NodeText, StringsHoldAnyLengthUpToTheirRegister)
     EXPECT_EQ(camera.text(Nd_GetStrValue, "Own"), "new");
 }
 
-TEST(NodeText, SizeIsTouchedByTwoStatusesOnly)
+TEST(NodeText, SizeIsWrittenOnSuccessAndIfTheBufferIsTooSmall)
 {
     const DescribedCamera camera(
         describe(constant("No", 0) + stringReg("S", 0, 8) + intReg("Reg", 8) + intReg("Secret", 12, "WO") +
@@ -252,7 +252,7 @@ TEST(NodeText, SizeIsTouchedByTwoStatusesOnly)
     }
 }
 
-TEST(NodeText, BytesThatAreNoUtf8AreReplaced)
+TEST(NodeText, InvalidUtf8IsReplaced)
 {
     const DescribedCamera camera(describe(stringReg("S", 0, 16)));
     ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
@@ -260,7 +260,7 @@ TEST(NodeText, BytesThatAreNoUtf8AreReplaced)
                              "a\xFF"
                              "b\xC3"),
               CAM_API_STS_SUCCESS)
-        << "stored as given";
+        << "stored unchanged";
     EXPECT_EQ(camera.text(Nd_GetStrValue, "S"), "a\uFFFDb\uFFFD");
     EXPECT_EQ(Nd_SetStrValue(camera.handle(), camera.node("S"), "grün"), CAM_API_STS_SUCCESS);
     EXPECT_EQ(camera.text(Nd_GetStrValue, "S"), "grün");

@@ -4,7 +4,7 @@ using namespace Orvo;
 
 namespace {
 
-/// A camera that answers no register access: what still works reaches no device.
+/// A camera that refuses every register access. Operations that do not access the device still work.
 class RefusedAccessTest : public CameraTest {
 protected:
     RefusedAccessTest() { EXPECT_EQ(refuse(true), CAM_API_STS_SUCCESS); }
@@ -68,7 +68,7 @@ TEST_F(RefusedAccessTest, ValuesAreDenied)
     EXPECT_EQ(value, 77);
     EXPECT_EQ(Nd_SetIntValue(m_camera, node("Width"), 64), CAM_API_STS_ACCESS_DENIED);
     EXPECT_EQ(Nd_CmdExecute(m_camera, node("AcquisitionStart")), CAM_API_STS_ACCESS_DENIED);
-    // That is no reason to take the camera for gone.
+    // The camera does not count as removed.
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
     ASSERT_EQ(refuse(false), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Nd_GetIntValue(m_camera, node("Width"), &value), CAM_API_STS_SUCCESS);
@@ -86,7 +86,7 @@ TEST_F(RefusedAccessTest, StreamThatDoesNotStartCanBeStartedLater)
     EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS) << "not started";
     ASSERT_EQ(refuse(false), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
-    // A stop that the camera does not hear of stops the stream all the same.
+    // Strm_Stop stops the stream even if it cannot tell the camera.
     ASSERT_EQ(refuse(true), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_ACCESS_DENIED);
     EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);

@@ -20,7 +20,7 @@ protected:
 
 } // namespace
 
-TEST_F(SystemTest, ClearSignalIsNotSetWithinTheTime)
+TEST_F(SystemTest, WaitingForAClearSignalTimesOut)
 {
     CAM_SIGNAL_HANDLE signal = 0;
     ASSERT_EQ(Sys_CreateSignal(&signal), CAM_API_STS_SUCCESS);
@@ -72,7 +72,7 @@ TEST_F(SystemTest, TerminateEndsAWait)
     EXPECT_EQ(waiting.result(), CAM_API_STS_NOT_INITIALIZED);
 }
 
-TEST_F(CameraTest, RemovalWakesAWaitAndStaysSet)
+TEST_F(CameraTest, RemovalEndsAWaitAndTheSignalStaysSet)
 {
     WaitingCall waiting([signal = m_signal] { return Sys_WaitForSignal(signal, kForever); });
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
@@ -93,7 +93,7 @@ TEST_F(CameraTest, SignalOfAnOpenCameraMayBeClosed)
     EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING);
 }
 
-TEST_F(CameraTest, SignalIsSetBeforeAnyOperationTellsOfTheRemoval)
+TEST_F(CameraTest, SignalIsSetBeforeAnyOperationReportsTheRemoval)
 {
     const CAM_NODE_HANDLE width = node("Width");
     std::array<std::future<CAM_API_STATUS>, 4> readers;
@@ -110,7 +110,7 @@ TEST_F(CameraTest, SignalIsSetBeforeAnyOperationTellsOfTheRemoval)
         EXPECT_EQ(reader.get(), CAM_API_STS_SUCCESS);
 }
 
-TEST_F(TwoCamerasSignalTest, SignalOfTwoCamerasIsClearedWhenTheOtherOpens)
+TEST_F(TwoCamerasSignalTest, SharedSignalIsClearedWhenTheOtherCameraOpens)
 {
     const CAM_NODE_HANDLE width = node("Width");
     unplug();
@@ -119,7 +119,7 @@ TEST_F(TwoCamerasSignalTest, SignalOfTwoCamerasIsClearedWhenTheOtherOpens)
     ASSERT_EQ(Cam_Open(1, &other, m_signal, 1, nullptr, 1), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
     std::int64_t value = 0;
-    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING) << "gone all the same";
+    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), CAM_API_STS_CAMERA_NOT_RESPONDING) << "still removed";
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_TIMEOUT);
     ::execute(other, "SimulationUnplug");
     EXPECT_EQ(Sys_WaitForSignal(m_signal, 0), CAM_API_STS_SUCCESS);

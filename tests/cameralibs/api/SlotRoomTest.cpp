@@ -1,4 +1,4 @@
-// The memory behind an image, for readers who go by what the library has told of the camera.
+// The memory of an image is large enough for readers that rely on values that the library has reported.
 
 #include "DescribedCamera.h"
 #include "LockedImage.h"
@@ -20,13 +20,13 @@ namespace {
 struct Format {
     const char* name;
     std::uint32_t value;
-    const char* alike; ///< a format with as many bits that completes nothing in its rows
+    const char* alike; ///< a format with the same bits per pixel that does not pad its rows
 };
 
 constexpr Format kMono8{"Mono8", 0x01080001, nullptr};
 constexpr Format kRgb8{"RGB8", 0x02180014, nullptr};
 
-/// Of each kind of format that completes pairs or groups in every row.
+/// One format of each kind that pads rows to whole pairs or groups.
 constexpr Format kGroupFormats[] = {
     {"YUV422_8", 0x02100032, "Mono16"},
     {"YUV422_8_UYVY", 0x0210001F, "Mono16"},
@@ -45,7 +45,7 @@ std::string entry(const char* name, std::uint32_t value)
     return std::string("<EnumEntry Name=\"") + name + "\"><Value>" + std::to_string(value) + "</Value></EnumEntry>";
 }
 
-/// Each of its three features can be made unreadable.
+/// Each of the three features can be made unreadable.
 std::string imagingCamera()
 {
     std::string entries = entry("Mono8", 0x01080001) + entry("Mono12p", 0x010C0047) + entry("Mono16", 0x01100007) +
@@ -79,7 +79,7 @@ protected:
         setInt(m_camera, feature + "Readable", readable ? 1 : 0);
     }
 
-    /// The library tells nothing of it.
+    /// Does not use the library, so nothing is reported.
     void set(std::uint32_t width, std::uint32_t height, const char* format)
     {
         setInt(m_camera, "Width", width);
@@ -87,7 +87,7 @@ protected:
         setEntry(m_camera, "PixelFormat", format);
     }
 
-    /// What a viewer asks for before it starts a stream.
+    /// Reads what a viewer reads before it starts a stream.
     void ask(std::uint32_t expectedWidth, std::uint32_t expectedHeight, std::uint32_t expectedFormat)
     {
         std::uint32_t value = 0;
@@ -107,7 +107,7 @@ protected:
         ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
     }
 
-    /// The first slots can be taken for an image of this size. The address sanitizer sees who reads beyond its memory.
+    /// Reads the first slots as images of this size. The address sanitizer detects reads beyond their memory.
     void expectRoom(std::uint32_t width, std::uint32_t height, const Format& format, std::uint32_t slots = 8)
     {
         ASSERT_TRUE(m_recorder.waitForImages(slots));
@@ -120,7 +120,7 @@ protected:
         }
     }
 
-    /// The same, and nothing but zeros behind what was sent.
+    /// The same, and checks that the bytes after the received ones are zero.
     void expectZerosBehind(std::size_t sent, std::size_t room)
     {
         ASSERT_TRUE(m_recorder.waitForImages(8));
@@ -149,7 +149,7 @@ protected:
         const Format& format = GetParam();
         set(width, height, format.name);
         ask(width, height, format.value);
-        // As cameras do that count width x height x bits: the last group of a row is not complete.
+        // Like cameras that calculate width x height x bits: the last group of a row is incomplete.
         setEntry(m_camera, "PixelFormat", format.alike);
         open();
         start();
@@ -159,20 +159,20 @@ protected:
 
 } // namespace
 
-TEST_P(SlotRoomOfGroupsTest, RowsThatAreNoWholeNumberOfGroups)
+TEST_P(SlotRoomOfGroupsTest, RowsWithAPartialGroup)
 {
     expectRoomForRows(641, 481, 8);
 }
 
 TEST_P(SlotRoomOfGroupsTest, RowsOfOnePixel)
 {
-    expectRoomForRows(1, 1'000'000, 1); // they take long to make
+    expectRoomForRows(1, 1'000'000, 1); // they take long to generate
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, SlotRoomOfGroupsTest, ::testing::ValuesIn(kGroupFormats),
                          [](const auto& format) { return std::string(format.param.name); });
 
-TEST_F(SlotRoomTest, WidthToldBetweenOpeningAndStart)
+TEST_F(SlotRoomTest, WidthReportedBetweenOpeningAndStart)
 {
     set(64, 1024, "Mono8");
     open();
@@ -184,7 +184,7 @@ TEST_F(SlotRoomTest, WidthToldBetweenOpeningAndStart)
     expectZerosBehind(std::size_t{64} * 1024, std::size_t{1280} * 1024);
 }
 
-TEST_F(SlotRoomTest, HeightToldBetweenOpeningAndStart)
+TEST_F(SlotRoomTest, HeightReportedBetweenOpeningAndStart)
 {
     set(1280, 3, "Mono8");
     open();
@@ -196,7 +196,7 @@ TEST_F(SlotRoomTest, HeightToldBetweenOpeningAndStart)
     expectZerosBehind(std::size_t{1280} * 3, std::size_t{1280} * 1024);
 }
 
-TEST_F(SlotRoomTest, PixelFormatToldBetweenOpeningAndStart)
+TEST_F(SlotRoomTest, PixelFormatReportedBetweenOpeningAndStart)
 {
     set(1280, 1024, "Mono8");
     open();
@@ -208,7 +208,7 @@ TEST_F(SlotRoomTest, PixelFormatToldBetweenOpeningAndStart)
     expectZerosBehind(std::size_t{1280} * 1024, std::size_t{1280} * 1024 * 3);
 }
 
-TEST_P(SlotRoomWithoutFeatureTest, AFeatureThatCannotBeReadAtTheStart)
+TEST_P(SlotRoomWithoutFeatureTest, FeatureThatCannotBeReadAtTheStart)
 {
     set(1280, 1024, "RGB8");
     ask(1280, 1024, kRgb8.value);
@@ -222,7 +222,7 @@ TEST_P(SlotRoomWithoutFeatureTest, AFeatureThatCannotBeReadAtTheStart)
 
 INSTANTIATE_TEST_SUITE_P(Features, SlotRoomWithoutFeatureTest, ::testing::Values("Width", "Height", "PixelFormat"));
 
-TEST_F(SlotRoomTest, TheLargestOfEachWheneverItWasTold)
+TEST_F(SlotRoomTest, LargestReportedValueOfEachFeature)
 {
     set(1280, 3, "Mono8");
     ask(1280, 3, kMono8.value);
@@ -238,7 +238,7 @@ TEST_F(SlotRoomTest, TheLargestOfEachWheneverItWasTold)
     expectZerosBehind(std::size_t{64} * 64, std::size_t{1280} * 1024 * 3);
 }
 
-TEST_F(SlotRoomTest, WhatTheFeatureBrowserIsToldCounts)
+TEST_F(SlotRoomTest, ValuesReportedToTheFeatureBrowserCount)
 {
     set(1280, 1024, "RGB8");
     EXPECT_EQ(intOf(m_camera, "Width"), 1280);
@@ -250,13 +250,13 @@ TEST_F(SlotRoomTest, WhatTheFeatureBrowserIsToldCounts)
     expectRoom(1280, 1024, kRgb8);
 }
 
-TEST_F(SlotRoomTest, NothingIsLeftOfALongerImage)
+TEST_F(SlotRoomTest, NothingRemainsOfALongerImage)
 {
     set(1280, 1024, "Mono8");
     ask(1280, 1024, kMono8.value);
     open();
     start();
-    ASSERT_TRUE(m_recorder.waitForImages(40)); // every buffer has had one
+    ASSERT_TRUE(m_recorder.waitForImages(40)); // every buffer has contained one
     ASSERT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
     set(64, 64, "Mono8");
     m_recorder.clear();
@@ -264,19 +264,19 @@ TEST_F(SlotRoomTest, NothingIsLeftOfALongerImage)
     expectZerosBehind(std::size_t{64} * 64, std::size_t{1280} * 1024);
 }
 
-TEST_F(SlotRoomTest, NothingIsLeftOfALongerImageInAnEarlierStart)
+TEST_F(SlotRoomTest, NothingRemainsOfALongerImageOfAnEarlierStart)
 {
     set(1280, 1024, "Mono8");
     open();
     start();
-    ASSERT_TRUE(m_recorder.waitForImages(40)); // every buffer has had one
+    ASSERT_TRUE(m_recorder.waitForImages(40)); // every buffer has contained one
     ASSERT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
     set(64, 64, "Mono8");
     m_recorder.clear();
     start();
     ASSERT_TRUE(m_recorder.waitForImages(8));
     ASSERT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
-    // The next start does not fill the slot.
+    // The images of the next start do not reach this slot.
     const LockedImage locked(m_stream);
     set(1280, 1024, "Mono8");
     ask(1280, 1024, kMono8.value);
@@ -290,7 +290,7 @@ TEST_F(SlotRoomTest, NothingIsLeftOfALongerImageInAnEarlierStart)
     EXPECT_EQ(Strm_UnlockBuffer(m_stream, locked.slot()), CAM_API_STS_SUCCESS);
 }
 
-TEST_F(SlotRoomTest, ImagesOfAnEarlierStartHaveTheRoomOfTheNewOne)
+TEST_F(SlotRoomTest, ImagesOfAnEarlierStartHaveTheMemoryOfTheNewOne)
 {
     set(64, 64, "Mono8");
     open();
@@ -303,7 +303,7 @@ TEST_F(SlotRoomTest, ImagesOfAnEarlierStartHaveTheRoomOfTheNewOne)
     setInt(m_camera, "Width", 64);
     start();
     {
-        // The slot keeps its image as long as it is locked.
+        // A locked slot keeps its image.
         CAM_IMAGE_INFO info = {};
         ASSERT_EQ(Strm_LockBuffer(m_stream, locked.slot(), &info), CAM_API_STS_SUCCESS);
         const auto bgra = std::make_unique<std::uint8_t[]>(std::size_t{4} * 1280 * 64);
@@ -313,7 +313,7 @@ TEST_F(SlotRoomTest, ImagesOfAnEarlierStartHaveTheRoomOfTheNewOne)
     EXPECT_EQ(locked.bytes(), locked.lockedBytes()) << "where it was when it was locked";
 }
 
-TEST_F(SlotRoomTest, FourGigabytesInAllAreRefused)
+TEST_F(SlotRoomTest, FourGigabytesInTotalAreRefused)
 {
     set(32768, 32767, "Mono8");
     ASSERT_EQ(Strm_OpenSimple(m_camera, &m_stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
@@ -322,13 +322,13 @@ TEST_F(SlotRoomTest, FourGigabytesInAllAreRefused)
     EXPECT_EQ(Strm_OpenSimple(m_camera, &refused, nullptr, nullptr, 5, nullptr), CAM_API_STS_INVALID_PARAMETER);
     set(32768, 32768, "Mono8");
     EXPECT_EQ(Strm_OpenSimple(m_camera, &refused, nullptr, nullptr, 4, nullptr), CAM_API_STS_INVALID_PARAMETER);
-    // Products that look small once they are cut down to 32 bits, or to 64.
+    // Products that are small when truncated to 32 or 64 bits.
     set(65536, 65537, "Mono8");
     EXPECT_EQ(Strm_OpenSimple(m_camera, &refused, nullptr, nullptr, 1, nullptr), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(refused, 0U);
 }
 
-TEST_F(SlotRoomTest, FourGigabytesThatWereToldAreRefusedAtTheStart)
+TEST_F(SlotRoomTest, FourGigabytesByReportedValuesAreRefusedAtTheStart)
 {
     set(64, 64, "Mono8");
     open();
@@ -337,7 +337,7 @@ TEST_F(SlotRoomTest, FourGigabytesThatWereToldAreRefusedAtTheStart)
     setInt(m_camera, "Width", 64);
     EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
-    // Another opening knows nothing of it.
+    // After reopening, the values are forgotten.
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     CAM_HANDLE camera = 0;
     ASSERT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);

@@ -1,4 +1,4 @@
-// Streams that cannot be started or stopped as they should: what is left of them.
+// The state after a stream fails to start or stop.
 
 #include "DescribedCamera.h"
 #include "MemoryLimit.h"
@@ -54,7 +54,7 @@ protected:
 
 } // namespace
 
-TEST_F(StreamFailureTest, ACameraThatRefusesToStartIsNotLeftLocked)
+TEST_F(StreamFailureTest, CameraThatRefusesToStartIsUnlocked)
 {
     setInt(m_camera, "MayStart", 0);
     EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_NOT_AVAILABLE);
@@ -67,19 +67,19 @@ TEST_F(StreamFailureTest, ACameraThatRefusesToStartIsNotLeftLocked)
     EXPECT_EQ(locked(), 0);
 }
 
-TEST_F(StreamFailureTest, ACameraThatRefusesToStopIsNotLeftLocked)
+TEST_F(StreamFailureTest, CameraThatRefusesToStopIsUnlocked)
 {
     ASSERT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
     setInt(m_camera, "MayStop", 0);
     EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_NOT_AVAILABLE);
     EXPECT_EQ(locked(), 0);
-    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS) << "it is stopped all the same";
+    EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS) << "it is stopped nevertheless";
     EXPECT_EQ(Strm_Start(m_stream, 8), CAM_API_STS_SUCCESS);
     EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_SUCCESS);
     EXPECT_EQ(locked(), 0);
 }
 
-TEST_F(StreamFailureTest, StartsAgainAfterPayloadsOfFourGigabytesInAll)
+TEST_F(StreamFailureTest, StartsAgainAfterPayloadsOfFourGigabytesInTotal)
 {
     for (const std::int64_t payload : {0x40000000LL, 0xFFFFFFFFLL}) {
         setInt(m_camera, "PayloadSize", payload);
@@ -91,10 +91,10 @@ TEST_F(StreamFailureTest, StartsAgainAfterPayloadsOfFourGigabytesInAll)
     EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS);
 }
 
-TEST_F(StreamFailureTest, StartsAgainAfterImagesThatNoMemoryHolds)
+TEST_F(StreamFailureTest, StartsAgainAfterImagesThatDoNotFitMemory)
 {
     if (!MemoryLimit::kPossible)
-        GTEST_SKIP() << "no limit with a sanitizer";
+        GTEST_SKIP() << "sanitizers do not work with a memory limit";
     setInt(m_camera, "PayloadSize", 0x3FFFFFFF);
     {
         const MemoryLimit limit(1U << 30);

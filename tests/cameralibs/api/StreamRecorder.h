@@ -11,7 +11,7 @@
 
 /// A copy of one image.
 struct Picture {
-    std::uint32_t format = 0; ///< of the PFNC
+    std::uint32_t format = 0; ///< PFNC value
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint64_t number = 0;
@@ -25,7 +25,7 @@ struct Picture {
     }
 };
 
-/// Records what a stream's callbacks bring, for a test to wait for.
+/// Records the callbacks of a stream, so that a test can wait for them.
 class StreamRecorder {
 public:
     struct Image {
@@ -35,10 +35,10 @@ public:
         std::uint32_t slot;
     };
 
-    /// Records streams that the test opens and attaches to it.
+    /// Records streams that the test opens and attaches.
     StreamRecorder() = default;
 
-    /// Opens a stream of this camera and starts it. The recorder closes it.
+    /// Opens and starts a stream of this camera. The recorder closes it.
     explicit StreamRecorder(Orvo::CAM_HANDLE camera);
 
     ~StreamRecorder();
@@ -47,18 +47,18 @@ public:
 
     void attachTo(Orvo::CAM_STRM_HANDLE stream);
 
-    /// For the stream that the recorder opened. Starting it forgets what was recorded before.
+    /// For the stream that the recorder opened. Starting discards earlier records.
     void start();
     void stop();
 
-    /// Runs inside every image callback. Set while nothing is started.
+    /// Called inside every image callback. To be set while no stream runs.
     std::function<void(const Image&)> onImage;
 
-    /// Copies the next images; fewer where they do not come within a generous time. For the stream that the recorder
+    /// Copies the next images; fewer if they do not arrive within a generous time. For the stream that the recorder
     /// opened.
     [[nodiscard]] std::vector<Picture> take(std::size_t count);
 
-    /// False where the images do not come within a generous time.
+    /// False if the images do not arrive within a generous time.
     [[nodiscard]] bool waitForImages(std::size_t count);
     [[nodiscard]] bool waitForErrors(std::size_t count);
     [[nodiscard]] bool waitForBusy(std::size_t count);
@@ -70,7 +70,7 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> errorSlots();
     [[nodiscard]] std::vector<std::uint32_t> busy();
 
-    /// Callbacks that began before another one had ended.
+    /// Number of callbacks that began before another one had returned.
     [[nodiscard]] int overlaps();
     void clear();
 
@@ -84,7 +84,7 @@ private:
     template <class Done> [[nodiscard]] bool wait(Done&& done);
 
     Orvo::CAM_HANDLE m_camera = 0;
-    Orvo::CAM_STRM_HANDLE m_stream = 0; ///< only one that the recorder opened
+    Orvo::CAM_STRM_HANDLE m_stream = 0; ///< the stream that the recorder opened, if any
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<Image> m_images;
@@ -93,10 +93,10 @@ private:
     std::vector<std::uint32_t> m_busy;
     int m_inside = 0;
     int m_overlaps = 0;
-    Picture m_frame;          ///< what the camera says of its images
+    Picture m_frame;          ///< format and size that the camera reports
     std::size_t m_wanted = 0; ///< images that take() still waits for
     std::vector<Picture> m_taken;
 };
 
-/// One image with the camera's present settings.
+/// Takes one image with the camera's present settings.
 [[nodiscard]] Picture takePicture(Orvo::CAM_HANDLE camera);

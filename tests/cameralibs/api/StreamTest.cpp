@@ -46,7 +46,7 @@ std::vector<std::uint8_t> bytesOf(const CAM_IMAGE_INFO& info)
 
 } // namespace
 
-TEST_F(StreamTest, OpenTellsThePayloadAndOnlyOneIsOpen)
+TEST_F(StreamTest, OpenReturnsThePayloadAndOnlyOneStreamCanBeOpen)
 {
     EXPECT_EQ(m_maxSize, 64U * 64U);
     CAM_STRM_HANDLE second = 0;
@@ -70,7 +70,7 @@ TEST_F(StreamTest, ClosingTheCameraClosesItsStream)
     EXPECT_EQ(Strm_Close(m_stream), CAM_API_STS_INVALID_STREAM_HANDLE);
 }
 
-TEST_F(StreamTest, ImagesArriveWithTheirRecords)
+TEST_F(StreamTest, ImagesArriveWithTheirInformation)
 {
     start();
     ASSERT_TRUE(m_recorder.waitForImages(10));
@@ -98,7 +98,7 @@ TEST_F(StreamTest, ImagesArriveWithTheirRecords)
     EXPECT_EQ(m_recorder.overlaps(), 0);
 }
 
-TEST_F(StreamTest, StartedTwiceIsRefusedAndStoppedTwiceIsNot)
+TEST_F(StreamTest, SecondStartIsRefusedAndSecondStopIsNot)
 {
     EXPECT_EQ(Strm_Stop(m_stream), CAM_API_STS_SUCCESS) << "never started";
     start();
@@ -121,7 +121,7 @@ TEST_F(StreamTest, NoCallbackAfterStopReturned)
     }
 }
 
-TEST_F(StreamTest, StopWaitsForTheCallbackUnderWay)
+TEST_F(StreamTest, StopWaitsForACallbackInProgress)
 {
     std::atomic<bool> inside{false};
     std::atomic<bool> stopWaits{false};
@@ -146,7 +146,7 @@ TEST_F(StreamTest, StopWaitsForTheCallbackUnderWay)
     EXPECT_TRUE(*leftBeforeTheEnd);
 }
 
-TEST_F(StreamTest, CurrentBufferNeedsAnImageOfThisStart)
+TEST_F(StreamTest, CurrentBufferNeedsAnImageSinceTheStart)
 {
     std::uint32_t index = 77;
     EXPECT_EQ(Strm_GetCurrentBufferIndex(m_stream, &index), CAM_API_STS_NOT_READY);
@@ -173,7 +173,7 @@ TEST_F(StreamTest, LocksCountAndNeedAFilledSlot)
     start();
     ASSERT_TRUE(m_recorder.waitForImages(1));
     stop();
-    // After the stop too.
+    // Also after the stop.
     EXPECT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.dataSize, 64U * 64U);
     EXPECT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
@@ -182,7 +182,7 @@ TEST_F(StreamTest, LocksCountAndNeedAFilledSlot)
     EXPECT_EQ(Strm_UnlockBuffer(m_stream, 0), CAM_API_STS_INVALID_PARAMETER);
 }
 
-TEST_F(StreamTest, LockedBufferIsNotWrittenAndNamedAsBusy)
+TEST_F(StreamTest, LockedBufferIsNotOverwrittenAndReportedAsBusy)
 {
     EXPECT_EQ(Nd_SetEnumStrValue(m_camera, node("TestPattern"), "GreyHorizontalRampMoving"), CAM_API_STS_SUCCESS);
     start();
@@ -195,7 +195,7 @@ TEST_F(StreamTest, LockedBufferIsNotWrittenAndNamedAsBusy)
     ASSERT_TRUE(m_recorder.waitForBusy(5));
     EXPECT_THAT(m_recorder.busy(), ::testing::Each(slot));
     EXPECT_EQ(bytesOf(info), before);
-    // Dropped images leave the newest where it was.
+    // Dropped images do not change the current buffer.
     std::uint32_t current = kSlots;
     ASSERT_EQ(Strm_GetCurrentBufferIndex(m_stream, &current), CAM_API_STS_SUCCESS);
     EXPECT_EQ(current, (slot + kSlots - 1) % kSlots);
@@ -206,10 +206,10 @@ TEST_F(StreamTest, LockedBufferIsNotWrittenAndNamedAsBusy)
     const auto all = m_recorder.images();
     EXPECT_EQ(all[images].slot, slot) << "the slot that was locked comes next";
     EXPECT_EQ(all[images].info.frameNumber - all[images - 1].info.frameNumber, m_recorder.busy().size() + 1)
-        << "dropped images count";
+        << "dropped images are numbered, too";
 }
 
-TEST_F(StreamTest, LockOutlastsARestart)
+TEST_F(StreamTest, LockSurvivesARestart)
 {
     start();
     ASSERT_TRUE(m_recorder.waitForImages(1));
@@ -217,7 +217,7 @@ TEST_F(StreamTest, LockOutlastsARestart)
     CAM_IMAGE_INFO info = {};
     ASSERT_EQ(Strm_LockBuffer(m_stream, 0, &info), CAM_API_STS_SUCCESS);
     const std::vector<std::uint8_t> before = bytesOf(info);
-    // Larger images need larger buffers, twice; the locked one stays as it is.
+    // Larger images need larger buffers, twice; the locked one does not change.
     for (const std::uint64_t size : {256U, 512U}) {
         setInt("Width", static_cast<std::int64_t>(size));
         setInt("Height", static_cast<std::int64_t>(size));
@@ -266,20 +266,20 @@ TEST_F(StreamTest, RemovedBusyCallbackIsNotCalled)
     CAM_IMAGE_INFO info = {};
     for (std::uint32_t slot = 0; slot < kSlots; ++slot)
         ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &info), CAM_API_STS_SUCCESS);
-    // Between two errors there is an image, which no slot takes.
+    // Between two errors there is an image, for which no slot is free.
     ASSERT_TRUE(m_recorder.waitForErrors(m_recorder.errors().size() + 5));
     stop();
     EXPECT_TRUE(m_recorder.busy().empty());
 }
 
-TEST_F(StreamTest, LostAndIncompleteImagesLeaveTheSlotToTheNext)
+TEST_F(StreamTest, LostAndIncompleteImagesDoNotUseASlot)
 {
     setInt("SimulationLoseEvery", 3);
     setInt("SimulationIncompleteEvery", 2);
     start();
     ASSERT_TRUE(m_recorder.waitForErrors(6));
     stop();
-    // Of 1, 2, 3, 4, 5, 6: the first and the fifth come, the third and the sixth are lost, two are incomplete.
+    // Of images 1 to 6, 1 and 5 arrive, 3 and 6 are lost, 2 and 4 are incomplete.
     const auto images = m_recorder.images();
     for (std::size_t i = 0; i < images.size(); ++i) {
         EXPECT_EQ(images[i].info.frameNumber, i / 2 * 6 + (i % 2 == 0 ? 1 : 5));
@@ -291,7 +291,7 @@ TEST_F(StreamTest, LostAndIncompleteImagesLeaveTheSlotToTheNext)
     EXPECT_THAT(m_recorder.errors(), ::testing::Each(CAM_API_STS_MISSING_PACKETS));
 }
 
-TEST_F(StreamTest, ImagesThatOutgrowTheirBuffersAreErrors)
+TEST_F(StreamTest, ImagesLargerThanTheirBuffersAreErrors)
 {
     start();
     ASSERT_TRUE(m_recorder.waitForImages(1));
@@ -326,7 +326,7 @@ TEST_F(StreamTest, UnpluggedWhileStreaming)
     EXPECT_EQ(m_recorder.images().size(), images);
 }
 
-TEST_F(StreamTest, ForeignHandlesAreRefused)
+TEST_F(StreamTest, HandlesOfOtherKindsAreRefused)
 {
     EXPECT_EQ(Strm_Start(m_camera, 8), CAM_API_STS_INVALID_STREAM_HANDLE);
     EXPECT_EQ(Strm_Stop(m_signal), CAM_API_STS_INVALID_STREAM_HANDLE);

@@ -14,13 +14,13 @@ using namespace Orvo;
 
 namespace {
 
-/// Whether a thread waits for something; `folder` is its own one in /proc.
+/// Whether a thread sleeps. `folder` is its folder in /proc.
 bool sleeps(const std::filesystem::path& folder)
 {
     std::ifstream file(folder / "stat");
     std::string line;
     std::getline(file, line);
-    // The name in parentheses may hold anything; behind it comes the state.
+    // The state follows the name, which is in parentheses and may contain any character.
     const auto name = line.rfind(") ");
     return name != std::string::npos && line.at(name + 2) == 'S';
 }
@@ -44,7 +44,7 @@ CAM_API_STATUS WaitingCall::result()
 {
     if (returned(kPatience))
         return m_result.get();
-    ADD_FAILURE() << "The call waits yet.";
+    ADD_FAILURE() << "The call is still waiting.";
     return CAM_API_STS_TIMEOUT;
 }
 

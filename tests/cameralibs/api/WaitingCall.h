@@ -6,15 +6,15 @@
 #include <functional>
 #include <future>
 
-/// A call of the library that is to wait, on a thread of its own. A call that nothing ever wakes is left behind.
+/// A blocking call of the library on a separate thread. A call that never returns is abandoned.
 class WaitingCall {
 public:
     using Call = std::function<Orvo::CAM_API_STATUS()>;
 
-    /// Returns once the thread sleeps. The call refers to nothing that the test takes away.
+    /// Returns once the thread sleeps. The call must not refer to objects of the test, because it may outlive them.
     explicit WaitingCall(Call call);
 
-    /// What the call returned; a failure where it does not return within a generous time.
+    /// The result of the call. Fails the test if it does not return within a generous time.
     [[nodiscard]] Orvo::CAM_API_STATUS result();
 
 private:

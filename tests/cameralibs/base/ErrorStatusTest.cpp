@@ -75,13 +75,13 @@ Orvo::CAM_API_STATUS status(GQuark domain, int code, Attempted attempted)
 
 } // namespace
 
-TEST(ErrorStatus, OfNoError)
+TEST(ErrorStatus, NoErrorIsSuccess)
 {
     EXPECT_TRUE(outcomeOf({}, Attempted::reading).ok());
     EXPECT_TRUE(outcomeOfOpening({}).ok());
 }
 
-TEST(ErrorStatus, OfEveryErrorOfADevice)
+TEST(ErrorStatus, EveryDeviceErrorIsMapped)
 {
     for (const DeviceRow& row : kDeviceErrors) {
         EXPECT_EQ(status(ARV_DEVICE_ERROR, row.code, Attempted::reading), row.status) << row.code;
@@ -89,7 +89,7 @@ TEST(ErrorStatus, OfEveryErrorOfADevice)
     }
 }
 
-TEST(ErrorStatus, OfEveryErrorOfADescription)
+TEST(ErrorStatus, EveryDescriptionErrorIsMapped)
 {
     for (const GenicamRow& row : kGenicamErrors) {
         EXPECT_EQ(status(ARV_GC_ERROR, row.code, Attempted::reading), row.reading) << row.code;
@@ -97,17 +97,17 @@ TEST(ErrorStatus, OfEveryErrorOfADescription)
     }
 }
 
-TEST(ErrorStatus, OfOtherLibraries)
+TEST(ErrorStatus, ErrorsOfOtherLibrariesAreGenICamErrors)
 {
     EXPECT_EQ(status(ARV_CHUNK_PARSER_ERROR, 0, Attempted::reading), 2056U);
     EXPECT_EQ(status(g_quark_from_static_string("Aravis"), 1, Attempted::reading), 258U);
     EXPECT_EQ(status(G_IO_ERROR, G_IO_ERROR_FAILED, Attempted::writing), 258U);
 }
 
-TEST(ErrorStatus, OfAnOpening)
+TEST(ErrorStatus, ErrorsOfOpeningAreMapped)
 {
     for (const DeviceRow& row : kDeviceErrors) {
-        // A claim that is refused comes as a protocol error.
+        // Aravis reports a refused claim as a protocol error.
         const Orvo::CAM_API_STATUS expected = row.code == ARV_DEVICE_ERROR_PROTOCOL_ERROR ? 2053 : row.status;
         EXPECT_EQ(outcomeOfOpening(errorOf(ARV_DEVICE_ERROR, row.code)).status, expected) << row.code;
     }
@@ -120,7 +120,7 @@ TEST(ErrorStatus, KeepsTheText)
     EXPECT_EQ(outcomeOfOpening(errorOf(G_IO_ERROR, 0)).text, "what happened");
 }
 
-TEST(ErrorStatus, AnErrorIsGoneByTheNextCall)
+TEST(ErrorStatus, NextCallReplacesAnEarlierError)
 {
     GErrorPointer error = errorOf(G_IO_ERROR, G_IO_ERROR_FAILED);
     EXPECT_TRUE(error);

@@ -1,4 +1,4 @@
-// The memory behind a stream's buffers, also as another process sees it.
+// The memory of a stream's buffers, also as seen by another process.
 
 #include "cameralibs/base/ImageMemory.h"
 
@@ -18,7 +18,7 @@
 
 using cameralibs::ImageMemory;
 
-TEST(ImageMemoryTest, EveryBufferBeginsWithZeros)
+TEST(ImageMemoryTest, BuffersAreZeroAtFirst)
 {
     const ImageMemory memory(3, 10'000);
     for (std::size_t i = 0; i < memory.count(); ++i) {
@@ -28,7 +28,7 @@ TEST(ImageMemoryTest, EveryBufferBeginsWithZeros)
     }
 }
 
-TEST(ImageMemoryTest, BuffersBeginAtPagesWithAPageBetweenThem)
+TEST(ImageMemoryTest, BuffersStartAtPagesWithAPageBetweenThem)
 {
     const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
     for (const std::size_t bytes : {std::size_t{1}, page - 1, page, page + 1}) {
@@ -42,7 +42,7 @@ TEST(ImageMemoryTest, BuffersBeginAtPagesWithAPageBetweenThem)
     }
 }
 
-TEST(ImageMemoryTest, WhoHasTheDescriptorSeesTheBuffersAtTheirOffsets)
+TEST(ImageMemoryTest, MappingTheDescriptorShowsTheBuffersAtTheirOffsets)
 {
     const ImageMemory memory(2, 5000);
     auto* const other = static_cast<std::uint8_t*>(
@@ -53,7 +53,7 @@ TEST(ImageMemoryTest, WhoHasTheDescriptorSeesTheBuffersAtTheirOffsets)
     EXPECT_EQ(::munmap(other, memory.size()), 0);
 }
 
-TEST(ImageMemoryTest, NobodyChangesTheSize)
+TEST(ImageMemoryTest, SizeIsSealed)
 {
     const ImageMemory memory(2, 5000);
     EXPECT_EQ(::ftruncate(memory.descriptor(), 0), -1);
@@ -61,7 +61,7 @@ TEST(ImageMemoryTest, NobodyChangesTheSize)
     EXPECT_EQ(::fcntl(memory.descriptor(), F_GET_SEALS), F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL);
 }
 
-TEST(ImageMemoryTest, TheDescriptorIsNotInheritedAndGoesWithTheMemory)
+TEST(ImageMemoryTest, DescriptorIsClosedOnExecAndWithTheMemory)
 {
     int descriptor = -1;
     {
@@ -72,7 +72,7 @@ TEST(ImageMemoryTest, TheDescriptorIsNotInheritedAndGoesWithTheMemory)
     EXPECT_EQ(::fcntl(descriptor, F_GETFD), -1);
 }
 
-TEST(ImageMemoryTest, MemoryThatIsNotTouchedCostsNothing)
+TEST(ImageMemoryTest, UntouchedMemoryTakesNoPages)
 {
     const ImageMemory memory(16, std::size_t{1} << 32); // more than the machine has
     memory.data(15)[0] = 1;
@@ -85,10 +85,10 @@ TEST(ImageMemoryTest, AbsurdSizesAreRefused)
     EXPECT_THROW(ImageMemory(1, all), std::bad_alloc);
     EXPECT_THROW(ImageMemory(1, all / 2), std::bad_alloc);
     EXPECT_THROW(ImageMemory(all / 2, 4096), std::bad_alloc);
-    EXPECT_THROW(ImageMemory(1024, std::size_t{1} << 40), std::bad_alloc) << "no machine has these addresses";
+    EXPECT_THROW(ImageMemory(1024, std::size_t{1} << 40), std::bad_alloc) << "larger than any address space";
 }
 
-TEST(ImageMemoryTest, TheAddressSanitizerSeesWhoLeavesABuffer)
+TEST(ImageMemoryTest, AddressSanitizerDetectsAccessesBesideABuffer)
 {
 #ifdef __SANITIZE_ADDRESS__
     void* freed = nullptr;
@@ -100,7 +100,7 @@ TEST(ImageMemoryTest, TheAddressSanitizerSeesWhoLeavesABuffer)
         EXPECT_TRUE(__asan_address_is_poisoned(memory.data(1) + 4099));
         freed = memory.data(0) + 4099;
     }
-    EXPECT_FALSE(__asan_address_is_poisoned(freed)) << "the addresses may be anybody's again";
+    EXPECT_FALSE(__asan_address_is_poisoned(freed)) << "the addresses may be used again";
 #else
     GTEST_SKIP() << "needs the address sanitizer";
 #endif

@@ -1,4 +1,4 @@
-// The diagnostic log beside a host program's own logging.
+// The diagnostic log together with a host program's own logging.
 
 #include "cameralibs/base/Log.h"
 
@@ -26,12 +26,12 @@ GLogWriterOutput keep(GLogLevelFlags, const GLogField* fields, gsize count, void
     return G_LOG_WRITER_HANDLED;
 }
 
-/// Ends the process: 0 where a writer that is set after the log was opened gets the line with all that is known.
+/// Exits with 0 if a log writer that is installed after the log level was set receives the line with all its fields.
 [[noreturn]] void logToOwnWriter()
 {
     Fields kept;
     setLogLevel("warning");
-    // GLib takes one writer per process and ends it at the second.
+    // GLib accepts one writer per process and aborts at the second one.
     g_log_set_writer_func(keep, &kept, nullptr);
     log(Severity::warning, "Lynx 5", "does not purr");
     const Fields expected = {{"MESSAGE", "warning: Lynx 5: does not purr"},
@@ -43,13 +43,13 @@ GLogWriterOutput keep(GLogLevelFlags, const GLogField* fields, gsize count, void
 
 } // namespace
 
-TEST(LogDeathTest, AHostProgramMayHaveALogWriterOfItsOwnAndGetsEverythingThere)
+TEST(LogDeathTest, LogWriterOfAHostProgramReceivesAllFields)
 {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(logToOwnWriter(), ::testing::ExitedWithCode(0), "");
 }
 
-TEST(LogDeathTest, NoLineEndsAHostProgramThatEndsAtItsOwnWarnings)
+TEST(LogDeathTest, NoLineIsFatalIfWarningsAreFatal)
 {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(

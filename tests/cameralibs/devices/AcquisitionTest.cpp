@@ -1,4 +1,4 @@
-// When images come: rates, triggers, modes.
+// The times of images: rates, triggers, modes.
 
 #include "camera/OrvoCamUtl.h"
 #include "tests/cameralibs/api/StreamRecorder.h"
@@ -18,27 +18,26 @@ namespace {
 
 class AcquisitionTest : public MonoTest {
 protected:
-    // Images per second, by their time stamps.
+    // Images per second according to their time stamps.
     [[nodiscard]] static double rateOf(const std::vector<Picture>& pictures)
     {
         const auto span = static_cast<double>(pictures.back().timestampNs - pictures.front().timestampNs);
         return static_cast<double>(pictures.back().number - pictures.front().number) * 1e9 / span;
     }
 
-    // Whether images come at a rate, by and by: the machine may be busy with something else for a while.
+    // Expects that images eventually arrive at this rate. Retries, because the machine may be busy for a while.
     static void expectRate(StreamRecorder& stream, double rate)
     {
         double measured = 0;
         for (int attempt = 0; attempt < 20 && std::abs(measured / rate - 1) > 0.1; ++attempt) {
-            (void)stream.take(2); // one may have been under way
+            (void)stream.take(2); // the first may still have the old settings
             measured = rateOf(stream.take(static_cast<std::size_t>(rate / 2)));
         }
         EXPECT_NEAR(measured / rate, 1, 0.1);
     }
 
-    // Lasts as long as another camera takes for ten images. An image that should not come would come meanwhile, however
-    // busy the machine is.
-    static void letImagesCome()
+    // Waits for ten images of another camera. In this time an unwanted image would arrive, even on a busy machine.
+    static void waitForUnwantedImages()
     {
         const SimulatedCamera& other = switchedOn(kColor);
         other.setInteger("Width", 320);
@@ -47,7 +46,7 @@ protected:
     }
 };
 
-TEST_F(AcquisitionTest, ImagesComeAtTheRateThatIsSet)
+TEST_F(AcquisitionTest, ImagesArriveAtTheRateThatIsSet)
 {
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60);
     m_camera.setInteger("Width", 320);
@@ -86,10 +85,10 @@ TEST_F(AcquisitionTest, LongExposuresLimitTheRate)
         expectRate(stream, 20);
     }
     m_camera.setReal("ExposureTime", 1000);
-    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60) << "What was set counts again";
+    EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionFrameRate"), 60) << "the rate that was set applies again";
 }
 
-TEST_F(AcquisitionTest, NoRegisterTakesARateThatThereIsNot)
+TEST_F(AcquisitionTest, InvalidRatesAreRefused)
 {
     const CAM_NODE_HANDLE wanted = m_camera.node("AcquisitionFrameRateWantedReg");
     for (const double rate : {0.0, -5.0, 1e-300, 0.09, 1001.0, std::nan("")}) {
@@ -112,7 +111,7 @@ TEST_F(AcquisitionTest, FewerRowsAreFaster)
     EXPECT_DOUBLE_EQ(m_camera.real("AcquisitionResultingFrameRate"), 2 * whole);
 }
 
-TEST_F(AcquisitionTest, TheLinkLimitsTheRate)
+TEST_F(AcquisitionTest, LinkLimitsTheRate)
 {
     EXPECT_EQ(m_camera.access("DeviceLinkThroughputLimit"), NODE_ACCESS_MODE_NA);
     m_camera.choose("DeviceLinkThroughputLimitMode", "On");
@@ -120,14 +119,14 @@ TEST_F(AcquisitionTest, TheLinkLimitsTheRate)
     EXPECT_NEAR(m_camera.real("AcquisitionResultingFrameRate"), 50e6 / (1280 * 1024), 0.01);
 }
 
-TEST_F(AcquisitionTest, TheLinkCarriesTheFullRateOfDeepPixels)
+TEST_F(AcquisitionTest, LinkCarriesTheFullRateOfDeepPixels)
 {
     m_camera.setReal("ExposureTime", 100);
     m_camera.choose("PixelFormat", "Mono16");
     EXPECT_DOUBLE_EQ(m_camera.greatestReal("AcquisitionFrameRate"), 200);
 }
 
-TEST_F(AcquisitionTest, SoftwareTriggerGivesOneImageEach)
+TEST_F(AcquisitionTest, EachSoftwareTriggerGivesOneImage)
 {
     m_camera.choose("TriggerMode", "On");
     bool on = false;
@@ -137,7 +136,7 @@ TEST_F(AcquisitionTest, SoftwareTriggerGivesOneImageEach)
     EXPECT_EQ(GetCamTriggerSource(m_camera.handle(), &source), CAM_API_STS_SUCCESS);
     EXPECT_EQ(source, CAM_TRIGGER_SOURCE_SOFTWARE);
     StreamRecorder stream(m_camera.handle());
-    letImagesCome();
+    waitForUnwantedImages();
     EXPECT_EQ(stream.imageCount(), 0U);
     for (std::size_t i = 1; i <= 3; ++i) {
         EXPECT_EQ(ExecuteCamSoftwareTrigger(m_camera.handle()), CAM_API_STS_SUCCESS);
@@ -146,13 +145,13 @@ TEST_F(AcquisitionTest, SoftwareTriggerGivesOneImageEach)
     for (int i = 0; i < 5; ++i)
         m_camera.execute("TriggerSoftware");
     ASSERT_TRUE(stream.waitForImages(8));
-    letImagesCome();
+    waitForUnwantedImages();
     EXPECT_EQ(stream.imageCount(), 8U);
     m_camera.choose("TriggerMode", "Off");
     EXPECT_TRUE(stream.waitForImages(12));
 }
 
-TEST_F(AcquisitionTest, TriggersAreForTheirSourceOnly)
+TEST_F(AcquisitionTest, TriggersOfOtherSourcesAreIgnored)
 {
     m_camera.choose("TriggerMode", "On");
     EXPECT_EQ(m_camera.access("TriggerActivation"), NODE_ACCESS_MODE_NA);
@@ -160,10 +159,10 @@ TEST_F(AcquisitionTest, TriggersAreForTheirSourceOnly)
     EXPECT_EQ(m_camera.access("TriggerActivation"), NODE_ACCESS_MODE_RW);
     StreamRecorder stream(m_camera.handle());
     m_camera.execute("TriggerSoftware");
-    letImagesCome();
+    waitForUnwantedImages();
     EXPECT_EQ(stream.imageCount(), 0U);
     m_camera.choose("TriggerSource", "Software");
-    letImagesCome();
+    waitForUnwantedImages();
     EXPECT_EQ(stream.imageCount(), 0U) << "A trigger that came too early is no trigger";
 }
 
@@ -173,10 +172,10 @@ TEST_F(AcquisitionTest, WithoutTriggerModeTriggersDoNothing)
     StreamRecorder stream(m_camera.handle());
     ASSERT_TRUE(stream.waitForImages(1));
     m_camera.execute("TriggerSoftware");
-    EXPECT_LT(rateOf(stream.take(3)), 3) << "No image came early";
+    EXPECT_LT(rateOf(stream.take(3)), 3) << "no image arrived early";
 }
 
-TEST_F(AcquisitionTest, TriggersUnderWayEndWithTheirSource)
+TEST_F(AcquisitionTest, PendingTriggersEndWithTheirSource)
 {
     m_camera.choose("TriggerMode", "On");
     m_camera.setReal("TriggerDelay", 1000000);
@@ -185,11 +184,11 @@ TEST_F(AcquisitionTest, TriggersUnderWayEndWithTheirSource)
     m_camera.choose("TriggerSource", "Line0");
     m_camera.setReal("TriggerDelay", 0);
     m_camera.choose("TriggerSource", "Software");
-    letImagesCome();
+    waitForUnwantedImages();
     EXPECT_EQ(stream.imageCount(), 0U);
 }
 
-TEST_F(AcquisitionTest, TriggerDelayAndExposureComeBeforeTheImage)
+TEST_F(AcquisitionTest, ImageComesAfterTriggerDelayAndExposure)
 {
     m_camera.choose("TriggerMode", "On");
     m_camera.setReal("TriggerDelay", 120000);
@@ -208,35 +207,35 @@ TEST_F(AcquisitionTest, ModesLimitTheImagesOfAStart)
     m_camera.setInteger("AcquisitionFrameCount", 4);
     StreamRecorder stream(m_camera.handle());
     ASSERT_TRUE(stream.waitForImages(4));
-    letImagesCome();
+    waitForUnwantedImages();
     EXPECT_EQ(stream.imageCount(), 4U);
     EXPECT_FALSE(m_camera.flag("AcquisitionStatus"));
     stream.stop();
     m_camera.choose("AcquisitionMode", "SingleFrame");
     stream.start();
     ASSERT_TRUE(stream.waitForImages(1));
-    letImagesCome();
+    waitForUnwantedImages();
     EXPECT_EQ(stream.imageCount(), 1U);
     m_camera.execute("AcquisitionStart");
     ASSERT_TRUE(stream.waitForImages(2));
     EXPECT_EQ(stream.numbers().back(), 2U) << "Numbers go on within a start of the stream";
 }
 
-TEST_F(AcquisitionTest, TheCommandStopsTheImages)
+TEST_F(AcquisitionTest, AcquisitionStopStopsTheImages)
 {
     StreamRecorder stream(m_camera.handle());
     ASSERT_TRUE(stream.waitForImages(2));
     EXPECT_TRUE(m_camera.flag("AcquisitionStatus"));
     m_camera.execute("AcquisitionStop");
-    letImagesCome();
+    waitForUnwantedImages();
     const std::size_t stopped = stream.imageCount();
-    letImagesCome();
-    EXPECT_LE(stream.imageCount(), stopped + 1) << "one may have been under way";
+    waitForUnwantedImages();
+    EXPECT_LE(stream.imageCount(), stopped + 1) << "one may have been in progress";
     m_camera.execute("AcquisitionStart");
     EXPECT_TRUE(stream.waitForImages(stopped + 3));
 }
 
-TEST_F(AcquisitionTest, SizesAreLockedWhileImagesAreTaken)
+TEST_F(AcquisitionTest, SizesAreLockedDuringAcquisition)
 {
     const char* const locked[] = {
         "Width", "Height", "PixelFormat", "BinningHorizontal", "AcquisitionMode", "AccessLockedWhileStreaming"};

@@ -7,7 +7,7 @@ namespace {
 
 struct World {
     Library library;
-    std::map<std::uint32_t, SimulatedCamera> cameras; ///< those that were asked for
+    std::map<std::uint32_t, SimulatedCamera> cameras; ///< opened so far, by index
 };
 
 std::unique_ptr<World>& world()

@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-/// Tests of the built-in cameras. Opening one takes long where the tests are slowed down, so each is opened once for
-/// all tests of a suite, and switched off and on before every one.
+/// Tests of the built-in cameras. Opening a camera is slow in instrumented builds, so each one is opened once per suite
+/// and reset before every test.
 class BuiltInTest : public ::testing::Test {
 public:
     static void SetUpTestSuite();
@@ -17,7 +17,7 @@ protected:
     [[nodiscard]] static const SimulatedCamera& switchedOn(std::uint32_t index);
 };
 
-/// Those of the monochrome one.
+/// Tests of the monochrome camera.
 class MonoTest : public BuiltInTest {
 protected:
     const SimulatedCamera& m_camera = switchedOn(kMono);

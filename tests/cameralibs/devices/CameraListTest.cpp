@@ -1,4 +1,4 @@
-// Which cameras ORVO_SIMULATED_CAMERAS gives.
+// The cameras that ORVO_SIMULATED_CAMERAS selects.
 
 #include "tests/cameralibs/devices/DescriptionText.h"
 #include "tests/cameralibs/devices/SimulatedCamera.h"
@@ -23,7 +23,7 @@ namespace {
 struct Listed {
     std::vector<std::string> models;
     std::vector<std::string> serials;
-    std::string complaint; ///< what came on standard error
+    std::string complaint; ///< the text on standard error
 };
 
 Listed list(const char* value)
@@ -70,11 +70,11 @@ TEST(CameraListTest, FilesFollowTheBuiltInOnes)
     EXPECT_THAT(list((both + ",1").c_str()).models, ElementsAre("SIM-M1280", "Lynx", "Otter 5"));
     EXPECT_THAT(list((both + ",1").c_str()).serials, ElementsAre("SIM-1", "XML-1", "XML-2"));
     EXPECT_THAT(list(("0," + second.path()).c_str()).models, ElementsAre("Otter 5"));
-    EXPECT_THAT(list(first.path().c_str()).models, SizeIs(4)) << "Three built-in ones without a number";
+    EXPECT_THAT(list(first.path().c_str()).models, SizeIs(4)) << "three built-in cameras if there is no number";
     EXPECT_EQ(list(both.c_str()).complaint, "");
 }
 
-TEST(CameraListTest, EveryBadPartGivesALine)
+TEST(CameraListTest, EveryBadItemIsReported)
 {
     const Listed listed = list("1,many,/no/such/file.xml,/,-1");
     EXPECT_THAT(listed.models, ElementsAre("SIM-M1280"));
@@ -83,7 +83,7 @@ TEST(CameraListTest, EveryBadPartGivesALine)
     EXPECT_EQ(std::count(listed.complaint.begin(), listed.complaint.end(), '\n'), 4);
 }
 
-TEST(CameraListTest, AFileThatIsNotWellFormedCannotBeOpened)
+TEST(CameraListTest, CameraWhoseFileIsNotWellFormedCannotBeOpened)
 {
     const DescriptionFile broken(R"(<?xml version="1.0"?><RegisterDescription ModelName="Torn"><Category)");
     const DescriptionFile nothing("");

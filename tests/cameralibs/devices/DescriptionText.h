@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// A description file that is removed at the end of a test.
+/// A temporary description file.
 class DescriptionFile {
 public:
     explicit DescriptionFile(const std::string& text);
@@ -16,9 +16,9 @@ private:
     std::string m_path;
 };
 
-/// A description with these nodes, and a Root with these features.
+/// A description with these nodes, and with these features in Root.
 [[nodiscard]] std::string descriptionOf(const std::string& model, const std::string& features,
                                         const std::string& nodes);
 
-/// An Integer feature in a register of four bytes.
+/// An Integer feature with a register of four bytes.
 [[nodiscard]] std::string integerNode(const std::string& name, unsigned address, const std::string& range);

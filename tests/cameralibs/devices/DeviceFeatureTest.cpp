@@ -1,4 +1,4 @@
-// Features that do something besides changing the image.
+// Features that have effects other than changing the image.
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/StreamRecorder.h"
@@ -17,7 +17,7 @@ namespace {
 
 class DeviceFeatureTest : public MonoTest {};
 
-TEST_F(DeviceFeatureTest, TheTemperatureMoves)
+TEST_F(DeviceFeatureTest, TemperatureChanges)
 {
     const double first = m_camera.real("DeviceTemperature");
     EXPECT_GT(first, 20);
@@ -27,7 +27,7 @@ TEST_F(DeviceFeatureTest, TheTemperatureMoves)
     EXPECT_LT(m_camera.real("DeviceTemperature"), first - 1);
 }
 
-TEST_F(DeviceFeatureTest, TheClockRunsAndStampsTheImages)
+TEST_F(DeviceFeatureTest, ClockRunsAndProvidesTheTimeStamps)
 {
     const std::int64_t before = m_camera.integer("Timestamp");
     const Picture picture = takePicture(m_camera.handle());
@@ -58,7 +58,7 @@ TEST_F(DeviceFeatureTest, AutomaticExposureAndGainKeepTheBrightness)
     EXPECT_EQ(m_camera.access("Gain"), NODE_ACCESS_MODE_RO);
 }
 
-TEST_F(DeviceFeatureTest, NoTriggerIsForTheStartOfTheAcquisition)
+TEST_F(DeviceFeatureTest, AcquisitionStartCannotBeTriggered)
 {
     const CAM_NODE_HANDLE selector = m_camera.node("TriggerSelector");
     const auto entries = m_camera.entries("TriggerSelector");
@@ -148,7 +148,7 @@ TEST_F(DeviceFeatureTest, CountersCountImages)
     EXPECT_EQ(m_camera.integer("CounterValue"), 0);
 }
 
-TEST(PowerTest, WhatIsKeptWithoutPower)
+TEST(PowerTest, NonVolatileSettingsSurvivePowerOff)
 {
     const Library library("1");
     {
@@ -174,7 +174,7 @@ TEST(PowerTest, WhatIsKeptWithoutPower)
     EXPECT_DOUBLE_EQ(camera.real("ExposureTime"), 10000);
 }
 
-TEST(PowerTest, TheNameIsInTheList)
+TEST(PowerTest, UserDefinedNameIsListed)
 {
     const Library library("1");
     {

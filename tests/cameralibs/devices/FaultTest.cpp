@@ -1,4 +1,4 @@
-// The faults that a camera shows on demand.
+// The faults that can be simulated.
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/StreamRecorder.h"
@@ -24,7 +24,8 @@ class FaultTest : public MonoTest {};
 
 constexpr int kLongBurst = 1'000'000;
 
-/// A long burst of errors of a camera that sends no images. At each one `onError` runs, with a node of the camera.
+/// A long burst of errors from a camera that sends no images. `onError` is called for each one, with a node of the
+/// camera.
 class BurstStream {
 public:
     using Reaction = void (*)(CAM_HANDLE camera, CAM_NODE_HANDLE node);
@@ -63,7 +64,7 @@ private:
     std::atomic<int> m_errors{0};
 };
 
-TEST(UnplugTest, AnUnpluggedCameraIsGoneEverywhere)
+TEST(UnplugTest, UnpluggedCameraFailsEveryOperation)
 {
     const Library library("2");
     const SimulatedCamera camera(kMono);
@@ -80,13 +81,13 @@ TEST(UnplugTest, AnUnpluggedCameraIsGoneEverywhere)
     CAM_HANDLE again = 0;
     EXPECT_EQ(Cam_Open(kMono, &again, 0, 1, nullptr, 1), CAM_API_STS_CAMERA_NOT_RESPONDING);
     const std::size_t count = stream.imageCount();
-    EXPECT_TRUE(StreamRecorder(other.handle()).waitForImages(10)) << "The other one stays";
+    EXPECT_TRUE(StreamRecorder(other.handle()).waitForImages(10)) << "the other camera is not affected";
     EXPECT_LE(stream.imageCount(), count + 1);
     EXPECT_EQ(Library::enumerate(), 1U);
     EXPECT_STREQ(Library::info(0).serialNumber, "SIM-2");
 }
 
-TEST(UnplugTest, AnUnpluggedCameraComesBack)
+TEST(UnplugTest, UnpluggedCameraComesBack)
 {
     const Library library("1");
     {
@@ -99,7 +100,7 @@ TEST(UnplugTest, AnUnpluggedCameraComesBack)
         ASSERT_TRUE(becomes([] { return Library::enumerate() == 1; }));
         CAM_NODE_HANDLE width = 0;
         EXPECT_EQ(Nd_GetNode(camera.handle(), "Width", &width), CAM_API_STS_CAMERA_NOT_RESPONDING)
-            << "What was opened before stays gone";
+            << "the old handle stays removed";
     }
     const SimulatedCamera camera(0);
     EXPECT_EQ(camera.text("DeviceUserID"), "Left");
@@ -139,7 +140,7 @@ TEST_F(FaultTest, EveryNthImageIsIncomplete)
     EXPECT_THAT(numbers, Contains(5U));
 }
 
-TEST_F(FaultTest, ErrorsComeInABurst)
+TEST_F(FaultTest, ErrorBurstSendsThatManyErrors)
 {
     m_camera.choose("TriggerMode", "On"); // no images
     StreamRecorder stream(m_camera.handle());
@@ -159,7 +160,7 @@ TEST_F(FaultTest, ErrorsComeInABurst)
 
 TEST_F(FaultTest, StoppingEndsABurst)
 {
-    // The first one lasts until the stop is under way.
+    // The first callback returns once stopping has begun.
     const BurstStream stream(m_camera, "AcquisitionStatus", [](CAM_HANDLE camera, CAM_NODE_HANDLE status) {
         bool active = true;
         EXPECT_TRUE(
@@ -201,10 +202,10 @@ TEST_F(FaultTest, AccessesAreRefused)
     EXPECT_EQ(value, 77);
     EXPECT_EQ(Nd_SetIntValue(m_camera.handle(), number, 1, true), CAM_API_STS_ACCESS_DENIED);
     EXPECT_TRUE(m_camera.flag("SimulationRefuseAccess"));
-    EXPECT_TRUE(stream.waitForImages(stream.imageCount() + 5)) << "Images come all the same";
+    EXPECT_TRUE(stream.waitForImages(stream.imageCount() + 5)) << "images still arrive";
     m_camera.setFlag("SimulationRefuseAccess", false);
     EXPECT_EQ(m_camera.integer("IntegerPureNumber"), 12345);
-    EXPECT_EQ(Sys_WaitForSignal(m_camera.removal(), 0), CAM_API_STS_TIMEOUT) << "It never left";
+    EXPECT_EQ(Sys_WaitForSignal(m_camera.removal(), 0), CAM_API_STS_TIMEOUT) << "the camera is not removed";
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Every feature of every built-in camera: described, readable and writable as its access mode says.
+// Every feature of every built-in camera has a description and can be read and written according to its access mode.
 
 #include "tests/cameralibs/devices/BuiltInTest.h"
 
@@ -115,7 +115,7 @@ CAM_API_STATUS writeBack(CAM_HANDLE camera, const Feature& feature)
     }
 }
 
-TEST_P(FeatureWalkTest, ThereAreMany)
+TEST_P(FeatureWalkTest, CameraHasManyFeatures)
 {
     const auto categories =
         static_cast<std::size_t>(std::count_if(m_features.begin(), m_features.end(), [](const Feature& feature) {
@@ -125,8 +125,8 @@ TEST_P(FeatureWalkTest, ThereAreMany)
     EXPECT_GE(categories, 30U);
     std::set<std::string> names;
     for (const Feature& feature : m_features) {
-        EXPECT_TRUE(names.insert(feature.name).second) << feature.name << " stands in two categories";
-        EXPECT_LE(feature.name.size(), 40U) << feature.name << " pushes the other columns out of sight";
+        EXPECT_TRUE(names.insert(feature.name).second) << feature.name << " is in two categories";
+        EXPECT_LE(feature.name.size(), 40U) << feature.name << " would push the other columns out of view";
     }
     EXPECT_THAT(names, IsSupersetOf({"DeviceVendorName", "Width", "Height", "OffsetX", "OffsetY", "PixelFormat",
                                      "BinningHorizontal", "ReverseX", "ExposureTime", "Gain", "BlackLevel",
@@ -134,7 +134,7 @@ TEST_P(FeatureWalkTest, ThereAreMany)
                                      "TriggerSoftware", "DeviceTemperature", "UserSetLoad", "PayloadSize"}));
 }
 
-TEST_P(FeatureWalkTest, EveryKindIsThere)
+TEST_P(FeatureWalkTest, EveryKindOfFeatureExists)
 {
     std::set<int> types;
     std::set<int> accesses;
@@ -177,7 +177,7 @@ TEST_P(FeatureWalkTest, EveryKindIsThere)
     EXPECT_GE(depth, 6);
 }
 
-TEST_P(FeatureWalkTest, EveryOneHasAToolTipAndADescription)
+TEST_P(FeatureWalkTest, EveryFeatureHasAToolTipAndADescription)
 {
     for (const Feature& feature : m_features) {
         EXPECT_NE(wholeText(Nd_GetToolTip, camera(), feature.node), "") << feature.name;
@@ -200,7 +200,7 @@ TEST_P(FeatureWalkTest, ReadingFollowsTheAccessMode)
     }
 }
 
-TEST_P(FeatureWalkTest, WhatCanBeReadAndWrittenTakesItsOwnValue)
+TEST_P(FeatureWalkTest, ReadableAndWritableFeaturesAcceptTheirOwnValue)
 {
     int written = 0;
     for (const Feature& feature : m_features) {
@@ -213,7 +213,7 @@ TEST_P(FeatureWalkTest, WhatCanBeReadAndWrittenTakesItsOwnValue)
     EXPECT_GE(written, 120);
 }
 
-TEST_P(FeatureWalkTest, WhatIsReadOnlyCannotBeWritten)
+TEST_P(FeatureWalkTest, ReadOnlyFeaturesCannotBeWritten)
 {
     int refused = 0;
     for (const Feature& feature : m_features) {
@@ -255,7 +255,7 @@ TEST_P(FeatureWalkTest, NumbersAreWithinTheirRanges)
     }
 }
 
-TEST_P(FeatureWalkTest, FloatsTakeTheirOwnLimits)
+TEST_P(FeatureWalkTest, FloatsAcceptTheirLimits)
 {
     int written = 0;
     for (const Feature& feature : ofType(NODE_TYPE_FLOAT)) {
@@ -275,7 +275,7 @@ TEST_P(FeatureWalkTest, FloatsTakeTheirOwnLimits)
     EXPECT_GE(written, 10);
 }
 
-TEST_P(FeatureWalkTest, EntriesCanBeChosenAsTheirAccessModeSays)
+TEST_P(FeatureWalkTest, EntriesCanBeChosenAccordingToTheirAccessMode)
 {
     int refused = 0;
     for (const Feature& feature : ofType(NODE_TYPE_ENUMERATION)) {
@@ -311,7 +311,7 @@ TEST_P(FeatureWalkTest, ValuesOfEnumerationsAreAmongTheirEntries)
     }
 }
 
-TEST_P(FeatureWalkTest, ColourBelongsToColourCameras)
+TEST_P(FeatureWalkTest, ColourFeaturesAreImplementedByColourCamerasOnly)
 {
     const bool colour = GetParam() != kMono;
     for (const char* const name : {"BalanceRatioSelector", "BalanceRatio", "BalanceWhiteAuto"})

@@ -39,7 +39,7 @@ std::string commandNode(const std::string& name, unsigned address)
 
 const char kRange[] = "<Min>1</Min><Max>4096</Max>";
 
-// What every camera that sends images has.
+// The nodes of every camera that sends images.
 std::string imagingCamera(const std::string& formats)
 {
     return descriptionOf("Heron", "Width Height PixelFormat PayloadSize AcquisitionStart AcquisitionStop Speed Mode",
@@ -68,7 +68,7 @@ private:
     SimulatedCamera m_camera;
 };
 
-TEST(FileCameraTest, ValuesBeginWithinTheirRanges)
+TEST(FileCameraTest, InitialValuesAreWithinTheirRanges)
 {
     const FileCamera camera(imagingCamera(entry("Mono8", 0x01080001)));
     EXPECT_EQ(camera->integer("Speed"), 7);
@@ -102,7 +102,7 @@ TEST(FileCameraTest, ImagesShowTheScene)
     EXPECT_EQ(second.bytes.size(), 644U * 481U * 3 / 2);
 }
 
-TEST(FileCameraTest, ImagesHaveTheSizeThatTheDescriptionItselfHolds)
+TEST(FileCameraTest, ConstantSizesApplyToImages)
 {
     const FileCamera camera(descriptionOf(
         "Owl", "Width Height PixelFormat PayloadSize AcquisitionStart AcquisitionStop",
@@ -129,8 +129,8 @@ TEST(FileCameraTest, ImagesMayBeOnePixelWideOrHigh)
     }
 }
 
-// Those that the camera cannot draw in are drawn in another format with as many bits.
-TEST(FileCameraTest, RowsNeedNoWholeGroupsOfPixels)
+// Formats that the camera cannot generate are replaced by another one with the same number of bits.
+TEST(FileCameraTest, RowsMayEndWithinAGroupOfPixels)
 {
     constexpr std::uint32_t kWidth = 641;
     constexpr std::uint32_t kHeight = 31;
@@ -162,7 +162,7 @@ TEST(FileCameraTest, RowsNeedNoWholeGroupsOfPixels)
     }
 }
 
-TEST(FileCameraTest, AnUnknownFormatHasTheRightSize)
+TEST(FileCameraTest, ImagesOfAnUnknownFormatHaveTheRightSize)
 {
     const FileCamera camera(imagingCamera(entry("BGR8", 0x02180015)));
     EXPECT_EQ(takePicture(camera->handle()).bytes.size(), 1280U * 960U * 3);
@@ -180,7 +180,7 @@ TEST(FileCameraTest, WithoutASizeThereAreNoImages)
     EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
 }
 
-TEST(FileCameraTest, SizesOfARunawayDescriptionAreRefused)
+TEST(FileCameraTest, AbsurdSizesAreRefused)
 {
     const std::string text = descriptionOf("Whale", "Width Height PayloadSize",
                                            integerNode("Width", 0, "<Min>4000000000</Min><Max>4000000000</Max>") +
@@ -194,11 +194,11 @@ TEST(FileCameraTest, SizesOfARunawayDescriptionAreRefused)
     EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
 }
 
-TEST(FileCameraTest, RowsThatThereIsNoMemoryForAreErrors)
+TEST(FileCameraTest, RowsThatDoNotFitMemoryAreErrors)
 {
     if (!MemoryLimit::kPossible)
-        GTEST_SKIP() << "no limit with a sanitizer";
-    // The buffers take a part of what is left, a row the whole.
+        GTEST_SKIP() << "sanitizers do not work with a memory limit";
+    // The buffers fit the remaining memory, but a row does not.
     constexpr std::int64_t kWidth = 32LL * 1024 * 1024;
     const FileCamera camera(descriptionOf("Boa", "Width Height PixelFormat PayloadSize",
                                           integerNode("Width", 0x100, "<Min>1</Min><Max>100000000</Max>") +
@@ -221,7 +221,7 @@ TEST(FileCameraTest, RowsThatThereIsNoMemoryForAreErrors)
     EXPECT_EQ(Strm_Close(stream), CAM_API_STS_SUCCESS);
 }
 
-TEST(FileCameraTest, EveryOpeningIsAPowerUp)
+TEST(FileCameraTest, OpeningResetsTheCamera)
 {
     const DescriptionFile file(imagingCamera(entry("Mono8", 0x01080001)));
     const Library library(("0," + file.path()).c_str());

@@ -11,8 +11,8 @@
 
 namespace {
 
-// A reader of its own: which segments of a digit are bright, in the order top, upper left, upper right, middle,
-// lower left, lower right, bottom.
+// Independent of the code that draws them: the bright segments of each digit, in the order top, upper left, upper
+// right, middle, lower left, lower right, bottom.
 using Segments = std::array<bool, 7>;
 
 constexpr Segments kDigits[] = {
@@ -28,7 +28,7 @@ constexpr Segments kDigits[] = {
     {true, true, true, true, false, true, true},     // 9
 };
 
-// The middle of each segment, in units from the corner of a digit of 8 x 14.
+// The centre of each segment, in units from the corner of a digit of 8 x 14.
 constexpr std::array<std::array<std::size_t, 2>, 7> kMiddles{
     {{4, 1}, {1, 4}, {7, 4}, {4, 7}, {1, 10}, {7, 10}, {4, 13}}};
 

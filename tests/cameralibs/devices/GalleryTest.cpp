@@ -1,4 +1,4 @@
-// The features that are there to try a feature browser with: the corners that they promise.
+// The special cases that the gallery features offer for testing feature browsers.
 
 #include "tests/cameralibs/devices/BuiltInTest.h"
 
@@ -32,7 +32,7 @@ protected:
     }
 };
 
-TEST_F(GalleryTest, IntegersReachTheEndsOf64Bits)
+TEST_F(GalleryTest, IntegersHaveTheWhole64BitRange)
 {
     constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
     constexpr auto kGreatest = std::numeric_limits<std::int64_t>::max();
@@ -45,7 +45,7 @@ TEST_F(GalleryTest, IntegersReachTheEndsOf64Bits)
     }
 }
 
-TEST_F(GalleryTest, PartsOfARegister)
+TEST_F(GalleryTest, BitFieldsArePartsOfARegister)
 {
     m_camera.setInteger("IntegerBits", 0);
     m_camera.setInteger("IntegerMasked", 0xA5);
@@ -57,7 +57,7 @@ TEST_F(GalleryTest, PartsOfARegister)
     EXPECT_EQ(m_camera.integer("IntegerBigEndian"), 0x01020304);
 }
 
-TEST_F(GalleryTest, ComputedAndConvertedNumbers)
+TEST_F(GalleryTest, NumbersAreComputedAndConverted)
 {
     m_camera.setInteger("IntegerLinear", 40);
     m_camera.setInteger("IntegerNegative", -100);
@@ -74,7 +74,7 @@ TEST_F(GalleryTest, ComputedAndConvertedNumbers)
     }
 }
 
-TEST_F(GalleryTest, RangesThatOtherFeaturesSet)
+TEST_F(GalleryTest, RangesDependOnOtherFeatures)
 {
     m_camera.setInteger("IntegerDynamicMaximum", 100);
     m_camera.setInteger("IntegerDynamicIncrement", 5);
@@ -86,7 +86,7 @@ TEST_F(GalleryTest, RangesThatOtherFeaturesSet)
     EXPECT_DOUBLE_EQ(m_camera.greatestReal("FloatDynamic"), 7.5);
 }
 
-TEST_F(GalleryTest, FloatsOfAllSizes)
+TEST_F(GalleryTest, FloatsHaveAllMagnitudes)
 {
     m_camera.setReal("FloatLargest", -DBL_MAX);
     EXPECT_DOUBLE_EQ(m_camera.real("FloatLargest"), -DBL_MAX);
@@ -103,7 +103,7 @@ TEST_F(GalleryTest, FloatsOfAllSizes)
     EXPECT_DOUBLE_EQ(step, 0.25);
 }
 
-TEST_F(GalleryTest, BooleansOfAnyValues)
+TEST_F(GalleryTest, BooleansHaveTheirOwnOnAndOffValues)
 {
     for (const char* const name : {"BooleanPlain", "BooleanInverted", "BooleanOddValues"}) {
         for (const bool value : {true, false}) {
@@ -113,7 +113,7 @@ TEST_F(GalleryTest, BooleansOfAnyValues)
     }
 }
 
-TEST_F(GalleryTest, EntriesComeAndGo)
+TEST_F(GalleryTest, AvailabilityOfEntriesChanges)
 {
     EXPECT_THAT(m_camera.entries("EnumerationChanging"), ElementsAre("First", "Second", "Third"));
     m_camera.setFlag("EnumerationSecondAvailable", false);
@@ -129,7 +129,7 @@ TEST_F(GalleryTest, EntriesComeAndGo)
     EXPECT_EQ(m_camera.choice("EnumerationChanging"), "Third");
 }
 
-TEST_F(GalleryTest, EnumerationsWithoutAndWithManyEntries)
+TEST_F(GalleryTest, EnumerationsHaveNoOrManyEntries)
 {
     EXPECT_THAT(m_camera.entries("EnumerationEmpty"), IsEmpty());
     EXPECT_THAT(m_camera.entries("EnumerationLong"), SizeIs(64));
@@ -137,7 +137,7 @@ TEST_F(GalleryTest, EnumerationsWithoutAndWithManyEntries)
     EXPECT_EQ(m_camera.choice("EnumerationSparse"), "Largest");
 }
 
-TEST_F(GalleryTest, StringsOfAllLengths)
+TEST_F(GalleryTest, StringsHaveAllLengths)
 {
     EXPECT_EQ(m_camera.text("StringEmpty"), "");
     EXPECT_THAT(m_camera.text("StringUnicode"), HasSubstr("привет"));
@@ -161,7 +161,7 @@ TEST_F(GalleryTest, CommandsCount)
     EXPECT_EQ(m_camera.access("CommandWhenArmed"), NODE_ACCESS_MODE_NA);
 }
 
-TEST_F(GalleryTest, AccessModesThatChange)
+TEST_F(GalleryTest, AccessModesChange)
 {
     const std::pair<const char*, NodeAccessMode> modes[] = {
         {"NotImplemented", NODE_ACCESS_MODE_NI},
@@ -195,8 +195,8 @@ TEST_F(GalleryTest, SelectorsChooseCells)
     EXPECT_EQ(m_camera.text("SelectorRowName"), "name 2");
 }
 
-// Without the check of the library the camera itself decides.
-TEST_F(GalleryTest, TheCameraRefusesWhatItCannotTake)
+// Without the library's check, the camera itself refuses invalid values.
+TEST_F(GalleryTest, CameraRefusesInvalidValues)
 {
     const auto set = [&](const char* name, std::int64_t value) {
         return Nd_SetIntValue(m_camera.handle(), m_camera.node(name), value, false);

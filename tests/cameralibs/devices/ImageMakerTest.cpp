@@ -1,4 +1,4 @@
-// Images of simulated cameras whose rows are no whole number of bytes or groups of pixels.
+// Images of simulated cameras whose rows end within a byte or a group of pixels.
 
 #include "cameralibs/devices/simulated/images/ImageMaker.h"
 
@@ -26,7 +26,7 @@ constexpr Size kSizes[] = {{1, 1}, {1, 9}, {2, 3}, {3, 5}, {5, 4}, {7, 7}, {321,
 constexpr TestPattern kPatterns[] = {TestPattern::Off, TestPattern::GreyHorizontalRamp, TestPattern::ColorBar,
                                      TestPattern::HorizontalLineMoving};
 
-/// The colours of an image, without what the format makes of them: the upper 8 bits.
+/// Makes an image and decodes it to the upper 8 bits of its colours.
 std::vector<ReferenceConversion::Colour> make(const std::string& format, Size size, TestPattern pattern, bool colour)
 {
     ImageSettings settings;
@@ -39,7 +39,7 @@ std::vector<ReferenceConversion::Colour> make(const std::string& format, Size si
     ImageMaker maker;
     const std::size_t bytes = ImageMaker::sizeOf(settings);
     const auto image = std::make_unique<std::uint8_t[]>(bytes);
-    // What an earlier image left behind is not part of this one.
+    // The buffer contains remains of an earlier image, which must not show.
     std::fill_n(image.get(), bytes, std::uint8_t{0xFF});
     maker.make(settings, 3, 1.5, image.get());
     const ReferenceConversion reference(format, size.width, size.height);
@@ -64,7 +64,7 @@ void expectEqual(const std::vector<ReferenceConversion::Colour>& one,
 
 } // namespace
 
-TEST(ImageMakerTest, RunsOfBitsShowWhatWordsShow)
+TEST(ImageMakerTest, RunsOfBitsEqualWords)
 {
     for (const std::string format : {"Mono10", "Mono12", "BayerRG12"}) {
         for (const Size size : kSizes) {
@@ -77,20 +77,20 @@ TEST(ImageMakerTest, RunsOfBitsShowWhatWordsShow)
     }
 }
 
-TEST(ImageMakerTest, TheLastPixelOfAnOddRowHasItsOwnChroma)
+TEST(ImageMakerTest, LastPixelOfAnOddRowHasItsOwnChroma)
 {
     for (const Size size : kSizes) {
         for (const TestPattern pattern : kPatterns) {
             SCOPED_TRACE(std::to_string(size.width) + " x " + std::to_string(size.height) + ", pattern " +
                          std::to_string(static_cast<int>(pattern)));
-            // A grey image has nothing that the pixels of a group share.
+            // In a grey image the pixels of a group share no chroma.
             const TestPattern grey = pattern == TestPattern::ColorBar ? TestPattern::GreyVerticalRamp : pattern;
             expectEqual(make("YUV422_8", size, grey, false), make("RGB8", size, grey, false), 2);
         }
     }
 }
 
-TEST(ImageMakerTest, TheBallIsMirroredCutAndJoinedAsTheSceneIs)
+TEST(ImageMakerTest, BallIsMirroredClippedAndBinnedLikeTheScene)
 {
     constexpr double kBallAtTheRight = 1.5;
     constexpr double kBallElsewhere = 3.5;
@@ -108,7 +108,7 @@ TEST(ImageMakerTest, TheBallIsMirroredCutAndJoinedAsTheSceneIs)
     const std::vector<std::uint8_t> wanted = imageOf(plain, kBallAtTheRight);
     const auto at = [&](std::uint32_t x, std::uint32_t y) { return int{wanted[std::size_t{y} * plain.width + x]}; };
 
-    // `level(x, y)` is what the plain image says of a pixel.
+    // `level(x, y)` is the level of a pixel in the unmodified image.
     const auto compare = [&](const ImageSettings& settings, std::uint32_t rows, const auto& level) {
         const std::vector<std::uint8_t> image = imageOf(settings, kBallAtTheRight);
         const std::vector<std::uint8_t> other = imageOf(settings, kBallElsewhere);
@@ -143,7 +143,7 @@ TEST(ImageMakerTest, TheBallIsMirroredCutAndJoinedAsTheSceneIs)
     });
 }
 
-TEST(ImageMakerTest, AFormatThatIsShownInAnotherOneEndsWithZeros)
+TEST(ImageMakerTest, ImagesOfAReplacedFormatEndWithZeros)
 {
     ImageSettings settings;
     settings.format = findPixelFormat("YCbCr411_8")->value;

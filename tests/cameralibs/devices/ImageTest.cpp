@@ -1,4 +1,4 @@
-// What the features of a camera do to its images.
+// The effects of features on images.
 
 #include "camera/OrvoCamUtl.h"
 #include "tests/cameralibs/api/StreamRecorder.h"
@@ -20,7 +20,7 @@ using namespace Orvo;
 
 namespace {
 
-// A part of the scene where nothing but the ball passes: a bright step of the grey wedge, in 1200ths of the height.
+// A bright step of the grey wedge, where only the ball moves. In 1/1200 of the height.
 struct Place {
     std::uint32_t x;
     std::uint32_t y;
@@ -30,14 +30,14 @@ constexpr Place kGrey{80 + 55 * 5 + 27, 695, 5 * 255 / 11};
 
 class MonoImageTest : public MonoTest {
 protected:
-    // The level of the wedge; the ball covers it in some images only.
+    // The level of the wedge. Skips images in which the ball covers it.
     [[nodiscard]] double grey() const
     {
         const Picture picture = takeClear();
         return picture.at(scaled(kGrey.x), scaled(kGrey.y));
     }
 
-    // An image in which the ball is elsewhere: around the place everything is alike.
+    // An image in which the ball is elsewhere, so that the area around the place is uniform.
     [[nodiscard]] Picture takeClear() const
     {
         StreamRecorder stream(m_camera.handle());
@@ -51,14 +51,14 @@ protected:
                 level == picture.at(scaled(kGrey.x) + 15, scaled(kGrey.y) + 8))
                 return picture;
         }
-        ADD_FAILURE() << "The ball does not move away";
+        ADD_FAILURE() << "the ball does not move away";
         return {};
     }
 
     static std::uint32_t scaled(std::uint32_t units) { return units * 1024 / 1200; }
 };
 
-// The share of pixels of `a` that differ from those of `b` that `place` tells, outside of the box with the number.
+// The share of pixels of `a` that differ from the pixels of `b` at the index that `place` returns.
 double difference(const Picture& a, const Picture& b,
                   const std::function<std::size_t(std::uint32_t, std::uint32_t)>& place)
 {
@@ -70,7 +70,8 @@ double difference(const Picture& a, const Picture& b,
     return static_cast<double>(differing) / static_cast<double>(a.bytes.size());
 }
 
-// The ball and the number may differ, and no more: they take less than this share of an image, twice.
+// Only the ball and the frame number may differ. Their old and new places together are less than this share of an
+// image.
 constexpr double kMovingShare = 0.07;
 
 TEST_F(MonoImageTest, BrightnessFollowsExposureTimeAndGain)
@@ -125,7 +126,7 @@ TEST_F(MonoImageTest, OffsetMovesTheRegion)
     const Picture part = takePicture(m_camera.handle());
     ASSERT_EQ(part.bytes.size(), 800U * 600U);
 
-    // Somewhere on the rings, where every pixel differs from its neighbours; the ball covers one place or the other.
+    // Places on the rings, where every pixel differs from its neighbours. The ball cannot cover both.
     const auto isAlike = [&](std::uint32_t left, std::uint32_t top, std::uint32_t dx, std::uint32_t dy) {
         for (std::uint32_t y = top; y < top + 40; ++y) {
             for (std::uint32_t x = left; x < left + 40; ++x) {
@@ -162,7 +163,7 @@ TEST_F(MonoImageTest, ReverseMirrors)
     }
 }
 
-TEST_F(MonoImageTest, BinningJoinsPixels)
+TEST_F(MonoImageTest, BinningAveragesPixels)
 {
     const Picture whole = takePicture(m_camera.handle());
     m_camera.setInteger("Width", 640);
@@ -203,7 +204,7 @@ TEST_F(MonoImageTest, BinningModeSumIsBrighter)
         const Picture picture = takePicture(m_camera.handle());
         const auto x = scaled(kGrey.x) / 2;
         const auto y = scaled(kGrey.y) / 2;
-        std::vector<int> levels; // the ball is dark: the brightest of some places counts
+        std::vector<int> levels; // at several places: the brightest one is not covered by the dark ball
         for (const std::uint32_t row : {0U, 10U, 20U})
             levels.push_back(picture.at(x, y - 10 + row));
         return *std::max_element(levels.begin(), levels.end());
@@ -214,7 +215,7 @@ TEST_F(MonoImageTest, BinningModeSumIsBrighter)
     EXPECT_NEAR(level(), 4 * average, 6);
 }
 
-TEST_F(MonoImageTest, TheFrameNumberIsReadable)
+TEST_F(MonoImageTest, FrameNumberIsReadable)
 {
     m_camera.setInteger("Width", 128);
     m_camera.setInteger("Height", 64);
@@ -226,7 +227,7 @@ TEST_F(MonoImageTest, TheFrameNumberIsReadable)
         ASSERT_EQ(readFrameNumber(picture), picture.number);
 }
 
-TEST_F(MonoImageTest, SomethingMoves)
+TEST_F(MonoImageTest, SceneMoves)
 {
     StreamRecorder stream(m_camera.handle());
     const auto pictures = stream.take(30);
@@ -239,7 +240,7 @@ TEST_F(MonoImageTest, SomethingMoves)
 
 class FormatTest : public BuiltInTest, public ::testing::WithParamInterface<std::uint32_t> {};
 
-TEST_P(FormatTest, EveryPixelFormatArrivesWhole)
+TEST_P(FormatTest, ImagesOfEveryPixelFormatAreComplete)
 {
     const std::map<std::string, std::pair<std::uint32_t, double>> bytesPerPixel{
         {"Mono8", {0x01080001, 1}},        {"Mono10", {0x01100003, 2}},    {"Mono12", {0x01100005, 2}},
@@ -286,13 +287,13 @@ TEST_F(SensorTest, SizesOfTheBuiltInCameras)
 
 class ColourImageTest : public BuiltInTest {};
 
-// The colours of the chart come through every format alike, and the balance changes them.
+// The colours of the chart are the same in every format, and the balance changes them.
 TEST_F(ColourImageTest, ChartHasItsColoursInEveryFormat)
 {
     const SimulatedCamera& camera = switchedOn(kColor);
     const std::uint32_t blue = 80 + 110 * 4 + 55; // the fifth of six patches, 110 wide each
     const auto patch = [&](std::uint32_t x) {
-        // The ball is orange: where it covers the patch, another image is taken.
+        // If the orange ball covers the patch, take another image.
         StreamRecorder stream(camera.handle());
         for (int attempt = 0; attempt < 600; ++attempt) {
             const auto pictures = stream.take(1);
@@ -303,7 +304,7 @@ TEST_F(ColourImageTest, ChartHasItsColoursInEveryFormat)
             if (pixel == pixels[215U * 1920 + x - 20] && pixel == pixels[255U * 1920 + x + 20])
                 return pixel;
         }
-        ADD_FAILURE() << "The ball does not move away";
+        ADD_FAILURE() << "the ball does not move away";
         return 0U;
     };
     const auto expectColor = [](std::uint32_t pixel, int red, int green, int blueLevel) {

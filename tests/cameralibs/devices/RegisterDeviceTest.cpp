@@ -1,4 +1,4 @@
-// The registers of simulated cameras as Aravis reaches them.
+// The registers of simulated cameras as Aravis accesses them.
 
 #include "cameralibs/devices/simulated/registers/RegisterDevice.h"
 
@@ -14,7 +14,7 @@ using namespace cameralibs::simulated;
 
 namespace {
 
-/// Answers as it is told, or throws where it is told nothing.
+/// Returns the given result, or throws if there is none.
 class ScriptedRegisters : public RegisterSpace {
 public:
     [[nodiscard]] AccessResult read(std::uint64_t, void*, std::uint32_t) override { return answer(); }
@@ -33,7 +33,7 @@ private:
 
 class RegisterDeviceTest : public ::testing::Test {
 protected:
-    /// The statuses of every way to the registers: all alike.
+    /// Expects this status from every kind of register access.
     void expectStatus(Orvo::CAM_API_STATUS expected) const
     {
         ArvDevice* const device = m_device.get();
@@ -55,7 +55,7 @@ protected:
 
 } // namespace
 
-TEST_F(RegisterDeviceTest, EveryAnswerHasItsStatus)
+TEST_F(RegisterDeviceTest, EveryResultHasItsStatus)
 {
     const struct {
         AccessResult result;
@@ -76,7 +76,7 @@ TEST_F(RegisterDeviceTest, EveryAnswerHasItsStatus)
     }
 }
 
-TEST_F(RegisterDeviceTest, NoExceptionPassesThroughAravis)
+TEST_F(RegisterDeviceTest, ExceptionsDoNotPropagateThroughAravis)
 {
     expectStatus(Orvo::CAM_API_STS_UNSUCCESSFUL);
 }

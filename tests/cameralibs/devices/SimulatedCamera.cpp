@@ -19,7 +19,7 @@ void expectDone(CAM_API_STATUS status, const std::string& what)
 
 Library::Library(const char* cameras)
 {
-    // The library has no thread yet that could read the environment.
+    // The library has no threads yet that could read the environment.
     if (cameras != nullptr) {
         ::setenv(kVariable, cameras, 1); // NOLINT(concurrency-mt-unsafe)
     } else {

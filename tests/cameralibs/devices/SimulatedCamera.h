@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-/// The camera API with simulated cameras only, for the length of a test. Enumerated once.
+/// The library with simulated cameras only, initialised as long as this lives. The cameras are enumerated.
 class Library {
 public:
-    /// `cameras` is the value of ORVO_SIMULATED_CAMERAS, null for none.
+    /// `cameras` is the value of ORVO_SIMULATED_CAMERAS, null if it is not set.
     explicit Library(const char* cameras = "3");
     ~Library();
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
 
-    /// How many cameras there are now.
+    /// Enumerates and returns the number of cameras.
     [[nodiscard]] static std::uint32_t enumerate();
     [[nodiscard]] static Orvo::CAM_INFO info(std::uint32_t index);
 };
@@ -26,7 +26,7 @@ constexpr std::uint32_t kColor = 1;
 constexpr std::uint32_t kLarge = 2;
 constexpr std::uint32_t kBuiltIn = 3;
 
-/// An opened camera whose features are expected to do what they are told: a failure fails the test.
+/// An opened camera. A failing access to a feature fails the test.
 class SimulatedCamera {
 public:
     explicit SimulatedCamera(std::uint32_t index);
@@ -55,7 +55,7 @@ public:
     void choose(const std::string& name, const std::string& entry) const;
     void execute(const std::string& name) const;
 
-    /// The names of the features of a category, and of the entries of an enumeration.
+    /// The names of the features in a category, and of the entries of an enumeration.
     [[nodiscard]] std::vector<std::string> features(const std::string& category) const;
     [[nodiscard]] std::vector<std::string> entries(const std::string& enumeration) const;
 

@@ -50,14 +50,14 @@ std::size_t wrongPixels(const Picture& picture, Level level)
 
 class TestPatternTest : public BuiltInTest {};
 
-TEST_F(TestPatternTest, GreyPatterns)
+TEST_F(TestPatternTest, GreyPatternsHaveTheirLevels)
 {
     const SimulatedCamera& camera = switchedOn(kMono);
     StreamRecorder stream(camera.handle());
     camera.setReal("ExposureTime", 100); // has no effect on a pattern
     for (const Pattern& pattern : kPatterns) {
         camera.choose("TestPattern", pattern.name);
-        (void)stream.take(2); // one may have been under way
+        (void)stream.take(2); // the first may still have the old settings
         const auto pictures = stream.take(1);
         ASSERT_EQ(pictures.size(), 1U);
         EXPECT_EQ(wrongPixels(pictures.front(), pattern.level), 0U) << pattern.name;

@@ -1,5 +1,5 @@
-// What the library takes from Aravis beyond its documented interface: that the installed version has it, and what
-// happens with one that does not.
+// Undocumented behaviour of Aravis that the library relies on: the installed version has it, and the library also works
+// without it.
 
 #include "cameralibs/genicam/AravisInternals.h"
 
@@ -34,7 +34,7 @@ bool dividesByZero(const char* formula, bool asInteger)
     return error && isDivisionByZero(*error.get());
 }
 
-/// Runs `work` in a process of its own and expects the warning on its standard error.
+/// Runs `work` in a separate process and expects the warning on its standard error.
 template <class Work> void expectWarning(Work&& work, const char* text)
 {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
@@ -60,7 +60,7 @@ TEST(AravisInternals, DivisionsByZeroDifferFromMalformedFormulas)
     }
 }
 
-TEST(AravisInternals, NoErrorIsADivisionByZeroWhereItsCodeIsNotItsOwn)
+TEST(AravisInternals, NoErrorIsADivisionByZeroIfItsCodeIsAmbiguous)
 {
     EXPECT_EQ(divisionByZeroCode(7, 3), 7);
     EXPECT_EQ(divisionByZeroCode(7, std::nullopt), 7);
@@ -69,7 +69,7 @@ TEST(AravisInternals, NoErrorIsADivisionByZeroWhereItsCodeIsNotItsOwn)
     EXPECT_EQ(divisionByZeroCode(std::nullopt, std::nullopt), std::nullopt);
 }
 
-TEST(AravisInternals, TheInstalledVersionListsEntriesInReverseOrder)
+TEST(AravisInternals, InstalledVersionListsEntriesInReverseOrder)
 {
     constexpr std::string_view kDescription = R"(
         <RegisterDescription>

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::uint64_t kMany = 1'000'000;
 
-/// Takes that much processor time.
+/// Uses this much processor time.
 void work(std::chrono::nanoseconds time)
 {
     const auto now = [] {
@@ -39,7 +39,7 @@ template <class Call> Outcome outcomeOf(Call&& call)
     }
 }
 
-/// The text of the failure; empty without one.
+/// The text of the failure, empty if there is none.
 template <class Call> std::string failureOf(Call&& call)
 {
     const Outcome outcome = outcomeOf(call);
@@ -79,7 +79,7 @@ TEST(EvaluationBudgetTest, DoesNotCountWaiting)
     EXPECT_EQ(checked(), "");
 }
 
-TEST(EvaluationBudgetTest, LooksAtTheClockFromManyStepsOn)
+TEST(EvaluationBudgetTest, ReadsTheClockOnlyAfterManySteps)
 {
     const EvaluationBudget budget(20ms);
     EXPECT_EQ(expected(1), "");
@@ -90,7 +90,7 @@ TEST(EvaluationBudgetTest, LooksAtTheClockFromManyStepsOn)
     EXPECT_THAT(checked(), ::testing::StartsWith("[Node] "));
 }
 
-TEST(EvaluationBudgetTest, ManySmallStepsAreMany)
+TEST(EvaluationBudgetTest, SmallStepsAddUp)
 {
     const EvaluationBudget budget(20ms);
     for (int i = 0; i < 10'000; ++i)
@@ -99,7 +99,7 @@ TEST(EvaluationBudgetTest, ManySmallStepsAreMany)
     EXPECT_NE(checked(), "");
 }
 
-TEST(EvaluationBudgetTest, AnInnerOneStandsInForTheOuter)
+TEST(EvaluationBudgetTest, NestedBudgetReplacesTheOuterOne)
 {
     EvaluationBudget outer(20ms);
     outer.begin();
@@ -112,7 +112,7 @@ TEST(EvaluationBudgetTest, AnInnerOneStandsInForTheOuter)
     EXPECT_NE(checked(), "");
 }
 
-TEST(EvaluationBudgetTest, IsTheThreadsOwn)
+TEST(EvaluationBudgetTest, AppliesToItsThreadOnly)
 {
     EvaluationBudget budget(20ms);
     budget.begin();
@@ -121,7 +121,7 @@ TEST(EvaluationBudgetTest, IsTheThreadsOwn)
     EXPECT_NE(checked(), "");
 }
 
-TEST(EvaluationBudgetTest, ACallOfAravisThatTookTooLongHasNoResult)
+TEST(EvaluationBudgetTest, CallOfAravisThatExceedsTheBudgetFails)
 {
     EvaluationBudget budget(20ms);
     budget.begin();
@@ -141,5 +141,5 @@ TEST(EvaluationBudgetTest, ACallOfAravisThatTookTooLongHasNoResult)
     EXPECT_NE(failureOf([&] { arvWrite(outOfRange); }), "");
     EXPECT_NE(failureOf([&] { (void)arvReadOr(5, undefined); }), "");
     EXPECT_EQ(outcomeOf([&] { (void)arvRead(lost); }).status, Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
-        << "a lost camera is told all the same";
+        << "a lost camera takes precedence";
 }

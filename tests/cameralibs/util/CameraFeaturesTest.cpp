@@ -13,19 +13,19 @@
 #include <thread>
 #include <vector>
 
-// The short cuts to a camera's features, through both libraries, with the simulated cameras.
+// The convenience functions for features, with both libraries and the simulated cameras.
 
 namespace {
 
 using Orvo::CAM_API_STATUS;
 using Orvo::CAM_HANDLE;
 
-constexpr std::uint32_t untouched = 0xA5A5A5A5;
+constexpr std::uint32_t kUntouched = 0xA5A5A5A5;
 
-// Every short cut, its result left out.
+// Every function, without its result.
 std::vector<CAM_API_STATUS> callAll(CAM_HANDLE camera)
 {
-    std::uint32_t number = untouched;
+    std::uint32_t number = kUntouched;
     bool flag = false;
     std::vector<CAM_API_STATUS> statuses{Orvo::GetCamWidth(camera, &number),
                                          Orvo::GetCamHeight(camera, &number),
@@ -37,10 +37,10 @@ std::vector<CAM_API_STATUS> callAll(CAM_HANDLE camera)
     return statuses;
 }
 
-// The status of every one of them where they fail; nothing may have been written.
+// Expects that every function fails with this status and does not write its result.
 std::vector<CAM_API_STATUS> failAll(CAM_HANDLE camera)
 {
-    std::uint32_t numbers[] = {untouched, untouched, untouched, untouched, untouched};
+    std::uint32_t numbers[] = {kUntouched, kUntouched, kUntouched, kUntouched, kUntouched};
     bool on = true;
     bool off = false;
     std::vector<CAM_API_STATUS> statuses{Orvo::GetCamWidth(camera, &numbers[0]),
@@ -51,13 +51,13 @@ std::vector<CAM_API_STATUS> failAll(CAM_HANDLE camera)
                                          Orvo::GetCamTriggerSource(camera, &numbers[3]),
                                          Orvo::GetCamIndexFromCamHandle(camera, &numbers[4]),
                                          Orvo::ExecuteCamSoftwareTrigger(camera)};
-    EXPECT_THAT(numbers, testing::Each(untouched));
+    EXPECT_THAT(numbers, testing::Each(kUntouched));
     EXPECT_TRUE(on);
     EXPECT_FALSE(off);
     return statuses;
 }
 
-// With null results; the software trigger has none.
+// The functions with a result, called with a null pointer.
 std::vector<CAM_API_STATUS> callAllWithNull(CAM_HANDLE camera)
 {
     return {Orvo::GetCamWidth(camera, nullptr),         Orvo::GetCamHeight(camera, nullptr),
@@ -97,10 +97,9 @@ TEST_F(CameraFeatures, PixelFormatIsThePfncValue)
 {
     const auto entries = entriesOf(m_camera, "PixelFormat");
     int known = 0;
-    for (const PfncFormat& pfnc : pfncFormats) {
-        if (std::find(entries.begin(), entries.end(), pfnc.name) == entries.end()) {
+    for (const PfncFormat& pfnc : kPfncFormats) {
+        if (std::find(entries.begin(), entries.end(), pfnc.name) == entries.end())
             continue;
-        }
         choose("PixelFormat", pfnc.name);
         std::uint32_t format = 0;
         ASSERT_EQ(Orvo::GetCamPixelFormat(m_camera, &format), 0U);
@@ -121,7 +120,7 @@ TEST_F(CameraFeatures, TriggerModeIsOnOrOff)
     EXPECT_TRUE(on);
 }
 
-TEST_F(CameraFeatures, SoftwareTriggerIs64WhateverTheCamerasNumber)
+TEST_F(CameraFeatures, SoftwareTriggerSourceIs64WhateverTheCamerasNumber)
 {
     std::int64_t number = 0;
     choose("TriggerSource", "Software");
@@ -138,7 +137,7 @@ TEST_F(CameraFeatures, SoftwareTriggerIs64WhateverTheCamerasNumber)
     EXPECT_EQ(source, number);
 }
 
-TEST_F(CameraFeatures, SoftwareTriggerMakesOneImage)
+TEST_F(CameraFeatures, SoftwareTriggerTakesOneImage)
 {
     choose("TriggerMode", "On");
     choose("TriggerSource", "Software");
@@ -157,16 +156,15 @@ TEST_F(CameraFeatures, SoftwareTriggerMakesOneImage)
     EXPECT_EQ(Orvo::Strm_Stop(stream), 0U);
 }
 
-TEST_F(CameraFeatures, EveryShortCutWorksInsideAnImageCallback)
+TEST_F(CameraFeatures, EveryFunctionWorksInsideAnImageCallback)
 {
     Orvo::CAM_STRM_HANDLE stream = 0;
     ASSERT_EQ(Orvo::Strm_OpenSimple(m_camera, &stream, nullptr, nullptr, 8, nullptr), 0U);
     std::vector<CAM_API_STATUS> statuses;
     StreamRecorder recorder;
     recorder.onImage = [&](const StreamRecorder::Image& image) {
-        if (statuses.empty()) {
+        if (statuses.empty())
             statuses = callAll(image.camera);
-        }
     };
     recorder.attachTo(stream);
     ASSERT_EQ(Orvo::Strm_Start(stream, 8), 0U);
@@ -176,13 +174,13 @@ TEST_F(CameraFeatures, EveryShortCutWorksInsideAnImageCallback)
     EXPECT_THAT(statuses, testing::Each(Orvo::CAM_API_STS_SUCCESS));
 }
 
-TEST_F(CameraFeatures, NullResultIsInvalidOnceTheCameraIsKnown)
+TEST_F(CameraFeatures, NullResultIsInvalidForAValidCamera)
 {
     EXPECT_THAT(callAllWithNull(m_camera), testing::Each(Orvo::CAM_API_STS_INVALID_PARAMETER));
     EXPECT_THAT(callAllWithNull(m_camera + 1000), testing::Each(Orvo::CAM_API_STS_INVALID_CAMERA_HANDLE));
 }
 
-TEST_F(CameraFeatures, HandlesOfNoCameraAreRefused)
+TEST_F(CameraFeatures, OtherHandlesAreRefused)
 {
     for (const CAM_HANDLE camera :
          {CAM_HANDLE{0}, m_camera + 1000, CAM_HANDLE{m_signal}, node("Width"), ~CAM_HANDLE{0}}) {
@@ -204,20 +202,18 @@ TEST_F(CameraFeatures, UnpluggedCameraDoesNotRespond)
     EXPECT_THAT(callAllWithNull(m_camera), testing::Each(Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING));
 }
 
-TEST_F(CameraFeatures, AnyThreadAnyTime)
+TEST_F(CameraFeatures, FunctionsMayBeCalledFromAnyThread)
 {
     std::vector<std::thread> threads;
     threads.reserve(8);
     for (int i = 0; i < 8; ++i) {
         threads.emplace_back([this] {
-            for (int round = 0; round < 20; ++round) {
+            for (int round = 0; round < 20; ++round)
                 EXPECT_THAT(callAll(m_camera), testing::Each(Orvo::CAM_API_STS_SUCCESS));
-            }
         });
     }
-    for (std::thread& thread : threads) {
+    for (std::thread& thread : threads)
         thread.join();
-    }
 }
 
 class ManyCameras : public SystemTest {
@@ -233,15 +229,15 @@ TEST_F(ManyCameras, IndexIsThatOfTheLastEnumeration)
     for (std::uint32_t i = 0; i < m_cameras; ++i) {
         CAM_HANDLE camera = 0;
         ASSERT_EQ(Orvo::Cam_Open(i, &camera, 0, 1, nullptr, 1), 0U);
-        std::uint32_t index = untouched;
+        std::uint32_t index = kUntouched;
         EXPECT_EQ(Orvo::GetCamIndexFromCamHandle(camera, &index), 0U);
         EXPECT_EQ(index, i);
     }
 }
 
-// A camera whose description is odd: sizes beyond 32 bits, numbers of its own behind the standard's names, and no
+// A camera with an unusual description: sizes of more than 32 bits, different numbers for the standard's names, and no
 // software trigger.
-constexpr const char* oddDescription = R"(<?xml version="1.0" encoding="utf-8"?>
+constexpr const char* kOddDescription = R"(<?xml version="1.0" encoding="utf-8"?>
 <RegisterDescription ModelName="Odd" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
     SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
     ProductGuid="00000000-0000-0000-0000-000000000000" VersionGuid="00000000-0000-0000-0000-000000000000"
@@ -268,7 +264,7 @@ constexpr const char* oddDescription = R"(<?xml version="1.0" encoding="utf-8"?>
 )";
 
 struct OddDescription {
-    DescriptionFile file{oddDescription};
+    DescriptionFile file{kOddDescription};
 };
 
 class OddCamera : private OddDescription, public CameraFeatures {
@@ -281,15 +277,15 @@ protected:
 
 TEST_F(OddCamera, NumberBeyond32BitsIsInvalid)
 {
-    std::uint32_t number = untouched;
+    std::uint32_t number = kUntouched;
     EXPECT_EQ(Orvo::GetCamWidth(m_camera, &number), Orvo::CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(Orvo::GetCamHeight(m_camera, &number), Orvo::CAM_API_STS_INVALID_PARAMETER);
     choose("TriggerSource", "Line6");
     EXPECT_EQ(Orvo::GetCamTriggerSource(m_camera, &number), Orvo::CAM_API_STS_INVALID_PARAMETER);
-    EXPECT_EQ(number, untouched);
+    EXPECT_EQ(number, kUntouched);
 }
 
-TEST_F(OddCamera, NamesTellWhereNumbersDoNot)
+TEST_F(OddCamera, EntriesAreRecognisedByNameNotByNumber)
 {
     bool on = false;
     EXPECT_EQ(Orvo::GetCamTriggerMode(m_camera, &on), 0U);
@@ -308,9 +304,9 @@ TEST_F(OddCamera, NamesTellWhereNumbersDoNot)
 
 TEST_F(OddCamera, FeatureThatIsMissingIsNotFound)
 {
-    std::uint32_t format = untouched;
+    std::uint32_t format = kUntouched;
     EXPECT_EQ(Orvo::GetCamPixelFormat(m_camera, &format), Orvo::CAM_API_STS_NOT_FOUND);
-    EXPECT_EQ(format, untouched);
+    EXPECT_EQ(format, kUntouched);
     EXPECT_EQ(Orvo::ExecuteCamSoftwareTrigger(m_camera), Orvo::CAM_API_STS_NOT_FOUND);
 }
 

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-// Small images worked out by hand, some for each family: what the library and the reference of the other tests might
-// both have misunderstood shows here.
+// Small images of every family, calculated by hand. They would reveal a misunderstanding that the library and the
+// reference implementation of the other tests share.
 
 namespace {
 
@@ -53,7 +53,7 @@ std::vector<Bgr> convert(std::uint32_t format, const std::vector<std::uint8_t>& 
 TEST(ConvImageGolden, Mono)
 {
     EXPECT_THAT(convert(0x01080001, {0, 128, 255}, 3, 1), ElementsAre(gray(0), gray(128), gray(255)));
-    // Mono10: the bits above the tenth mean nothing.
+    // Mono10: the upper six bits are ignored.
     EXPECT_THAT(convert(0x01100003, {0xFF, 0xFD, 0x03, 0x02}, 1, 2), ElementsAre(gray(0x7F), gray(0x80)));
     // Mono16
     EXPECT_THAT(convert(0x01100007, {0xFF, 0x80}, 1, 1), ElementsAre(gray(0x80)));
@@ -64,16 +64,16 @@ TEST(ConvImageGolden, MonoRunsOfBits)
     // Mono10p: 0x3FF, 0x201, 0x004, 0x003
     EXPECT_THAT(convert(0x010A0046, {0xFF, 0x07, 0x48, 0xC0, 0x00}, 4, 1),
                 ElementsAre(gray(255), gray(128), gray(1), gray(0)));
-    // Mono12p: 0xABC, 0x123, 0x456; the second row begins within a byte.
+    // Mono12p: 0xABC, 0x123, 0x456; the second row starts within a byte.
     EXPECT_THAT(convert(0x010C0047, {0xBC, 0x3A, 0x12, 0x56, 0x04}, 1, 3),
                 ElementsAre(gray(0xAB), gray(0x12), gray(0x45)));
     // Mono14p: 0x2AAA, 0x1FFF
     EXPECT_THAT(convert(0x010E0104, {0xAA, 0xEA, 0xFF, 0x07}, 2, 1), ElementsAre(gray(0xAA), gray(0x7F)));
 }
 
-TEST(ConvImageGolden, MonoPairsAreCompletedPerRow)
+TEST(ConvImageGolden, MonoPairsArePaddedPerRow)
 {
-    // Mono12Packed: 0xABC, 0x123 and 0x456, a pair completed by zero; then the same upside down.
+    // Mono12Packed: 0xABC, 0x123 and 0x456, a pair padded with zero; then the same with the rows swapped.
     const std::vector<std::uint8_t> twelve{0xAB, 0x3C, 0x12, 0x45, 0x06, 0x00, 0x45, 0x36, 0x12, 0xAB, 0x0C, 0x00};
     EXPECT_THAT(convert(0x010C0006, twelve, 3, 2),
                 ElementsAre(gray(0xAB), gray(0x12), gray(0x45), gray(0x45), gray(0x12), gray(0xAB)));
@@ -81,7 +81,7 @@ TEST(ConvImageGolden, MonoPairsAreCompletedPerRow)
     EXPECT_THAT(convert(0x010C0004, {0xFF, 0x30, 0x80}, 2, 1), ElementsAre(gray(0xFF), gray(0x80)));
 }
 
-// Pixels of 100 and one of 116: a filter changes a pixel by its weight in sixteenths.
+// All pixels are 100, except one of 116: each filter changes a pixel by its weight in sixteenths.
 constexpr int level = 100;
 constexpr std::uint32_t side = 9;
 
@@ -92,7 +92,7 @@ std::vector<std::uint8_t> levelWithPeak(std::size_t x, std::size_t y, std::uint8
     return mosaic;
 }
 
-// The pixels that differ from the level, by column and row.
+// The pixels that differ from the common level, by column and row.
 std::map<std::pair<int, int>, Bgr> changes(const std::vector<Bgr>& pixels)
 {
     std::map<std::pair<int, int>, Bgr> result;
@@ -130,50 +130,49 @@ std::map<std::pair<int, int>, Bgr> aroundGreenOfRedRow(int x, int y)
 
 std::map<std::pair<int, int>, Bgr> redAndBlueSwapped(std::map<std::pair<int, int>, Bgr> pixels)
 {
-    for (auto& [place, pixel] : pixels) {
+    for (auto& [place, pixel] : pixels)
         std::swap(pixel.blue, pixel.red);
-    }
     return pixels;
 }
 
-constexpr std::uint32_t bayerGr8 = 0x01080008;
-constexpr std::uint32_t bayerRg8 = 0x01080009;
-constexpr std::uint32_t bayerGb8 = 0x0108000A;
-constexpr std::uint32_t bayerBg8 = 0x0108000B;
+constexpr std::uint32_t kBayerGr8 = 0x01080008;
+constexpr std::uint32_t kBayerRg8 = 0x01080009;
+constexpr std::uint32_t kBayerGb8 = 0x0108000A;
+constexpr std::uint32_t kBayerBg8 = 0x0108000B;
 
 TEST(ConvImageGolden, BayerWeightsOfRedAndBlue)
 {
-    EXPECT_EQ(changes(convert(bayerRg8, levelWithPeak(4, 4), side, side)), aroundRed(4, 4));
-    EXPECT_EQ(changes(convert(bayerGr8, levelWithPeak(5, 4), side, side)), aroundRed(5, 4));
-    EXPECT_EQ(changes(convert(bayerGb8, levelWithPeak(4, 5), side, side)), aroundRed(4, 5));
-    EXPECT_EQ(changes(convert(bayerBg8, levelWithPeak(5, 5), side, side)), aroundRed(5, 5));
+    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(4, 4), side, side)), aroundRed(4, 4));
+    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(5, 4), side, side)), aroundRed(5, 4));
+    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(4, 5), side, side)), aroundRed(4, 5));
+    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(5, 5), side, side)), aroundRed(5, 5));
 
-    EXPECT_EQ(changes(convert(bayerBg8, levelWithPeak(4, 4), side, side)), redAndBlueSwapped(aroundRed(4, 4)));
-    EXPECT_EQ(changes(convert(bayerGb8, levelWithPeak(5, 4), side, side)), redAndBlueSwapped(aroundRed(5, 4)));
-    EXPECT_EQ(changes(convert(bayerGr8, levelWithPeak(4, 5), side, side)), redAndBlueSwapped(aroundRed(4, 5)));
-    EXPECT_EQ(changes(convert(bayerRg8, levelWithPeak(5, 5), side, side)), redAndBlueSwapped(aroundRed(5, 5)));
+    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(4, 4), side, side)), redAndBlueSwapped(aroundRed(4, 4)));
+    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(5, 4), side, side)), redAndBlueSwapped(aroundRed(5, 4)));
+    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(4, 5), side, side)), redAndBlueSwapped(aroundRed(4, 5)));
+    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(5, 5), side, side)), redAndBlueSwapped(aroundRed(5, 5)));
 }
 
 TEST(ConvImageGolden, BayerWeightsOfGreen)
 {
-    EXPECT_EQ(changes(convert(bayerRg8, levelWithPeak(5, 4), side, side)), aroundGreenOfRedRow(5, 4));
-    EXPECT_EQ(changes(convert(bayerGr8, levelWithPeak(4, 4), side, side)), aroundGreenOfRedRow(4, 4));
-    EXPECT_EQ(changes(convert(bayerGb8, levelWithPeak(4, 4), side, side)),
+    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(5, 4), side, side)), aroundGreenOfRedRow(5, 4));
+    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(4, 4), side, side)), aroundGreenOfRedRow(4, 4));
+    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(4, 4), side, side)),
               redAndBlueSwapped(aroundGreenOfRedRow(4, 4)));
-    EXPECT_EQ(changes(convert(bayerBg8, levelWithPeak(5, 4), side, side)),
+    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(5, 4), side, side)),
               redAndBlueSwapped(aroundGreenOfRedRow(5, 4)));
 }
 
 TEST(ConvImageGolden, BayerIsMirroredWithoutItsEdge)
 {
-    // The blue pixel at 1, 1 stands beside the corner on every side.
-    const auto pixels = convert(bayerRg8, levelWithPeak(1, 1), side, side);
+    // Mirrored, the blue pixel at 1, 1 is beside the corner on every side.
+    const auto pixels = convert(kBayerRg8, levelWithPeak(1, 1), side, side);
     EXPECT_EQ(pixels[0], (Bgr{level + 16, level, level}));
     EXPECT_EQ(pixels[1], (Bgr{level + 16, level, level}));
     EXPECT_EQ(pixels[side], (Bgr{level + 16, level, level}));
     EXPECT_EQ(pixels[side + 1], (Bgr{level + 16, level + 8 - 2 * 2, level + 12 - 2 * 3}));
-    // The red one in the corner itself shows nowhere twice.
-    const auto corner = convert(bayerRg8, levelWithPeak(0, 0), side, side);
+    // The red pixel in the corner is not duplicated.
+    const auto corner = convert(kBayerRg8, levelWithPeak(0, 0), side, side);
     EXPECT_EQ(corner[0], (Bgr{level + 12, level + 8, level + 16}));
     EXPECT_EQ(corner[1], (Bgr{level, level, level + 8}));
     EXPECT_EQ(corner[2], (Bgr{level - 3, level - 2, level}));
@@ -182,18 +181,18 @@ TEST(ConvImageGolden, BayerIsMirroredWithoutItsEdge)
 
 TEST(ConvImageGolden, BayerOfOnePixelRepeatsIt)
 {
-    for (const std::uint32_t format : {bayerGr8, bayerRg8, bayerGb8, bayerBg8}) {
+    for (const std::uint32_t format : {kBayerGr8, kBayerRg8, kBayerGb8, kBayerBg8}) {
         EXPECT_THAT(convert(format, {77}, 1, 1), ElementsAre(gray(77)));
     }
-    // R G, with the same row above and below and the other column to both sides. Green of the red pixel is
+    // R G, mirrored: the same row above and below, and the other column on both sides. Green of the red pixel is
     // (8 * 32 + 4 * (64 + 64 + 32 + 32) - 2 * 4 * 32) / 16, its blue (12 * 32 + 4 * 4 * 64 - 3 * 4 * 32) / 16.
-    EXPECT_THAT(convert(bayerRg8, {32, 64}, 2, 1), ElementsAre(Bgr{64, 48, 32}, Bgr{80, 64, 48}));
+    EXPECT_THAT(convert(kBayerRg8, {32, 64}, 2, 1), ElementsAre(Bgr{64, 48, 32}, Bgr{80, 64, 48}));
 }
 
 TEST(ConvImageGolden, BayerIsRoundedAndClamped)
 {
-    // A peak of one level: eight sixteenths are rounded up, four down; negative ones towards the level.
-    const auto pixels = convert(bayerRg8, levelWithPeak(4, 4, level + 1), side, side);
+    // A peak of one level: eight sixteenths are rounded up, four down; negative ones are rounded to zero.
+    const auto pixels = convert(kBayerRg8, levelWithPeak(4, 4, level + 1), side, side);
     EXPECT_EQ(pixels[4 * side + 4], (Bgr{level + 1, level + 1, level + 1}));
     EXPECT_EQ(pixels[4 * side + 3], (Bgr{level, level, level + 1}));
     EXPECT_EQ(pixels[3 * side + 3], gray(level));
@@ -201,11 +200,10 @@ TEST(ConvImageGolden, BayerIsRoundedAndClamped)
 
     std::vector<std::uint8_t> mosaic(std::size_t{side} * side, 0);
     mosaic[4 * side + 4] = 255;
-    EXPECT_EQ(convert(bayerRg8, mosaic, side, side)[4 * side + 2], gray(0));
-    for (std::uint8_t& pixel : mosaic) {
+    EXPECT_EQ(convert(kBayerRg8, mosaic, side, side)[4 * side + 2], gray(0));
+    for (std::uint8_t& pixel : mosaic)
         pixel = static_cast<std::uint8_t>(255 - pixel);
-    }
-    EXPECT_EQ(convert(bayerRg8, mosaic, side, side)[4 * side + 2], gray(255));
+    EXPECT_EQ(convert(kBayerRg8, mosaic, side, side)[4 * side + 2], gray(255));
 }
 
 TEST(ConvImageGolden, Rgb)
@@ -224,7 +222,7 @@ TEST(ConvImageGolden, Rgb)
                 ElementsAre(Bgr{0x12, 0x45, 0x78}, Bgr{0xAB, 0xDE, 0xFE}));
 }
 
-// Within one level of what the equations of the standard give.
+// Within one level of the standard's equations.
 testing::Matcher<Bgr> near(double blue, double green, double red)
 {
     const auto within = [](double exact) { return testing::AllOf(testing::Ge(exact - 1), testing::Le(exact + 1)); };
@@ -245,7 +243,7 @@ TEST(ConvImageGolden, YCbCrRangesAndMatrices)
     // YCbCr709_8_CbYCr: red is 63, 102, 240.
     EXPECT_THAT(convert(0x02180040, {128, 16, 128, 128, 235, 128, 102, 63, 240}, 3, 1),
                 ElementsAre(gray(0), gray(255), near(0, 0.6, 255)));
-    // Half way, with chroma that moves each colour: the equations of BT.601 and BT.709.
+    // Medium luma with chroma that affects all colours: the equations of BT.601 and BT.709.
     EXPECT_THAT(convert(0x0218005B, {128, 108, 148}, 1, 1), ElementsAre(near(92.6, 120.6, 156.0)));
     EXPECT_THAT(convert(0x0218003D, {108, 128, 148}, 1, 1), ElementsAre(near(90.1, 122.0, 162.3)));
     EXPECT_THAT(convert(0x02180040, {108, 128, 148}, 1, 1), ElementsAre(near(88.2, 124.0, 166.3)));
@@ -288,11 +286,11 @@ TEST(ConvImageGolden, YCbCrOrdersOfChroma)
     EXPECT_THAT(convert(0x020C0114, {y, y, y, y, cr, cb}, 2, 2), reddish); // YCbCr420_8_YY_CrCb_Semiplanar
     EXPECT_THAT(convert(0x02100113, {y, y, cb, cr}, 2, 1), reddish);       // YCbCr422_8_YY_CbCr_Semiplanar
     EXPECT_THAT(convert(0x02100115, {y, y, cr, cb}, 2, 1), reddish);       // YCbCr422_8_YY_CrCb_Semiplanar
-    // YCbCr422_10: the low two bits fall away first.
+    // YCbCr422_10: the lower two bits are dropped first.
     EXPECT_THAT(convert(0x02200065, {0x03, 0x02, 0xB3, 0x01, 0x03, 0x02, 0x53, 0x02}, 2, 1), reddish);
 }
 
-TEST(ConvImageGolden, YCbCrGroupsAreCompletedPerRow)
+TEST(ConvImageGolden, YCbCrGroupsArePaddedPerRow)
 {
     constexpr std::uint8_t n = 128;
     // YUV422_8, three pixels wide

@@ -11,8 +11,8 @@
 #include <random>
 #include <utility>
 
-// Every format at many sizes against the reference, in buffers exactly as large as needed: the address sanitizer sees
-// every byte read or written beside them.
+// Compares every format at many sizes with the reference. The buffers are exactly as large as needed, so the address
+// sanitizer detects every access beyond them.
 
 namespace {
 
@@ -21,7 +21,7 @@ struct Size {
     std::uint32_t height;
 };
 
-// The last ones are wider than what the library takes in one go.
+// The last ones are wider than the pieces that the library converts at a time.
 constexpr Size sizes[] = {
     {1, 1}, {1, 2}, {2, 1},  {2, 2},  {3, 1},  {1, 3},  {3, 3},   {4, 1},    {5, 7},    {7, 5},
     {8, 3}, {9, 2}, {16, 2}, {17, 3}, {33, 9}, {35, 4}, {64, 48}, {2047, 2}, {2049, 3}, {4099, 5},
@@ -39,7 +39,7 @@ protected:
             switch (content) {
             case Content::Random:
                 return static_cast<std::uint8_t>(random());
-            case Content::Extremes: // the largest sums, and beyond 0 and 255
+            case Content::Extremes: // the largest sums, and results outside 0 to 255
                 return random() % 2 == 0 ? 0 : 255;
             default:
                 return content == Content::Zero ? 0 : 255;
@@ -77,9 +77,8 @@ TEST_P(ConvImageReference, EveryPixelAtEverySize)
 {
     for (const Size size : sizes) {
         check(GetParam(), size, Content::Random);
-        if (HasFatalFailure()) {
+        if (HasFatalFailure())
             return;
-        }
     }
 }
 
@@ -91,12 +90,12 @@ TEST_P(ConvImageReference, Extremes)
     }
 }
 
-TEST_P(ConvImageReference, ValueTellsTheBitsOfThePixel)
+TEST_P(ConvImageReference, ValueContainsTheBitsPerPixel)
 {
     EXPECT_EQ(GetParam().value >> 16 & 0xFF, ReferenceConversion(GetParam().name, 8, 8).bitsPerPixel());
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, ConvImageReference, testing::ValuesIn(pfncFormats),
+INSTANTIATE_TEST_SUITE_P(Formats, ConvImageReference, testing::ValuesIn(kPfncFormats),
                          [](const auto& format) { return std::string(format.param.name); });
 
 } // namespace

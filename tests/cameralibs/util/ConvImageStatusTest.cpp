@@ -11,13 +11,13 @@
 #include <thread>
 #include <vector>
 
-// The statuses of ConvImage and the order in which they are looked for. None of these tests calls Sys_Initialize.
+// The statuses of ConvImage and the order of its checks. None of these tests calls Sys_Initialize.
 
 namespace {
 
-constexpr std::uint32_t mono8 = 0x01080001;
-constexpr std::uint32_t bayerRg8 = 0x01080009;
-constexpr std::uint32_t unknownFormat = 0x01080002; // signed
+constexpr std::uint32_t kMono8 = 0x01080001;
+constexpr std::uint32_t kBayerRg8 = 0x01080009;
+constexpr std::uint32_t kUnknownFormat = 0x01080002; // signed
 
 class ConvImageStatus : public testing::Test {
 protected:
@@ -29,44 +29,43 @@ protected:
 
     [[nodiscard]] bool nothingWritten() const
     {
-        return std::all_of(m_bgra.begin(), m_bgra.end(), [](std::uint8_t byte) { return byte == untouched; });
+        return std::all_of(m_bgra.begin(), m_bgra.end(), [](std::uint8_t byte) { return byte == kUntouched; });
     }
 
-    void SetUp() override { m_bgra.fill(untouched); }
+    void SetUp() override { m_bgra.fill(kUntouched); }
 
-    static constexpr std::uint8_t untouched = 0xA5;
+    static constexpr std::uint8_t kUntouched = 0xA5;
     std::array<std::uint8_t, 64> m_source{};
     std::array<std::uint8_t, 256> m_bgra{};
 };
 
 TEST_F(ConvImageStatus, AnyDestinationFormatButZeroIsNotImplemented)
 {
-    EXPECT_EQ(convert(1, mono8, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
-    EXPECT_EQ(convert(0xFFFFFFFF, mono8, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
-    EXPECT_EQ(convert(mono8, mono8, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(convert(1, kMono8, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(convert(0xFFFFFFFF, kMono8, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(convert(kMono8, kMono8, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
     EXPECT_TRUE(nothingWritten());
 }
 
 TEST_F(ConvImageStatus, UnknownSourceFormatIsNotImplemented)
 {
-    for (const std::uint32_t format : {0U, 1U, unknownFormat, 0x010C0000U, 0x81080001U, 0xFFFFFFFFU}) {
+    for (const std::uint32_t format : {0U, 1U, kUnknownFormat, 0x010C0000U, 0x81080001U, 0xFFFFFFFFU})
         EXPECT_EQ(convert(0, format, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED) << std::hex << format;
-    }
     EXPECT_TRUE(nothingWritten());
 }
 
-TEST_F(ConvImageStatus, FormatsAreLookedAtBeforeSizesAndPointers)
+TEST_F(ConvImageStatus, FormatsAreCheckedBeforeSizesAndPointers)
 {
-    EXPECT_EQ(convert(1, mono8, 0, 0), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
-    EXPECT_EQ(convert(0, unknownFormat, 0, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
-    EXPECT_EQ(convert(0, unknownFormat, 0xFFFFFFFF, 0xFFFFFFFF), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
-    EXPECT_EQ(Orvo::ConvImage(1, mono8, 1, nullptr, nullptr, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
-    EXPECT_EQ(Orvo::ConvImage(0, unknownFormat, 1, nullptr, nullptr, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(convert(1, kMono8, 0, 0), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(convert(0, kUnknownFormat, 0, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(convert(0, kUnknownFormat, 0xFFFFFFFF, 0xFFFFFFFF), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(Orvo::ConvImage(1, kMono8, 1, nullptr, nullptr, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
+    EXPECT_EQ(Orvo::ConvImage(0, kUnknownFormat, 1, nullptr, nullptr, 4, 4), Orvo::CAM_API_STS_NOT_IMPLEMENTED);
 }
 
 TEST_F(ConvImageStatus, ZeroSizeIsInvalid)
 {
-    for (const PfncFormat& format : pfncFormats) {
+    for (const PfncFormat& format : kPfncFormats) {
         EXPECT_EQ(convert(0, format.value, 0, 4), Orvo::CAM_API_STS_INVALID_PARAMETER) << format.name;
         EXPECT_EQ(convert(0, format.value, 4, 0), Orvo::CAM_API_STS_INVALID_PARAMETER) << format.name;
         EXPECT_EQ(convert(0, format.value, 0, 0), Orvo::CAM_API_STS_INVALID_PARAMETER) << format.name;
@@ -76,19 +75,19 @@ TEST_F(ConvImageStatus, ZeroSizeIsInvalid)
 
 TEST_F(ConvImageStatus, ResultOfFourGigabytesIsInvalid)
 {
-    EXPECT_EQ(convert(0, mono8, 32768, 32768), Orvo::CAM_API_STS_INVALID_PARAMETER);
-    EXPECT_EQ(convert(0, mono8, 1U << 30, 1), Orvo::CAM_API_STS_INVALID_PARAMETER);
-    EXPECT_EQ(convert(0, mono8, 1, 1U << 30), Orvo::CAM_API_STS_INVALID_PARAMETER);
-    // Products that look small once they are cut down to 32 bits.
-    EXPECT_EQ(convert(0, bayerRg8, 65536, 65537), Orvo::CAM_API_STS_INVALID_PARAMETER);
-    EXPECT_EQ(convert(0, bayerRg8, 0x80000000, 2), Orvo::CAM_API_STS_INVALID_PARAMETER);
-    EXPECT_EQ(convert(0, bayerRg8, 0xFFFFFFFF, 0xFFFFFFFF), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(convert(0, kMono8, 32768, 32768), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(convert(0, kMono8, 1U << 30, 1), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(convert(0, kMono8, 1, 1U << 30), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    // Products that are small when truncated to 32 bits.
+    EXPECT_EQ(convert(0, kBayerRg8, 65536, 65537), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(convert(0, kBayerRg8, 0x80000000, 2), Orvo::CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(convert(0, kBayerRg8, 0xFFFFFFFF, 0xFFFFFFFF), Orvo::CAM_API_STS_INVALID_PARAMETER);
     EXPECT_TRUE(nothingWritten());
 }
 
 TEST_F(ConvImageStatus, NullPointersAreInvalid)
 {
-    for (const PfncFormat& format : pfncFormats) {
+    for (const PfncFormat& format : kPfncFormats) {
         EXPECT_EQ(Orvo::ConvImage(0, format.value, 1, nullptr, m_source.data(), 2, 2),
                   Orvo::CAM_API_STS_INVALID_PARAMETER);
         EXPECT_EQ(Orvo::ConvImage(0, format.value, 1, m_bgra.data(), nullptr, 2, 2),
@@ -97,15 +96,15 @@ TEST_F(ConvImageStatus, NullPointersAreInvalid)
     EXPECT_TRUE(nothingWritten());
 }
 
-TEST_F(ConvImageStatus, OptionIsNotLookedAt)
+TEST_F(ConvImageStatus, OptionIsIgnored)
 {
     m_source.fill(77);
     for (const std::uint32_t option : {0U, 1U, 2U, 0xFFFFFFFFU}) {
-        m_bgra.fill(untouched);
-        EXPECT_EQ(Orvo::ConvImage(0, mono8, option, m_bgra.data(), m_source.data(), 4, 4), 0U);
+        m_bgra.fill(kUntouched);
+        EXPECT_EQ(Orvo::ConvImage(0, kMono8, option, m_bgra.data(), m_source.data(), 4, 4), 0U);
         EXPECT_EQ(m_bgra[0], 77);
         EXPECT_EQ(m_bgra[63], 255);
-        EXPECT_EQ(m_bgra[64], untouched);
+        EXPECT_EQ(m_bgra[64], kUntouched);
     }
 }
 
@@ -113,17 +112,16 @@ TEST_F(ConvImageStatus, TablesMayBePreparedAnyNumberOfTimes)
 {
     EXPECT_EQ(Orvo::PrepareLUT(), 0U);
     EXPECT_EQ(Orvo::PrepareLUT(), 0U);
-    EXPECT_EQ(convert(0, mono8, 4, 4), 0U);
+    EXPECT_EQ(convert(0, kMono8, 4, 4), 0U);
     EXPECT_EQ(Orvo::PrepareLUT(), 0U);
 }
 
 TEST_F(ConvImageStatus, SourceAndDestinationNeedNoAlignment)
 {
-    for (const PfncFormat& format : pfncFormats) {
+    for (const PfncFormat& format : kPfncFormats) {
         std::vector<std::uint8_t> source(1 + 40 * 4 * 8);
-        for (std::size_t i = 0; i < source.size(); ++i) {
+        for (std::size_t i = 0; i < source.size(); ++i)
             source[i] = static_cast<std::uint8_t>(i * 37);
-        }
         std::vector<std::uint8_t> aligned(std::size_t{40} * 4 * 4);
         std::vector<std::uint8_t> unaligned(aligned.size() + 1);
         ASSERT_EQ(Orvo::ConvImage(0, format.value, 1, unaligned.data() + 1, source.data() + 1, 40, 4), 0U);
@@ -133,21 +131,20 @@ TEST_F(ConvImageStatus, SourceAndDestinationNeedNoAlignment)
     }
 }
 
-TEST_F(ConvImageStatus, EightThreadsAtOnceGiveWhatOneGives)
+TEST_F(ConvImageStatus, EightConcurrentThreadsGiveTheSameResult)
 {
     constexpr std::uint32_t width = 70;
     constexpr std::uint32_t height = 21;
     constexpr std::size_t bytes = std::size_t{width} * height * 4;
     std::vector<std::uint8_t> source(std::size_t{width} * height * 8);
-    for (std::size_t i = 0; i < source.size(); ++i) {
+    for (std::size_t i = 0; i < source.size(); ++i)
         source[i] = static_cast<std::uint8_t>(i * i / 7);
-    }
     const auto convertAll = [&source](std::size_t start) {
-        std::vector<std::uint8_t> results(bytes * pfncFormats.size());
-        for (std::size_t i = 0; i < pfncFormats.size(); ++i) {
-            const std::size_t format = (start + i) % pfncFormats.size();
+        std::vector<std::uint8_t> results(bytes * kPfncFormats.size());
+        for (std::size_t i = 0; i < kPfncFormats.size(); ++i) {
+            const std::size_t format = (start + i) % kPfncFormats.size();
             EXPECT_EQ(Orvo::PrepareLUT(), 0U);
-            EXPECT_EQ(Orvo::ConvImage(0, pfncFormats[format].value, 1, results.data() + format * bytes, source.data(),
+            EXPECT_EQ(Orvo::ConvImage(0, kPfncFormats[format].value, 1, results.data() + format * bytes, source.data(),
                                       width, height),
                       0U);
         }
@@ -160,12 +157,10 @@ TEST_F(ConvImageStatus, EightThreadsAtOnceGiveWhatOneGives)
     for (std::size_t i = 0; i < results.size(); ++i) {
         threads.emplace_back([&, i] { results[i] = convertAll(i * 17); });
     }
-    for (std::thread& thread : threads) {
+    for (std::thread& thread : threads)
         thread.join();
-    }
-    for (const auto& result : results) {
+    for (const auto& result : results)
         EXPECT_EQ(result, expected);
-    }
 }
 
 } // namespace

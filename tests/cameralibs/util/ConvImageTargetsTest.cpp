@@ -12,17 +12,17 @@
 #include <memory>
 #include <random>
 
-// The vector code for every instruction set that this processor has gives what the plain code gives, bit for bit. The
-// buffers are exactly as large as needed and begin anywhere: the address sanitizer sees every byte read or written
-// beside them.
+// For every instruction set that this processor supports, the vector code gives exactly the same result as the scalar
+// code. The buffers are exactly as large as needed and unaligned; the address sanitizer detects every access beyond
+// them.
 
 namespace {
 
-constexpr std::uint32_t widest = 200;
+constexpr std::uint32_t kWidest = 200;
 
 class Bytes {
 public:
-    // They end where the memory ends.
+    // The image ends at the end of the memory.
     Bytes(std::size_t size, std::size_t misalignment)
         : m_memory(std::make_unique<std::uint8_t[]>(size + misalignment))
         , m_misalignment(misalignment)
@@ -49,14 +49,14 @@ Bytes converted(const PfncFormat& format, const Bytes& source, std::uint32_t wid
 
 class ConvImageTargets : public testing::TestWithParam<PfncFormat> {
 protected:
-    // With all instruction sets at one size.
+    // Compares all instruction sets at one size.
     static void check(std::uint32_t width, std::uint32_t height)
     {
         std::minstd_rand random(width * 8 + height);
         const std::size_t misalignment = width % 5;
         const Bytes source(ReferenceConversion(GetParam().name, width, height).sourceBytes(), misalignment);
         std::generate(source.begin(), source.end(), [&] { return static_cast<std::uint8_t>(random() >> 8); });
-        // Edges: the largest sums, and results beyond 0 and 255.
+        // Edges: the largest sums, and results outside 0 to 255.
         std::replace_if(
             source.begin(), source.end(), [](std::uint8_t byte) { return byte < 40; }, 0);
         std::replace_if(
@@ -78,47 +78,43 @@ protected:
 
 TEST_P(ConvImageTargets, GiveTheSameAtEveryWidth)
 {
-    for (std::uint32_t width = 1; width <= widest; ++width) {
+    for (std::uint32_t width = 1; width <= kWidest; ++width) {
         for (const std::uint32_t height : {1U, 2U, 5U}) {
             check(width, height);
-            if (HasFatalFailure()) {
+            if (HasFatalFailure())
                 return;
-            }
         }
     }
 }
 
-// Rows that have others two above and two below them.
+// Images with rows that have two others above and below.
 TEST_P(ConvImageTargets, GiveTheSameInTheMiddleOfImages)
 {
-    for (std::uint32_t width = 120; width <= widest; width += width < 140 ? 1 : 9) {
+    for (std::uint32_t width = 120; width <= kWidest; width += width < 140 ? 1 : 9) {
         for (const std::uint32_t height : {9U, 12U}) {
             check(width, height);
-            if (HasFatalFailure()) {
+            if (HasFatalFailure())
                 return;
-            }
         }
     }
 }
 
-// Wider than what is reduced to bytes in one go, and than the lines that Bayer images are read into.
+// Wider than the pieces that are reduced to bytes, and than the line buffers for Bayer images.
 TEST_P(ConvImageTargets, GiveTheSameForWideImages)
 {
-    for (const std::uint32_t width : {2049U, 4099U, 8193U, 8300U}) {
+    for (const std::uint32_t width : {2049U, 4099U, 8193U, 8300U})
         check(width, 3);
-    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, ConvImageTargets, testing::ValuesIn(pfncFormats),
+INSTANTIATE_TEST_SUITE_P(Formats, ConvImageTargets, testing::ValuesIn(kPfncFormats),
                          [](const auto& format) { return std::string(format.param.name); });
 
-// Otherwise the tests above compare the plain code with itself.
-TEST(ConvImageTarget, VectorsAreUsedWhereTheProcessorHasThem)
+// Otherwise the tests above would compare the scalar code with itself.
+TEST(ConvImageTarget, VectorCodeIsUsedIfTheProcessorSupportsIt)
 {
 #if HWY_ARCH_X86
-    if (__builtin_cpu_supports("ssse3") == 0) {
-        GTEST_SKIP() << "a processor without SSSE3";
-    }
+    if (__builtin_cpu_supports("ssse3") == 0)
+        GTEST_SKIP() << "the processor has no SSSE3";
 #endif
     EXPECT_GT(ForcedTarget::all().size(), 1U);
     EXPECT_THAT(ForcedTarget::all(), testing::Contains(ForcedTarget::scalar()));

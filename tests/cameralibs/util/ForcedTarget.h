@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Makes ConvImage use the code for one instruction set, as long as it lives. Highway keeps one choice for the whole
-/// process, in a library that the tests and the library under test share.
+/// As long as it lives, ConvImage uses the code for one instruction set. Highway stores the choice for the whole
+/// process in a library that the tests share with the library under test.
 class ForcedTarget {
 public:
     explicit ForcedTarget(std::int64_t target) { choose(target); }
@@ -15,10 +15,10 @@ public:
     ForcedTarget(const ForcedTarget&) = delete;
     ForcedTarget& operator=(const ForcedTarget&) = delete;
 
-    /// Those that the processor has and the library has code for.
+    /// The instruction sets that the processor supports and that the library contains code for.
     [[nodiscard]] static std::vector<std::int64_t> all() { return hwy::SupportedAndGeneratedTargets(); }
 
-    /// The one that the plain code stands in for.
+    /// The target that uses the scalar code.
     [[nodiscard]] static std::int64_t scalar() { return HWY_STATIC_TARGET; }
 
 private:

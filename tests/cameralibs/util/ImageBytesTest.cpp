@@ -12,20 +12,20 @@
 #include <memory>
 #include <string>
 
-// How many bytes an image takes. Memory is allocated by that, so the conversions keep to it.
+// The size of an image in bytes. Memory is allocated accordingly, so conversions must not read more.
 
 namespace {
 
 class ImageBytes : public testing::TestWithParam<PfncFormat> {};
 
-TEST_P(ImageBytes, AreThoseOfTheReferenceAndConversionsReadNoMore)
+TEST_P(ImageBytes, EqualTheReferenceAndConversionsReadNoMore)
 {
     const PfncFormat& format = GetParam();
     for (std::uint32_t width = 1; width <= 70; ++width) {
         for (std::uint32_t height = 1; height <= 70; ++height) {
             const std::uint64_t bytes = cameralibs::imageBytes(format.value, width, height);
             ASSERT_EQ(bytes, ReferenceConversion(format.name, width, height).sourceBytes()) << width << " x " << height;
-            // Blocks exactly as large as needed: the address sanitizer sees who leaves them.
+            // The blocks are exactly as large as needed, so the address sanitizer detects every access beyond them.
             const auto source = std::make_unique<std::uint8_t[]>(bytes);
             const auto bgra = std::make_unique<std::uint8_t[]>(std::size_t{4} * width * height);
             ASSERT_EQ(Orvo::ConvImage(0, format.value, 1, bgra.get(), source.get(), width, height), 0U);
@@ -33,7 +33,7 @@ TEST_P(ImageBytes, AreThoseOfTheReferenceAndConversionsReadNoMore)
     }
 }
 
-TEST_P(ImageBytes, OfTheLargestImagesDoNotWrapRound)
+TEST_P(ImageBytes, DoNotOverflowForTheLargestImages)
 {
     constexpr std::uint32_t largest = std::numeric_limits<std::uint32_t>::max();
     const std::uint64_t bytes = cameralibs::imageBytes(GetParam().value, largest, largest);
@@ -42,10 +42,10 @@ TEST_P(ImageBytes, OfTheLargestImagesDoNotWrapRound)
     EXPECT_GE(cameralibs::imageBytes(GetParam().value, 1, largest), largest);
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, ImageBytes, testing::ValuesIn(pfncFormats),
+INSTANTIATE_TEST_SUITE_P(Formats, ImageBytes, testing::ValuesIn(kPfncFormats),
                          [](const auto& format) { return std::string(format.param.name); });
 
-TEST(ImageBytesTest, FormatsThatAreNotInTheTableAreRunsOfBits)
+TEST(ImageBytesTest, UnknownFormatsCountAsRunsOfBits)
 {
     EXPECT_EQ(cameralibs::imageBytes(0x01040039, 3, 3), 5U) << "4 bits"; // Mono4p
     EXPECT_EQ(cameralibs::imageBytes(0x01080002, 5, 7), 35U);            // Mono8s
@@ -55,7 +55,7 @@ TEST(ImageBytesTest, FormatsThatAreNotInTheTableAreRunsOfBits)
 
 TEST(ImageBytesTest, FormatsAreFoundByValueAndByName)
 {
-    for (const PfncFormat& format : pfncFormats) {
+    for (const PfncFormat& format : kPfncFormats) {
         const cameralibs::PixelFormat* const found = cameralibs::findPixelFormat(format.value);
         ASSERT_NE(found, nullptr) << format.name;
         EXPECT_EQ(found->name, format.name);

@@ -3,13 +3,13 @@
 #include <array>
 #include <cstdint>
 
-/// The formats that ConvImage knows, by name and value alone: what their images look like is read out of the names.
+/// The formats that ConvImage supports: only names and values. The reference derives the layout from the name.
 struct PfncFormat {
     const char* name;
     std::uint32_t value;
 };
 
-constexpr std::array<PfncFormat, 141> pfncFormats{{
+constexpr std::array<PfncFormat, 141> kPfncFormats{{
     {"Mono8", 0x01080001},
     {"Mono10", 0x01100003},
     {"Mono12", 0x01100005},

@@ -8,24 +8,23 @@
 
 namespace {
 
-// In sixteenths; rows from top to bottom. For green at red and blue, the paper's figure doubled ...
-constexpr int greenAtColour[5][5] = {
+// The filters in sixteenths. Green at red and blue (twice the values in the paper):
+constexpr int kGreenAtColour[5][5] = {
     {0, 0, -2, 0, 0}, {0, 0, 4, 0, 0}, {-2, 4, 8, 4, -2}, {0, 0, 4, 0, 0}, {0, 0, -2, 0, 0},
 };
-// ... for a colour whose neighbours stand to the left and right of a green pixel; turned for those above and below ...
-constexpr int colourAtGreen[5][5] = {
+// The colour to the left and right of a green pixel; transposed, the one above and below:
+constexpr int kColourAtGreen[5][5] = {
     {0, 0, 1, 0, 0}, {0, -2, 0, -2, 0}, {-2, 8, 10, 8, -2}, {0, -2, 0, -2, 0}, {0, 0, 1, 0, 0},
 };
-// ... and for red at blue and blue at red.
-constexpr int colourAtOpposite[5][5] = {
+// Red at blue, and blue at red:
+constexpr int kColourAtOpposite[5][5] = {
     {0, 0, -3, 0, 0}, {0, 4, 0, 4, 0}, {-3, 0, 12, 0, -3}, {0, 4, 0, 4, 0}, {0, 0, -3, 0, 0},
 };
 
 long mirror(long index, long size)
 {
-    if (size == 1) {
+    if (size == 1)
         return 0;
-    }
     const long period = 2 * (size - 1);
     const long folded = ((index % period) + period) % period;
     return folded < size ? folded : period - folded;
@@ -46,7 +45,7 @@ std::size_t dividedUp(std::size_t a, std::size_t b)
     return (a + b - 1) / b;
 }
 
-// Cuts the first of these words that the text begins with off it.
+// Removes the first of these prefixes that the text has, and returns it.
 std::string take(std::string_view& text, std::initializer_list<std::string_view> words)
 {
     for (const std::string_view word : words) {
@@ -60,9 +59,8 @@ std::string take(std::string_view& text, std::initializer_list<std::string_view>
 
 std::string replaced(std::string text, std::string_view word, std::string_view by)
 {
-    for (std::size_t place = text.find(word); place != std::string::npos; place = text.find(word, place)) {
+    for (std::size_t place = text.find(word); place != std::string::npos; place = text.find(word, place))
         text.replace(place, word.size(), by);
-    }
     return text;
 }
 
@@ -82,9 +80,8 @@ ReferenceConversion::ReferenceConversion(const std::string& formatName, std::siz
     const std::string packing = take(rest, {"Packed", "p32", "p", "_Planar"});
     take(rest, {"_"});
     std::string order(rest);
-    if (family.empty() || bits.empty()) {
+    if (family.empty() || bits.empty())
         throw std::invalid_argument("not understood: " + formatName);
-    }
 
     m_bits = std::stoul(bits);
     m_padded32 = packing == "p32";
@@ -121,29 +118,23 @@ std::size_t ReferenceConversion::samplesPerRow() const
 
 std::size_t ReferenceConversion::sourceBytes() const
 {
-    if (m_pairs) {
+    if (m_pairs)
         return dividedUp(m_width, 2) * 3 * m_height;
-    }
-    if (m_padded32) {
+    if (m_padded32)
         return m_width * m_height * 4;
-    }
-    if (m_chromaRows != 0) {
+    if (m_chromaRows != 0)
         return m_width * m_height + dividedUp(m_width, 2) * 2 * dividedUp(m_height, m_chromaRows);
-    }
     return dividedUp(samplesPerRow() * m_height * m_containerBits, 8);
 }
 
 std::size_t ReferenceConversion::bitsPerPixel() const
 {
-    if (m_pairs) {
+    if (m_pairs)
         return 12;
-    }
-    if (m_padded32) {
+    if (m_padded32)
         return 32;
-    }
-    if (m_chromaRows != 0) {
+    if (m_chromaRows != 0)
         return 8 + 8 / m_chromaRows;
-    }
     return m_order.size() * m_containerBits / m_pixelsPerGroup;
 }
 
@@ -167,12 +158,11 @@ int ReferenceConversion::sample(const std::uint8_t* source, char component, std:
         const std::size_t row = y / m_chromaRows * dividedUp(m_width, 2) * 2;
         position = (m_width * m_height + row + x / 2 * 2 + m_order.find(component)) * 8;
     } else {
-        // The n-th pixel of a group has the n-th Y of its samples.
+        // The n-th pixel of a group has the n-th Y sample.
         std::size_t place = m_order.find(component);
         if (component == 'Y') {
-            for (std::size_t n = 0; n < x % m_pixelsPerGroup; ++n) {
+            for (std::size_t n = 0; n < x % m_pixelsPerGroup; ++n)
                 place = m_order.find('Y', place + 1);
-            }
         }
         const std::size_t group = x / m_pixelsPerGroup * m_order.size();
         position = (y * samplesPerRow() + group + place) * m_containerBits;
@@ -195,7 +185,7 @@ ReferenceConversion::Colour ReferenceConversion::bayer(const std::vector<int>& m
         }
         return std::clamp(std::floor((sum + 8) / 16.0), 0.0, 255.0);
     };
-    // The second row of a mosaic that begins GR is BG, of one that begins RG is GB, and the reverse.
+    // The second row of a GR mosaic is BG, that of an RG mosaic is GB, and vice versa.
     const auto colourAt = [&](std::size_t column, std::size_t row) {
         std::string colours = m_bayer;
         if (row % 2 == 1) {
@@ -207,12 +197,12 @@ ReferenceConversion::Colour ReferenceConversion::bayer(const std::vector<int>& m
     const double here = mosaic[y * m_width + x];
     const char colour = colourAt(x, y);
     if (colour == 'G') {
-        const double beside = apply(colourAtGreen, false);
-        const double above = apply(colourAtGreen, true);
+        const double beside = apply(kColourAtGreen, false);
+        const double above = apply(kColourAtGreen, true);
         return colourAt(x + 1, y) == 'R' ? Colour{above, here, beside} : Colour{beside, here, above};
     }
-    const double green = apply(greenAtColour, false);
-    const double opposite = apply(colourAtOpposite, false);
+    const double green = apply(kGreenAtColour, false);
+    const double opposite = apply(kColourAtOpposite, false);
     return colour == 'R' ? Colour{opposite, green, here} : Colour{here, green, opposite};
 }
 
@@ -233,9 +223,8 @@ std::vector<ReferenceConversion::Colour> ReferenceConversion::convert(const std:
     std::vector<int> mosaic;
     std::vector<Colour> result;
     for (std::size_t y = 0; !m_bayer.empty() && y < m_height; ++y) {
-        for (std::size_t x = 0; x < m_width; ++x) {
+        for (std::size_t x = 0; x < m_width; ++x)
             mosaic.push_back(sample(source, 'C', x, y));
-        }
     }
     for (std::size_t y = 0; y < m_height; ++y) {
         for (std::size_t x = 0; x < m_width; ++x) {

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-/// A second, plain and slow ConvImage that shares nothing with the library: every sample is read bit by bit, every
-/// colour computed where it stands, and the layout of an image comes from the name of its format.
+/// A simple and slow reference implementation of ConvImage that shares no code with the library. It reads every sample
+/// bit by bit, computes every pixel separately, and derives the layout of an image from the name of its format.
 class ReferenceConversion {
 public:
-    /// One exact pixel: for the YCbCr formats not rounded.
+    /// An exact pixel, not rounded for the YCbCr formats.
     struct Colour {
         double blue = 0;
         double green = 0;
@@ -19,19 +19,19 @@ public:
 
     ReferenceConversion(const std::string& formatName, std::size_t width, std::size_t height);
 
-    /// Of a whole source image.
+    /// Size of the whole source image.
     [[nodiscard]] std::size_t sourceBytes() const;
 
-    /// As told by the name; the value of the format tells it too.
+    /// Derived from the name; the value of the format contains it, too.
     [[nodiscard]] std::size_t bitsPerPixel() const;
 
     [[nodiscard]] std::vector<Colour> convert(const std::uint8_t* source) const;
 
-    /// 0 where colours are exact, 1 for the YCbCr formats.
+    /// Allowed difference in levels: 1 for the YCbCr formats, otherwise 0.
     [[nodiscard]] double tolerance() const { return m_chroma ? 1 : 0; }
 
 private:
-    // The upper 8 bits of a component: 'Y', 'R', 'U' ..., 'C' for the one sample of a Bayer pixel.
+    // The upper 8 bits of a component, such as 'Y', 'R' or 'U'; 'C' is the only sample of a Bayer pixel.
     [[nodiscard]] int sample(const std::uint8_t* source, char component, std::size_t x, std::size_t y) const;
     [[nodiscard]] std::size_t samplesPerRow() const;
     [[nodiscard]] Colour bayer(const std::vector<int>& mosaic, std::size_t x, std::size_t y) const;
@@ -46,7 +46,7 @@ private:
     bool m_pairs = false;
     bool m_padded32 = false;
     bool m_planar = false;
-    std::size_t m_chromaRows = 0; // of a semiplanar image: rows of Y for one of chroma
+    std::size_t m_chromaRows = 0; // in a semiplanar image: rows of Y per row of chroma
     std::string m_bayer;          // the first two colours
     bool m_chroma = false;
     double m_kr = 0.299;
