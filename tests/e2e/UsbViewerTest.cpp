@@ -1,6 +1,6 @@
 // The real window with the real camera libraries, and a USB3 Vision camera that is unplugged.
 
-#include "tests/cameralibs/transport/FakeUsb.h"
+#include "tests/cameralibs/transport/usb/FakeUsb.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ShownImages.h"
 #include "tests/support/WindowDriver.h"

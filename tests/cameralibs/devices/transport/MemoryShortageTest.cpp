@@ -6,7 +6,7 @@
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/FailingAllocations.h"
-#include "tests/cameralibs/transport/FakeUsb.h"
+#include "tests/cameralibs/transport/usb/FakeUsb.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

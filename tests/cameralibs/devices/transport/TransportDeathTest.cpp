@@ -3,7 +3,7 @@
 
 #include "Transports.h"
 
-#include "tests/cameralibs/transport/UsbFixture.h"
+#include "tests/cameralibs/transport/usb/UsbFixture.h"
 
 #include <chrono>
 #include <csignal>

@@ -2,7 +2,7 @@
 
 #include "Transports.h"
 
-#include "tests/cameralibs/transport/UsbFixture.h"
+#include "tests/cameralibs/transport/usb/UsbFixture.h"
 
 #include <array>
 #include <csignal>

@@ -4,7 +4,7 @@
 
 #include "camera/OrvoCamApi.h"
 #include "tests/cameralibs/api/CameraAccess.h"
-#include "tests/cameralibs/transport/FakeUsb.h"
+#include "tests/cameralibs/transport/usb/FakeUsb.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

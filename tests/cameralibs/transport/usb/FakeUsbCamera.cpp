@@ -1,4 +1,4 @@
-#include "FakeUsbCamera.h"
+#include "tests/cameralibs/transport/usb/FakeUsbCamera.h"
 
 #include <algorithm>
 #include <cstring>

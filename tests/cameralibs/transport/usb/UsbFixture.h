@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FakeUsb.h"
-#include "FakeUsbCamera.h"
+#include "tests/cameralibs/transport/usb/FakeUsb.h"
+#include "tests/cameralibs/transport/usb/FakeUsbCamera.h"
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/StreamRecorder.h"

@@ -1,7 +1,7 @@
 // What libusb answers in a transport, on a bus with one USB3 Vision camera, or none.
 
-#include "FakeUsbBus.h"
-#include "LibUsb.h"
+#include "tests/cameralibs/transport/usb/FakeUsbBus.h"
+#include "tests/cameralibs/transport/usb/LibUsb.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "FakeUsbBus.h"
+#include "tests/cameralibs/transport/usb/FakeUsbBus.h"
 
 #include <cerrno>
 #include <chrono>

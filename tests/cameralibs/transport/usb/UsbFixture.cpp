@@ -1,4 +1,4 @@
-#include "UsbFixture.h"
+#include "tests/cameralibs/transport/usb/UsbFixture.h"
 
 using namespace Orvo;
 
