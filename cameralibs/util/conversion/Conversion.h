@@ -1,5 +1,6 @@
 #pragma once
 
+#include "camera/OrvoCamUtl.h"
 #include "cameralibs/base/PixelFormat.h"
 #include "cameralibs/util/conversion/RowKernels.h"
 
@@ -7,7 +8,7 @@
 #include <cstdint>
 
 /// The conversions behind ConvImage, one per family of formats. Each writes B, G, R, 255. Samples of more than 8 bits
-/// are first reduced to bytes, piece by piece in a buffer on the stack.
+/// are reduced to bytes: those of colour images first, in a buffer on the stack; those of gray images in the same pass.
 
 namespace cameralibs {
 
@@ -29,14 +30,18 @@ struct SourceImage {
     [[nodiscard]] bool gapless() const noexcept;
 };
 
-void convertMono(const SourceImage& image, std::uint8_t* bgra) noexcept;
+void convertMono(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra) noexcept;
 
 /// Malvar, He, Cutler: High-quality linear interpolation for demosaicing of Bayer-patterned color images, 2004.
-void convertBayer(const SourceImage& image, std::uint8_t* bgra) noexcept;
+void convertBayer(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra) noexcept;
 
-void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept;
+void convertRgb(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra) noexcept;
 
-void convertYCbCr(const SourceImage& image, std::uint8_t* bgra) noexcept;
+void convertYCbCr(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra) noexcept;
+
+/// What ConvImage does, with the given kernels.
+[[nodiscard]] Orvo::CAM_API_STATUS convertImage(const RowKernels& kernels, std::uint32_t pfnc, void* destination,
+                                                const void* source, std::uint32_t width, std::uint32_t height) noexcept;
 
 /// Number of pixels that are reduced to bytes at a time: a multiple of every group, and small enough for the
 /// first-level cache.

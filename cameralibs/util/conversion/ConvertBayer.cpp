@@ -35,10 +35,11 @@ BayerRow firstRow(const PixelFormat& format)
 
 class Demosaicer {
 public:
-    explicit Demosaicer(const SourceImage& image) // NOLINT(cppcoreguidelines-pro-type-member-init): m_lines is a buffer
+    Demosaicer(const RowKernels& kernels, // NOLINT(cppcoreguidelines-pro-type-member-init): m_lines is a buffer
+               const SourceImage& image)
         : m_image(image)
-        , m_kernels(rowKernels())
-        , m_reader(image)
+        , m_kernels(kernels)
+        , m_reader(kernels, image)
         , m_samplesPerRow(image.samplesPerRow())
         , m_firstRow(firstRow(image.format))
     {
@@ -133,9 +134,9 @@ private:
 
 } // namespace
 
-void convertBayer(const SourceImage& image, std::uint8_t* bgra) noexcept
+void convertBayer(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra) noexcept
 {
-    Demosaicer demosaicer(image);
+    Demosaicer demosaicer(kernels, image);
     for (std::int64_t x = 0; x < image.width; x += kStripWidth)
         demosaicer.convertStrip(x, bgra);
 }

@@ -13,10 +13,9 @@ PixelLayout layoutOf(const PixelFormat& format)
     return {format.order.size(), place('B'), place('G'), place('R')};
 }
 
-void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
+void convertInterleaved(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra)
 {
-    const RowKernels& kernels = rowKernels();
-    const SampleReader reader(image);
+    const SampleReader reader(kernels, image);
     const PixelLayout layout = layoutOf(image.format);
     PieceBuffer<4> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): a buffer
     forEachPiece(image, bgra, [&](std::uint32_t x, std::uint32_t, std::uint32_t pixels, WritableBytes target) {
@@ -26,10 +25,9 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
 }
 
 // All planar formats of the PFNC store red, green and blue in this order.
-void convertPlanar(const SourceImage& image, std::uint8_t* bgra)
+void convertPlanar(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra)
 {
-    const RowKernels& kernels = rowKernels();
-    const SampleReader reader(image);
+    const SampleReader reader(kernels, image);
     std::array<PieceBuffer<1>, 3> buffers; // NOLINT(cppcoreguidelines-pro-type-member-init): a buffer
     forEachPiece(image, bgra, [&](std::uint32_t x, std::uint32_t, std::uint32_t pixels, WritableBytes target) {
         const auto readPlane = [&](std::size_t plane) {
@@ -41,18 +39,18 @@ void convertPlanar(const SourceImage& image, std::uint8_t* bgra)
 
 } // namespace
 
-void convertRgb(const SourceImage& image, std::uint8_t* bgra) noexcept
+void convertRgb(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra) noexcept
 {
     switch (image.format.packing) {
     case SamplePacking::Planar:
-        convertPlanar(image, bgra);
+        convertPlanar(kernels, image, bgra);
         break;
     case SamplePacking::Bits32:
-        rowKernels().bgraFromWords30({image.data, image.data + image.bytes()}, image.pixels(),
-                                     {bgra, bgra + kBytesPerBgra * image.pixels()});
+        kernels.bgraFromWords30({image.data, image.data + image.bytes()}, image.pixels(),
+                                {bgra, bgra + kBytesPerBgra * image.pixels()});
         break;
     default:
-        convertInterleaved(image, bgra);
+        convertInterleaved(kernels, image, bgra);
         break;
     }
 }

@@ -58,10 +58,9 @@ ChromaLayout layoutOf(const PixelFormat& format)
     return layout;
 }
 
-void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
+void convertInterleaved(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra)
 {
-    const RowKernels& kernels = rowKernels();
-    const SampleReader reader(image);
+    const SampleReader reader(kernels, image);
     const ChromaWeights& weights = weightsOf(image.format.family);
     const ChromaLayout layout = layoutOf(image.format);
     const std::uint64_t samplesPerRow = image.samplesPerRow();
@@ -74,9 +73,8 @@ void convertInterleaved(const SourceImage& image, std::uint8_t* bgra)
 }
 
 // All semiplanar formats of the PFNC have 8 bits. The Y plane has no padding; chroma rows are padded to whole pairs.
-void convertSemiplanar(const SourceImage& image, std::uint8_t* bgra)
+void convertSemiplanar(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra)
 {
-    const RowKernels& kernels = rowKernels();
     const ChromaWeights& weights = weightsOf(image.format.family);
     const ChromaLayout layout = layoutOf(image.format);
     const bool rowsShareChroma = layout.pixels == 4;
@@ -92,12 +90,12 @@ void convertSemiplanar(const SourceImage& image, std::uint8_t* bgra)
 
 } // namespace
 
-void convertYCbCr(const SourceImage& image, std::uint8_t* bgra) noexcept
+void convertYCbCr(const RowKernels& kernels, const SourceImage& image, std::uint8_t* bgra) noexcept
 {
     if (image.format.packing == SamplePacking::Semiplanar) {
-        convertSemiplanar(image, bgra);
+        convertSemiplanar(kernels, image, bgra);
     } else {
-        convertInterleaved(image, bgra);
+        convertInterleaved(kernels, image, bgra);
     }
 }
 

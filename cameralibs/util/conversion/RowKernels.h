@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The inner loops of ConvImage. Each exists twice: as scalar code that reads like its formula, and as vector code that
-/// is compiled once per instruction set. Both produce the same bytes.
+/// The inner loops of ConvImage. They exist as scalar code that reads like its formula, and as vector code that is
+/// compiled once per instruction set. Both produce the same bytes.
 
 namespace cameralibs {
 

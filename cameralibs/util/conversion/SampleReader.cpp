@@ -5,8 +5,8 @@
 
 namespace cameralibs {
 
-SampleReader::SampleReader(const SourceImage& image) noexcept
-    : m_kernels(rowKernels())
+SampleReader::SampleReader(const RowKernels& kernels, const SourceImage& image) noexcept
+    : m_kernels(kernels)
     , m_image{image.data, image.data + image.bytes()}
     , m_packing(image.format.packing)
     , m_bits(image.format.bits)

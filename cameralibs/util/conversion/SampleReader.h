@@ -12,7 +12,7 @@ namespace cameralibs {
 /// they are packed in pairs, `first` must be the first of a pair.
 class SampleReader {
 public:
-    explicit SampleReader(const SourceImage& image) noexcept;
+    SampleReader(const RowKernels& kernels, const SourceImage& image) noexcept;
 
     /// Copies `count` samples, starting with number `first`.
     void copy(std::uint64_t first, std::size_t count, WritableBytes bytes) const noexcept;

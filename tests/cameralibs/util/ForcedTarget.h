@@ -18,9 +18,6 @@ public:
     /// The instruction sets that the processor supports and that the library contains code for.
     [[nodiscard]] static std::vector<std::int64_t> all() { return hwy::SupportedAndGeneratedTargets(); }
 
-    /// The target that uses the scalar code.
-    [[nodiscard]] static std::int64_t scalar() { return HWY_STATIC_TARGET; }
-
 private:
     static void choose(std::int64_t target)
     {
