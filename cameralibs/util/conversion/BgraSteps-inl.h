@@ -35,6 +35,22 @@ HWY_INLINE ByteVector inPixelOrder(ByteVector plane)
     }
 }
 
+/// Distributes a run of bytes: each block starts with twelve of them, which are four pixels of three bytes.
+HWY_INLINE ByteVector inBlocksOf12(ByteVector run)
+{
+    if constexpr (kVectorBlocks == 1) {
+        return run;
+    } else {
+        static constexpr DoubleWordTable kOrder = [] {
+            DoubleWordTable result{};
+            for (std::size_t i = 0; i < result.size(); ++i)
+                result[i] = static_cast<std::uint32_t>(i / 4 * 3 + std::min<std::size_t>(i % 4, 2));
+            return result;
+        }();
+        return reordered(run, kOrder);
+    }
+}
+
 HWY_INLINE void writePixels(ByteVector blue, ByteVector green, ByteVector red, std::uint8_t* bgra)
 {
     const Words words;
@@ -115,22 +131,14 @@ public:
     {
         for (std::size_t part = 0; part < 4; ++part) {
             ByteVector pixels = load(samples[0] + part * kVectorPixels * BytesPerPixel);
-            if constexpr (BytesPerPixel == 3 && kVectorBlocks > 1) {
-                pixels = reordered(pixels, kBlocks);
+            if constexpr (BytesPerPixel == 3) {
+                pixels = inBlocksOf12(pixels);
             }
             store(hn::Or(lookUp(pixels, m_places), opaque()), bgra + part * kVectorBytes);
         }
     }
 
 private:
-    // Brings four pixels of three bytes into each block.
-    static constexpr DoubleWordTable kBlocks = [] {
-        DoubleWordTable result{};
-        for (std::size_t i = 0; i < result.size(); ++i)
-            result[i] = static_cast<std::uint32_t>(i / 4 * 3 + std::min<std::size_t>(i % 4, 2));
-        return result;
-    }();
-
     ByteVector m_places;
 };
 

@@ -176,6 +176,7 @@ HWY_INLINE void overSamples(ReadableBytes from, SamplePacking packing, unsigned 
     } else if (bits == 12) {
         overRow(Step<RunSamples<12>>(RunSamples<12>()), {from}, samples, to);
     } else {
+        HWY_DASSERT(bits == 14);
         overRow(Step<RunSamples<14>>(RunSamples<14>()), {from}, samples, to);
     }
 }

@@ -25,7 +25,6 @@ using Bytes = hn::ScalableTag<std::uint8_t>;
 using Words = hn::Repartition<std::uint16_t, Bytes>;
 using SignedWords = hn::Repartition<std::int16_t, Bytes>;
 using DoubleWords = hn::Repartition<std::uint32_t, Bytes>;
-using QuadWords = hn::Repartition<std::uint64_t, Bytes>;
 
 using ByteVector = hn::Vec<Bytes>;
 using WordVector = hn::Vec<Words>;

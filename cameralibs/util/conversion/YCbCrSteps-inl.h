@@ -35,13 +35,23 @@ HWY_INLINE QuadPlaces quadPlaces(const ChromaLayout& layout)
     return places;
 }
 
-/// Fills half of a table so that these four bytes become the upper bytes of words.
-HWY_INLINE void placeWords(BlockTable& table, std::size_t half, const std::array<std::size_t, 4>& bytes)
+/// A table that makes these bytes the upper bytes of words, four in each half of a block.
+HWY_INLINE BlockTable wordTable(const std::array<std::size_t, kQuadPixels>& lower,
+                                const std::array<std::size_t, kQuadPixels>& upper)
 {
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        table[8 * half + 2 * i] = kZeroByte;
-        table[8 * half + 2 * i + 1] = static_cast<std::uint8_t>(bytes[i]);
+    BlockTable table{};
+    for (std::size_t i = 0; i < kQuadPixels; ++i) {
+        table[2 * i] = table[8 + 2 * i] = kZeroByte;
+        table[2 * i + 1] = static_cast<std::uint8_t>(lower[i]);
+        table[8 + 2 * i + 1] = static_cast<std::uint8_t>(upper[i]);
     }
+    return table;
+}
+
+/// The same for a block of two quads that start `distance` bytes apart.
+HWY_INLINE BlockTable quadTable(const std::array<std::size_t, kQuadPixels>& bytes, std::size_t distance)
+{
+    return wordTable(bytes, {bytes[0] + distance, bytes[1] + distance, bytes[2] + distance, bytes[3] + distance});
 }
 
 /// Samples in the upper bytes of words. Chroma has 128 subtracted, and Cb and Cr alternate. With one chroma vector
@@ -100,12 +110,10 @@ private:
         return result;
     }();
 
-    HWY_INLINE static ByteVector tableOf(const std::array<std::size_t, 4>& bytes)
+    HWY_INLINE static ByteVector tableOf(const std::array<std::size_t, kQuadPixels>& bytes)
     {
-        BlockTable table{};
-        placeWords(table, 0, bytes);
-        placeWords(table, 1, {bytes[0] + 8, bytes[1] + 8, bytes[2] + 8, bytes[3] + 8});
-        return hn::Add(repeated(table), load(kStarts.data())); // kZeroByte plus a start still selects zero
+        // kZeroByte plus a start still selects zero.
+        return hn::Add(repeated(quadTable(bytes, 8)), load(kStarts.data()));
     }
 
     ByteVector m_y;
@@ -124,37 +132,21 @@ public:
     {
         const QuadPlaces places = quadPlaces(layout);
         constexpr std::array<std::size_t, 4> kNothing{kZeroByte, kZeroByte, kZeroByte, kZeroByte};
-        m_yOfFirst = tableOf(places.y, kNothing);
-        m_yOfSecond = tableOf(kNothing, places.y);
-        m_chroma = tableOf({places.cb[0], places.cr[0], places.cb[1], places.cr[1]},
-                           {places.cb[2], places.cr[2], places.cb[3], places.cr[3]});
+        m_yOfFirst = repeated(wordTable(places.y, kNothing));
+        m_yOfSecond = repeated(wordTable(kNothing, places.y));
+        m_chroma = repeated(wordTable({places.cb[0], places.cr[0], places.cb[1], places.cr[1]},
+                                      {places.cb[2], places.cr[2], places.cb[3], places.cr[3]}));
     }
 
     [[nodiscard]] HWY_INLINE Samples<2> read(const std::array<const std::uint8_t*, 1>& samples) const
     {
-        const ByteVector first = reordered(load(samples[0]), kQuadOrder);
-        const ByteVector second = reordered(load(samples[0] + kInBytes / 2), kQuadOrder);
+        const ByteVector first = inBlocksOf12(load(samples[0]));
+        const ByteVector second = inBlocksOf12(load(samples[0] + kInBytes / 2));
         return {hn::BitCast(Words(), hn::Or(lookUp(first, m_yOfFirst), lookUp(second, m_yOfSecond))),
                 {from128(lookUp(first, m_chroma)), from128(lookUp(second, m_chroma))}};
     }
 
 private:
-    static constexpr DoubleWordTable kQuadOrder = [] {
-        DoubleWordTable result{};
-        for (std::size_t i = 0; i < result.size(); ++i)
-            result[i] = static_cast<std::uint32_t>(i / 4 * 3 + std::min<std::size_t>(i % 4, 2));
-        return result;
-    }();
-
-    HWY_INLINE static ByteVector tableOf(const std::array<std::size_t, 4>& lower,
-                                         const std::array<std::size_t, 4>& upper)
-    {
-        BlockTable table{};
-        placeWords(table, 0, lower);
-        placeWords(table, 1, upper);
-        return repeated(table);
-    }
-
     ByteVector m_yOfFirst;
     ByteVector m_yOfSecond;
     ByteVector m_chroma;
@@ -169,34 +161,19 @@ public:
 
     HWY_INLINE explicit SemiplanarChroma(const ChromaLayout& layout)
     {
-        m_y = tableOf({0, 1, 2, 3});
-        m_chroma = tableOf({8U + layout.cb, 8U + layout.cr, 10U + layout.cb, 10U + layout.cr});
+        m_y = repeated(quadTable({0, 1, 2, 3}, 4));
+        m_chroma = repeated(quadTable({8U + layout.cb, 8U + layout.cr, 10U + layout.cb, 10U + layout.cr}, 4));
     }
 
     [[nodiscard]] HWY_INLINE Samples<1> read(const std::array<const std::uint8_t*, 2>& lumaChroma) const
     {
         const hn::Half<Bytes> half;
         const ByteVector both = hn::Combine(Bytes(), hn::LoadU(half, lumaChroma[1]), hn::LoadU(half, lumaChroma[0]));
-        const ByteVector quads = reordered(both, kQuadOrder);
+        const ByteVector quads = inPixelOrder(both);
         return {hn::BitCast(Words(), lookUp(quads, m_y)), {from128(lookUp(quads, m_chroma))}};
     }
 
 private:
-    static constexpr DoubleWordTable kQuadOrder = [] {
-        DoubleWordTable result{};
-        for (std::size_t i = 0; i < result.size(); ++i)
-            result[i] = static_cast<std::uint32_t>(i % 4 * kVectorBlocks + i / 4);
-        return result;
-    }();
-
-    HWY_INLINE static ByteVector tableOf(const std::array<std::size_t, 4>& bytes)
-    {
-        BlockTable table{};
-        placeWords(table, 0, bytes);
-        placeWords(table, 1, {bytes[0] + 4, bytes[1] + 4, bytes[2] + 4, bytes[3] + 4});
-        return repeated(table);
-    }
-
     ByteVector m_y;
     ByteVector m_chroma;
 };
