@@ -15,20 +15,23 @@ std::shared_ptr<ConversionBuffer> ConversionBuffer::create(std::uint32_t width, 
     const std::uint32_t bytes = width * height * kBytesPerPixel;
     if (bytes == 0 || bytes / kBytesPerPixel / width != height)
         return nullptr;
-    const std::size_t count = bytes / kBytesPerPixel;
+    const std::size_t lineCount = (std::size_t{bytes} + sizeof(CacheLine) - 1) / sizeof(CacheLine);
     try {
-        std::unique_ptr<QRgb[]> pixels(new QRgb[count]);
-        std::fill_n(pixels.get(), count, qRgb(0, 0, 0));
-        return std::shared_ptr<ConversionBuffer>(new ConversionBuffer(width, height, std::move(pixels)));
+        std::unique_ptr<CacheLine[]> lines(new CacheLine[lineCount]);
+        CacheLine black{};
+        black.pixels.fill(qRgb(0, 0, 0));
+        std::fill_n(lines.get(), lineCount, black);
+        return std::shared_ptr<ConversionBuffer>(new ConversionBuffer(width, height, std::move(lines)));
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
 }
 
-ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<QRgb[]> pixels) noexcept
+ConversionBuffer::ConversionBuffer(std::uint32_t width, std::uint32_t height,
+                                   std::unique_ptr<CacheLine[]> lines) noexcept
     : m_width(width)
     , m_height(height)
-    , m_pixels(std::move(pixels))
+    , m_lines(std::move(lines))
 {
 }
 

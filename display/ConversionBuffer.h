@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QRgb>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -20,7 +21,7 @@ public:
     [[nodiscard]] static std::shared_ptr<ConversionBuffer> create(std::uint32_t width, std::uint32_t height);
     Q_DISABLE_COPY_MOVE(ConversionBuffer)
 
-    [[nodiscard]] uchar* pixels() noexcept { return reinterpret_cast<uchar*>(m_pixels.get()); }
+    [[nodiscard]] uchar* pixels() noexcept { return reinterpret_cast<uchar*>(m_lines.get()); }
 
     /// True from lend() to the end of the ImageLoan: the GUI thread may be reading.
     [[nodiscard]] bool isLent() const noexcept { return m_lent.load(std::memory_order_acquire); }
@@ -31,10 +32,15 @@ public:
 private:
     friend class ImageLoan;
 
-    ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<QRgb[]> pixels) noexcept;
+    /// Conversion is a tenth slower if its vectors straddle cache lines.
+    struct alignas(64) CacheLine {
+        std::array<QRgb, 16> pixels;
+    };
+
+    ConversionBuffer(std::uint32_t width, std::uint32_t height, std::unique_ptr<CacheLine[]> lines) noexcept;
 
     const std::uint32_t m_width;
     const std::uint32_t m_height;
-    const std::unique_ptr<QRgb[]> m_pixels;
+    const std::unique_ptr<CacheLine[]> m_lines;
     std::atomic<bool> m_lent{false};
 };

@@ -6,6 +6,10 @@
 
 #include <QtTest>
 
+#include <cstdint>
+#include <memory>
+#include <vector>
+
 namespace {
 
 class ConversionBufferTest : public QObject {
@@ -20,6 +24,7 @@ private slots:
     void otherImagesDoNotAffectTheLoan();
     void imageOutlivesTheBuffer();
     void bufferIsInitiallyBlack();
+    void pixelsStartAtACacheLine();
 };
 
 void ConversionBufferTest::sizesWithoutABuffer_data()
@@ -110,6 +115,16 @@ void ConversionBufferTest::imageOutlivesTheBuffer()
 void ConversionBufferTest::bufferIsInitiallyBlack()
 {
     QCOMPARE(ConversionBuffer::create(2, 2)->lend().pixel(1, 1), qRgb(0, 0, 0));
+}
+
+// Small buffers do not start at a cache line by chance alone.
+void ConversionBufferTest::pixelsStartAtACacheLine()
+{
+    std::vector<std::shared_ptr<ConversionBuffer>> buffers;
+    for (std::uint32_t width = 1; width <= 40; ++width) {
+        buffers.push_back(ConversionBuffer::create(width, 3));
+        QCOMPARE(reinterpret_cast<std::uintptr_t>(buffers.back()->pixels()) % 64, std::uintptr_t{0});
+    }
 }
 
 } // namespace
