@@ -152,21 +152,15 @@ DeviceInfo System::listedCamera(std::uint32_t index) const
     return info;
 }
 
-std::uint32_t System::indexOf(const Camera& camera) const
+System::Listing System::listingOf(const Camera& camera) const
 {
+    const DeviceInfo& info = camera.info();
     const std::lock_guard lock(m_listMutex);
-    const auto found = std::find_if(m_list.begin(), m_list.end(),
-                                    [&](const Listed& entry) { return sameDevice(entry.info, camera.info()); });
-    return found == m_list.end() ? camera.indexWhenOpened() : static_cast<std::uint32_t>(found - m_list.begin());
-}
-
-DeviceInfo System::infoOf(const Camera& camera) const
-{
-    DeviceInfo info = camera.info();
-    const std::lock_guard lock(m_listMutex);
-    if (const auto name = m_userNames.find({info.link, info.id}); name != m_userNames.end())
-        info.userName = name->second;
-    return info;
+    const auto entry =
+        std::find_if(m_list.begin(), m_list.end(), [&](const Listed& listed) { return sameDevice(listed.info, info); });
+    const auto name = m_userNames.find({info.link, info.id});
+    return {entry == m_list.end() ? camera.indexWhenOpened() : static_cast<std::uint32_t>(entry - m_list.begin()),
+            name == m_userNames.end() ? info.userName : name->second};
 }
 
 void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CAM_HANDLE* handle)

@@ -38,9 +38,12 @@ public:
     /// A camera of the last enumeration. Throws Failure(CAM_API_STS_INVALID_CAMERA_INDEX).
     [[nodiscard]] DeviceInfo listedCamera(std::uint32_t index) const;
 
-    /// The index of an open camera in the last enumeration, and its information.
-    [[nodiscard]] std::uint32_t indexOf(const Camera& camera) const;
-    [[nodiscard]] DeviceInfo infoOf(const Camera& camera) const;
+    /// What is not known by an open camera itself. Image callbacks ask for it.
+    struct Listing {
+        std::uint32_t index; ///< in the last enumeration
+        std::string userName;
+    };
+    [[nodiscard]] Listing listingOf(const Camera& camera) const;
 
     /// `handle` may be null: the documented order of checks reports other errors first.
     void openCamera(std::uint32_t index, Orvo::CAM_SIGNAL_HANDLE removalSignal, Orvo::CAM_HANDLE* handle);

@@ -100,7 +100,7 @@ CAM_API_STATUS GetCamIndexFromCamHandle(CAM_HANDLE camera, std::uint32_t* camera
         CAM_NODE_HANDLE root = 0;
         return Nd_GetNode(camera, "Root", &root);
     }
-    CAM_INFO info{};
+    CAM_INFO info; // NOLINT(cppcoreguidelines-pro-type-member-init): Cam_GetInformation fills it
     if (const CAM_API_STATUS status = Cam_GetInformation(camera, 0, &info); status != CAM_API_STS_SUCCESS)
         return status;
     if (cameraIndex == nullptr)

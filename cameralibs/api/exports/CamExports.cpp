@@ -6,14 +6,14 @@ namespace Orvo {
 
 namespace {
 
-void giveCameraInfo(const DeviceInfo& device, std::uint32_t index, CAM_INFO& info)
+void giveCameraInfo(const DeviceInfo& device, const std::string& userName, std::uint32_t index, CAM_INFO& info)
 {
     info = {};
     info.link = device.link;
     giveAsciiField(device.vendor, info.vendorName, sizeof info.vendorName);
     giveAsciiField(device.model, info.modelName, sizeof info.modelName);
     giveAsciiField(device.serial, info.serialNumber, sizeof info.serialNumber);
-    giveAsciiField(device.userName, info.userDefinedName, sizeof info.userDefinedName);
+    giveAsciiField(userName, info.userDefinedName, sizeof info.userDefinedName);
     info.cameraIndex = index;
 }
 
@@ -26,13 +26,14 @@ CAM_API_STATUS Cam_GetInformation(CAM_HANDLE camera, std::uint32_t cameraIndex, 
     if (camera != 0) {
         return onCamera(camera, [&](System& system, const Camera& opened) {
             requirePointers({info});
-            giveCameraInfo(system.infoOf(opened), system.indexOf(opened), *info);
+            const System::Listing listing = system.listingOf(opened);
+            giveCameraInfo(opened.info(), listing.userName, listing.index, *info);
         });
     }
     return onSystem([&](System& system) {
         const DeviceInfo device = system.listedCamera(cameraIndex);
         requirePointers({info});
-        giveCameraInfo(device, cameraIndex, *info);
+        giveCameraInfo(device, device.userName, cameraIndex, *info);
     });
 }
 
