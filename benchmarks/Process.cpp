@@ -60,6 +60,12 @@ double machineSeconds()
     return std::accumulate(ticks.begin(), ticks.end(), 0.0) / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
+double OtherPrograms::processors() const
+{
+    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - m_begin;
+    return ((machineSeconds() - m_machine) - (processorSeconds() - m_process)) / wall.count();
+}
+
 std::int64_t pageFaults()
 {
     rusage usage{};

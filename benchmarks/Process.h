@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -19,6 +20,20 @@ namespace process {
 
 /// Seconds that the processors of the machine were busy since it started.
 [[nodiscard]] double machineSeconds();
+
+/// How many processors other programs have used since this was made: 0.5 is half of one.
+class OtherPrograms {
+public:
+    [[nodiscard]] double processors() const;
+
+private:
+    std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
+    double m_machine = machineSeconds();
+    double m_process = processorSeconds();
+};
+
+/// With more than this, what misses a goal is measured again or called "busy".
+constexpr double kBusy = 0.25;
 
 /// Pages that this process was given or had to wait for.
 [[nodiscard]] std::int64_t pageFaults();

@@ -25,7 +25,7 @@ cv::Mat bgrOf(const cv::Mat& gray)
     return bgr;
 }
 
-// Rings from the middle out, up to half of the finest that pixels can show.
+// Rings around the middle that become finer outwards, down to four pixels per period at the left and right edges.
 cv::Mat zonePlate()
 {
     cv::Mat gray(height, width, CV_8UC1);
