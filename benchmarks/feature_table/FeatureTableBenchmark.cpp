@@ -89,17 +89,19 @@ struct Times {
     std::vector<double> makingItems; // what opening and reading take without a table
     std::vector<double> readingItems;
 
-    /// The camera's part left out.
-    [[nodiscard]] report::Figure of(std::size_t step) const
+    /// Without the camera's part of each round.
+    [[nodiscard]] std::vector<double> of(std::size_t step) const
     {
-        double camera = 0;
+        std::vector<double> result = steps[step];
+        const auto withoutCamera = [&](const std::vector<double>& camera) {
+            std::transform(result.begin(), result.end(), camera.begin(), result.begin(), std::minus<>());
+        };
         if (step == Open) {
-            camera = report::figureOf(makingItems).median;
+            withoutCamera(makingItems);
         } else if (step == ReadUnchanged || step == ReadChanged) {
-            camera = report::figureOf(readingItems).median;
+            withoutCamera(readingItems);
         }
-        const report::Figure all = report::figureOf(steps[step]);
-        return {all.lower - camera, all.median - camera, all.upper - camera};
+        return result;
     }
 };
 
@@ -235,14 +237,15 @@ int main(int argc, char** argv)
         const auto goal = [](double limit) { return limit < kNoLimit ? report::atMost(limit) : report::Goal(); };
         for (std::size_t size = 0; size < kSizes.size(); ++size) {
             const std::string name = std::string(limits.name) + ", " + std::to_string(kSizes[size]) + " rows: ";
-            const report::Figure mine = ours[size].of(step);
-            const double theirs = plain[size].of(step).median;
-            report::print(name + "time", mine, "ms");
-            report::print(name + "of the plain table's time",
-                          {mine.lower / theirs, mine.median / theirs, mine.upper / theirs}, "",
-                          goal(limits.ratio[size]));
+            const std::vector<double> mine = ours[size].of(step);
+            std::vector<double> ratios = plain[size].of(step); // the first rounds only, if there were fewer
+            std::transform(ratios.begin(), ratios.end(), mine.begin(), ratios.begin(),
+                           [](double theirs, double our) { return our / theirs; });
+            report::print(name + "time", report::figureOf(mine), "ms");
+            report::print(name + "of the plain table's time", report::figureOf(ratios), "", goal(limits.ratio[size]));
             if (size > 0) {
-                const double exponent = std::log10(mine.median / ours[size - 1].of(step).median);
+                const double exponent =
+                    std::log10(report::figureOf(mine).median / report::figureOf(ours[size - 1].of(step)).median);
                 report::print(name + "exponent of growth", report::single(exponent), "",
                               report::atMost(limits.exponent[size - 1]));
             }
