@@ -11,6 +11,8 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QImage>
+#include <QPixmap>
 #include <QScreen>
 #include <QTest>
 
@@ -19,7 +21,9 @@
 
 namespace {
 
-constexpr int kSettleMs = 150;
+// A picture shows the finished screen: it has not changed in so many rounds of the event loop, or, because of a live
+// image, has changed so many times.
+constexpr int kRounds = 10;
 
 } // namespace
 
@@ -54,10 +58,19 @@ void Tour::picture(const QString& name)
 
 void Tour::picture(const QString& name, const QRect& area)
 {
-    QTest::qWait(kSettleMs);
+    int unchanged = 0;
+    int changed = 0;
+    QImage shot;
+    waitFor("a finished screen", [&] {
+        const QImage now =
+            QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height()).toImage();
+        const bool same = now == shot;
+        unchanged = same ? unchanged + 1 : 0;
+        changed += same ? 0 : 1;
+        shot = now;
+        return unchanged >= kRounds || changed >= kRounds;
+    });
     const QString file = m_folder.filePath(QString("%1-%2.png").arg(++m_number, 2, 10, QChar('0')).arg(name));
-    const QPixmap shot =
-        QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
     if (shot.isNull() || !shot.save(file))
         endTour("cannot save " + file);
     std::printf("%s\n", qPrintable(file));
