@@ -4,6 +4,6 @@
 
 class Ui_MainWindow;
 
-/// Enables and disables the actions of the form as `state` and the zoom factor ask. A value that is no state leaves
-/// everything as it is.
+/// Enables and disables the actions of the form according to `state` and the zoom factor. An invalid state changes
+/// nothing.
 void applyActionStates(const Ui_MainWindow& ui, MAIN_STATE state, double scale);

@@ -56,7 +56,8 @@ MainWindow::MainWindow(QWidget* parent)
     }
 
     ui->dockWidget_Top->setFixedHeight(kTopDockHeight);
-    // Some styles leave room for a frame around docks when they first meet them, which would cut the frame rates.
+    // Some styles reserve space for a frame around docks when they first style them, which would cut off the frame
+    // rates.
     ui->dockWidget_Top->ensurePolished();
     ui->dockWidget_Top->setContentsMargins(0, 0, 0, 0);
     ui->dockWidgetRight->setFixedWidth(kRightDockWidth);
@@ -135,7 +136,7 @@ void MainWindow::open_camera()
 
     const WaitCursor waitCursor;
     if (removalSignal == 0) {
-        // The camera opens even without a signal; only its removal then goes unnoticed.
+        // The camera can be opened without a signal; then its removal is not noticed.
         static_cast<void>(Orvo::Sys_CreateSignal(&removalSignal));
     }
     const CAM_API_STATUS status = Orvo::Cam_Open(cameraIndex, &camera, removalSignal, 1, nullptr, 1);
@@ -153,7 +154,7 @@ void MainWindow::open_camera()
 
     bool changed = false;
     if (!get_camera_parameter(&changed)) {
-        // The line names success: the failed read has already logged the failure.
+        // This line deliberately shows success; the failed read has already been logged.
         set_error(Orvo::CAM_API_STS_SUCCESS, "Error Cam_Open()");
         close_camera();
         return;

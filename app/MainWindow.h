@@ -30,7 +30,7 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    /// No menu: docks and tool bar have no titles to choose by, and a hidden one could not be brought back.
+    /// No menu: docks and tool bar have no titles to list, and a hidden one could not be shown again.
     [[nodiscard]] QMenu* createPopupMenu() override { return nullptr; }
 
 signals:
@@ -112,7 +112,7 @@ private:
     std::shared_ptr<ConversionBuffer> convBuffer; // the display thread fills and lends it
     std::uint32_t width = 0;
     std::uint32_t height = 0;
-    std::atomic<std::uint32_t> captureCount{0}; // added to by the callback, taken by the display thread
+    std::atomic<std::uint32_t> captureCount{0}; // incremented by the callback, reset by the display thread
     std::atomic<bool> acquiring{false};         // publishes the stream's members to display thread and callbacks
     std::atomic<bool> displayEnabled{true};     // false = paused; read by the display thread
     CAM_SIGNAL_HANDLE removalSignal = 0;
@@ -123,14 +123,14 @@ private:
     std::atomic<std::uint32_t> lastFrameNumber{0}; // low 32 bits; touched by the callback
     FeatureView* featureView = nullptr;
     QImage captureImage;
-    KeptImages displayedImages; // the memory behind captureImage
+    KeptImages displayedImages; // owns the memory of captureImage
     QMutex captureMutex;        // guards captureImage while it is handed to the image view
     double scale = 1.0;
     bool skipFirstFps = false;
     ImageView* imageView = nullptr;
     MAIN_STATE state = MAIN_STATE_IDLE;
     bool logEnabled = true;
-    MessageLog* messageLog = nullptr; // belongs to the box of the log
+    MessageLog* messageLog = nullptr; // owned by the text box of the log
     OperationLogFile operationLog;
     QString snapshotPath;
 };

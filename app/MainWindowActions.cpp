@@ -1,4 +1,4 @@
-// The slots of tool bar and menus. The form connects them by name; most commands exist in both.
+// The slots of tool bar and menus. The form connects them by name; most commands are in both.
 
 #include "app/MainWindow.h"
 

@@ -21,7 +21,7 @@ QString withSuffixOf(const QString& format, QString fileName)
     return fileName + '.' + format.toLower();
 }
 
-/// Like QImage::save(), which however does not report a full disk for the last bytes, written when the file is flushed.
+/// Like QImage::save(), but also reports an error when the last bytes are flushed, such as a full disk.
 bool save(const QImage& image, const QString& fileName)
 {
     QImageWriter writer(fileName);
@@ -43,7 +43,7 @@ void MainWindow::on_actionSnapshot_triggered()
                                      tr("PNG (*.png);;BMP (*.bmp);;JPEG (*.jpg *.jpeg)"), &selectedFilter);
     if (chosen.isEmpty())
         return;
-    // The file's path, not its folder: the next dialog proposes the same name in the same place.
+    // The path of the file, not its folder: the next dialog suggests the same name in the same folder.
     snapshotPath = QDir(chosen).path();
 
     const QString format = selectedFilter.split(' ').first();

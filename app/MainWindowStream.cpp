@@ -31,7 +31,7 @@ QString rateText(double rate)
 
 bool MainWindow::get_camera_parameter(bool* changed)
 {
-    // Deliberately kept when the camera is closed: another one of the same size and format is not a change.
+    // Deliberately kept when the camera is closed: another camera with the same size and format is not a change.
     static std::uint32_t lastWidth = 0;
     static std::uint32_t lastHeight = 0;
     static std::uint32_t lastPixelFormat = 0;
@@ -70,7 +70,7 @@ bool MainWindow::get_camera_parameter(bool* changed)
 void MainWindow::initialize_image_view(int newWidth, int newHeight)
 {
     if (imageView) {
-        // Taken out first: the window would delete it when the next central widget is set.
+        // Remove it first, because the window would delete it when the next central widget is set.
         takeCentralWidget();
         delete imageView;
         imageView = nullptr;
@@ -228,9 +228,8 @@ void MainWindow::CallBackImageAcquired(Orvo::CAM_HANDLE camera, CAM_STRM_HANDLE,
     MainWindow& window = *static_cast<MainWindow*>(context);
     const auto frameNumber = static_cast<std::uint32_t>(info->frameNumber);
     const std::uint32_t previous = window.lastFrameNumber.exchange(frameNumber, std::memory_order_relaxed);
-    // Differences of frame numbers are counted, so that lost images belong to the rate. The first image of a stream
-    // counts from the last one of the previous stream; that affects only the first report after a start, which is never
-    // shown.
+    // Adds differences of frame numbers, so that lost images count. For the first image of a stream the difference is
+    // that to the previous stream, which affects only the first report after a start; that one is never shown.
     const bool first = !window.firstFrameSeen.exchange(true, std::memory_order_relaxed);
     window.captureCount.fetch_add(first ? 1 : frameNumber - previous, std::memory_order_relaxed);
 }

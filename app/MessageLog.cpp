@@ -10,19 +10,19 @@
 namespace {
 
 constexpr int kKeptLines = 100000;
-constexpr int kLongestLine = 4096; // layout takes time with the square of a word's length
+constexpr int kLongestLine = 4096; // in characters: layout time is quadratic in the length of a word
 
-// A line that is written by itself costs as much as twenty of a portion. So many are no flood yet.
+// Writing a single line takes as long as twenty lines of a batch. So many lines per period are not yet a flood.
 constexpr int kAtOnce = 100;
 constexpr int kAtOncePeriodMs = 20;
 
-// A flood is written in portions of about 5 ms, as many in one go as this time allows.
+// A flood is written in batches of about 5 ms. The event loop runs again after this time.
 constexpr int kPortionLines = 250;
 constexpr int kPortionLetters = 4 * kLongestLine;
 constexpr int kGoMs = 50;
 
-// Dropping lays out every line that stays, which takes some 40 ms, however few are dropped. So it waits for a pause and
-// is done rarely, but a flood without pauses must not fill the memory.
+// Dropping lines lays out all remaining ones, which takes some 40 ms however few are dropped. So it is done rarely and
+// during a pause, but a flood without pauses must not fill the memory.
 constexpr int kDropPeriodMs = 1000;
 constexpr int kMostTooMany = 20000;
 
@@ -60,7 +60,7 @@ void MessageLog::clear()
 
 void MessageLog::timerEvent(QTimerEvent*)
 {
-    // One or the other, so that the window answers in between.
+    // One or the other, so that the event loop runs in between.
     const int tooMany = m_box.document()->blockCount() - kKeptLines;
     if (tooMany > (m_waiting.isEmpty() && m_sinceDropped.hasExpired(kDropPeriodMs) ? 0 : kMostTooMany)) {
         dropOldest(tooMany);
@@ -84,7 +84,7 @@ void MessageLog::write(const QString& lines)
     end.beginEditBlock();
     if (!m_box.document()->isEmpty())
         end.insertBlock();
-    // Finding out the direction of the text would double the time of the layout.
+    // Detecting the direction of the text would double the layout time.
     QTextBlockFormat direction;
     direction.setLayoutDirection(Qt::LeftToRight);
     end.mergeBlockFormat(direction);

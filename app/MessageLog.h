@@ -7,20 +7,20 @@
 
 class QTextEdit;
 
-/// Writes the lines of the message log into its text box. Single lines are there at once. Those of a flood are written
-/// in portions, so that the window keeps answering, and a moment later than they came. The newest 100,000 are kept.
+/// Writes the lines of the message log to its text box. Single lines appear at once. The lines of a flood appear a
+/// little later, in batches, so that the window stays responsive. The newest 100,000 lines are kept.
 ///
-/// GUI thread; belongs to the box.
+/// Lives on the GUI thread. Owned by the box.
 class MessageLog : public QObject {
     Q_OBJECT
 
 public:
     explicit MessageLog(QTextEdit& box);
 
-    /// Plain text. A line of more than 4,096 letters is cut.
+    /// Appends plain text. A line of more than 4,096 characters is truncated.
     void append(QString line);
 
-    /// Empties the box, and forgets what waits to be written.
+    /// Empties the box and discards the waiting lines.
     void clear();
 
 protected:
@@ -33,7 +33,7 @@ private:
 
     QTextEdit& m_box;
     QStringList m_waiting;
-    QBasicTimer m_timer; // runs until nothing waits and nothing is to be dropped
-    int m_atOnce;        // as many lines are still written when they come
+    QBasicTimer m_timer; // runs while lines wait or have to be dropped
+    int m_atOnce;        // number of lines that may still be written immediately
     QElapsedTimer m_sinceDropped;
 };

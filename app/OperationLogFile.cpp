@@ -12,8 +12,8 @@
 
 namespace {
 
-/// Null where that fails. A named pipe holds nobody up: without a reader it cannot be opened, and what finds no room in
-/// it, because its reader has stalled, cannot be written.
+/// Null on failure. A named pipe never blocks the window: opening it fails without a reader, and writing fails if it is
+/// full because the reader has stalled.
 std::FILE* openToAppend(const char* name)
 {
     const int descriptor = ::open(name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
@@ -29,7 +29,7 @@ std::FILE* openToAppend(const char* name)
 
 void OperationLogFile::Close::operator()(std::FILE* file) const
 {
-    // Every entry has been flushed: nothing is left that could fail.
+    // Every entry has been flushed, so closing cannot fail.
     if (file != stdout)
         static_cast<void>(std::fclose(file));
 }
@@ -43,7 +43,7 @@ bool OperationLogFile::open()
     m_file.reset(name == "-" ? stdout : openToAppend(name.constData()));
     if (!m_file)
         return fail(errno);
-    // A pipe whose reader is gone is a reported failure; SIGPIPE must not end the program.
+    // If the reader of a pipe is gone, report the failure; SIGPIPE must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
     return true;
 }

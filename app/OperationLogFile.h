@@ -5,17 +5,17 @@
 #include <cstdio>
 #include <memory>
 
-/// The file that takes the operation log, where the environment variable ORVO_OPERATION_LOG names one; "-" is standard
-/// output. GUI thread.
+/// The file for the operation log, if the environment variable ORVO_OPERATION_LOG names one; "-" is standard output.
+/// Lives on the GUI thread.
 class OperationLogFile {
 public:
-    /// Opens the file; what it holds already stays. False where that fails; true where no file is named.
+    /// Opens the file for appending. False on failure; true if no file is named.
     [[nodiscard]] bool open();
 
-    /// Writes an entry as it is. False where that fails: the file is closed then, and further entries are left out.
+    /// Writes an entry unchanged. False on failure: the file is closed, and further entries are discarded.
     [[nodiscard]] bool append(const QString& entry);
 
-    /// What failed last, and why, for the user.
+    /// The last failure and its reason, as a message for the user.
     [[nodiscard]] const QString& failure() const { return m_failure; }
 
 private:
@@ -27,5 +27,5 @@ private:
 
     QString m_name;
     QString m_failure;
-    std::unique_ptr<std::FILE, Close> m_file; // null where nothing is to be written
+    std::unique_ptr<std::FILE, Close> m_file; // null if nothing is to be written
 };

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// A flag that a camera library fills in: one byte, set where it is not 0. A library may write any byte, and one that
-/// is neither 0 nor 1 must not be read as a C++ bool.
+/// A flag that a camera library writes: one byte, true if it is not 0. A library may write any value, and a value other
+/// than 0 and 1 must not be read as a C++ bool.
 class Flag {
 public:
     explicit Flag(bool set = false)

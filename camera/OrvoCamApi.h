@@ -2,16 +2,16 @@
 
 /// The binary interface of the camera API, libOrvoCamApi_64.so.1.
 ///
-/// Every operation has C linkage, returns a CAM_API_STATUS and may be called from any thread, an image callback
-/// included; the few exceptions are documented at the operation. No operation throws.
+/// Every operation has C linkage, returns a CAM_API_STATUS and may be called from any thread, including an image
+/// callback; the few exceptions are documented with the operation. No operation throws.
 ///
-/// Texts given to the library are NUL-terminated bytes. Texts it gives are NUL-terminated UTF-8 and come back through
-/// `(char* buffer, uint32_t* size)`: with a null buffer `*size` becomes the bytes needed, the closing NUL included.
-/// With a buffer `*size` is its capacity on entry and the bytes written on return; a capacity below the need gives
-/// CAM_API_STS_BUFFER_TOO_SMALL, writes nothing and sets `*size` to the need.
+/// Input texts are NUL-terminated bytes. Output texts are NUL-terminated UTF-8, returned in `char* buffer` and
+/// `uint32_t* size`. With a null buffer, `*size` receives the required number of bytes, including the terminating NUL.
+/// With a buffer, `*size` is its capacity on entry and the number of bytes written on return. If the capacity is too
+/// small, the result is CAM_API_STS_BUFFER_TOO_SMALL, nothing is written, and `*size` receives the required number.
 ///
-/// Errors are checked in this order: the library's state, the camera, the other handles, null pointers, the kind of
-/// node and index, access, the value, the evaluation of the description.
+/// Errors are checked in this order: the library's state, the camera, the other handles, null pointers, the node type
+/// and the index, the access mode, the value, the evaluation of the description.
 
 #include <cstddef>
 #include <cstdint>
@@ -142,9 +142,9 @@ struct CAM_IMAGE_INFO {
     std::uint8_t reserved0[8];
     std::uint64_t timestampNs;
     std::uint8_t reserved16[16];
-    std::uint64_t frameNumber; ///< rises strictly within one start; a step above 1 means that images were lost
+    std::uint64_t frameNumber; ///< strictly increasing after a start; a gap means that images were lost
     void* data;                ///< the raw image, in the camera's pixel format; see Strm_Start
-    std::uint64_t dataSize;    ///< bytes behind `data`
+    std::uint64_t dataSize;    ///< number of bytes at `data`
     std::uint8_t reserved56[8];
     std::uint32_t status; ///< a CAM_API_STATUS; 0 = complete
     std::uint8_t reserved68[20];
@@ -160,7 +160,7 @@ enum CAM_LINK : std::uint32_t {
     CAM_LINK_SIMULATED = 255,
 };
 
-/// How a camera describes itself. The texts are ASCII and NUL-terminated, reserved bytes zero.
+/// The identification of a camera. The texts are ASCII and NUL-terminated; reserved bytes are zero.
 struct CAM_INFO {
     std::uint32_t link; ///< a CAM_LINK
     char vendorName[64];
@@ -174,14 +174,14 @@ static_assert(sizeof(CAM_INFO) == 1024 && offsetof(CAM_INFO, vendorName) == 4 &&
 static_assert(offsetof(CAM_INFO, serialNumber) == 132 && offsetof(CAM_INFO, userDefinedName) == 196);
 static_assert(offsetof(CAM_INFO, cameraIndex) == 260);
 
-/// The kinds of camera that Sys_Initialize starts.
+/// The kinds of camera that Sys_Initialize enables.
 enum CAM_LAYER : std::uint32_t {
     CAM_LAYER_USB3_VISION = 1,
     CAM_LAYER_GIGE_VISION = 2,
     CAM_LAYER_SIMULATED = 4,
 };
 
-/// The versions of the layers below. The texts are UTF-8 and NUL-terminated, reserved bytes zero.
+/// The versions of the underlying layers. The texts are UTF-8 and NUL-terminated; reserved bytes are zero.
 struct CAM_SYSTEM_INFO {
     char driverVersion[64];
     char u3vApi2Version[64];
@@ -196,7 +196,7 @@ static_assert(offsetof(CAM_SYSTEM_INFO, u3vCamApiVersion) == 128 && offsetof(CAM
 extern "C" {
 
 /// Callbacks run on a thread of the library, one at a time per stream, with no lock of the library held. `info` is
-/// valid during the call only. Every operation may be called inside except Strm_Stop, Strm_Close, Cam_Close and
+/// valid only during the call. Every operation may be called inside except Strm_Stop, Strm_Close, Cam_Close and
 /// Sys_Terminate, which return CAM_API_STS_INVALID_PARAMETER there.
 typedef void (*CAM_IMAGE_ACQUIRED_CALLBACK)(CAM_HANDLE camera, CAM_STRM_HANDLE stream, CAM_IMAGE_INFO* info,
                                             std::uint32_t bufferIndex, void* context);
@@ -207,24 +207,24 @@ typedef void (*CAM_BUFFER_BUSY_CALLBACK)(CAM_HANDLE camera, CAM_STRM_HANDLE stre
 
 // --- System ---------------------------------------------------------------------------------------------------------
 
-/// `mask` selects the layers to start, CAM_LAYER values added up; 65535 for all. A second call without Sys_Terminate
-/// between gives CAM_API_STS_ALREADY_INITIALIZED.
+/// `mask` selects the layers: a combination of CAM_LAYER values, or 65535 for all. A second call without Sys_Terminate
+/// in between returns CAM_API_STS_ALREADY_INITIALIZED.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_Initialize(std::uint32_t mask);
 
-/// Closes every camera, stream and signal. Operations called on other threads meanwhile, Sys_Initialize included,
-/// return CAM_API_STS_NOT_INITIALIZED.
+/// Closes all cameras, streams and signals. Meanwhile, operations on other threads, including Sys_Initialize, return
+/// CAM_API_STS_NOT_INITIALIZED.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_Terminate();
 
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_GetInformation(CAM_SYSTEM_INFO* info);
 
-/// Enumerates again, which takes about a second if GigE Vision cameras are searched for. Camera indices run from 0 to
-/// `*count` - 1 and hold until the next call.
+/// Enumerates again, which takes about a second if GigE Vision cameras are searched for. Camera indices are 0 to
+/// `*count` - 1 and valid until the next call.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_GetNumOfCameras(std::uint32_t* count);
 
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_CreateSignal(CAM_SIGNAL_HANDLE* signal);
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_CloseSignal(CAM_SIGNAL_HANDLE signal);
 
-/// 0 = set, CAM_API_STS_TIMEOUT = not set within the time. 0 ms polls, 0xFFFFFFFF ms waits for ever.
+/// 0 = set, CAM_API_STS_TIMEOUT = not set within the time. 0 ms polls, 0xFFFFFFFF ms waits without a time-out.
 ORVO_CAM_EXPORT CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE signal, std::uint32_t timeoutMs);
 
 // --- Camera ---------------------------------------------------------------------------------------------------------
@@ -243,13 +243,13 @@ ORVO_CAM_EXPORT CAM_API_STATUS Cam_Open(std::uint32_t cameraIndex, CAM_HANDLE* c
 ORVO_CAM_EXPORT CAM_API_STATUS Cam_Close(CAM_HANDLE camera);
 
 /// The text behind the last CAM_API_STS_GENICAM_ERR or CAM_API_STS_XML_LOAD_ERR of the calling thread, of at
-/// most 1,000 bytes. The library owns it; it holds until the next operation on this thread. Needs no Sys_Initialize.
+/// most 1,000 bytes. The library owns it; it is valid until the next operation on this thread. Needs no Sys_Initialize.
 ORVO_CAM_EXPORT CAM_API_STATUS Misc_GetLastGenICamError(const char** text);
 
 // --- Stream ---------------------------------------------------------------------------------------------------------
 
-/// `maxImageSize` (may be null) receives the bytes of the largest image. One stream per camera. Buffers of 4 GiB or
-/// more in all are refused with CAM_API_STS_INVALID_PARAMETER, here and by Strm_Start.
+/// `maxImageSize` (may be null) receives the size of the largest image in bytes. A camera has one stream at most. If
+/// the buffers would take 4 GiB or more in total, this operation and Strm_Start return CAM_API_STS_INVALID_PARAMETER.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_OpenSimple(CAM_HANDLE camera, CAM_STRM_HANDLE* stream, std::uint32_t* maxImageSize,
                                                void* reserved1, std::uint32_t bufferCount, void* reserved2);
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_Close(CAM_STRM_HANDLE stream);
@@ -262,8 +262,8 @@ ORVO_CAM_EXPORT CAM_API_STATUS Strm_SetCallbackImageError(CAM_STRM_HANDLE stream
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_SetCallbackBufferBusy(CAM_STRM_HANDLE stream, void* context,
                                                           CAM_BUFFER_BUSY_CALLBACK callback);
 
-/// From now on the data of every slot is readable memory for an image of the largest width, the largest height and the
-/// widest pixel format reported for the camera since it was opened; bytes that the camera does not send are zero.
+/// From now on, the data of every slot is readable memory for an image of the largest width, the largest height and the
+/// widest pixel format reported for the camera since it was opened. Bytes that the camera does not send are zero.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_Start(CAM_STRM_HANDLE stream, std::uint32_t requestCount);
 
 /// No callback runs after it has returned. 0 if the stream is not started.
@@ -272,26 +272,26 @@ ORVO_CAM_EXPORT CAM_API_STATUS Strm_Stop(CAM_STRM_HANDLE stream);
 /// The slot of the newest image; CAM_API_STS_NOT_READY before the first image of a start.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_GetCurrentBufferIndex(CAM_STRM_HANDLE stream, std::uint32_t* index);
 
-/// A locked slot is not written until it is unlocked as often as it was locked. Images that find the next slot locked
-/// are dropped and reported by the buffer-busy callback. Slots may be locked after Strm_Stop until Strm_Close.
+/// A locked slot is not overwritten until it has been unlocked as often as it was locked. If the next slot is locked,
+/// the image is dropped and reported by the buffer-busy callback. Slots may be locked after Strm_Stop until Strm_Close.
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_LockBuffer(CAM_STRM_HANDLE stream, std::uint32_t index, CAM_IMAGE_INFO* info);
 ORVO_CAM_EXPORT CAM_API_STATUS Strm_UnlockBuffer(CAM_STRM_HANDLE stream, std::uint32_t index);
 
 // --- Node -----------------------------------------------------------------------------------------------------------
-// The entry of an enumeration is a node of its own; it has access mode 3 while it can be chosen, else 1 or 0.
-// `verify` false leaves range and increment to the device; access is always checked.
+// The entry of an enumeration is a separate node; its access mode is 3 while it can be chosen, else 1 or 0. If `verify`
+// is false, range and increment are left to the device; the access mode is always checked.
 
-/// CAM_API_STS_NOT_FOUND and handle 0 for an unknown name. Handles of one node are equal.
+/// CAM_API_STS_NOT_FOUND and handle 0 for an unknown name. A node always has the same handle.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetNode(CAM_HANDLE camera, const char* name, CAM_NODE_HANDLE* node);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetNumOfFeatures(CAM_HANDLE camera, CAM_NODE_HANDLE category, std::uint32_t* count);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFeatureByIndex(CAM_HANDLE camera, CAM_NODE_HANDLE category, std::uint32_t index,
                                                     CAM_NODE_HANDLE* child);
 
-/// At most 255 bytes without the closing NUL.
+/// At most 255 bytes without the terminating NUL.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetName(CAM_HANDLE camera, CAM_NODE_HANDLE node, char* buffer, std::uint32_t* size);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetType(CAM_HANDLE camera, CAM_NODE_HANDLE node, NodeType* type);
 
-/// The current access mode: selectors, availability and locks are applied. Categories have 3.
+/// The current access mode, including the effects of selectors, availability and locks. That of categories is 3.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetAccessMode(CAM_HANDLE camera, CAM_NODE_HANDLE node, NodeAccessMode* mode);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetVisibility(CAM_HANDLE camera, CAM_NODE_HANDLE node,
                                                 TC_NODE_VISIBILITY* visibility);
@@ -315,7 +315,7 @@ ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatValue(CAM_HANDLE camera, CAM_NODE_HAND
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatMin(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* value);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatMax(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* value);
 
-/// CAM_API_STS_INVALID_PARAMETER if Nd_GetFloatHasInc gives false.
+/// CAM_API_STS_INVALID_PARAMETER if Nd_GetFloatHasInc returns false.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatInc(CAM_HANDLE camera, CAM_NODE_HANDLE node, double* value);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetFloatHasInc(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool* hasInc);
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetBoolValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, bool* value);
@@ -330,7 +330,7 @@ ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetNumOfEnumEntries(CAM_HANDLE camera, CAM_NOD
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetEnumEntryByIndex(CAM_HANDLE camera, CAM_NODE_HANDLE node, std::uint32_t index,
                                                       CAM_NODE_HANDLE* entry);
 
-/// The symbolic name of an entry, at most 255 bytes without the closing NUL.
+/// The symbolic name of an entry, at most 255 bytes without the terminating NUL.
 ORVO_CAM_EXPORT CAM_API_STATUS Nd_GetEnumEntryStrValue(CAM_HANDLE camera, CAM_NODE_HANDLE entry, char* buffer,
                                                        std::uint32_t* size);
 

@@ -12,17 +12,18 @@ constexpr std::uint32_t CAM_TRIGGER_SOURCE_SOFTWARE = 64;
 
 extern "C" {
 
-/// Prepares the tables of ConvImage; any number of times, before or after Sys_Initialize.
+/// Prepares the tables of ConvImage. May be called any number of times, before or after Sys_Initialize.
 ORVO_CAM_EXPORT CAM_API_STATUS PrepareLUT();
 
 /// Converts one image to B, G, R, 255 per pixel, the byte order of 32-bit ARGB on x86-64, rows without padding.
 /// `dstFormat` is 0, `srcPixelFormat` a PFNC value, `option` is ignored; `dst` holds width x height x 4 bytes.
-/// Another `dstFormat` or an unsupported source gives CAM_API_STS_NOT_IMPLEMENTED; a size of zero, or one whose result
-/// has 2^32 bytes or more, CAM_API_STS_INVALID_PARAMETER; nothing is written then. Needs no Sys_Initialize.
+/// Returns CAM_API_STS_NOT_IMPLEMENTED for another `dstFormat` or an unsupported source, and
+/// CAM_API_STS_INVALID_PARAMETER for a size of zero or a result of 2^32 bytes or more; then nothing is written. Does
+/// not need Sys_Initialize.
 ORVO_CAM_EXPORT CAM_API_STATUS ConvImage(std::uint32_t dstFormat, std::uint32_t srcPixelFormat, std::uint32_t option,
                                          void* dst, const void* src, std::uint32_t width, std::uint32_t height);
 
-/// Pixels.
+/// In pixels.
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamWidth(CAM_HANDLE camera, std::uint32_t* width);
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamHeight(CAM_HANDLE camera, std::uint32_t* height);
 
@@ -30,7 +31,7 @@ ORVO_CAM_EXPORT CAM_API_STATUS GetCamHeight(CAM_HANDLE camera, std::uint32_t* he
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamPixelFormat(CAM_HANDLE camera, std::uint32_t* pixelFormat);
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamTriggerMode(CAM_HANDLE camera, bool* on);
 
-/// CAM_TRIGGER_SOURCE_SOFTWARE for the software trigger, whatever its number in the camera; else the camera's own
+/// CAM_TRIGGER_SOURCE_SOFTWARE for the software trigger, whatever its number in the camera; otherwise the camera's
 /// number.
 ORVO_CAM_EXPORT CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE camera, std::uint32_t* source);
 ORVO_CAM_EXPORT CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE camera);

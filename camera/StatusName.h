@@ -2,6 +2,6 @@
 
 #include "camera/OrvoCamApi.h"
 
-/// The name of a status as the message log shows it, "UNKNOWN" for a value without one. Two names end in a blank.
-/// The text lives as long as the program; any thread.
+/// The name of a status as shown in the message log, or "UNKNOWN". Two names end with a blank. The text lives as long
+/// as the program. Thread-safe.
 [[nodiscard]] const char* cameraStatusName(Orvo::CAM_API_STATUS status) noexcept;

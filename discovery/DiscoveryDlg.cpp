@@ -13,7 +13,7 @@ constexpr int kFirstEnumerationMs = 100;
 
 enum Column { kVendorName, kModelName, kSerialNo, kUserDefinedName, kCameraIndex, kColumnCount };
 
-// The user-defined name's column takes the remaining width.
+// The column of the user-defined name takes the remaining width.
 constexpr std::array<std::pair<Column, int>, 3> kColumnWidths = {
     {{kVendorName, 140}, {kModelName, 140}, {kSerialNo, 80}}};
 
@@ -61,8 +61,8 @@ void DiscoveryDlg::timerEvent(QTimerEvent*)
 
 void DiscoveryDlg::keyPressEvent(QKeyEvent* event)
 {
-    // Enter means "Open", the default button. The other buttons take the focus only by Tab; Enter then means that
-    // button.
+    // Enter presses "Open", the default button. The other buttons receive the focus only by Tab; Enter then presses
+    // that button.
     auto* const button = qobject_cast<QPushButton*>(focusWidget());
     if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
         button->click();

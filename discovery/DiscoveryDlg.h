@@ -10,8 +10,8 @@
 
 class Ui_DiscoveryDlg;
 
-/// Lists the attached cameras and lets the user pick one; opens none itself. The list comes 100 ms after the dialog, so
-/// that the dialog is on screen while the cameras are looked for. GUI thread, run modally.
+/// Lists the attached cameras and lets the user select one; does not open it. The search starts 100 ms after the dialog
+/// is shown, so that the dialog is on screen during the search. Modal. Lives on the GUI thread.
 class DiscoveryDlg : public QDialog {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ public:
     explicit DiscoveryDlg(QWidget* parent = nullptr);
     ~DiscoveryDlg() override;
 
-    /// Camera index of the row selected last; the camera to open once the dialog was accepted.
+    /// Camera index of the last selected row: the camera to open after the dialog has been accepted.
     std::uint32_t current_device = 0;
 
 signals:
@@ -34,7 +34,7 @@ public slots:
     /// Accepts the dialog if a row is selected.
     void open_camera();
 
-    /// The camera index of the selected row; false, and nothing written, where none is selected.
+    /// The camera index of the selected row. False, without writing it, if none is selected.
     bool get_current_device(uint32_t* cur_device);
 
     void on_discoveryWidget_itemSelectionChanged();

@@ -42,7 +42,8 @@ QImage ConversionBuffer::lend()
     const QImageCleanupFunction letGo = [](void* held) { delete static_cast<Hold*>(held); };
     QImage image(pixels(), static_cast<int>(m_width), static_cast<int>(m_height), QImage::Format_ARGB32, letGo,
                  hold.get());
-    // A size beyond what QImage takes gives a null image, which cleans up nothing and could never be given back.
+    // If QImage does not support the size, the image is null and never calls its clean-up function, so the loan would
+    // never end.
     if (!image.isNull()) {
         static_cast<void>(hold.release());
         m_lent.store(true, std::memory_order_release);

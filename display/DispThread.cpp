@@ -22,7 +22,7 @@ struct DispThread::Loop {
     QElapsedTimer frameTimer;
     QElapsedTimer rateTimer;
     std::uint32_t displayCount = 0;
-    std::uint64_t lastShownFrameNumber = 0x5555; // a first image with this number is not shown
+    std::uint64_t lastShownFrameNumber = 0x5555; // deliberate: a first image with this number is not shown
     std::uint32_t bufferIndex = 0;
     Orvo::CAM_IMAGE_INFO info{};
 };
@@ -72,8 +72,8 @@ bool DispThread::isCameraRemoved() const
 
 DispThread::Next DispThread::displayStep(Loop& loop)
 {
-    // While the GUI has the last image, nothing is converted over it and no second one is queued. The frame timer keeps
-    // running, so that the next image is converted as soon as the buffer is back.
+    // While the GUI thread uses the last image, it is not overwritten and no second one is queued. The frame timer
+    // keeps running, so that the next image is converted as soon as the buffer is returned.
     if (m_mainWindow->convBuffer->isLent() || loop.frameTimer.elapsed() <= kImagePeriodMs)
         return Next::GoOn;
     loop.frameTimer.restart();
@@ -88,7 +88,7 @@ DispThread::Next DispThread::displayStep(Loop& loop)
     const bool locked = Orvo::Strm_LockBuffer(stream, loop.bufferIndex, &loop.info) == Orvo::CAM_API_STS_SUCCESS;
     if (locked && loop.info.status == Orvo::CAM_API_STS_SUCCESS && loop.info.frameNumber != loop.lastShownFrameNumber)
         return takeImage(loop);
-    // Unlocks even after a failed lock; the status has no consequence.
+    // Also unlocks after a failed lock. The status does not matter.
     static_cast<void>(Orvo::Strm_UnlockBuffer(stream, loop.bufferIndex));
     return pauseUnlessStopped();
 }
@@ -100,7 +100,7 @@ DispThread::Next DispThread::takeImage(Loop& loop)
     static_cast<void>(Orvo::ConvImage(kToArgb32, m_mainWindow->pixelFormat, kConversionOption, buffer.pixels(),
                                       loop.info.data, m_mainWindow->width, m_mainWindow->height));
     loop.lastShownFrameNumber = loop.info.frameNumber;
-    // A buffer that cannot be unlocked changes nothing for the image that was taken from it.
+    // Ignored: a failed unlock does not affect the converted image.
     static_cast<void>(Orvo::Strm_UnlockBuffer(m_mainWindow->stream, loop.bufferIndex));
     if (isStopRequested())
         return Next::End;

@@ -7,11 +7,11 @@
 
 class MainWindow;
 
-/// Brings the newest image of the running stream to the GUI, and reports the frame rates: one thread per started
-/// stream, made, started, stopped and deleted by the main window on the GUI thread. It reads the main window's members
-/// of the stream in place while `acquiring` is set.
+/// Passes the newest image of the running stream to the GUI thread, and reports the frame rates. There is one thread
+/// per started stream; the main window creates, starts, stops and deletes it on the GUI thread. It reads the main
+/// window's stream members directly while `acquiring` is set.
 ///
-/// run() alone lives on the display thread; its signals cross to the GUI thread as queued calls.
+/// Only run() runs on the display thread; its signals are queued to the GUI thread.
 class DispThread : public QThread {
     Q_OBJECT
 
@@ -19,15 +19,15 @@ public:
     /// `parent` must be the main window.
     explicit DispThread(QObject* parent);
 
-    /// The thread ends within milliseconds; any thread.
+    /// Makes the thread end within milliseconds. Thread-safe.
     void requestStop() noexcept { m_stopRequested.store(true, std::memory_order_release); }
 
 signals:
-    /// Images per second since the last report, more than two seconds ago: captured (by frame numbers, so that lost
-    /// images count) and shown.
+    /// Images per second since the last report, which is more than two seconds ago: captured (by frame numbers, so that
+    /// lost images count) and displayed.
     void dispFps(double capFps, double dispFps);
 
-    /// A view of the conversion buffer; the next one is emitted only after this one is given back.
+    /// A view of the conversion buffer. The next one is emitted only after this one has been returned.
     void dispImage(QImage image);
 
     /// The camera was unplugged; the thread ends.
@@ -37,7 +37,7 @@ protected:
     void run() override;
 
 private:
-    /// Whether the thread goes on after a step.
+    /// Whether the thread continues after a step.
     enum class Next { GoOn, End };
 
     struct Loop; // the state that run() keeps between iterations

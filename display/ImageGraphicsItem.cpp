@@ -7,7 +7,7 @@
 namespace {
 
 /// The same pixels as RGB32, without a copy. A camera image has no transparency: its fourth byte is padding. Treating
-/// it as alpha would cost a scan of all pixels and a deep copy for each image.
+/// it as alpha would require a scan of all pixels and a deep copy of each image.
 QImage opaqueView(const QImage& image)
 {
     auto kept = std::make_unique<QImage>(image);

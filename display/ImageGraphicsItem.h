@@ -7,12 +7,12 @@
 /// Paints the newest image at exactly the size that was set, whatever the image's own size.
 class ImageGraphicsItem : public QGraphicsPixmapItem {
 public:
-    /// In pixels. The scene is not notified, because the size is set before the first image.
+    /// Sets the size in pixels. Does not notify the scene, because the size is set before the first image.
     void set_image_size(int width, int height);
-    /// A 32-bit image is shared, not copied; the alpha of ARGB32 is ignored.
+    /// Sets the image. A 32-bit image is shared, not copied; the alpha channel of ARGB32 is ignored.
     void update_image(const QImage& image);
 
-    /// From the next repaint on nothing is painted; no repaint is requested.
+    /// Removes the image. Takes effect at the next repaint, but does not request one.
     void clear_image();
 
     [[nodiscard]] QRectF boundingRect() const override;

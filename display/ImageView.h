@@ -11,9 +11,9 @@ class QLabel;
 class QLayout;
 class QToolButton;
 
-/// The main window's central widget while a camera is open: the newest image in a scene, scaled by a zoom factor, and
-/// above it a bar that switches between rubber-band selection and dragging by hand. Driven by the main window's signals
-/// only, but for the first size. GUI thread.
+/// The main window's central widget while a camera is open: a scene with the newest image, scaled by a zoom factor, and
+/// a bar above it that switches between rubber-band selection and dragging. Apart from the initial size, it is
+/// controlled only by the main window's signals. Lives on the GUI thread.
 class ImageView : public QFrame {
     Q_OBJECT
 
@@ -24,7 +24,8 @@ public:
 
 public slots:
     void set_image_size(int width, int height);
-    /// Doubles and halves without a limit. The main window's actions stop at 8 and 0.25, except the menu's Zoom Out.
+    /// Double and halve the zoom without a limit. The main window's actions stop at 8 and 0.25, except the menu's Zoom
+    /// Out.
     void zoomIn();
     void zoomOut();
     void zoomReset();
@@ -45,7 +46,7 @@ private:
     QToolButton* m_selectButton;
     QToolButton* m_dragButton;
     QGraphicsScene* m_scene;
-    ImageGraphicsItem* m_imageItem; // the scene's
+    ImageGraphicsItem* m_imageItem; // owned by the scene
     int m_imageWidth = 1;
     int m_imageHeight = 1;
     double m_zoomScale = 1.0;

@@ -7,7 +7,7 @@ QImage KeptImages::copyOf(const QImage& image)
     QImage& kept = m_images[m_next];
     m_next = (m_next + 1) % m_images.size();
 
-    // bits() would first copy an image that is still in use, only to be overwritten.
+    // bits() of an image that is still in use would copy the pixels, only for them to be overwritten.
     const bool reusable = kept.isDetached() && kept.size() == image.size() && kept.format() == image.format() &&
                           kept.bytesPerLine() == image.bytesPerLine();
     if (reusable) {

@@ -5,15 +5,15 @@
 #include <array>
 #include <cstddef>
 
-/// Deep copies of images into reused memory: nothing is allocated while the images keep their size and only the last
-/// copy is in use. One thread.
+/// Makes deep copies of images in reused memory. Nothing is allocated as long as the size does not change and only the
+/// last copy is in use. Not thread-safe.
 class KeptImages {
 public:
-    /// A copy that shares no pixel with `image`; null of a null image.
+    /// A copy that shares no memory with `image`; null if `image` is null.
     [[nodiscard]] QImage copyOf(const QImage& image);
 
 private:
-    // Two, because the last copy is on screen while the next one is made.
+    // Two, because the last copy is displayed while the next one is made.
     std::array<QImage, 2> m_images;
     std::size_t m_next = 0;
 };

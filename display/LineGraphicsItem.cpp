@@ -48,8 +48,8 @@ QRectF LineGraphicsItem::boundingRect() const
 void LineGraphicsItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget*)
 {
     const std::array<QLineF, 3> arrow = {line(), headStroke(line(), kHeadAngle), headStroke(line(), -kHeadAngle)};
-    const auto drawArrow = [&](const QColor& color, qreal width) {
-        painter->setPen(QPen(QBrush(color), width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
+    const auto drawArrow = [&](const QColor& colour, qreal width) {
+        painter->setPen(QPen(QBrush(colour), width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
         painter->drawLines(arrow.data(), static_cast<int>(arrow.size()));
     };
     drawArrow(Qt::black, kOutlineWidth);

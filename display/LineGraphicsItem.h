@@ -2,7 +2,7 @@
 
 #include <QGraphicsLineItem>
 
-/// A yellow arrow with a black outline, its head at the line's first point, to mark a direction over an image.
+/// A yellow arrow with a black outline that marks a direction in an image. Its head is at the first point of the line.
 class LineGraphicsItem : public QGraphicsLineItem {
 public:
     void set_image_size(int width, int height);

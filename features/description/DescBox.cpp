@@ -8,7 +8,7 @@
 
 namespace {
 
-// In lines: the table above keeps its height however long the camera's description is.
+// In lines. The limit protects the height of the table above from long descriptions.
 constexpr int kHighestHeading = 4;
 constexpr int kHighestText = 12;
 

@@ -7,8 +7,8 @@
 
 class GenAPINodeItem;
 
-/// The panel under the feature table: name, type and restricted access of the node chosen last, its description, and
-/// as tool tip its range or current entry. Long texts are scrolled. Lives on the GUI thread.
+/// The panel under the feature table. It shows name, type and restricted access of the last selected node and its
+/// description; the tool tip shows the range or the current entry. Long texts are scrolled. Lives on the GUI thread.
 class DescBox : public QWidget {
     Q_OBJECT
 
@@ -18,11 +18,11 @@ public:
 
     /// Reads the item's values from the camera and shows it. Null clears the panel.
     void setText(GenAPINodeItem* item);
-    /// Shows these texts. `heading` gets "Description: " in front, in place.
+    /// Shows these texts. Prepends "Description: " to the caller's `heading`.
     void setText(QString& heading, QString& text, QString& toolTip);
     void clear();
 
-    /// The base index of the item shown, -1 for none.
+    /// The base index of the displayed item, or -1.
     [[nodiscard]] int getCurrentIndex() const;
 
 protected:

@@ -9,7 +9,7 @@ namespace {
 // A tool tip grows with its text, beyond the edges of the screen.
 constexpr int kMostCharacters = 2000;
 constexpr int kMostLines = 40;
-constexpr int kLongestLine = 80; // longer ones are broken
+constexpr int kLongestLine = 80; // in characters; longer ones are wrapped
 
 bool endsLine(QChar character)
 {
@@ -42,8 +42,8 @@ QString beginningOf(const QString& text)
 void showPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget, const QRect& area)
 {
     QString shown = beginningOf(text);
-    // A tool tip guesses whether its text is rich; explicit markup leaves nothing to guess. If it breaks lines by
-    // itself it becomes about as high as it is wide, however short the text is.
+    // QToolTip guesses whether a text is rich text, so pass explicit markup. Its own line breaking would make even a
+    // short text about as high as wide, so wrap only texts with long lines.
     if (!shown.isEmpty()) {
         const QString breaking = hasLongLine(shown) ? QStringLiteral("pre-wrap") : QStringLiteral("pre");
         shown = "<p style=\"white-space:" + breaking + "\">" + shown.toHtmlEscaped() + "</p>";

@@ -6,6 +6,6 @@ class QHelpEvent;
 class QString;
 class QWidget;
 
-/// Answers a QEvent::ToolTip with `text` as plain text, long lines broken. The tool tip stays while the pointer is
-/// within `area` of the widget (empty: anywhere on it). An empty text hides it; a very long one is cut.
+/// Handles a QEvent::ToolTip: shows `text` as plain text with long lines wrapped. The tool tip stays while the pointer
+/// is within `area` of the widget (empty: the whole widget). An empty text hides it; a very long one is truncated.
 void showPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget, const QRect& area = {});

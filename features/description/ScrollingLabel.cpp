@@ -81,7 +81,7 @@ int ScrollingLabel::layOut(QTextLayout& lines, int width, int mostLines) const
     lines.setTextOption(option);
     lines.setFont(font());
     lines.setText(breakable(text()));
-    const double leading = QFontMetricsF(font()).leading(); // between lines; of some fonts negative
+    const double leading = QFontMetricsF(font()).leading(); // negative for some fonts
     double height = -leading;
     lines.beginLayout();
     for (int i = 0; i < mostLines; ++i) {

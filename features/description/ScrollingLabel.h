@@ -4,11 +4,11 @@
 #include <QScrollBar>
 #include <QTextLayout>
 
-/// A label of plain text of any length: lines break between words and, if a word is too wide, within it. It never asks
-/// for more than `mostLines` lines; the rest is scrolled. Lives on the GUI thread.
+/// A label for plain text of any length. It wraps lines between words and, if a word is too wide, within it. Its
+/// preferred height is at most `mostLines` lines; longer texts are scrolled. Lives on the GUI thread.
 ///
-/// The toolkit has no such widget: its scrolling ones have no height for a width, so the box would neither shrink to a
-/// short text nor stop at `mostLines`, and a QLabel does not break a line within a word.
+/// The toolkit has no such widget: its scrolling widgets do not support height for width, so the box would neither
+/// shrink to a short text nor stop at `mostLines`; and QLabel does not break a line within a word.
 class ScrollingLabel : public QLabel {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ public:
     explicit ScrollingLabel(int mostLines, QWidget* parent = nullptr);
     ~ScrollingLabel() override;
 
-    /// Shows the beginning of the text; if it is already shown the scroll position stays.
+    /// Shows the beginning of the text. Keeps the scroll position if the text has not changed.
     void showText(const QString& text);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -13,8 +13,8 @@ class GenAPINodeItem;
 /// when the line edit is left; while the slider is dragged its value is shown at once and written every 50 ms. Loading
 /// writes nothing. Lives on the GUI thread.
 ///
-/// Leaving it, from either part, sends it a focus-out event, so that a delegate commits and closes it as it does with
-/// an editor of one part.
+/// When the focus leaves either part, the editor itself receives a focus-out event, so that a delegate commits and
+/// closes it like a simple editor.
 class LineEditWithSlider : public QWidget {
     Q_OBJECT
 
@@ -22,19 +22,19 @@ public:
     explicit LineEditWithSlider(QWidget* parent = nullptr);
     ~LineEditWithSlider() override;
 
-    /// Shows range and value of the item; may be called again at any time, which ends a drag of the slider. For null,
-    /// and for any node that is neither Integer nor Float, the editor becomes empty and disabled and keeps its item.
+    /// Shows range and value of the item. May be called again at any time, which ends a drag of the slider. If the item
+    /// is null or its node is neither Integer nor Float, clears and disables the editor, which keeps its previous item.
     void setValue(GenAPINodeItem* item);
 
-    /// The four ways to load a node, which is of the matching type and not null. A range of one value or none disables
-    /// the line edit; the slider is neither enabled nor disabled. The logarithmic ones place the slider by
-    /// calcSliderVal(), hence linearly if the node is not logarithmic.
+    /// Load a node, which must have the matching type and not be null. A range of one value or none disables the line
+    /// edit; the slider is neither enabled nor disabled. The logarithmic ones position the slider with calcSliderVal(),
+    /// so linearly if the node is not logarithmic.
     void setValIntLinear(GenAPINodeItem* item);
     void setValFloatLinear(GenAPINodeItem* item);
     void setValIntLog(GenAPINodeItem* item);
     void setValFloatLog(GenAPINodeItem* item);
 
-    /// Conversions between values and slider positions by the node's representation; 0 without a node.
+    /// Conversions between values and slider positions, according to the node's representation; 0 without a node.
     [[nodiscard]] int calcSliderVal(long value) const;
     [[nodiscard]] int calcSliderVal(double value) const;
     [[nodiscard]] long convSliderValToInt(int position) const;
@@ -46,7 +46,7 @@ public:
     /// Writes the slider's value if the slider has the focus, otherwise the line edit's text; then shows the node's
     /// value.
     void getValue();
-    /// The same, if the slider has moved since the last call.
+    /// The same, but only if the slider has moved since the last call.
     void getSliderValue();
 
     [[nodiscard]] bool hasTracking() const;

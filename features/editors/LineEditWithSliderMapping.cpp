@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int kLogPositions = 10000;
-constexpr int kCoarseSpan = 255;       // fewer positions than this make a poor slider
+constexpr int kCoarseSpan = 255;       // a slider with fewer positions is too coarse
 constexpr int kWidestSpan = 0x1000000; // 24 bits
 
 bool isEmpty(std::int64_t minimum, std::int64_t maximum)
@@ -41,7 +41,7 @@ double valueAt(const SliderMapping& mapping, bool logarithmic, int position)
     return (std::exp(position * mapping.logRange / double{kLogPositions}) - mapping.logOffset) / mapping.scale;
 }
 
-/// The right end of a logarithmic slider rounds to 2^63 where the maximum is INT64_MAX; it must not wrap.
+/// If the maximum is INT64_MAX, the right end of a logarithmic slider rounds to 2^63, which must not wrap.
 std::int64_t toInt64(double value)
 {
     constexpr double kTwoTo63 = 9223372036854775808.0;

@@ -2,10 +2,10 @@
 
 #include <cstdint>
 
-/// The arithmetic between a node's values and the positions of a slider, without a window.
+/// The conversion between a node's values and slider positions, without widgets.
 ///
-/// A linear slider stands at value x scale, scale being a power of ten; a logarithmic one has the positions 0 to 10000.
-/// Positions have 32 bits: values beyond them become INT_MIN, and the rules below rely on that.
+/// The position of a linear slider is value x scale, where scale is a power of ten; a logarithmic one has the positions
+/// 0 to 10000. Positions have 32 bits: larger values become INT_MIN, and the rules below rely on that.
 struct SliderMapping {
     double scale = 1.0;     ///< slider units per unit of value
     double logOffset = 0.0; ///< added before taking the logarithm
@@ -19,7 +19,7 @@ struct SliderMapping {
     bool hasIncFloat = false;
 };
 
-/// Where a slider begins, ends and stands.
+/// The limits and the position of a slider.
 struct SliderPositions {
     int minimum = 0;
     int maximum = 0;

@@ -108,7 +108,7 @@ void loadSpinBox(QWidget& editor, GenAPINodeItem* item, const QVariant& value)
         return;
     fill(*spinBox, qOverload<int>(&QSpinBox::valueChanged), item, &GenAPINodeItem::spinBox_ValueChanged, [&] {
         if (item != nullptr) {
-            // By definition the low 32 bits. No node uses a spin box.
+            // Deliberately the low 32 bits. No node uses a spin box.
             spinBox->setMinimum(static_cast<int>(item->getMinInt()));
             spinBox->setMaximum(static_cast<int>(item->getMaxInt()));
             spinBox->setSingleStep(static_cast<int>(item->getIncInt()));
@@ -137,7 +137,7 @@ void commitSlider(QWidget& editor, QAbstractItemModel&, const QModelIndex&)
         slider->getValue();
 }
 
-/// These editors have already written, when they were used.
+/// These editors have already written their values.
 void commitNothing(QWidget&, QAbstractItemModel&, const QModelIndex&) {}
 
 struct EditorRow {
@@ -163,7 +163,7 @@ const EditorRow* rowOf(const QModelIndex& index)
     return row == std::end(kEditorRows) ? nullptr : row;
 }
 
-/// An editor without a kind counts as a line edit.
+/// An unknown editor counts as a line edit.
 const EditorRow& rowOfOpen(const QModelIndex& index)
 {
     const EditorRow* row = rowOf(index);
@@ -195,7 +195,7 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
         return nullptr;
     const EditorRow* row = rowOf(index);
     const QPointer<GenAPINodeItem> item = m_view->itemAt(index);
-    // Comes before the access mode is used: the description box reads it again, and the receivers of that change may
+    // Must come before the access mode is used: the description box reads it again, and receivers of that change may
     // change the rows.
     m_view->descBox()->setText(item);
 

@@ -19,11 +19,11 @@ public:
     /// The view whose items and description box this delegate serves.
     void setView(FeatureView* view);
 
-    /// True while a node item writes: a write may run the event loop, and no editor opens meanwhile.
+    /// True while a node item writes. A write may run the event loop, so no editor opens meanwhile.
     [[nodiscard]] bool writeInProgress() const { return m_writeInProgress; }
     void setWriteInProgress(bool inProgress) { m_writeInProgress = inProgress; }
 
-    /// Does not paint rows that the table hides.
+    /// Skips rows that the table hides.
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
     /// Shows the row's item in the description box, which reads its access mode again; then creates the editor of its

@@ -92,20 +92,20 @@ public:
 
     // --- Reading --------------------------------------------------------------------------------------------------
 
-    /// Reads the access mode and has the view colour the row accordingly. `changed` (may be null) receives whether it
-    /// differs from before. 21 without a node, else the status of the call.
+    /// Reads the access mode, and the view colours the row accordingly. `changed` (may be null) receives whether it has
+    /// changed. Returns 21 without a node, else the status of the call.
     int updateAccessMode(bool* changed);
 
-    /// The value as text, with or without its unit. Without `force` the text of the last successful access is taken;
-    /// the camera is called only where there is none. The text with unit becomes the item's edit role.
+    /// The value as text, with or without its unit. Without `force` returns the text of the last successful
+    /// access, and calls the camera only if there is none. The text with unit becomes the item's edit role.
     QString getNodeValue(bool withUnit, bool force);
     /// The number read last, after getNodeValue(false, force); a failed read leaves it unchanged.
     long getValInt(bool force);
     double getValFloat(bool force);
-    /// Of an enumeration; 0 for any other node.
+    /// The number of the current entry of an enumeration; 0 for any other node.
     long getEnumIntValue();
 
-    /// The choices of a combo box; for an enumeration the entries that can be chosen now. Empty after a failure.
+    /// The choices for a combo box; for an enumeration, the entries that can be chosen now. Empty after a failure.
     QStringList getItemsValue();
 
     /// Reads access mode, value and maximum; with `all` the minimum and the increment too.
@@ -137,9 +137,9 @@ public slots:
     void spinBox_ValueChanged(int value);
     void lineEdit_EditingFinished();
     void button_Clicked();
-    /// Writes the chosen entry; does nothing if the index is the one at which the editor was attached.
+    /// Writes the chosen entry. Does nothing if the index is the one that the editor had when it was attached.
     void combo_CurrentIndexChanged(int index);
-    /// These two do nothing.
+    /// Part of the interface; these two do nothing.
     void slider_EditingFinished();
     void slider_sliderMoved();
 
@@ -174,7 +174,7 @@ private:
         char floatFormat = 'f'; ///< of QString::number
         bool useNameOverrides = true;
         QString valueText;
-        bool valueTextValid = false; ///< valueText may be shown without asking the camera
+        bool valueTextValid = false; ///< valueText may be shown without reading from the camera
     };
 
     void readProperties();
@@ -185,11 +185,11 @@ private:
     Orvo::CAM_API_STATUS readInteger();
     Orvo::CAM_API_STATUS readBoolean();
     Orvo::CAM_API_STATUS readFloat();
-    /// A text announced with fewer than `leastSize` bytes counts as a failure.
+    /// If the camera announces fewer than `leastSize` bytes, that counts as a failure.
     Orvo::CAM_API_STATUS readValueText(NodeTextOperation operation, std::uint32_t leastSize);
     void readFloatRange(bool all, QString& log);
     void readIntegerRange(bool all, QString& log);
-    /// Makes the value text with its unit the edit role, without a write, and returns it.
+    /// Sets the edit role to the value text with its unit, without writing to the camera, and returns it.
     QString showValueText();
 
     /// Writes the text by node type. `fragment` receives the log of the write, even if the text could not be parsed.

@@ -26,7 +26,7 @@ void GenAPINodeItem::lineEdit_EditingFinished()
 void GenAPINodeItem::combo_CurrentIndexChanged(int)
 {
     const auto* combo = qobject_cast<QComboBox*>(m_editor);
-    // Filling the combo box emits the signal as well, with the index that it has by then.
+    // Filling the combo box also emits this signal, with its current index.
     if (combo == nullptr || combo->currentIndex() == m_comboIndex)
         return;
     m_comboIndex = combo->currentIndex();
@@ -50,7 +50,7 @@ void GenAPINodeItem::showChosenEntry()
     m_comboIndex = combo->currentIndex();
 }
 
-// The two slots below deliberately log the call alone, never its failure.
+// The two slots below deliberately log only the call, never its failure.
 
 void GenAPINodeItem::spinBox_ValueChanged(int value)
 {

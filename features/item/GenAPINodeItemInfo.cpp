@@ -16,7 +16,7 @@ QString GenAPINodeItem::getAdditionalInfo()
         return range.arg(maximum, minimum, getValueStr(m_node.incFloat));
     }
     case NODE_TYPE_INTEGER: {
-        // Hexadecimal or decimal even for addresses: a range of them is not an address.
+        // Hexadecimal or decimal even for addresses, because a limit is not an address.
         const bool hex = m_node.representation == NODE_REPRESENTATION_HEX_NUMBER;
         const auto number = [hex](std::int64_t value) { return hex ? hexText(value) : QString::number(value); };
         return range.arg(number(m_node.maxInt), number(m_node.minInt), number(m_node.incInt));

@@ -134,7 +134,7 @@ CAM_API_STATUS GenAPINodeItem::readValueText(NodeTextOperation operation, std::u
     const CAM_API_STATUS status = readTextSize(operation, m_camHandle, m_node.handle, size);
     if (status != CAM_API_STS_SUCCESS)
         return status;
-    // An announced text that cannot be read has this one status, whatever the second call returned.
+    // If only the second call fails, the status is always this one.
     if (size < leastSize || readTextOfSize(operation, m_camHandle, m_node.handle, size, m_node.valueText) != 0)
         return CAM_API_STS_INVALID_PARAMETER;
     return CAM_API_STS_SUCCESS;
@@ -196,7 +196,7 @@ QStringList GenAPINodeItem::getItemsValue()
             !ok(Nd_GetAccessMode(m_camHandle, entry, &access)))
             return {};
         if (access != NODE_ACCESS_MODE_WO && access != NODE_ACCESS_MODE_RO)
-            continue;                 // cannot be chosen; the library reports entries that can be as read-only
+            continue;                 // cannot be chosen: the library reports entries that can be chosen as read-only
         std::array<char, 256> name{}; // a symbolic name has at most 255 bytes
         std::uint32_t size = name.size();
         if (!ok(Nd_GetEnumEntryStrValue(m_camHandle, entry, name.data(), &size)))
@@ -223,7 +223,7 @@ void GenAPINodeItem::updateVals(bool all)
         m_listener->appendOpeLog(log);
 }
 
-// The statuses of the range are ignored: after a failed call the range keeps what the call left in it.
+// The statuses are ignored: after a failed call the range has whatever value the call left in it.
 
 void GenAPINodeItem::readFloatRange(bool all, QString& log)
 {

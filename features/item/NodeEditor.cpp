@@ -10,7 +10,7 @@ struct TypeRow {
     NodeType type;
     const char* text;
     EditorWidgetType editor;
-    bool sliderPossible; ///< EditorSlider instead, by representation
+    bool sliderPossible; ///< whether some representations get EditorSlider instead
 };
 
 constexpr TypeRow kTypeRows[] = {
@@ -29,7 +29,7 @@ constexpr TypeRow kTypeRows[] = {
     {NODE_TYPE_UNKNOWN, "Unknown", EditorNone, false},
 };
 
-/// Features that users drag far more often than they type, whatever representation the camera gives.
+/// Features that users drag much more often than they type. They get a slider whatever their representation.
 struct NameOverride {
     const char* name;
     NodeType type;
@@ -56,7 +56,7 @@ const TypeRow* rowOf(NodeType type)
 
 bool hasSlider(NodeType type, NodeRepresentation representation)
 {
-    // A representation below the defined ones means a slider for a float, but not for an integer.
+    // A number below the defined representations gives a slider for a float, but not for an integer.
     return representation <= NODE_REPRESENTATION_LOGARITHMIC &&
            (type == NODE_TYPE_FLOAT || representation >= NODE_REPRESENTATION_LINEAR);
 }

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// Item data of a value cell: an EditorWidgetType as int. TreeViewItemDelegate takes a name.
+/// Item data role of a value cell: an EditorWidgetType as int. TreeViewItemDelegate expects a name instead.
 constexpr int EditorKindRole = Qt::UserRole + 3;
 
 /// The editor of a feature's value.
@@ -17,7 +17,7 @@ enum EditorWidgetType : int {
     EditorSpinBox = 5, ///< never chosen for a node
 };
 
-/// What a node is shown as.
+/// How a node is displayed and edited.
 struct NodeEditor {
     EditorWidgetType editor;
     Orvo::NodeRepresentation representation;
@@ -27,6 +27,6 @@ struct NodeEditor {
     [[nodiscard]] static NodeEditor choose(Orvo::NodeType type, const QString& name,
                                            Orvo::NodeRepresentation representation, bool useNameOverrides);
 
-    /// The type as the user reads it.
+    /// The name of the type for the user.
     [[nodiscard]] static QString typeText(Orvo::NodeType type);
 };

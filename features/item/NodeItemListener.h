@@ -2,7 +2,7 @@
 
 class QString;
 
-/// What a node item asks of the view that shows it. Lives on the GUI thread.
+/// The interface of the view for its node items. Lives on the GUI thread.
 class NodeItemListener {
 public:
     /// The access mode of the item in this row has changed.
@@ -10,16 +10,16 @@ public:
 
     /// A value was written to the camera.
     virtual void setValuesWritten() = 0;
-    /// Other values may have changed: reads them all anew, without `force` only where one was written.
+    /// Other values may have changed: reads all of them again; without `force` only if one was written.
     virtual void updateAllFeatures(bool force) = 0;
     /// The trigger mode or the trigger source was written.
     virtual void triggerWritten() = 0;
-    /// While an item writes no editor opens.
+    /// Tells whether an item is writing. No editor opens meanwhile.
     virtual void setWriteInProgress(bool inProgress) = 0;
 
-    /// The OperationLogMode up to which entries are made.
+    /// The highest OperationLogMode that is logged.
     [[nodiscard]] virtual int opeLogLevel() const = 0;
-    /// Passes an entry of the operation log on. A receiver may change the text.
+    /// Emits an entry of the operation log. A receiver may change the text.
     virtual void appendOpeLog(QString& entry) = 0;
 
 protected:

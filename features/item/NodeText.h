@@ -19,6 +19,6 @@ using NodeTextOperation = Orvo::CAM_API_STATUS (*)(Orvo::CAM_HANDLE camera, Orvo
 [[nodiscard]] Orvo::CAM_API_STATUS readTextOfSize(NodeTextOperation operation, Orvo::CAM_HANDLE camera,
                                                   Orvo::CAM_NODE_HANDLE node, std::uint32_t size, QString& text);
 
-/// Both.
+/// Makes both calls.
 [[nodiscard]] Orvo::CAM_API_STATUS readText(NodeTextOperation operation, Orvo::CAM_HANDLE camera,
                                             Orvo::CAM_NODE_HANDLE node, QString& text);

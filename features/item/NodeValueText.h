@@ -7,14 +7,14 @@
 #include <cstdint>
 #include <optional>
 
-/// Values of nodes as the user reads and types them; no camera access.
+/// Conversion between node values and the texts that the user reads and types. Does not access the camera.
 
-/// "0x" and at least 8 lower-case digits; of a negative value its 64 bits.
+/// "0x" and at least 8 lower-case digits; all 64 bits for a negative value.
 [[nodiscard]] QString hexText(std::int64_t value);
 /// In the notation of the representation.
 [[nodiscard]] QString integerText(std::int64_t value, Orvo::NodeRepresentation representation);
 [[nodiscard]] QString boolText(bool value);
-/// As QString::number writes it.
+/// Formatted by QString::number().
 [[nodiscard]] QString floatText(double value, char format, std::int64_t precision);
 
 /// The text before the first blank, which separates a value from its unit. A text that begins with a blank is
@@ -22,9 +22,9 @@
 [[nodiscard]] QString withoutUnit(const QString& text);
 
 struct TypedInteger {
-    std::int64_t value; ///< what is written
-    QString text;       ///< shown after the write
+    std::int64_t value; ///< to be written
+    QString text;       ///< to be shown after the write
 };
 
-/// Nothing where the text is not a number in the notation of the representation.
+/// nullopt if the text is not a number in the notation of the representation.
 [[nodiscard]] std::optional<TypedInteger> parseInteger(const QString& text, Orvo::NodeRepresentation representation);

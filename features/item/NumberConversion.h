@@ -14,7 +14,7 @@
 /// it.
 [[nodiscard]] double stepOf(double increment);
 
-/// `value` raised to the minimum, brought to the nearest whole number of increments above it (halves upward), then
-/// lowered to the maximum, which may lie off the increments. Exact for every range of 64-bit numbers. An increment of
-/// 0 or less counts as 1, as in stepOf().
+/// Clamps `value` to the minimum, rounds it to the nearest number of increments above the minimum (halves up), then
+/// clamps it to the maximum, which need not be a multiple. Exact for every range of 64-bit numbers. An increment of 0
+/// or less counts as 1, as in stepOf().
 [[nodiscard]] long snapToIncrement(long value, long minimum, long maximum, long increment);

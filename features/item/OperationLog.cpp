@@ -93,7 +93,7 @@ static_assert(standInOrder());
 
 QString text(Fragment fragment)
 {
-    // Asked for at every access, and seldom used.
+    // Cached, because every access asks for a text although few are used.
     static const auto texts = [] {
         std::array<QString, std::size(kFragments)> all;
         std::transform(std::begin(kFragments), std::end(kFragments), all.begin(),
@@ -105,7 +105,7 @@ QString text(Fragment fragment)
 
 QString text(Fragment fragment, const QString& argument)
 {
-    // A single replacement, so that the inserted text is not searched for place markers.
+    // A single replacement, so that place markers in the inserted text are not replaced.
     return text(fragment).arg(argument);
 }
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Whether the rows are ordered by whole numbers already.
+/// Whether the rows are already ordered by an integer role.
 bool inOrder(const QAbstractItemModel& source, int role)
 {
     int last = std::numeric_limits<int>::min();

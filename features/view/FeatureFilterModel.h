@@ -7,15 +7,16 @@
 /// The rows of the feature table that pass the user level, in their order. Lives on the GUI thread.
 ///
 /// A change of filter and order is a single layout change: current index, selection and open editors stay with their
-/// rows. The base class would remove and insert one range of rows after the other, each at the cost of the whole table.
+/// rows. The base class would remove and insert the ranges of rows one by one, and each takes time in proportion to the
+/// table.
 class FeatureFilterModel : public QSortFilterProxyModel {
     Q_OBJECT
 
 public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
 
-    /// Shows the rows whose filter role matches `filter`, ordered by `role` of column 0. Where `source` is given it is
-    /// the model whose rows are shown from then on, and what they are ordered by does not change.
+    /// Shows the rows whose filter role matches `filter`, ordered by `role` of column 0. If `source` is given, it
+    /// replaces the source model, and the sort order does not change.
     void arrange(const QRegExp& filter, int role, const QAbstractItemModel* source = nullptr);
 
 protected:
@@ -24,6 +25,6 @@ protected:
 
 private:
     QRegExp m_filter;
-    mutable QHash<QString, bool> m_accepted; // the few keys that there are
+    mutable QHash<QString, bool> m_accepted; // by filter key; there are only a few
     bool m_inSourceOrder = false;
 };

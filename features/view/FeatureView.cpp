@@ -147,7 +147,7 @@ void FeatureView::showToolTip(const QHelpEvent& help)
                      m_tableView.visualRect(index));
 }
 
-/// A long description takes its room from the table, whose current row may have an editor open.
+/// A long description makes the table smaller, so scrolls to the current row, which may have an open editor.
 void FeatureView::keepCurrentRowInView(QSize before)
 {
     // Deferred: the scroll range follows the new size only after the layout.

@@ -51,15 +51,15 @@ public:
 
     // --- The rows ---------------------------------------------------------------------------------------------------
 
-    /// Shows the features of the camera, which stays open for as long as this view lives. 0, or 1 where the camera has
-    /// no node map; the table stays as it was then.
+    /// Shows the features of the camera, which must stay open as long as this view lives. Returns 0, or 1 if the camera
+    /// has no node map; the table is then unchanged.
     int SetCam(unsigned long hCam);
 
-    /// Creates the item of the node and, for a category, those of everything below it, and appends them to the list.
+    /// Creates the item of the node and, for a category, the items of its whole subtree, and appends them to the list.
     /// Items without a model are deleted with this view, or when the next camera is set.
     Orvo::CAM_API_STATUS registerItemsToList(unsigned long hNode);
 
-    /// Takes the model, whose items replace those shown before; they are deleted. The rows keep the order of the model.
+    /// Takes ownership of the model. The previous items are deleted. The rows keep the order of the model.
     void showModel(QStandardItemModel* model);
 
     /// Sample rows for developing this view without a camera: one, and nine of them.
@@ -67,8 +67,8 @@ public:
                     const QString& value, EditorWidgetType editor);
     void setFeatureDataDebug(QStandardItemModel* model);
 
-    /// The item in the value column of the row that `index` leads to, an index of the table's model or of the source
-    /// model. Null where the row has no camera node.
+    /// The item in the value column of a row. `index` belongs to the table's model or to the source model. Null if the
+    /// row has no camera node.
     [[nodiscard]] GenAPINodeItem* itemAt(const QModelIndex& index) const;
 
     /// In the order of the rows of the source model, which owns them.
@@ -169,7 +169,7 @@ private:
         QVariant background;
         QVariant foreground;
     };
-    /// Null where the model has no such column.
+    /// Null if the model has no such column.
     using RowCells = std::array<QStandardItem*, ColumnCount>;
 
     // FeatureView.cpp

@@ -46,7 +46,7 @@ Colours pairOf(const GenAPINodeItem& item)
     }
 }
 
-/// A cell mostly holds the very variant that it was given, and to compare two others is slow.
+/// Cells usually share their data with the variant that was set, and comparing separate variants is slow.
 bool isColour(const QVariant& value, const QVariant& colour)
 {
     return value.userType() == colour.userType() && (value.constData() == colour.constData() || value == colour);

@@ -1,4 +1,4 @@
-// Which rows are shown and in which order, and re-reading all of them.
+// Filters and sorts the rows, and reads all values again.
 
 #include "features/description/DescBox.h"
 #include "features/item/GenAPINodeItem.h"
@@ -42,7 +42,8 @@ const LevelPattern& patternOf(int level)
 
 } // namespace
 
-/// The widest text of a column is one of the longest, and measuring takes longer than counting.
+/// The longest texts of a column. One of them is the widest, and counting characters is faster than measuring all
+/// texts.
 class FeatureView::LongestTexts {
 public:
     void add(int length, int row)
@@ -79,7 +80,7 @@ void FeatureView::sortAndFilter(bool sortAtoZ, TC_NODE_VISIBILITY level)
     closeEditorUnlessAccepted(filter);
     m_filterModel.setFilterKeyColumn(NameColumn);
     m_filterModel.setFilterRole(LevelRole);
-    // Set before the new source, so that it is filtered and sorted only once.
+    // Set before the new source model, so that its rows are filtered and sorted only once.
     m_filterModel.arrange(filter, sortAtoZ ? static_cast<int>(Qt::DisplayRole) : static_cast<int>(ItemIndexRole),
                           m_sourceModel.get());
     m_filterModel.setSourceModel(m_sourceModel.get());
@@ -130,9 +131,9 @@ void FeatureView::fitColumns()
     for (const int column : {NameColumn, TypeColumn}) {
         if (m_tableView.isColumnHidden(column))
             continue;
-        // Of the shown rows the table itself measures a thousand. Folded ones are to be read when they appear; for
-        // their sake a column takes two fifths of the view at most: beside the types that leaves the values room for
-        // texts like "== Not Implemented ==".
+        // The table itself measures only the first thousand visible rows. Folded rows should be readable when they
+        // appear, but they make a column at most two fifths of the view wide: beside the types, that leaves the values
+        // enough room for texts like "== Not Implemented ==".
         m_tableView.resizeColumnToContents(column);
         const auto at = static_cast<std::size_t>(column);
         const int wanted = std::max(widthOf(column, shown[at]), std::min(widthOf(column, folded[at]), width() * 2 / 5));
@@ -141,7 +142,7 @@ void FeatureView::fitColumns()
     }
 }
 
-/// What the column needs for these texts.
+/// The width that the column needs for these texts.
 int FeatureView::widthOf(int column, const LongestTexts& texts) const
 {
     int widest = 0;
@@ -201,7 +202,7 @@ void FeatureView::readEveryItem()
         item->updateVals(false);
         if (item && item->text() != before)
             held.note(row, ValueColumn);
-        if (m_colouredRow != row) // an item that read its access mode had it coloured
+        if (m_colouredRow != row) // otherwise reading the access mode has already coloured the row
             setCellColor(row);
     }
     m_heldChanges = nullptr;

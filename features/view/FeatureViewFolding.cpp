@@ -1,4 +1,4 @@
-// Folding of categories, clicks and keys on rows, and the node-type column that hides where the view is narrow.
+// Folding of categories, clicks and keys on rows, and the node-type column, which is hidden if the view is narrow.
 
 #include "features/description/DescBox.h"
 #include "features/view/FeatureView.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kFoldIconWidth = 21; // a click left of it, seen from the table's left edge, folds
+constexpr int kFoldIconWidth = 21; // from the table's left edge; a click within this width folds
 
 } // namespace
 
@@ -78,7 +78,7 @@ void FeatureView::changeCollapsedState(QModelIndex index)
     SetRowCollapsedState();
 }
 
-/// The keyboard's counterpart of a click on the fold icon. True if the key was meant for a category.
+/// The keyboard equivalent of a click on the fold icon. True if the key was handled.
 bool FeatureView::foldByKey(const QKeyEvent& key)
 {
     const QModelIndex current = m_tableView.currentIndex();

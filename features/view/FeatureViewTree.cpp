@@ -31,7 +31,7 @@ int FeatureView::SetCam(unsigned long hCam)
     if (Orvo::Nd_GetNode(m_camera, "Root", &root) != Orvo::CAM_API_STS_SUCCESS || root == 0)
         return 1;
 
-    // A child that cannot be read is left out; the other features are shown.
+    // Skip a child that cannot be read; the other features are shown.
     std::uint32_t count = 0;
     Orvo::Nd_GetNumOfFeatures(m_camera, root, &count);
     for (std::uint32_t index = 0; index < count; ++index) {
@@ -55,7 +55,7 @@ CAM_API_STATUS FeatureView::registerItemsToList(unsigned long hNode)
 {
     const int before = m_items.size();
     const CAM_API_STATUS status = registerSubtree(hNode, 1);
-    // No model of this view owns them.
+    // No model owns them.
     for (int i = before; i < m_items.size(); ++i)
         m_itemsWithoutModel.emplace_back(m_items.at(i));
     return status;
