@@ -23,14 +23,14 @@ constexpr int kImages = 10;
 constexpr std::uint32_t kBuffers = 8;
 constexpr std::chrono::seconds kPatience(5);
 
-// Between the thread of the library that tells of images and the main thread that saves them.
+// Shared by the library's thread, which reports images, and the main thread, which saves them.
 struct Arrival {
     std::mutex mutex;
     std::condition_variable changed;
     std::uint64_t images = 0;
 };
 
-// Runs on a thread of the library, which waits for it to return: only note that there is an image.
+// Runs on a thread of the library, which waits for it to return. So it only counts the image.
 void imageAcquired(Orvo::CAM_HANDLE, Orvo::CAM_STRM_HANDLE, Orvo::CAM_IMAGE_INFO*, std::uint32_t, void* context)
 {
     auto& arrival = *static_cast<Arrival*>(context);
@@ -39,7 +39,7 @@ void imageAcquired(Orvo::CAM_HANDLE, Orvo::CAM_STRM_HANDLE, Orvo::CAM_IMAGE_INFO
     arrival.changed.notify_one();
 }
 
-// Every failure ends the program through this one: Sys_Terminate closes whatever is open.
+// Every failure ends the program with this exception. Sys_Terminate closes whatever is open.
 struct Failure {
     std::string what;
     Orvo::CAM_API_STATUS status;
@@ -57,7 +57,7 @@ struct Format {
     std::uint32_t pixelFormat = 0;
 };
 
-// ConvImage writes four bytes a pixel: blue, green, red, 255. A PPM file has three: red, green, blue.
+// ConvImage writes four bytes per pixel: blue, green, red, 255. A PPM file has three: red, green, blue.
 void save(const std::vector<std::uint8_t>& bgra, const Format& format, const std::string& fileName)
 {
     std::ofstream file(fileName, std::ios::binary);
@@ -89,7 +89,7 @@ void grab(const std::string& folder)
     check(Orvo::Strm_SetCallbackImageAcquired(stream, &arrival, imageAcquired), "Strm_SetCallbackImageAcquired");
     check(Orvo::Strm_Start(stream, kBuffers), "Strm_Start");
 
-    // No callback runs once the stream is stopped, so `arrival` may go when this function is left, however it is.
+    // Once the stream is stopped no callback runs, so `arrival` may be destroyed when the function returns or throws.
     struct Stopper {
         Orvo::CAM_STRM_HANDLE stream;
         ~Stopper() { static_cast<void>(Orvo::Strm_Stop(stream)); }

@@ -14,8 +14,8 @@
 
 namespace {
 
-// Texts come in two calls: the first tells the size with the closing NUL, the second fills. A text that grew in between
-// gives CAM_API_STS_BUFFER_TOO_SMALL; asking once more would do then.
+// A text takes two calls: the first returns the size including the terminating NUL, the second the text. If the text
+// has grown in between, the second returns CAM_API_STS_BUFFER_TOO_SMALL; then both would have to be repeated.
 using TextOperation = std::function<Orvo::CAM_API_STATUS(char* buffer, std::uint32_t* size)>;
 
 Orvo::CAM_API_STATUS readText(const TextOperation& operation, std::string* text)
@@ -49,7 +49,7 @@ const char* nameOf(Orvo::NodeAccessMode mode)
     }
 }
 
-// The value as text. Each kind of node has its own operation; one of another kind answers
+// The value as text. Each type of node has its own operation; for nodes of another type it returns
 // CAM_API_STS_INVALID_PARAMETER.
 Orvo::CAM_API_STATUS readValue(Orvo::CAM_HANDLE camera, Orvo::CAM_NODE_HANDLE node, Orvo::NodeType type,
                                std::string* text)

@@ -142,7 +142,7 @@ struct NodeSpec {
     double floatValue = 0;
     double floatMin = -1e300;
     double floatMax = 1e300;
-    std::uint8_t floatHasInc = 0; ///< true where it is not 0: a library may write any byte
+    std::uint8_t floatHasInc = 0; ///< true if it is not 0: a library may write any byte
     double floatInc = 0;
     std::uint8_t boolValue = 0; ///< likewise
     std::string strValue;

@@ -463,7 +463,7 @@ TEST_F(ScriptedCamera, sharedLibrariesHaveTheSonamesOfTheCameraLibraries)
     EXPECT_EQ(openCamera(0, &camera, 0, 1, nullptr, 1), 0U);
     EXPECT_EQ(width(camera, &value), 0U);
     EXPECT_EQ(value, 64U);
-    EXPECT_TRUE(scripted::calls().empty()) << "a world of its own";
+    EXPECT_TRUE(scripted::calls().empty()) << "separate state";
     dlclose(utility);
 }
 
