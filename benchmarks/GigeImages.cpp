@@ -1,8 +1,9 @@
-// What does a GigE Vision camera cost, and how fast may it send? Both processes together, in a network of its own:
+// Measures the cost of a GigE Vision camera, and how fast it can send. Covers both processes, in a separate network
+// namespace:
 //
 //     tests/cameralibs/transport/own-network build/release/bin/gige_images
 //
-// With LD_LIBRARY_PATH another build of the camera library is measured.
+// Set LD_LIBRARY_PATH to measure another build of the camera library.
 
 #include "benchmarks/Process.h"
 #include "benchmarks/Report.h"
@@ -42,8 +43,8 @@ struct Row {
     bool mayLose;
 };
 
-/// The second has as many bytes a second as 20 images of 20 million pixels: more than the sender and the receiver
-/// together manage without a loss on two cores.
+/// The second row has the data rate of 20 images of 20 million pixels per second: more than sender and receiver
+/// together can process on two cores without losses.
 constexpr Row kRows[] = {{640, 200, "Mono8", 1000, 950, false}, {2048, 2048, "RGB8", 32, 27, true}};
 
 struct Seen {
@@ -64,7 +65,7 @@ void require(CAM_API_STATUS status, const char* what)
     ++failures;
 }
 
-/// Of processes that have ended and were waited for, too: such as the transport of a camera that is closed.
+/// Includes child processes that have been waited for, such as the transport of a closed camera.
 double processorSecondsWithChildren()
 {
     rusage children{};
@@ -105,9 +106,9 @@ CAM_HANDLE open()
 }
 
 struct Streamed {
-    double rate;         ///< images a second
+    double rate;         ///< images per second
     double lost;         ///< images lost or incomplete
-    double microseconds; ///< of processor time for an image, in both processes
+    double microseconds; ///< processor time per image, in both processes
 };
 
 Streamed stream(const Row& row)
@@ -146,7 +147,7 @@ Streamed stream(const Row& row)
             static_cast<double>(sent - seen.images + seen.dropped + seen.failed), spent * 1e6 / std::max(images, 1.0)};
 }
 
-/// Repeated where images were lost: other programs may have had the processors.
+/// Repeats if images were lost, because other programs may have used the processors.
 void measureAndPrint(const Row& row)
 {
     constexpr int attempts = 3;
@@ -165,7 +166,7 @@ void measureAndPrint(const Row& row)
 
 int main()
 {
-    // It ends with its input.
+    // It exits when its input is closed.
     const auto end = [](std::FILE* input) { ::pclose(input); };
     const std::unique_ptr<std::FILE, decltype(end)> device(::popen(GIGE_CAMERA " >/dev/null", "w"), end);
     require(Sys_Initialize(CAM_LAYER_GIGE_VISION), "Sys_Initialize");

@@ -1,10 +1,10 @@
-// Does the window keep answering while a camera floods the message log?
+// Measures whether the window responds while a camera floods the message log.
 //
-// The real window with the real camera libraries and the first simulated colour camera, which sends 10,000 errors a
-// second for 10 s: in bursts of 10,000, in bursts of 1,000, and again with a full log. Prints the most processor time
-// that the GUI thread takes in one go, the longest stall of the event loop and the longest time from a callback to its
-// line in the log, each beside its goal, and ends with status 1 where one is missed. On a busy machine only the first
-// is judged. Needs a screen:
+// Uses the real window with the real camera libraries and the first simulated colour camera, which sends 10,000 errors
+// per second for 10 s: in bursts of 10,000, in bursts of 1,000, and again with a full log. Prints the most processor
+// time that the GUI thread takes without returning to its event loop, the longest stall of the event loop, and the
+// longest time from a callback to its line in the log, each with its goal. Exits with 1 if a goal is missed. On a busy
+// machine only the first figure is compared with its goal. Needs a screen:
 //
 //     tests/support/with-xvfb build/release/bin/message_log
 
@@ -41,9 +41,9 @@ using Clock = std::chrono::steady_clock;
 constexpr int kLinesPerSecond = 10000;
 constexpr int kSeconds = 10;
 constexpr int kLines = kLinesPerSecond * kSeconds;
-constexpr double quiet = 0.25; // cores that other programs may have where wall-clock times are judged
+constexpr double quiet = 0.25; // cores that other programs may use while wall-clock times count
 
-// --- Lines, numbered by the status that they show -------------------------------------------------------------------
+// --- Lines, numbered by the status in them -------------------------------------------------------------------
 
 struct Callback {
     void* context = nullptr;
@@ -63,7 +63,7 @@ void sendNumbered(Orvo::CAM_HANDLE camera, Orvo::CAM_STRM_HANDLE stream, std::ui
 
 } // namespace
 
-// Stands before the camera library's own, which it calls.
+// Overrides the camera library's function and calls it.
 extern "C" Orvo::CAM_API_STATUS Strm_SetCallbackImageError(Orvo::CAM_STRM_HANDLE stream, void* context,
                                                            Orvo::CAM_IMAGE_ERROR_CALLBACK callback)
 {
@@ -86,7 +86,7 @@ double milliseconds(Clock::duration duration)
     return std::chrono::duration<double, std::milli>(duration).count();
 }
 
-/// The number that the newest line shows, 0 where there is none.
+/// The number in the newest line, or 0 if there is none.
 std::uint32_t newestNumber(const QTextDocument& log)
 {
     const QString line = log.lastBlock().text();

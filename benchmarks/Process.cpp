@@ -13,7 +13,7 @@ namespace process {
 
 namespace {
 
-// By the clocks: what getrusage tells may be counted in ticks.
+// From the clocks, because the times of getrusage may have the resolution of ticks.
 double secondsOf(clockid_t clock)
 {
     timespec time{};

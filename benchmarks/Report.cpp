@@ -14,7 +14,7 @@ namespace {
 bool machineBusy = false;
 bool anyMissed = false;
 
-/// In three digits or more, without an exponent.
+/// With at least three digits, without an exponent.
 std::string numberText(double value)
 {
     const double size = std::abs(value);

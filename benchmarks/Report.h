@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-/// What every benchmark prints: a line for each figure, which is a row of a Markdown table.
+/// The output of every benchmark: one line per figure, which is a row of a Markdown table.
 ///
 ///     | what | figure | quartiles | goal | ok, MISSED or busy |
 namespace report {
@@ -14,7 +14,7 @@ struct Figure {
     double upper; ///< quartile
 };
 
-/// `values` is not empty.
+/// `values` must not be empty.
 [[nodiscard]] Figure figureOf(std::vector<double> values);
 
 /// A figure without a spread.
@@ -41,13 +41,13 @@ struct Goal {
     return {Goal::Kind::AtMost, bound};
 }
 
-/// Prints the line. The unit, which may be empty, stands behind the figure.
+/// Prints the line. The unit, which may be empty, follows the figure.
 void print(const std::string& what, const Figure& figure, const char* unit = "", Goal goal = {});
 
-/// The lines that follow were measured while other programs had the processors: "busy" instead of "MISSED".
+/// The lines that follow were measured while other programs used the processors: marks them "busy" instead of "MISSED".
 void setMachineBusy(bool busy);
 
-/// What the program ends with: EXIT_FAILURE where a line said MISSED.
+/// The exit status of the program: EXIT_FAILURE if a line was marked MISSED.
 [[nodiscard]] int exitStatus();
 
 } // namespace report

@@ -1,5 +1,5 @@
-// What does an image of a simulated camera cost? Processor time of one core; at most 3 ms for 1920 x 1200 pixels, and
-// in proportion for others.
+// Measures the processor time of an image of a simulated camera. The goal is 3 ms for 1920 x 1200 pixels and
+// proportional for other sizes.
 
 #include "benchmarks/Report.h"
 #include "cameralibs/base/PixelFormat.h"
@@ -32,8 +32,8 @@ double threadMs()
 }
 
 struct Cost {
-    double first;         ///< with new settings, ms
-    report::Figure image; ///< of the images after it, ms
+    double first;         ///< after new settings, ms
+    report::Figure image; ///< the following ones, ms
 };
 
 Cost measure(const ImageSettings& settings)
@@ -62,7 +62,7 @@ ImageSettings settingsOf(const CameraModel& model, std::string_view format)
     return settings;
 }
 
-/// What an image is to show. The first of them in every format, the others in a camera's first format.
+/// The contents of an image. The first one is measured in every format, the others in a camera's first format.
 struct Variant {
     const char* name;
     bool everyFormat;
@@ -109,7 +109,7 @@ constexpr Variant kVariants[] = {
     {"scene, mirrored both ways", false, mirror},
 };
 
-/// The pixels of the sensor that an image is made of, joined ones each for themselves.
+/// The number of sensor pixels in an image; binned pixels count separately.
 double sensorPixels(const ImageSettings& settings)
 {
     return static_cast<double>(settings.width) * settings.height * settings.binningX * settings.binningY;

@@ -19,7 +19,7 @@ cv::Mat resultOf(const Work& work)
     return {work.height, work.width, CV_8UC4, work.bgra};
 }
 
-// Between two passes.
+// The buffer between two passes.
 cv::Mat& bytesOf(const Work& work, int type = CV_8UC1)
 {
     static cv::Mat bytes;
@@ -32,7 +32,7 @@ Convert colour(int type, int code)
     return [=](const Work& work) { cv::cvtColor(imageOf(work, type), resultOf(work), code); };
 }
 
-// OpenCV makes B, G, R of it first.
+// OpenCV first converts to B, G, R.
 Convert edgeAware(int code)
 {
     return [=](const Work& work) {
@@ -42,7 +42,7 @@ Convert edgeAware(int code)
     };
 }
 
-// 16-bit words of `bits` bits: reduced to 8, then converted.
+// Words with `bits` bits are reduced to 8, then converted.
 Convert wordsThenColour(unsigned bits, int code)
 {
     return [=](const Work& work) {
@@ -68,7 +68,7 @@ void unpackPairs(const std::uint8_t* source, std::size_t samples, std::uint8_t* 
     }
 }
 
-// Four samples at a time, with constant shifts; the sizes measured are whole numbers of such groups.
+// Four samples at a time, with constant shifts. The measured sizes are multiples of four.
 void unpackGroups10(const std::uint8_t* source, std::size_t samples, std::uint8_t* out)
 {
     for (std::size_t i = 0; i + 4 <= samples; i += 4, source += 5) {
@@ -125,7 +125,7 @@ Convert yuvLibraryWords(unsigned bits)
     };
 }
 
-// Nobody has a function for groups of six bytes.
+// No library has a function for groups of six bytes.
 void plain411(const Work& work)
 {
     const std::uint8_t* group = work.source;
@@ -228,7 +228,7 @@ Contest yuv422(const std::string& format, std::uint32_t pfnc, int code, ToArgb a
 
 } // namespace
 
-// OpenCV names a mosaic by the pixels two rows and columns further: its "BayerBG" is the RG of the PFNC.
+// OpenCV names a mosaic after the pixels of the second row and column: its "BayerBG" is the RG of the PFNC.
 std::vector<Contest> contests()
 {
     constexpr Goals parity{0.95, 0.95, 0.95, 0.95};

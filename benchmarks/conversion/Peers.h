@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// An image to convert, and where B, G, R, alpha go.
+/// An image to convert, and the destination of B, G, R, alpha.
 struct Work {
     std::uint8_t* source;
     int width;
@@ -15,10 +15,10 @@ struct Work {
     std::uint8_t* bgra;
 };
 
-/// A goal for each of the sizes that the benchmark measures; 0 where there is none.
+/// The goals for the measured sizes; 0 if there is none.
 using Goals = std::array<double, 4>;
 
-/// Somebody else's way of doing the same, and how many times as long it is to take as ours, with AVX-512 and AVX2.
+/// Another implementation of the conversion, and the goals for its time divided by ours, with AVX-512 and AVX2.
 struct Peer {
     std::string name;
     std::function<void(const Work&)> convert;
@@ -30,11 +30,11 @@ struct Contest {
     std::string format;
     std::uint32_t pfnc;
     std::size_t bitsPerPixel;
-    double copiesAvx512; ///< of the result that ours may take as long as, from the second to the third size
+    double copiesAvx512; ///< goal for our time divided by that of memcpy, for the second and third size
     double copiesAvx2;
     std::vector<Peer> peers;
 };
 
-/// The peers: OpenCV, libyuv, and for what neither has a plain loop. Demosaicing with OpenCV is bilinear or follows
-/// edges; chroma is of limited range in both: as much work as ConvImage does, or less.
+/// The peers: OpenCV, libyuv, and a plain loop for formats that neither supports. OpenCV's demosaicing is bilinear or
+/// edge-aware, and both use limited-range chroma. This is as much work as ConvImage does, or less.
 [[nodiscard]] std::vector<Contest> contests();

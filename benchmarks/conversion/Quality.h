@@ -1,5 +1,5 @@
 #pragma once
 
-/// Prints how close colours come to the truth that a Bayer image was taken from: peak signal-to-noise ratios of ours
-/// and of OpenCV's demosaicing.
+/// Prints the peak signal-to-noise ratios between an image and its reconstruction from a Bayer mosaic, for our
+/// demosaicing and for OpenCV's.
 void printQuality();

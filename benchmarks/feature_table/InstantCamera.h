@@ -1,13 +1,13 @@
 #pragma once
 
-/// A camera of integer features that answers at once: what is measured over it is the table, not the camera. It takes
-/// the place of the camera library's node operations in the program that links it.
+/// A camera with integer features and no delay, so that the table is measured and not the camera. Replaces the node
+/// operations of the camera library in the program that links it.
 namespace instant {
 
-/// One category for each twelve features.
+/// There is one category per twelve features.
 constexpr int rowsPerCategory = 13;
 
-/// Makes a camera whose table has so many rows. Levels go round Beginner, Expert, Guru.
+/// Makes a camera whose table has this many rows. The levels alternate between Beginner, Expert and Guru.
 void setRows(int rows);
 
 /// Changes the value of every feature, and its access mode between read-write and read-only.

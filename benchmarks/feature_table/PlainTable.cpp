@@ -105,7 +105,7 @@ void PlainTable::updateAll()
 {
     for (int row = 0; row < m_items.size(); ++row) {
         m_items.at(row)->updateVals(false);
-        setCellColor(row); // as an item has it done that has read its access mode
+        setCellColor(row); // as an item requests it after reading its access mode
         setCellColor(row);
     }
 }

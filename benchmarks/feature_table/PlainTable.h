@@ -7,8 +7,8 @@
 
 class GenAPINodeItem;
 
-/// A feature table with the same rows as the feature view's, built by the plain calls of the toolkit in the order in
-/// which they come to mind: what the feature view is measured against.
+/// A feature table with the same rows as the feature view, implemented with the most straightforward calls of the
+/// toolkit. The feature view is compared with it.
 class PlainTable {
 public:
     PlainTable();
@@ -16,7 +16,7 @@ public:
     [[nodiscard]] QTableView& view() { return m_view; }
     [[nodiscard]] QStandardItemModel& model() { return m_model; }
 
-    /// Takes the items and shows them at the level.
+    /// Takes over the items and shows those of the level.
     void open(const QList<GenAPINodeItem*>& items, const char* pattern);
     void sortAndFilter(bool sortAtoZ, const char* pattern);
     void setRowCollapsedState();

@@ -38,7 +38,7 @@ std::string featureName(std::size_t number)
     return "SensorFeature" + std::to_string(number);
 }
 
-/// Makes one feature after the other, each with the nodes behind it.
+/// Generates the features one by one, each with the nodes that it depends on.
 class Maker {
 public:
     explicit Maker(std::size_t features)
@@ -64,13 +64,13 @@ public:
     [[nodiscard]] const std::string& nodes() const { return m_nodes; }
 
 private:
-    // The recipes.
+    // The kinds of feature.
 
     void selector()
     {
         m_selector = m_name;
         std::string selected;
-        for (const std::size_t distance : {3U, 7U, 13U}) { // where the features are that it selects for
+        for (const std::size_t distance : {3U, 7U, 13U}) { // distances to the selected features
             if (m_number + distance < m_features)
                 selected += tag("pSelected", featureName(m_number + distance));
         }
@@ -192,7 +192,7 @@ private:
         node("StringReg", part("Register"), place(64, 64));
     }
 
-    // What they share.
+    // Common parts.
 
     static constexpr const char* kUnsigned = "    <Sign>Unsigned</Sign>\n    <Endianess>BigEndian</Endianess>\n";
 
