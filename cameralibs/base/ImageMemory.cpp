@@ -43,8 +43,8 @@ ImageMemory::ImageMemory(std::size_t count, std::size_t bytes)
     , m_bytes(bytes)
 {
     const std::size_t page = pageSize();
-    constexpr auto largest = static_cast<std::size_t>(std::numeric_limits<off_t>::max());
-    if (bytes > largest - 2 * page || (bytes / page + 2) * page > largest / count)
+    constexpr auto kLargest = static_cast<std::size_t>(std::numeric_limits<off_t>::max());
+    if (bytes > kLargest - 2 * page || (bytes / page + 2) * page > kLargest / count)
         throw std::bad_alloc();
     m_stride = ((bytes + page - 1) / page + 1) * page;
     m_size = count * m_stride;

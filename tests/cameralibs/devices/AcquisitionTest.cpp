@@ -39,7 +39,7 @@ protected:
     // Waits for ten images of another camera. In this time an unwanted image would arrive, even on a busy machine.
     static void waitForUnwantedImages()
     {
-        const SimulatedCamera& other = switchedOn(kColor);
+        const SimulatedCamera& other = switchedOn(kColour);
         other.setInteger("Width", 320);
         other.setInteger("Height", 240);
         EXPECT_TRUE(StreamRecorder(other.handle()).waitForImages(10));

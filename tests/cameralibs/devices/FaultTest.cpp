@@ -68,7 +68,7 @@ TEST(UnplugTest, UnpluggedCameraFailsEveryOperation)
 {
     const Library library("2");
     const SimulatedCamera camera(kMono);
-    const SimulatedCamera other(kColor);
+    const SimulatedCamera other(kColour);
     const CAM_NODE_HANDLE width = camera.node("Width");
     StreamRecorder stream(camera.handle());
     ASSERT_TRUE(stream.waitForImages(2));

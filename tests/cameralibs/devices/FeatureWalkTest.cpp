@@ -319,6 +319,6 @@ TEST_P(FeatureWalkTest, ColourFeaturesAreImplementedByColourCamerasOnly)
     EXPECT_EQ(m_camera.choice("PixelColorFilter"), colour ? "BayerRG" : "None");
 }
 
-INSTANTIATE_TEST_SUITE_P(BuiltIn, FeatureWalkTest, ::testing::Values(kMono, kColor, kLarge));
+INSTANTIATE_TEST_SUITE_P(BuiltIn, FeatureWalkTest, ::testing::Values(kMono, kColour, kLarge));
 
 } // namespace

@@ -270,7 +270,7 @@ TEST_P(FormatTest, ImagesOfEveryPixelFormatAreComplete)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(BuiltIn, FormatTest, ::testing::Values(kMono, kColor, kLarge));
+INSTANTIATE_TEST_SUITE_P(BuiltIn, FormatTest, ::testing::Values(kMono, kColour, kLarge));
 
 class SensorTest : public BuiltInTest {};
 
@@ -290,7 +290,7 @@ class ColourImageTest : public BuiltInTest {};
 // The colours of the chart are the same in every format, and the balance changes them.
 TEST_F(ColourImageTest, ChartHasItsColoursInEveryFormat)
 {
-    const SimulatedCamera& camera = switchedOn(kColor);
+    const SimulatedCamera& camera = switchedOn(kColour);
     const std::uint32_t blue = 80 + 110 * 4 + 55; // the fifth of six patches, 110 wide each
     const auto patch = [&](std::uint32_t x) {
         // If the orange ball covers the patch, take another image.

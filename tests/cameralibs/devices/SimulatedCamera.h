@@ -22,7 +22,7 @@ public:
 
 /// The built-in cameras, by index.
 constexpr std::uint32_t kMono = 0;
-constexpr std::uint32_t kColor = 1;
+constexpr std::uint32_t kColour = 1;
 constexpr std::uint32_t kLarge = 2;
 constexpr std::uint32_t kBuiltIn = 3;
 

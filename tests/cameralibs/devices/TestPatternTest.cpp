@@ -83,7 +83,7 @@ TEST_F(TestPatternTest, ColorBarsInEveryFormat)
 {
     constexpr std::uint32_t kBars[] = {0xFFFFFFFF, 0xFFFFFF00, 0xFF00FFFF, 0xFF00FF00,
                                        0xFFFF00FF, 0xFFFF0000, 0xFF0000FF, 0xFF000000};
-    const SimulatedCamera& camera = switchedOn(kColor);
+    const SimulatedCamera& camera = switchedOn(kColour);
     camera.choose("TestPattern", "ColorBar");
     for (const std::string& format : camera.entries("PixelFormat")) {
         SCOPED_TRACE(format);
