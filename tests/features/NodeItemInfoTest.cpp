@@ -28,7 +28,21 @@ private slots:
     void markers();
     void otherTypes_data();
     void otherTypes();
+
+private:
+    static void expectText(const scripted::NodeSpec& spec);
 };
+
+/// Expects the data row's text, without a further call of the camera.
+void NodeItemInfoTest::expectText(const scripted::NodeSpec& spec)
+{
+    NodeBench bench({spec});
+    const auto item = bench.item();
+    item->updateVals(true);
+    scripted::clearCalls();
+    QTEST(item->getAdditionalInfo(), "text");
+    QCOMPARE(NodeBench::calls(), QStringList());
+}
 
 void NodeItemInfoTest::integers_data()
 {
@@ -63,12 +77,7 @@ void NodeItemInfoTest::integers()
     spec.intMin = minimum;
     spec.intMax = maximum;
     spec.intInc = increment;
-    NodeBench bench({spec});
-    const auto item = bench.item();
-    item->updateVals(true);
-    scripted::clearCalls();
-    QTEST(item->getAdditionalInfo(), "text");
-    QCOMPARE(NodeBench::calls(), QStringList());
+    expectText(spec);
 }
 
 void NodeItemInfoTest::floats_data()
@@ -101,12 +110,7 @@ void NodeItemInfoTest::floats()
     spec.floatMax = maximum;
     spec.floatHasInc = hasIncrement ? 1 : 0;
     spec.floatInc = 0.25;
-    NodeBench bench({spec});
-    const auto item = bench.item();
-    item->updateVals(true);
-    scripted::clearCalls();
-    QTEST(item->getAdditionalInfo(), "text");
-    QCOMPARE(NodeBench::calls(), QStringList());
+    expectText(spec);
 }
 
 void NodeItemInfoTest::rangeThatWasNeverRead()
