@@ -50,7 +50,7 @@ ImageMemory::ImageMemory(std::size_t count, std::size_t bytes)
     m_size = count * m_stride;
 
     m_descriptor = ::memfd_create("images", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-    // What a program that has closed its standard descriptors writes to those must not get into images.
+    // Avoid the standard descriptors in case the program has closed them: its output would be written to images.
     if (m_descriptor >= 0 && m_descriptor <= STDERR_FILENO)
         ::close(std::exchange(m_descriptor, ::fcntl(m_descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)));
     // A process that shares the memory can neither truncate it under a reader nor make it grow.

@@ -20,7 +20,7 @@ void setLogLevel(const char* level);
 /// journal. `camera` may be empty. Both texts may come from a camera: bytes that are not text are escaped. Thread-safe.
 void log(Severity severity, std::string_view camera, std::string_view text) noexcept;
 
-/// The same with a text that is composed only if it is written. Lack of memory costs the line, nothing else.
+/// The same with a text that is composed only if it is written. If there is not enough memory, only the line is lost.
 template <class Compose> void logText(Severity severity, std::string_view camera, Compose&& compose) noexcept
 {
     if (!logs(severity))

@@ -22,10 +22,10 @@ constexpr auto Bits = SamplePacking::Bits;
 constexpr auto Bits32 = SamplePacking::Bits32;
 constexpr auto Pairs = SamplePacking::Pairs;
 
-// Names and values as in the PFNC that the EMVA publishes; "Packed" ones as in GigE Vision. Left out: samples of fewer
-// than 8 or more than 16 bits, signed ones, BT.2020, one or two colours alone (R8, BiColorRGBG8 and the like), the
-// packed RGB of early GigE Vision (RGB10V1Packed, RGB12V1Packed), and what is no image of light (3D, confidence, raw
-// data).
+// Names and values from the PFNC published by the EMVA; those with "Packed" from GigE Vision. Not included: samples of
+// fewer than 8 or more than 16 bits, signed samples, BT.2020, formats with only one or two colours (R8, BiColorRGBG8
+// and the like), the packed RGB of early GigE Vision (RGB10V1Packed, RGB12V1Packed), and data other than images (3D,
+// confidence, raw data).
 constexpr std::array<PixelFormat, 141> kPixelFormats{{
     {"Mono8", 0x01080001, Mono, 8, Unpacked, "Y"},
     {"Mono10", 0x01100003, Mono, 10, Unpacked, "Y"},

@@ -89,8 +89,7 @@ public:
     [[nodiscard]] virtual Outcome description(std::string& xml) = 0;
 
     /// Opens a source that fills `buffers`. Each holds at least the camera's payload size; these and the ones that the
-    /// sink returns lie in `memory`. The sink, the memory and the buffers must outlive the source, and the device must,
-    /// too.
+    /// sink returns lie in `memory`. The device, the sink, the memory and the buffers must outlive the source.
     [[nodiscard]] virtual Outcome openSource(FrameSink& sink, const ImageMemory& memory,
                                              const std::vector<FrameBuffer*>& buffers,
                                              std::unique_ptr<FrameSource>& source) = 0;

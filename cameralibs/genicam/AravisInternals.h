@@ -9,12 +9,12 @@
 
 namespace cameralibs {
 
-// What the evaluation of descriptions takes from Aravis beyond its documented interface; checked against Aravis 0.8.26.
-// Each function checks at run time that the version in use behaves alike. Where it does not, the function says so in
-// the log, once, and the library does without. What the transport takes is in transport/ControlTraffic.h.
+// The undocumented behaviour of Aravis that the evaluation of descriptions relies on; checked against Aravis 0.8.26.
+// Each function checks at run time that the version in use behaves the same. If it does not, the function logs that
+// once, and the library works without it. The transport has its own list in transport/ControlTraffic.h.
 
 /// Whether the error of an ArvEvaluator is a division by zero. Aravis does not export the code, so the first call
-/// learns it from formulas. Where the code cannot be told from that of a malformed formula, the answer is always false.
+/// learns it from formulas. If a malformed formula gives the same code, the answer is always false.
 [[nodiscard]] bool isDivisionByZero(const GError& error);
 
 /// The code that isDivisionByZero() recognises, from the codes that a division by zero and a malformed formula give.
@@ -24,8 +24,8 @@ namespace cameralibs {
 constexpr std::size_t kNoMatch = static_cast<std::size_t>(-1);
 
 /// Aravis lists the entries of an enumeration in reverse order, and cannot find them by name. For each name that Aravis
-/// lists, returns its index in `described`, or kNoMatch. In another order, names decide: the first of several equal
-/// ones.
+/// lists, returns its index in `described`, or kNoMatch. If the order is different, matches by name; of several equal
+/// names, the first one.
 [[nodiscard]] std::vector<std::size_t> matchEntries(const std::vector<std::string_view>& described,
                                                     const std::vector<std::string_view>& listed);
 

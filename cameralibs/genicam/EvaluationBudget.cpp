@@ -8,7 +8,7 @@ namespace cameralibs {
 
 namespace {
 
-/// So many steps take a few tenths of a millisecond.
+/// This many steps take a few tenths of a millisecond.
 constexpr std::uint64_t kUntimedSteps = 1024;
 
 thread_local EvaluationBudget* current = nullptr;
@@ -36,8 +36,8 @@ EvaluationBudget::~EvaluationBudget()
 
 void EvaluationBudget::begin()
 {
-    m_beganOnTheWall = Clock::now();
-    m_began = processorTime();
+    m_wallTimeAtBegin = Clock::now();
+    m_processorTimeAtBegin = processorTime();
 }
 
 void EvaluationBudget::expect(const std::string& node, std::uint64_t steps)
@@ -46,7 +46,7 @@ void EvaluationBudget::expect(const std::string& node, std::uint64_t steps)
         return;
     if (steps > kUntimedSteps)
         current->m_node = node;
-    if (current->m_began) {
+    if (current->m_processorTimeAtBegin) {
         current->checkTime();
         return;
     }
@@ -57,14 +57,14 @@ void EvaluationBudget::expect(const std::string& node, std::uint64_t steps)
 
 void EvaluationBudget::check()
 {
-    if (current != nullptr && current->m_began)
+    if (current != nullptr && current->m_processorTimeAtBegin)
         current->checkTime();
 }
 
 // Processor time never exceeds wall time, whose clock is cheaper to read, so check that one first.
 void EvaluationBudget::checkTime() const
 {
-    if (Clock::now() - m_beganOnTheWall <= m_limit || processorTime() - *m_began <= m_limit)
+    if (Clock::now() - m_wallTimeAtBegin <= m_limit || processorTime() - *m_processorTimeAtBegin <= m_limit)
         return;
     throw Failure(Orvo::CAM_API_STS_GENICAM_ERR, (m_node.empty() ? "" : "[" + m_node + "] ") +
                                                      "The evaluation of the description takes more than " +

@@ -42,8 +42,8 @@ private:
     const std::chrono::milliseconds m_limit;
     std::uint64_t m_untimedSteps = 0;
     std::string m_node; ///< the last node with many steps, for the error text
-    std::optional<std::chrono::nanoseconds> m_began;
-    Clock::time_point m_beganOnTheWall;
+    std::optional<std::chrono::nanoseconds> m_processorTimeAtBegin;
+    Clock::time_point m_wallTimeAtBegin;
 };
 
 } // namespace cameralibs

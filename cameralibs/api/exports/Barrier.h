@@ -1,7 +1,8 @@
 #pragma once
 
 /// The common frame of all exported functions: it checks the library's state, the handles and the pointers in the
-/// documented order, turns exceptions into statuses and keeps the text of the last GenICam error.
+/// documented order, copies texts to the caller, turns exceptions into statuses and keeps the text of the last GenICam
+/// error.
 
 #include "cameralibs/api/Camera.h"
 #include "cameralibs/api/Stream.h"

@@ -12,7 +12,7 @@ using namespace Orvo;
 
 namespace {
 
-/// Aravis evaluates recursively and does not share results, so both the depth and the number of steps need a limit. A
+/// Aravis evaluates recursively and does not reuse results, so both the depth and the number of steps need a limit. A
 /// step takes about a quarter of a microsecond, more if it reads a register.
 constexpr std::uint32_t kMaxDepth = 256;
 constexpr std::uint64_t kMaxSteps = 65536;
@@ -83,7 +83,7 @@ void checkTotal(const Description& description)
         throw Failure(CAM_API_STS_GENICAM_ERR, "[Root] The evaluation of all features takes too many steps");
 }
 
-void passOn(Description& description, const Evaluation& evaluation)
+void propagate(Description& description, const Evaluation& evaluation)
 {
     DescribedNode& node = description.node(evaluation.node);
     Answerable& answerable = node.to(evaluation.question);
@@ -124,7 +124,7 @@ void checkEvaluation(Description& description)
             refuse(description, vertex, "The node's evaluation takes too many steps");
         const Evaluation evaluation = Evaluation::of(vertex);
         description.node(evaluation.node).to(evaluation.question).steps = report.reached[vertex];
-        passOn(description, evaluation);
+        propagate(description, evaluation);
     }
     for (NodeId id = 0; id < description.size(); ++id) {
         if (stepsOfEntries(description, description.node(id)) > kMaxSteps)

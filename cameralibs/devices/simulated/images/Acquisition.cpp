@@ -131,7 +131,7 @@ Acquisition::Next Acquisition::waitForNext()
 
 bool Acquisition::mayExpose() const
 {
-    if (!m_active || !m_connected || m_settings.trigger == TriggerKind::NeverComing)
+    if (!m_active || !m_connected || m_settings.trigger == TriggerKind::Unconnected)
         return false;
     return m_settings.trigger == TriggerKind::None || m_triggers > 0;
 }

@@ -59,7 +59,7 @@ struct ImageSettings {
     [[nodiscard]] bool operator!=(const ImageSettings& other) const { return !(*this == other); }
 };
 
-enum class TriggerKind : std::uint8_t { None, Software, NeverComing };
+enum class TriggerKind : std::uint8_t { None, Software, Unconnected };
 
 struct FrameSettings {
     ImageSettings image;

@@ -122,7 +122,7 @@ TriggerKind trigger(const RegisterMemory& memory)
 {
     if (!memory.flag(registerNamed("TriggerMode")))
         return TriggerKind::None;
-    return memory.integer(registerNamed("TriggerSource")) == 0 ? TriggerKind::Software : TriggerKind::NeverComing;
+    return memory.integer(registerNamed("TriggerSource")) == 0 ? TriggerKind::Software : TriggerKind::Unconnected;
 }
 
 } // namespace
