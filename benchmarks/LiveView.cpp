@@ -1,9 +1,9 @@
-// How well does the viewer keep up with a camera, at 1920 x 1200 pixels and 60 images a second as well as at 5472 x
-// 3648 and 20, and does it stay as it is?
+// Measures how well the viewer keeps up with a camera, at 1920 x 1200 pixels and 60 images per second and at 5472 x
+// 3648 pixels and 20 images per second, and whether its memory use is constant.
 //
-// The real window with the real camera libraries and simulated colour cameras. Prints each figure beside its goal and
-// ends with status 1 where one is missed. A round that other programs disturbed is repeated; where all were, what
-// misses its goal is called "busy". Needs a screen:
+// Uses the real window with the real camera libraries and simulated colour cameras. Prints each figure with its goal
+// and exits with 1 if a goal is missed. A round that other programs disturbed is repeated; if all were disturbed,
+// missed goals are marked "busy". Needs a screen:
 //
 //     tests/support/with-xvfb build/release/bin/live_view
 
@@ -45,7 +45,7 @@ struct Callback {
 Callback viewerCallback;
 std::atomic<std::uint64_t> lastFrame{0};
 std::atomic<std::uint64_t> lostImages{0};
-std::vector<double> callbackMicroseconds; // of the camera's thread while it runs
+std::vector<double> callbackMicroseconds; // processor time of the camera's thread
 std::vector<double> lookUpMicroseconds;   // of these, the call into the library
 
 double microsecondsSince(std::chrono::steady_clock::time_point begin)
@@ -121,7 +121,7 @@ void startToWindow()
     report::print("start to window on screen", report::figureOf(seconds), "s", report::atMost(0.5));
 }
 
-// --- Cameras that are as fast as they can ---------------------------------------------------------------------------
+// --- Cameras at full speed ---------------------------------------------------------------------------
 
 struct Road {
     const char* model;
@@ -131,8 +131,8 @@ struct Road {
     int width;
     int height;
     double imagesPerSecond;
-    double shownAtLeast; ///< a second; at most one image every 26 ms is converted
-    double coreAtMost;   ///< per cent, the camera included
+    double shownAtLeast; ///< per second; at most one image every 26 ms is converted
+    double coreAtMost;   ///< per cent, including the camera
 };
 
 constexpr Road roads[] = {
@@ -153,7 +153,7 @@ void openCamera(WindowDriver& driver, const Road& road)
     }
 }
 
-/// Milliseconds of processor time that ConvImage takes for an image, where it does nothing else.
+/// Milliseconds of processor time that ConvImage takes for an image when nothing else runs.
 report::Figure conversionMs(const Road& road)
 {
     constexpr int rounds = 20;
@@ -178,7 +178,7 @@ report::Figure conversionMs(const Road& road)
     return report::figureOf(times);
 }
 
-/// What a running stream has used so far.
+/// The resources that a running stream has used so far.
 struct Used {
     double wall;
     double process = process::processorSeconds();
@@ -189,16 +189,16 @@ struct Used {
     int shown = 0;
 };
 
-/// Between two rates that the window reports, 2 seconds and a bit.
+/// Measured between two rates that the window reports, a little more than 2 seconds.
 struct Round {
-    std::vector<double> shown; ///< a second
+    std::vector<double> shown; ///< per second
     std::vector<double> captured;
     std::vector<double> core; ///< per cent
     std::vector<double> gui;
     std::vector<double> display;
-    std::vector<double> faults; ///< per image shown
+    std::vector<double> faults; ///< per displayed image
     double lost = 0;
-    double others = 0; ///< cores that other programs had, the X server included
+    double others = 0; ///< cores that other programs used, including the X server
 };
 
 Round measureRound(WindowDriver& driver, const ShownImages& images)
@@ -278,7 +278,7 @@ void drive(WindowDriver& driver, const ShownImages& images, const Road& road)
     report::setMachineBusy(false);
 }
 
-// --- Flat over time ------------------------------------------------------------------------------------------------
+// --- Memory over time ------------------------------------------------------------------------------------------------
 
 template <typename Cycle> void flat(const char* what, int cycles, const Cycle& cycle)
 {
@@ -290,7 +290,7 @@ template <typename Cycle> void flat(const char* what, int cycles, const Cycle& c
     for (int i = warmUp; i < cycles; ++i)
         cycle();
     const QString name = QString("%1 x %2").arg(cycles).arg(what);
-    constexpr double noise = 1; // MiB: the allocator's own ups and downs
+    constexpr double noise = 1; // MiB: fluctuations of the allocator
     report::print((name + ", memory gained").toStdString(), report::single(process::residentMiB() - memory), "MiB",
                   report::atMost(noise));
     report::print((name + ", threads gained").toStdString(),

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-/// What the operating system says of this process and of the machine.
+/// Statistics of the operating system about this process and the machine.
 namespace process {
 
 /// Seconds of processor time, user and system, of all threads.
@@ -14,11 +14,11 @@ namespace process {
 /// Seconds of processor time of the calling thread.
 [[nodiscard]] double threadSeconds();
 
-/// Seconds of processor time so far of the threads of this process that have this name, as the kernel keeps it: at most
-/// 15 bytes. Threads that have ended do not count.
+/// Seconds of processor time so far of the threads of this process with this name, which the kernel truncates to 15
+/// bytes. Does not include threads that have ended.
 [[nodiscard]] double secondsOfThreads(const std::string& name);
 
-/// Seconds that the processors of the machine were busy since it started.
+/// Seconds for which the processors of the machine have been busy since it was booted.
 [[nodiscard]] double machineSeconds();
 
 /// How many processors other programs have used since this was made: 0.5 is half of one.
@@ -35,7 +35,7 @@ private:
 /// With more than this, what misses a goal is measured again or called "busy".
 constexpr double kBusy = 0.25;
 
-/// Pages that this process was given or had to wait for.
+/// Page faults of this process, minor and major.
 [[nodiscard]] std::int64_t pageFaults();
 
 /// Resident memory in MiB.

@@ -104,7 +104,7 @@ struct Result {
     std::vector<double> ours; // milliseconds
     std::vector<double> copies;
     std::vector<double> ratioToCopies;
-    std::vector<std::vector<double>> ratios; // one for each peer
+    std::vector<std::vector<double>> ratios; // one per peer
     double otherPrograms = 0;
 };
 

@@ -38,7 +38,7 @@ cv::Mat zonePlate()
     return bgrOf(gray);
 }
 
-// Drawn four times as large, that edges fall between pixels.
+// Drawn at four times the size, so that edges are between pixels.
 cv::Mat drawnLarge(const std::function<void(cv::Mat&)>& draw)
 {
     constexpr int times = 4;
@@ -76,7 +76,7 @@ cv::Mat text()
     });
 }
 
-// Noise of all sizes, more of the larger ones, with colours that change less than brightness.
+// Noise at all scales, stronger at larger ones, with less variation in colour than in brightness.
 cv::Mat texture()
 {
     cv::RNG random(7);
@@ -140,7 +140,7 @@ cv::Mat theirs(const cv::Mat& mosaic, int code)
     return bgr;
 }
 
-// Without the edges, which every method treats in its own way.
+// Without the edges, which every method treats differently.
 double decibels(const cv::Mat& truth, const cv::Mat& result)
 {
     const cv::Rect inner(4, 4, width - 8, height - 8);

@@ -1,9 +1,9 @@
-// Does the feature table stay quick with thousands of rows?
+// Measures whether the feature table stays fast with thousands of rows.
 //
-// Each step of the feature view beside the same step made by the plain calls of the toolkit (PlainTable), in turn
-// within one run, at three sizes. Prints the times, their ratios, and how the time of the feature view grows: the
-// exponent e of rows^e between two sizes. Reading from the camera and painting are left out. Ends with status 1 where a
-// goal is missed. Times differ between machines and hours; ratios are what counts.
+// Compares each step of the feature view with the same step implemented with straightforward calls of the toolkit
+// (PlainTable), alternately and at three sizes. Prints the times, their ratios, and the growth of the feature view's
+// time: the exponent e of rows^e between two sizes. Excludes reading from the camera and painting. Exits with 1 if a
+// goal is missed. Times vary with the machine and its load; the ratios are what matters.
 //
 //     QT_QPA_PLATFORM=offscreen build/release/bin/feature_table [rounds]
 
@@ -32,8 +32,7 @@ namespace {
 constexpr std::array<int, 3> kSizes = {200, 2000, 20000};
 constexpr double kNoLimit = 1e9;
 
-// What is measured, with the most that the feature view may take of the plain table's time at each size, and the
-// largest exponents from size to size.
+// The steps, with the largest ratio to the plain table's time at each size and the largest exponents between sizes.
 enum Step {
     Open,
     ReadUnchanged,
@@ -66,14 +65,13 @@ constexpr StepLimits kLimits[] = {
 };
 static_assert(std::size(kLimits) == StepCount);
 
-/// Keeps widgets from painting: a screenful of rows costs the same whatever the number of rows.
+/// Suppresses painting, because a screenful of rows costs the same whatever the number of rows.
 class PaintEater : public QObject {
 protected:
     bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::Paint; }
 };
 
-/// Processor time, as other programs shall not count. What the event loop does afterwards is not of the step: it
-/// paints.
+/// Processor time, so that other programs do not count. Excludes the event loop afterwards, which paints.
 double milliseconds(const std::function<void()>& step)
 {
     const std::clock_t start = std::clock();
@@ -83,10 +81,10 @@ double milliseconds(const std::function<void()>& step)
     return 1000.0 * static_cast<double>(end - start) / CLOCKS_PER_SEC;
 }
 
-/// The times of each step, a table of one size opened again and again.
+/// The times of each step for a table of one size that is opened repeatedly.
 struct Times {
     std::array<std::vector<double>, StepCount> steps;
-    std::vector<double> makingItems; // what opening and reading take without a table
+    std::vector<double> makingItems; // the time of opening and reading without a table
     std::vector<double> readingItems;
 
     /// Without the camera's part of each round.
@@ -223,7 +221,7 @@ int main(int argc, char** argv)
         Times warmUp;
         measureFeatureView(kSizes[0], warmUp);
         measurePlainTable(kSizes[0], warmUp);
-        // The plain table takes seconds a step at the largest size.
+        // At the largest size a step of the plain table takes seconds.
         const int plainRounds = size + 1 == kSizes.size() ? std::min(rounds, 3) : rounds;
         for (int round = 0; round < rounds; ++round) {
             measureFeatureView(kSizes[size], ours[size]);

@@ -1,4 +1,4 @@
-// What does it take to open a camera with a maker's description, to show its features, and to close it?
+// Measures how long it takes to open a camera with a maker's description, to show its features, and to close it.
 //
 // Every round measures each step once, in turn; printed are medians and quartiles. It is the processor time of the
 // whole process that counts, so that other programs do not, and nothing is hidden on another thread. Steps with a peer
@@ -8,7 +8,7 @@
 //
 //     QT_QPA_PLATFORM=offscreen build/release/bin/opening [--rounds N] [--features N] [--write FILE]
 //
-// With --write the description goes to that file, and nothing is measured.
+// With --write it only writes the description to the file.
 
 #include "benchmarks/Report.h"
 #include "benchmarks/opening/MakerDescription.h"
@@ -51,7 +51,7 @@ double milliseconds(const std::function<void()>& step)
     return 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-/// What every round tells.
+/// The results of all rounds.
 struct Figures {
     std::vector<double> map;
     std::vector<double> open;
@@ -169,7 +169,7 @@ private:
     cameralibs::GObjectPointer<ArvGc> m_gc;
 };
 
-/// What any camera takes once its description was fetched.
+/// The work for any camera after its description has been read.
 double timeOfMap(const std::string& xml)
 {
     std::unique_ptr<cameralibs::NodeMap> map;
@@ -218,7 +218,7 @@ void write(const QString& path, const std::string& xml)
     require(file.open(QIODevice::WriteOnly) && file.write(xml.data(), size) == size && file.flush(), "writing");
 }
 
-/// The status of the process.
+/// Returns the exit status.
 int run(int rounds, const std::string& xml)
 {
     QTemporaryDir folder;
