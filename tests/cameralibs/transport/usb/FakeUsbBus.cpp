@@ -1,5 +1,7 @@
 #include "tests/cameralibs/transport/usb/FakeUsbBus.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -21,6 +23,12 @@ namespace {
 /// Where the bus lies, for a process that has been given one.
 constexpr const char* kBusVariable = "ORVO_FAKE_USB_BUS";
 
+// What a bus is like from the start.
+constexpr const char* kFaultVariable = "ORVO_FAKE_USB_FAULT";     ///< name of a fault
+constexpr const char* kCamerasVariable = "ORVO_FAKE_USB_CAMERAS"; ///< how many are plugged in
+
+constexpr std::array<const char*, kPorts> kSerials = {"U01", "U02"};
+
 [[noreturn]] void giveUp(const char* what)
 {
     std::perror(what);
@@ -29,7 +37,6 @@ constexpr const char* kBusVariable = "ORVO_FAKE_USB_BUS";
 
 const std::string& description()
 {
-    // Read before a transport closes itself the file system.
     static const std::string text = [] {
         std::ifstream file(USB_CAMERA_DESCRIPTION);
         return std::string(std::istreambuf_iterator<char>(file), {});
@@ -45,13 +52,49 @@ Bus& map(int descriptor)
     return *static_cast<Bus*>(begin);
 }
 
-void plugInto(Bus& bus)
+void plugInto(Bus& bus, int port)
 {
-    ++bus.generation;
-    bus.present = 1;
-    bus.answerSize = 0;
-    bus.camera = {};
-    FakeCamera(bus.camera, description()).reset();
+    Port& plugged = bus.ports.at(static_cast<std::size_t>(port));
+    const std::uint32_t generation = plugged.generation;
+    const std::uint32_t left = plugged.left;
+    plugged = {};
+    plugged.generation = generation + 1;
+    plugged.left = left;
+    plugged.present = 1;
+    FakeCamera(plugged.camera).reset(kSerials.at(static_cast<std::size_t>(port)), description());
+    if (port == 0)
+        bus.fault = -1;
+}
+
+void setFaultOf(Bus& bus, const Fault& fault, int times)
+{
+    bus.fault = static_cast<std::int32_t>(&fault - faults().data());
+    bus.faultTimes = times;
+    if (const MemoryFault* const change = std::get_if<MemoryFault>(&fault.show)) {
+        FakeCamera camera(bus.ports[0].camera);
+        (*change)(camera);
+        ++bus.faultsShown;
+    }
+}
+
+/// What the environment says of a new bus. It is read before there are threads.
+void prepare(Bus& bus)
+{
+    const char* const cameras = std::getenv(kCamerasVariable); // NOLINT(concurrency-mt-unsafe)
+    const int count = cameras == nullptr ? 1 : std::atoi(cameras);
+    for (int port = 0; port < std::min(count, kPorts); ++port)
+        plugInto(bus, port);
+    const char* const name = std::getenv(kFaultVariable); // NOLINT(concurrency-mt-unsafe)
+    if (name == nullptr)
+        return;
+    const Fault* const fault = faultNamed(name);
+    if (fault == nullptr) {
+        std::fprintf(stderr, "%s: there is no fault \"%s\", but these:\n", kFaultVariable, name);
+        for (const Fault& known : faults())
+            std::fprintf(stderr, "  %s\n", known.name);
+        std::exit(2); // NOLINT(concurrency-mt-unsafe)
+    }
+    setFaultOf(bus, *fault, kForEver);
 }
 
 Bus& makeBus()
@@ -68,7 +111,8 @@ Bus& makeBus()
     ::pthread_mutexattr_destroy(&attributes);
     bus.announced = 1;
     bus.answered = 1;
-    plugInto(bus);
+    bus.fault = -1;
+    prepare(bus);
     const std::string path = "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(descriptor);
     ::setenv(kBusVariable, path.c_str(), 1); // NOLINT(concurrency-mt-unsafe): before there are threads
     ::setenv("LD_PRELOAD", FAKE_LIBUSB, 1);  // NOLINT(concurrency-mt-unsafe)
@@ -82,7 +126,6 @@ Bus& openBus(const char* path)
         giveUp(path);
     Bus& bus = map(descriptor);
     ::close(descriptor);
-    (void)description();
     return bus;
 }
 
@@ -95,7 +138,7 @@ Bus& theBus()
     return bus;
 }
 
-/// In a transport there is no file to open any more when the bus is first asked for.
+/// A transport has closed itself the file system when it first asks for the bus.
 const Bus& openedEarly = theBus();
 
 } // namespace
@@ -124,18 +167,35 @@ void LockedBus::yield()
     lock();
 }
 
-FakeCamera LockedBus::camera() const
+FakeCamera LockedBus::camera(int port) const
 {
-    return {m_bus.camera, description()};
+    return FakeCamera(m_bus.ports.at(static_cast<std::size_t>(port)).camera);
 }
 
-void LockedBus::unplug()
+void LockedBus::plugIn(int port)
 {
-    if (m_bus.present == 0)
+    plugInto(m_bus, port);
+}
+
+void LockedBus::unplug(int port)
+{
+    Port& plugged = m_bus.ports.at(static_cast<std::size_t>(port));
+    if (plugged.present == 0)
         return;
-    m_bus.present = 0;
+    plugged.present = 0;
     if (m_bus.announced != 0)
-        m_bus.left = m_bus.generation;
+        plugged.left = plugged.generation;
+}
+
+void LockedBus::setFault(const Fault& fault, int times)
+{
+    setFaultOf(m_bus, fault, times);
+}
+
+void LockedBus::countFault()
+{
+    ++m_bus.faultsShown;
+    m_bus.faultTimes -= m_bus.faultTimes > 0 ? 1 : 0;
 }
 
 void LockedBus::pass(Moment moment)
@@ -149,16 +209,58 @@ void LockedBus::pass(Moment moment)
     }
 }
 
-void plugIn()
-{
-    const LockedBus bus;
-    plugInto(*bus);
-}
-
-void unplug()
+void plugIn(int port)
 {
     LockedBus bus;
-    bus.unplug();
+    bus.plugIn(port);
+}
+
+void unplug(int port)
+{
+    LockedBus bus;
+    bus.unplug(port);
+}
+
+bool setFault(const std::string& name, int times)
+{
+    const Fault* const fault = faultNamed(name);
+    LockedBus bus;
+    bus->faultsShown = 0;
+    if (fault != nullptr)
+        bus.setFault(*fault, times);
+    return fault != nullptr;
+}
+
+void clearFault()
+{
+    const LockedBus bus;
+    bus->fault = -1;
+}
+
+int faultsShown()
+{
+    const LockedBus bus;
+    return bus->faultsShown;
+}
+
+std::vector<std::string> faultNames()
+{
+    std::vector<std::string> names;
+    for (const Fault& fault : faults())
+        names.emplace_back(fault.name);
+    return names;
+}
+
+void useAsynchronousMode(bool asynchronous)
+{
+    const LockedBus bus;
+    bus->asynchronous = asynchronous ? 1 : 0;
+}
+
+int asynchronousTransfers()
+{
+    const LockedBus bus;
+    return bus->asynchronousTransfers;
 }
 
 void unplugAtCommand(int n)
@@ -196,13 +298,19 @@ bool signalSent()
 std::uint32_t value(std::uint64_t address)
 {
     const LockedBus bus;
-    return bus.camera().value(address);
+    return bus.camera(0).value(address);
 }
 
 void setValue(std::uint64_t address, std::uint32_t value)
 {
     const LockedBus bus;
-    bus.camera().setValue(address, value);
+    bus.camera(0).setValue(address, value);
+}
+
+std::uint64_t imagesSent()
+{
+    const LockedBus bus;
+    return bus->ports[0].camera.image;
 }
 
 int commands()

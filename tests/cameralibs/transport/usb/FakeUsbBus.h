@@ -2,33 +2,56 @@
 
 #include "tests/cameralibs/transport/usb/FakeUsb.h"
 #include "tests/cameralibs/transport/usb/FakeUsbCamera.h"
+#include "tests/cameralibs/transport/usb/Faults.h"
 
 #include <array>
 #include <cstdint>
+#include <variant>
 
 #include <pthread.h>
 
 namespace usb {
 
+/// An answer on its way, see Faults.h.
+struct StoredAnswer {
+    std::array<std::uint8_t, 1040> bytes;
+    std::uint32_t size;
+    std::int32_t result;
+    std::int64_t due;    ///< nanoseconds of the steady clock
+    std::int64_t period; ///< until it comes again; 0: it does not
+};
+
+/// What is plugged in, or was.
+struct Port {
+    std::uint32_t generation; ///< counts the cameras that were plugged in here
+    std::uint32_t present;    ///< whether the last one is still there
+    std::uint32_t left;       ///< the last one whose removal was announced
+    CameraState camera;
+
+    std::array<StoredAnswer, 8> answers; ///< that were not fetched yet
+    std::uint32_t answerCount;
+    std::uint32_t halted; ///< a bit for each endpoint
+};
+
 /// The memory that all processes on the bus share. No pointers: it lies at another address in each.
 struct Bus {
     pthread_mutex_t mutex; ///< robust, as a transport may be killed at any moment
 
-    std::uint32_t generation; ///< counts the cameras that were plugged in
-    std::uint32_t present;    ///< whether the last one is still there
-    std::uint32_t left;       ///< the last one whose removal was announced
+    std::array<Port, kPorts> ports;
     std::uint32_t announced;
     std::uint32_t answered;
     std::int32_t commands;
     std::int32_t commandsToUnplug; ///< 0: it stays
+    std::uint32_t asynchronous;
+    std::int32_t asynchronousTransfers;
+
+    std::int32_t fault;      ///< in the table, -1 for none; of the camera at port 0
+    std::int32_t faultTimes; ///< left
+    std::int32_t faultsShown;
 
     Moment signalMoment;
     std::int32_t momentsToSignal; ///< 0: none is to be sent
     std::int32_t signal;
-
-    CameraState camera;
-    std::array<std::uint8_t, 4096> answer; ///< to the last command, until it is fetched
-    std::uint32_t answerSize;
 };
 
 /// The bus, locked. A process that has not been given one makes it, and gives it to the processes it starts.
@@ -45,9 +68,23 @@ public:
     /// Lets others on the bus for a moment.
     void yield();
 
-    [[nodiscard]] FakeCamera camera() const;
+    [[nodiscard]] FakeCamera camera(int port) const;
 
-    void unplug();
+    void plugIn(int port);
+    void unplug(int port);
+
+    void setFault(const Fault& fault, int times);
+
+    /// The fault that is to be shown now, if it is of this kind; null without one.
+    template <class Kind> [[nodiscard]] const Kind* fault(int port) const
+    {
+        if (port != 0 || m_bus.fault < 0 || m_bus.faultTimes == 0)
+            return nullptr;
+        return std::get_if<Kind>(&faults()[static_cast<std::size_t>(m_bus.fault)].show);
+    }
+
+    /// One time less is left.
+    void countFault();
 
     /// Sends this process the signal that is due at this moment, if any.
     void pass(Moment moment);

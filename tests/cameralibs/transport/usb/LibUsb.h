@@ -10,10 +10,14 @@
 namespace usb {
 
 // Errors of its functions.
+constexpr int kIo = -1;
+constexpr int kAccess = -3;
 constexpr int kNoDevice = -4;
+constexpr int kNotFound = -5;
+constexpr int kBusy = -6;
 constexpr int kTimeout = -7;
 constexpr int kOverflow = -8;
-constexpr int kNotSupported = -12;
+constexpr int kPipe = -9;
 
 struct DeviceDescriptor {
     std::uint8_t length;
@@ -85,5 +89,23 @@ struct Handle;
 
 constexpr int kDeviceLeft = 2;
 using HotplugCallback = int (*)(Context*, Device*, int event, void* userData);
+
+/// One that completes by itself, later.
+struct AsynchronousTransfer {
+    enum Status { completed, error, timedOut, cancelled, stall, noDevice, overflow };
+
+    Handle* handle;
+    std::uint8_t flags;
+    unsigned char endpoint;
+    unsigned char type;
+    unsigned timeout;
+    Status status;
+    int length;
+    int transferred;
+    void (*callback)(AsynchronousTransfer*);
+    void* userData;
+    unsigned char* data;
+    int packetCount; ///< of an isochronous one, whose packets follow
+};
 
 } // namespace usb

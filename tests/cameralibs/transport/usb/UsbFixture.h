@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 /// A library that looks for USB3 Vision cameras only, and the fake one that it has found.
@@ -51,4 +53,28 @@ protected:
 
     void start() { ASSERT_EQ(Orvo::Strm_Start(m_stream, 8), Orvo::CAM_API_STS_SUCCESS); }
     void stop() { ASSERT_EQ(Orvo::Strm_Stop(m_stream), Orvo::CAM_API_STS_SUCCESS); }
+};
+
+/// The images that are not what the camera sends under their number.
+class WrongImages {
+public:
+    explicit WrongImages(StreamRecorder& recorder)
+    {
+        recorder.onImage = [this](const StreamRecorder::Image& image) { count(image.info); };
+    }
+    [[nodiscard]] int count() const { return m_count; }
+
+private:
+    void count(const Orvo::CAM_IMAGE_INFO& info)
+    {
+        const auto* data = static_cast<const std::uint8_t*>(info.data);
+        for (std::size_t i = 0; i < info.dataSize; ++i) {
+            if (data[i] != static_cast<std::uint8_t>(info.frameNumber + i)) {
+                ++m_count;
+                return;
+            }
+        }
+    }
+
+    std::atomic<int> m_count{0};
 };
