@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <iterator>
 #include <mutex>
 #include <string_view>
 #include <utility>
@@ -26,12 +25,6 @@ constexpr std::uint16_t kPendingAnswer = 0x0089;
 
 /// The standard's own limit is lower.
 constexpr gsize kLargestAnswer = 1024;
-
-// USB3 Vision: a key, a status, the command, a length and an id, all little-endian.
-constexpr std::size_t kUsbHeaderSize = 12;
-constexpr std::string_view kUsbKey = "U3VC";
-constexpr std::uint8_t kUsbPendingAnswer[] = {0x05, 0x08};
-constexpr unsigned char kEndpointIn = 0x80;
 
 struct Traffic {
     std::function<void(Answer)> handler;
@@ -89,30 +82,26 @@ void completeSearchAnswer(char* packet, std::size_t size, std::size_t room)
         std::fill(packet + size, packet + whole, '\0');
 }
 
-void noteReceivedUsb(const unsigned char* packet, std::size_t size)
-{
-    if (size < kUsbHeaderSize || !std::equal(kUsbKey.begin(), kUsbKey.end(), packet) || !traffic().handler)
-        return;
-    const bool pending = std::equal(std::begin(kUsbPendingAnswer), std::end(kUsbPendingAnswer), packet + 6);
-    traffic().handler(pending ? Answer::pending : Answer::useful);
-}
-
 template <class Function> Function* original(const char* name)
 {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
 // Before there are threads.
-using Transfer = int(void*, unsigned char, unsigned char*, int, int*, unsigned);
 const auto s_send = original<decltype(g_socket_send_to)>("g_socket_send_to");
 const auto s_receive = original<decltype(g_socket_receive)>("g_socket_receive");
-const auto s_transfer = original<Transfer>("libusb_bulk_transfer");
 
 } // namespace
 
 void onAnswer(std::function<void(Answer)> handler)
 {
     traffic().handler = std::move(handler);
+}
+
+void tellAnswer(Answer answer)
+{
+    if (traffic().handler)
+        traffic().handler(answer);
 }
 
 void onSearchAnswer(std::function<void(std::string_view)> handler)
@@ -154,16 +143,6 @@ __attribute__((visibility("default"))) gssize g_socket_receive(GSocket* socket, 
     if (received > 0)
         completeSearchAnswer(buffer, static_cast<std::size_t>(received), size);
     return received;
-}
-
-__attribute__((visibility("default"))) int libusb_bulk_transfer(void* device, unsigned char endpoint,
-                                                                unsigned char* data, int size, int* transferred,
-                                                                unsigned timeout)
-{
-    const int result = s_transfer(device, endpoint, data, size, transferred, timeout);
-    if (result == 0 && (endpoint & kEndpointIn) != 0)
-        noteReceivedUsb(data, static_cast<std::size_t>(*transferred));
-    return result;
 }
 
 // A camera may name any file as its description.

@@ -19,6 +19,9 @@ namespace cameralibs::transport {
 /// camera is opened.
 void onAnswer(std::function<void(Answer)> handler);
 
+/// Calls the handler.
+void tellAnswer(Answer answer);
+
 /// `handler` runs for each answer to a search for GigE Vision cameras, with what is in it after its header.
 void onSearchAnswer(std::function<void(std::string_view)> handler);
 

@@ -6,6 +6,7 @@
 #include <arv.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 
 namespace cameralibs::transport {
@@ -23,6 +24,12 @@ public:
 
     /// It touches no buffer any more. Nothing to do for one that has ended.
     virtual void end() = 0;
+
+    /// The status of an image that Aravis takes for whole.
+    [[nodiscard]] virtual Orvo::CAM_API_STATUS check(std::uint64_t /*blockId*/, std::size_t /*size*/) const
+    {
+        return Orvo::CAM_API_STS_SUCCESS;
+    }
 
     /// There between begin and end.
     [[nodiscard]] ArvStream* stream() const noexcept { return m_stream.get(); }

@@ -125,13 +125,15 @@ bool ImageSender::takeFreeBuffers()
 
 bool ImageSender::send(ArvBuffer* buffer)
 {
-    const CAM_API_STATUS status = imageStatus(arv_buffer_get_status(buffer), rowPaddingOf(buffer));
+    std::size_t size = 0;
+    (void)arv_buffer_get_data(buffer, &size);
+    CAM_API_STATUS status = imageStatus(arv_buffer_get_status(buffer), rowPaddingOf(buffer));
+    if (status == CAM_API_STS_SUCCESS)
+        status = m_reception->check(arv_buffer_get_frame_id(buffer), size);
     if (status != CAM_API_STS_SUCCESS) {
         push(buffer);
         return m_channel.send(Kind::failed, Failed{status, 0});
     }
-    std::size_t size = 0;
-    (void)arv_buffer_get_data(buffer, &size);
     std::uint64_t time = arv_buffer_get_timestamp(buffer);
     if (time == 0)
         time = arv_buffer_get_system_timestamp(buffer);

@@ -7,6 +7,7 @@
 #include "cameralibs/transport/discovery/Discovery.h"
 #include "cameralibs/transport/gige/GigeReception.h"
 #include "cameralibs/transport/usb/UsbReception.h"
+#include "cameralibs/transport/usb/UsbTraffic.h"
 
 #include <algorithm>
 #include <utility>
@@ -38,6 +39,20 @@ OpenedCamera::Access accessOf(bool done, const GErrorPointer& error)
     return access;
 }
 
+/// Of a USB3 Vision camera, Aravis reports one that answers what it should not as it does one that is claimed. One
+/// whose limits leave no room for data, and one whose description has more bytes than there is memory, end the process
+/// within Aravis: it divides by the room, and allocates what the camera names.
+Outcome outcomeOfUsb(Outcome outcome)
+{
+    if (outcome.status != CAM_API_STS_BUSY)
+        return outcome;
+    if (claimRefused())
+        return {CAM_API_STS_BUSY, "Another program or driver has the camera"};
+    if (answersUsbCommands())
+        return {CAM_API_STS_XML_LOAD_ERR, "The camera answers, but its description cannot be read"};
+    return {CAM_API_STS_CAMERA_NOT_RESPONDING, "The camera does not answer"};
+}
+
 } // namespace
 
 Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
@@ -46,6 +61,8 @@ Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
     GErrorPointer error;
     GObjectPointer<ArvDevice> opened(arv_open_device(name.c_str(), error.out()));
     Outcome outcome = outcomeOfOpening(error);
+    if (link == CAM_LINK_USB3_VISION)
+        outcome = outcomeOfUsb(outcome);
     if (!outcome.ok() && !refusedFile().empty())
         return {CAM_API_STS_XML_LOAD_ERR,
                 "The camera names a file of this machine as its description, which is refused: " + refusedFile()};

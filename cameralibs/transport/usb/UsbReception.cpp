@@ -1,6 +1,7 @@
 #include "cameralibs/transport/usb/UsbReception.h"
 
 #include "cameralibs/base/ErrorStatus.h"
+#include "cameralibs/transport/usb/UsbTraffic.h"
 
 #include <cstdint>
 
@@ -15,12 +16,18 @@ constexpr std::uint64_t kTechnologyAddress = 0x01d8;
 constexpr std::uint64_t kStreamAddress = 0x0020;
 constexpr std::uint64_t kStreamInfo = 0x0000;
 constexpr std::uint64_t kStreamPayload = 0x0008;
+constexpr std::uint64_t kStreamLeader = 0x0010;
+constexpr std::uint64_t kStreamTrailer = 0x0014;
 
 /// The upper byte of the stream's info: the power of 2 that transfers are a multiple of.
 constexpr unsigned kAlignmentShift = 24;
 
 /// Aravis' largest transfer has 2^20 bytes.
 constexpr std::uint32_t kLargestAlignment = 20;
+constexpr std::uint32_t kLargestTransfer = 1U << kLargestAlignment;
+
+/// What a trailer says of an image which the camera has not sent whole.
+constexpr std::uint16_t kDataDiscarded = 0xa100;
 
 template <typename Number> Outcome read(ArvDevice* device, std::uint64_t address, Number& number)
 {
@@ -32,12 +39,15 @@ template <typename Number> Outcome read(ArvDevice* device, std::uint64_t address
     return outcome;
 }
 
-/// The bytes of an image. Aravis divides by them, and by the alignment, without a look at what it has read.
+/// The bytes of an image. Without a look at what it has read, Aravis divides by them and by the alignment, and receives
+/// leader and trailer, of the sizes that the camera names, into memory for its largest transfer.
 Outcome readStreamPayload(ArvDevice* device, std::uint64_t& payload)
 {
     std::uint64_t technology = 0;
     std::uint64_t stream = 0;
     std::uint32_t info = 0;
+    std::uint32_t leader = 0;
+    std::uint32_t trailer = 0;
     Outcome outcome = read(device, kTechnologyAddress, technology);
     if (outcome.ok())
         outcome = read(device, technology + kStreamAddress, stream);
@@ -45,7 +55,12 @@ Outcome readStreamPayload(ArvDevice* device, std::uint64_t& payload)
         outcome = read(device, stream + kStreamInfo, info);
     if (outcome.ok())
         outcome = read(device, stream + kStreamPayload, payload);
-    if (outcome.ok() && (payload == 0 || info >> kAlignmentShift > kLargestAlignment))
+    if (outcome.ok())
+        outcome = read(device, stream + kStreamLeader, leader);
+    if (outcome.ok())
+        outcome = read(device, stream + kStreamTrailer, trailer);
+    if (outcome.ok() && (payload == 0 || info >> kAlignmentShift > kLargestAlignment || leader > kLargestTransfer ||
+                         trailer > kLargestTransfer))
         return {CAM_API_STS_GENICAM_ERR, "The camera's stream has impossible sizes"};
     return outcome;
 }
@@ -78,6 +93,17 @@ Outcome UsbReception::begin()
 void UsbReception::end()
 {
     m_stream.reset();
+}
+
+CAM_API_STATUS UsbReception::check(std::uint64_t blockId, std::size_t size) const
+{
+    const auto trailer = trailerOf(blockId);
+    if (!trailer)
+        return CAM_API_STS_SUCCESS;
+    if (trailer->status != 0)
+        return trailer->status == kDataDiscarded ? CAM_API_STS_DATA_DISCARDED : CAM_API_STS_PACKET_STATUS_ERROR;
+    // What has no room in the buffer is lost without a word.
+    return trailer->size > size ? CAM_API_STS_UNEXPECTED_BUFFER_SIZE : CAM_API_STS_SUCCESS;
 }
 
 } // namespace cameralibs::transport

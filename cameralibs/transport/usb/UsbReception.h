@@ -16,6 +16,9 @@ public:
     /// Disables the camera's stream, too. One that is plugged in but does not answer is given up after some tries.
     void end() override;
 
+    /// By what the camera says of it in its trailer.
+    [[nodiscard]] Orvo::CAM_API_STATUS check(std::uint64_t blockId, std::size_t size) const override;
+
 private:
     ArvDevice* const m_device;
 };
