@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <iterator>
 #include <new>
 #include <random>
@@ -146,25 +147,26 @@ Result measure(const Contest& contest, const Target& target, Size size, int roun
             ours();
             calls = std::max(1, static_cast<int>(kMillisecondsAtOnce / timeOf(ours, 1)));
         }
-        // A call before those that count fills the caches.
-        const auto warmTimeOf = [&](const auto& convert) {
-            convert();
-            return timeOf(convert, calls);
-        };
-        const double our = warmTimeOf(ours);
-        const double copying = warmTimeOf(copy);
-        std::vector<double> theirs;
+        std::vector<std::function<void()>> contestants{ours, copy};
         for (const Peer& peer : contest.peers) {
-            theirs.push_back(warmTimeOf([&] { peer.convert(work); }));
+            contestants.emplace_back([&] { peer.convert(work); });
+        }
+        // Each goes first in turn: the caches know the memory better after every one of them. A call before those that
+        // count warms them up.
+        std::vector<double> times(contestants.size());
+        for (std::size_t i = 0; i < contestants.size(); ++i) {
+            const std::size_t next = (i + static_cast<std::size_t>(round + 1)) % contestants.size();
+            contestants[next]();
+            times[next] = timeOf(contestants[next], calls);
         }
         if (round < 0) {
             continue; // that one warmed up
         }
-        result.ours.push_back(our);
-        result.copies.push_back(copying);
-        result.ratioToCopies.push_back(our / copying);
-        for (std::size_t i = 0; i < theirs.size(); ++i) {
-            result.ratios[i].push_back(theirs[i] / our);
+        result.ours.push_back(times[0]);
+        result.copies.push_back(times[1]);
+        result.ratioToCopies.push_back(times[0] / times[1]);
+        for (std::size_t i = 0; i < contest.peers.size(); ++i) {
+            result.ratios[i].push_back(times[i + 2] / times[0]);
         }
     }
     result.otherPrograms = others.processors();
