@@ -76,6 +76,9 @@ void GigeCamera::run(int until)
             const Delayed next = std::move(m_delayed.extract(m_delayed.begin()).mapped());
             sendNow(next.packet, next.to, next.control);
         }
+        // A client that is told to wait for an answer cannot send its heartbeat meanwhile.
+        if (owesControllerAnAnswer())
+            m_heardOfController = now;
         if (m_controller && now - m_heardOfController > std::chrono::milliseconds(m_memory.value(kHeartbeat)))
             giveControlBack();
         if (m_acquiring && m_memory.value(kTriggerMode) == 0 && m_nextImage <= now)
@@ -242,6 +245,13 @@ std::uint16_t GigeCamera::write(std::uint32_t address, const Bytes& data, const 
         break;
     }
     return kSuccess;
+}
+
+bool GigeCamera::owesControllerAnAnswer() const
+{
+    return std::any_of(m_delayed.begin(), m_delayed.end(), [this](const auto& entry) {
+        return entry.second.control && m_controller == entry.second.to;
+    });
 }
 
 void GigeCamera::giveControlBack()

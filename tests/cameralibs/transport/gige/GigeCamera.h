@@ -48,6 +48,7 @@ private:
     [[nodiscard]] Bytes readMemory(const Bytes& command, std::uint16_t& status) const;
     [[nodiscard]] Bytes writeRegisters(const Bytes& command, const Peer& client, std::uint16_t& status);
     [[nodiscard]] std::uint16_t write(std::uint32_t address, const Bytes& data, const Peer& client);
+    [[nodiscard]] bool owesControllerAnAnswer() const;
     void giveControlBack();
     void resend(const Bytes& command);
 
