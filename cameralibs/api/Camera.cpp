@@ -3,6 +3,7 @@
 #include "cameralibs/api/HandleTable.h"
 #include "cameralibs/api/Stream.h"
 #include "cameralibs/base/Log.h"
+#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include <utility>
 
@@ -37,6 +38,42 @@ NodeId Camera::nodeOf(CAM_NODE_HANDLE node) const
     const CAM_NODE_HANDLE index = node - m_firstNode;
     throwUnless(index < m_description->size(), CAM_API_STS_INVALID_NODE_HANDLE);
     return static_cast<NodeId>(index);
+}
+
+void Camera::execute(const char* command)
+{
+    evaluate([&](NodeMap& nodes) {
+        const NodeId node = nodes.description().find(command);
+        if (node != kNoNode)
+            executeCommand(nodes, node);
+    });
+}
+
+void Camera::lockTransportLayer(bool locked)
+{
+    try {
+        evaluate([&](NodeMap& nodes) {
+            const NodeId node = nodes.description().find("TLParamsLocked");
+            if (node != kNoNode)
+                writeInteger(nodes, node, locked ? 1 : 0, false);
+        });
+    } catch (const Failure& failure) {
+        // A camera that refuses to write TLParamsLocked protects its settings itself.
+        if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
+            throw;
+    }
+}
+
+void Camera::stopAcquisition()
+{
+    try {
+        execute("AcquisitionStop");
+    } catch (const Failure& failure) {
+        // Many cameras refuse to stop when they are not acquiring.
+        if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
+            throw;
+    }
+    lockTransportLayer(false);
 }
 
 std::shared_ptr<Stream> Camera::stream() const

@@ -87,6 +87,15 @@ public:
         }
     }
 
+    /// Executes a command if the camera has it. Throws Failure.
+    void execute(const char* command);
+
+    /// Tells the camera whether a stream is started, so that it protects its settings. Throws Failure if it is gone.
+    void lockTransportLayer(bool locked);
+
+    /// Stops the acquisition and unlocks the settings, as far as the camera allows it. Throws Failure if it is gone.
+    void stopAcquisition();
+
     /// The image sizes and formats that the program has been given since the camera was opened. Only to be used inside
     /// evaluate() and withDevice().
     [[nodiscard]] ImageBounds& reportedImages() noexcept { return m_reportedImages; }

@@ -5,7 +5,6 @@
 #include "cameralibs/api/HandleTable.h"
 #include "cameralibs/api/ImageBounds.h"
 #include "cameralibs/base/Log.h"
-#include "cameralibs/genicam/nodes/NodeOperations.h"
 
 #include <algorithm>
 #include <utility>
@@ -200,20 +199,20 @@ void Stream::startDevice()
         prepareSource(size, device);
         m_ring->beginStart(size);
     });
-    lockTransportLayer(true);
+    m_camera->lockTransportLayer(true);
     m_tally.start(m_camera->name());
     m_camera->withDevice([&](Device&, NodeMap&) { throwIfFailed(m_source->start()); });
-    execute("AcquisitionStart");
+    m_camera->execute("AcquisitionStart");
 }
 
 void Stream::stopDevice()
 {
     if (!m_camera->removed())
-        execute("AcquisitionStop");
+        m_camera->execute("AcquisitionStop");
     // Not under the camera's lock: stopping waits for a running callback, which may be waiting for that lock.
     stopSource();
     if (!m_camera->removed())
-        lockTransportLayer(false);
+        m_camera->lockTransportLayer(false);
 }
 
 void Stream::stopSource()
@@ -229,33 +228,9 @@ void Stream::stopLocally() noexcept
     if (m_source != nullptr)
         stopSource();
     try {
-        lockTransportLayer(false);
+        m_camera->lockTransportLayer(false);
     } catch (...) {
         // The caller reports the first failure.
-    }
-}
-
-void Stream::execute(const char* command)
-{
-    m_camera->evaluate([&](NodeMap& nodes) {
-        const NodeId node = nodes.description().find(command);
-        if (node != kNoNode)
-            executeCommand(nodes, node);
-    });
-}
-
-void Stream::lockTransportLayer(bool locked)
-{
-    try {
-        m_camera->evaluate([&](NodeMap& nodes) {
-            const NodeId node = nodes.description().find("TLParamsLocked");
-            if (node != kNoNode)
-                writeInteger(nodes, node, locked ? 1 : 0, false);
-        });
-    } catch (const Failure& failure) {
-        // A camera that refuses to write TLParamsLocked protects its settings itself.
-        if (failure.status() == CAM_API_STS_CAMERA_NOT_RESPONDING)
-            throw;
     }
 }
 

@@ -82,8 +82,6 @@ private:
     void stopDevice();
     void stopSource();
     void stopLocally() noexcept;
-    void execute(const char* command);
-    void lockTransportLayer(bool locked);
     void waitUntilSettled(std::unique_lock<std::mutex>& lock);
     void setState(State state);
 

@@ -193,6 +193,9 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
     const auto camera =
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
     rememberUserName(*camera);
+    // The last program that controlled the camera may have been killed while it streamed. Such a camera would keep its
+    // settings locked, and may go on sending to the port of that program.
+    camera->stopAcquisition();
     camera->relax();
     throwUnless(m_cameras.add(camera->handle(), camera), CAM_API_STS_NOT_INITIALIZED);
     logText(Severity::info, camera->name(), [&] {

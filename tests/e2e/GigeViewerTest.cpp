@@ -1,6 +1,7 @@
 // The real window with the real camera libraries, and a GigE Vision camera on a network of its own.
 
 #include "camera/OrvoCamUtl.h"
+#include "tests/cameralibs/devices/transport/Transports.h"
 #include "tests/cameralibs/transport/ChildProcess.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/OpenedCamera.h"
@@ -10,6 +11,7 @@
 
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
 #include <string>
 #include <utility>
@@ -34,6 +36,7 @@ private slots:
     void incompleteImagesAreLoggedAndNotShown();
     void cameraOfAnotherProgramIsRefused();
     void cameraKilledWhileLive();
+    void transportKilledWhileLive();
     void cameraKilledWhileIdle();
     void cameraKilledWhileBrowsing();
 
@@ -179,6 +182,25 @@ void GigeViewerTest::cameraKilledWhileLive()
         m_window->clearLog();
         plugIn();
     }
+}
+
+// The window treats this like an unplugged camera. The camera has not been told to stop, and it refuses other programs
+// until it misses the heartbeat of the transport.
+void GigeViewerTest::transportKilledWhileLive()
+{
+    for (int round = 0; round < 2; ++round) {
+        open();
+        m_window->start();
+        QVERIFY(m_images->waitForMore(3));
+        for (const pid_t transport : transports())
+            ::kill(transport, SIGKILL);
+        QVERIFY(QTest::qWaitFor([&] { return m_window->log().contains("A camera has been Removed."); }, kPatienceMs));
+        QVERIFY(QTest::qWaitFor([&] { return m_window->enabled("actionOpen"); }, kPatienceMs));
+        m_window->clearLog();
+    }
+    open();
+    m_window->start();
+    QVERIFY(m_images->waitForMore(3));
 }
 
 // Without a display thread nothing polls for the removal; the next operation reports it.

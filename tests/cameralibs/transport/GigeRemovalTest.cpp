@@ -1,8 +1,10 @@
 #include "GigeFixture.h"
 
 #include "tests/cameralibs/api/WaitingCall.h"
+#include "tests/cameralibs/devices/transport/Transports.h"
 
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 using namespace Orvo;
@@ -155,4 +157,21 @@ TEST_F(GigeRemovalOpenTest, CameraThatIsBackOpensAgain)
     EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone);
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     EXPECT_EQ(intOf(again, "Width"), 512);
+}
+
+// The camera has not been told to stop, and until it misses the heartbeat it refuses other programs.
+TEST_F(GigeRemovalStreamingTest, KilledTransportLeavesACameraThatStreamsAgain)
+{
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(3));
+    for (const pid_t transport : transports())
+        ::kill(transport, SIGKILL);
+    ASSERT_EQ(Sys_WaitForSignal(m_signal, 30000), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    ASSERT_TRUE(becomes([this] { return open(0, &m_camera, m_signal) == CAM_API_STS_SUCCESS; }));
+    ASSERT_EQ(Strm_OpenSimple(m_camera, &m_stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+    m_recorder.attachTo(m_stream);
+    m_recorder.clear();
+    start();
+    EXPECT_TRUE(m_recorder.waitForImages(3));
 }
