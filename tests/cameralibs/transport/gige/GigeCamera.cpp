@@ -249,9 +249,8 @@ std::uint16_t GigeCamera::write(std::uint32_t address, const Bytes& data, const 
 
 bool GigeCamera::owesControllerAnAnswer() const
 {
-    return std::any_of(m_delayed.begin(), m_delayed.end(), [this](const auto& entry) {
-        return entry.second.control && m_controller == entry.second.to;
-    });
+    return std::any_of(m_delayed.begin(), m_delayed.end(),
+                       [this](const auto& entry) { return entry.second.control && m_controller == entry.second.to; });
 }
 
 void GigeCamera::giveControlBack()
@@ -260,7 +259,7 @@ void GigeCamera::giveControlBack()
     m_acquiring = false;
     m_memory.setValue(kPrivilege, 0);
     m_memory.setValue(kStreamPort, 0);
-    m_memory.setValue(kTransportLocked, 0);
+    m_memory.setValue(kTestDelay, 0); // the next client finds a camera that answers at once
 }
 
 void GigeCamera::resend(const Bytes& command)

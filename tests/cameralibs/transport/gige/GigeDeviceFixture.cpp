@@ -2,6 +2,13 @@
 
 using namespace Orvo;
 
+OneMoreDevice::OneMoreDevice(std::uint32_t number)
+    : m_device({GIGE_CAMERA, "--address", "127.0.1." + std::to_string(number), "--foreign-address",
+                "127.0.2." + std::to_string(number), "--serial", "T" + std::to_string(number + 1)})
+{
+    (void)m_device.readLine();
+}
+
 GigeDeviceTest::GigeDeviceTest()
 {
     EXPECT_EQ(Sys_Initialize(CAM_LAYER_GIGE_VISION), CAM_API_STS_SUCCESS);

@@ -10,6 +10,16 @@
 #include <string>
 #include <vector>
 
+/// An honest camera beside that of the fixture. Its number, below 9, determines its address, its serial number and with
+/// that its place in the list.
+class OneMoreDevice {
+public:
+    explicit OneMoreDevice(std::uint32_t number);
+
+private:
+    ChildProcess m_device;
+};
+
 /// Cameras of the tests, and the first of them opened.
 class GigeDeviceTest : public ::testing::Test {
 protected:

@@ -26,20 +26,6 @@ CAM_API_STATUS read(CAM_HANDLE camera)
     return Nd_GetIntValue(camera, nodeOf(camera, "Width"), &width);
 }
 
-/// A camera beside that of the fixture.
-class OneMore {
-public:
-    explicit OneMore(int number)
-        : m_device({GIGE_CAMERA, "--address", "127.0.1." + std::to_string(number), "--foreign-address",
-                    "127.0.2." + std::to_string(number), "--serial", "T" + std::to_string(number + 1)})
-    {
-        (void)m_device.readLine();
-    }
-
-private:
-    ChildProcess m_device;
-};
-
 void becomeSlow(CAM_HANDLE camera, std::int64_t delay)
 {
     setInt(camera, "TestPending", 1);
@@ -58,8 +44,8 @@ void expectWithin(std::chrono::seconds limit, CAM_API_STATUS expected, const std
 // Side by side, as they take their time.
 TEST_F(GigeLimitsTest, CameraThatAsksForPatienceGetsTenSeconds)
 {
-    const OneMore second(1);
-    const OneMore third(2);
+    const OneMoreDevice second(1);
+    const OneMoreDevice third(2);
     list({"--serial", "T1"}, 3);
     std::vector<CAM_HANDLE> cameras(3);
     for (std::uint32_t i = 0; i < cameras.size(); ++i)
