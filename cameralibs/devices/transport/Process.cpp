@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -134,9 +134,16 @@ std::optional<siginfo_t> waitFor(const Descriptor& process, int milliseconds)
     return how;
 }
 
-std::string folderOf(const std::string& path)
+/// Where this library lies. Noted when it is loaded: later a path relative to the current folder, such as one that
+/// comes from a relative LD_LIBRARY_PATH, may lead elsewhere.
+std::array<char, PATH_MAX> s_library{};
+
+__attribute__((constructor)) void noteLibrary()
 {
-    return path.substr(0, path.rfind('/'));
+    Dl_info info{};
+    if (::dladdr(s_library.data(), &info) == 0 || info.dli_fname == nullptr ||
+        ::realpath(info.dli_fname, s_library.data()) == nullptr)
+        s_library.front() = '\0';
 }
 
 } // namespace
@@ -212,15 +219,11 @@ std::string transportProgram()
 {
     if (const char* const forTests = ::secure_getenv("ORVO_CAMERA_TRANSPORT"); forTests != nullptr)
         return forTests;
-    Dl_info info{};
-    std::string library;
-    if (::dladdr(reinterpret_cast<const void*>(&transportProgram), &info) != 0 && info.dli_fname != nullptr) {
-        const std::unique_ptr<char, decltype(&std::free)> path(::realpath(info.dli_fname, nullptr), &std::free);
-        library = path == nullptr ? "" : path.get();
-    }
+    const std::string library = s_library.data();
+    const std::string folder = library.substr(0, library.rfind('/'));
     // From <prefix>/lib in the build tree, or from where libraries are installed.
     for (const char* const libexec : {ORVO_LIBEXEC_FROM_LIBRARY, "../libexec"}) {
-        std::string candidate = folderOf(library) + "/" + libexec + "/orvocam-transport";
+        std::string candidate = folder + "/" + libexec + "/orvocam-transport";
         if (::access(candidate.c_str(), X_OK) == 0)
             return candidate;
     }

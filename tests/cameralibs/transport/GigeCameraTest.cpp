@@ -1,6 +1,11 @@
 #include "GigeFixture.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Orvo;
 
@@ -19,6 +24,29 @@ std::vector<std::string> serialNumbers(std::uint32_t count)
     }
     return serials;
 }
+
+/// A copy of a file, in a folder of its own.
+class Copy {
+public:
+    explicit Copy(const std::filesystem::path& file)
+    {
+        std::string folder = (std::filesystem::temp_directory_path() / "copy-XXXXXX").string();
+        EXPECT_NE(::mkdtemp(folder.data()), nullptr);
+        std::filesystem::permissions(folder, std::filesystem::perms(0755));
+        m_path = folder / file.filename();
+        std::filesystem::copy_file(file, m_path);
+    }
+    ~Copy() { std::filesystem::remove_all(m_path.parent_path()); }
+    Copy(const Copy&) = delete;
+    Copy& operator=(const Copy&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+constexpr const char* kTransportOfTheSystem = "/usr/libexec/orvocam-transport";
 
 } // namespace
 
@@ -70,6 +98,39 @@ TEST_F(GigeCameraTest, CameraOfAnotherProgramIsDenied)
     EXPECT_EQ(open(0, nullptr, 12345), CAM_API_STS_ACCESS_DENIED) << "before signal and pointer";
     EXPECT_EQ(camera, 0U);
 }
+
+// The loader knows the library by a path that leads nowhere after the change.
+TEST_F(GigeCameraTest, ProgramMayChangeItsFolder)
+{
+    const std::string folder = std::filesystem::path(CAMERA_LIBRARY).parent_path();
+    ChildProcess other({"env", "-C", folder, "LD_LIBRARY_PATH=.", CAMERA_HOLDER});
+    EXPECT_EQ(other.readLine(), "0");
+}
+
+TEST_F(GigeCameraTest, LibraryWithNoTransportBesideItUsesTheInstalledOne)
+{
+    if (std::filesystem::exists(kTransportOfTheSystem))
+        GTEST_SKIP() << "one is installed";
+    const Copy library(CAMERA_LIBRARY);
+    const std::string folder = library.path().parent_path();
+    ChildProcess other(
+        {"env", "LD_LIBRARY_PATH=" + folder, "ORVO_CAMERA_LOG=warning", "sh", "-c", "exec \"$0\" 2>&1", CAMERA_HOLDER});
+    EXPECT_THAT(other.readLine(), ::testing::HasSubstr(std::string(kTransportOfTheSystem) + " cannot be started"));
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which do not run with raised privileges
+TEST_F(GigeCameraTest, ProgramWithRaisedPrivilegesIgnoresTheVariable)
+{
+    constexpr uid_t kNobody = 65534;
+    const Copy holder(CAMERA_HOLDER);
+    const std::vector<std::string> command = {"env", "ORVO_CAMERA_TRANSPORT=/nowhere", holder.path()};
+    EXPECT_NE(ChildProcess(command).readLine(), "0") << "with the privileges of the user";
+    if (::chown(holder.path().c_str(), kNobody, kNobody) != 0)
+        GTEST_SKIP() << "only root can make a program that runs as another user";
+    ASSERT_EQ(::chmod(holder.path().c_str(), 04755), 0);
+    EXPECT_EQ(ChildProcess(command).readLine(), "0");
+}
+#endif
 
 TEST_F(GigeCameraOpenTest, NodesAreThoseOfTheCamerasDescription)
 {
