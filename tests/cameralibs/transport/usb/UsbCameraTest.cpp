@@ -37,7 +37,8 @@ TEST_F(UsbCameraTest, CameraThatIsGoneSinceItWasListedDoesNotOpen)
 
 TEST_F(UsbCameraOpenTest, NodesAreThoseOfTheCamerasDescription)
 {
-    EXPECT_THAT(featuresOf(m_camera, "Root"), ::testing::IsSupersetOf({"Width", "Height", "PixelFormat"}));
+    EXPECT_THAT(featuresOf(m_camera, "ImageFormatControl"),
+                ::testing::IsSupersetOf({"Width", "Height", "PixelFormat"}));
     setInt(m_camera, "Width", 100);
     EXPECT_EQ(intOf(m_camera, "Width"), 100);
     EXPECT_EQ(intOf(m_camera, "PayloadSize"), 100 * intOf(m_camera, "Height"));
