@@ -1,0 +1,137 @@
+#include "check/Checks.h"
+
+#include <algorithm>
+
+namespace check {
+
+namespace {
+
+/// In MiB. The kernel's own limit, 16, holds no large image.
+constexpr std::int64_t kSmallestMemory = 128;
+constexpr int kWantedMemory = 256;
+
+/// Mbit/s of USB 3.
+constexpr std::int64_t kUsb3 = 5000;
+
+const std::vector<UsbDevice>& devicesOf(const View& view)
+{
+    static const std::vector<UsbDevice> none;
+    return view.machine.usbDevices ? *view.machine.usbDevices : none;
+}
+
+std::string nameOf(const UsbDevice& device)
+{
+    std::string name = "USB camera";
+    for (const std::string& part : {device.maker, device.model, device.serial}) {
+        if (!part.empty())
+            name += " " + part;
+    }
+    return name;
+}
+
+/// What lets this user open USB3 Vision cameras.
+std::string permissionFor(const Machine& machine)
+{
+    if (!machine.udevRule) {
+        return "install the package liborvocam1, or copy its rule packaging/system/70-orvocam-u3v.rules to "
+               "/etc/udev/rules.d and call sudo udevadm control --reload; then plug the camera in anew";
+    }
+    if (!machine.inPlugdev)
+        return "sudo usermod -aG plugdev $USER, then log in anew; at the machine itself plug the camera in anew";
+    return "plug the camera in anew, or sudo udevadm trigger --subsystem-match=usb";
+}
+
+/// A program with the camera open does not keep others from listing it.
+bool isListed(const View& view, const UsbDevice& device)
+{
+    return std::any_of(view.search.cameras.begin(), view.search.cameras.end(), [&](const Camera& camera) {
+        return camera.link == Orvo::CAM_LINK_USB3_VISION && camera.listed && camera.model == device.model &&
+               camera.serial == device.serial;
+    });
+}
+
+} // namespace
+
+Lines checkUsbDevices(const View& view)
+{
+    if (!view.machine.usbDevices)
+        return {{Severity::note, "USB", "this machine has none, or does not tell"}};
+    Lines lines;
+    for (const UsbDevice& device : devicesOf(view)) {
+        lines.push_back({Severity::good, nameOf(device),
+                         device.node + (device.speed ? ", " + std::to_string(*device.speed) + " Mbit/s" : "")});
+    }
+    if (lines.empty())
+        lines.push_back({Severity::good, "USB", "no device of the class USB3 Vision is plugged in"});
+    return lines;
+}
+
+Lines checkUsbPermission(const View& view)
+{
+    Lines lines;
+    for (const UsbDevice& device : devicesOf(view)) {
+        if (!device.hasNode) {
+            lines.push_back({Severity::wrong, nameOf(device), "there is no " + device.node,
+                             "in a container, start it with --device=/dev/bus/usb"});
+        } else if (!device.allowed) {
+            lines.push_back(
+                {Severity::wrong, nameOf(device), "you may not open " + device.node, permissionFor(view.machine)});
+        } else {
+            lines.push_back({Severity::good, nameOf(device), "you may open it"});
+        }
+    }
+    return lines;
+}
+
+Lines checkUsbSpeed(const View& view)
+{
+    Lines lines;
+    for (const UsbDevice& device : devicesOf(view)) {
+        if (device.speed.value_or(kUsb3) < kUsb3) {
+            lines.push_back({Severity::wrong, nameOf(device),
+                             "is connected at " + std::to_string(*device.speed) + " Mbit/s, where USB 3 has 5000",
+                             "another port, a USB 3 cable, no hub"});
+        }
+    }
+    return lines;
+}
+
+Lines checkUsbHolders(const View& view)
+{
+    Lines lines;
+    for (const UsbDevice& device : devicesOf(view)) {
+        if (device.driver == "usbfs") {
+            const std::string names = namesOf(device.holders);
+            const std::string cure =
+                names.empty() ? "sudo orvocam-check tells which; close the camera there" : "close the camera there";
+            lines.push_back({Severity::wrong, nameOf(device),
+                             "another program has it: " + (names.empty() ? "one of another user" : names), cure});
+        } else if (!device.driver.empty()) {
+            lines.push_back({Severity::wrong, nameOf(device), "the kernel's driver " + device.driver + " has it",
+                             "sudo modprobe -r " + device.driver + ", then plug the camera in anew"});
+        } else if (device.allowed && view.search.failure.empty() && !isListed(view, device)) {
+            lines.push_back({Severity::wrong, nameOf(device), "the camera library does not list it",
+                             "ORVO_CAMERA_LOG=debug orvocam-check tells why; another cable or port may help"});
+        }
+    }
+    return lines;
+}
+
+Lines checkUsbMemory(const View& view)
+{
+    const auto memory = view.machine.usbMemory;
+    if (!memory)
+        return {};
+    const std::string subject = "USB memory";
+    const std::string text = std::to_string(*memory) + " MiB for all cameras together (usbfs_memory_mb)";
+    if (*memory == 0 || *memory >= kSmallestMemory)
+        return {{Severity::good, subject, *memory == 0 ? "no limit (usbfs_memory_mb)" : text}};
+    const std::string wanted = std::to_string(kWantedMemory);
+    return {{view.anyUsb() ? Severity::wrong : Severity::note, subject, text + "; large images fail",
+             "echo " + wanted +
+                 " | sudo tee /sys/module/usbcore/parameters/usbfs_memory_mb; for good: usbcore."
+                 "usbfs_memory_mb=" +
+                 wanted + " among the kernel's parameters"}};
+}
+
+} // namespace check

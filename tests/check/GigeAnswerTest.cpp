@@ -1,0 +1,66 @@
+#include "check/cameras/GigeSearch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+using namespace check;
+
+namespace {
+
+constexpr std::uint16_t kId = 0x1234;
+
+/// Of a camera at 192.168.5.20.
+std::vector<std::uint8_t> goodAnswer()
+{
+    std::vector<std::uint8_t> bytes(256);
+    const std::vector<std::uint8_t> header = {0, 0, 0, 3, 0, 0xf8, 0x12, 0x34};
+    std::copy(header.begin(), header.end(), bytes.begin());
+    const auto put = [&](std::size_t offset, const std::string& text) {
+        std::copy(text.begin(), text.end(), bytes.begin() + 8 + static_cast<std::ptrdiff_t>(offset));
+    };
+    put(0x0a, "\x01\x02\x03\x04\x05\x06");
+    put(0x24, "\xc0\xa8\x05\x14");
+    put(0x34, "\xff\xff\xff");
+    put(0x48, "Maker");
+    put(0x68, "Model");
+    put(0xd8, "0123456789abcdef"); // without a NUL
+    put(0xe8, "left");
+    return bytes;
+}
+
+std::optional<GigeAnswer> parsed(const std::vector<std::uint8_t>& bytes)
+{
+    return answerIn(bytes.data(), bytes.size(), kId);
+}
+
+} // namespace
+
+TEST(GigeAnswerTest, TellsTheCamera)
+{
+    const auto answer = parsed(goodAnswer());
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->mac, 0x010203040506U);
+    EXPECT_EQ(answer->address, 0xc0a80514U);
+    EXPECT_EQ(answer->mask, 0xffffff00U);
+    EXPECT_EQ(answer->vendor, "Maker");
+    EXPECT_EQ(answer->model, "Model");
+    EXPECT_EQ(answer->serial, "0123456789abcdef");
+    EXPECT_EQ(answer->userName, "left");
+}
+
+TEST(GigeAnswerTest, EverythingElseIsNoAnswer)
+{
+    for (std::size_t size = 0; size < 256; ++size) {
+        auto shorter = goodAnswer();
+        shorter.resize(size);
+        shorter.shrink_to_fit();
+        EXPECT_FALSE(parsed(shorter)) << size << " bytes";
+    }
+    for (std::size_t i = 0; i < 8; ++i) {
+        auto changed = goodAnswer();
+        changed[i] ^= 1;
+        EXPECT_FALSE(parsed(changed)) << "byte " << i << " of the header";
+    }
+}

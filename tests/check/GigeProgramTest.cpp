@@ -1,0 +1,251 @@
+// orvocam-check itself, with GigE Vision cameras on a network of its own.
+
+#include "MadeUpRoot.h"
+#include "ProgramRun.h"
+
+#include "tests/cameralibs/transport/ChildProcess.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+using nlohmann::json;
+using ::testing::AllOf;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::Ge;
+using ::testing::HasSubstr;
+using ::testing::Le;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+namespace {
+
+MATCHER_P2(Says, severity, text, "")
+{
+    return arg["severity"] == severity && arg["text"].template get<std::string>().find(text) != std::string::npos;
+}
+
+class GigeProgramTest : public ::testing::Test {
+protected:
+    GigeProgramTest() { m_root.write("/proc/sys/net/core/rmem_max", "33554432\n"); }
+
+    void plugIn(const std::vector<std::string>& command)
+    {
+        m_cameras.push_back(std::make_unique<ChildProcess>(command));
+        // Aravis' fake camera prints nothing.
+        if (command[0] != kFake) {
+            ASSERT_NE(m_cameras.back()->readLine(), "");
+        }
+    }
+
+    /// With the made-up files in place of the machine's.
+    [[nodiscard]] ProgramRun run(const std::string& options = {}) const
+    {
+        return runCheck("--json --root " + m_root.path() + " " + options);
+    }
+
+    /// A busy machine may miss an answer.
+    [[nodiscard]] ProgramRun runUntil(const std::function<bool(const ProgramRun&)>& good,
+                                      const std::string& options = {}) const
+    {
+        ProgramRun last = run(options);
+        for (int i = 0; i < 10 && !good(last); ++i)
+            last = run(options);
+        return last;
+    }
+
+    [[nodiscard]] ProgramRun runUntilListed(std::size_t cameras = 1, const std::string& options = {}) const
+    {
+        return runUntil(
+            [cameras](const ProgramRun& run) {
+                const json found = run.report().value("cameras", json::array());
+                return found.size() == cameras && std::all_of(found.begin(), found.end(), [](const json& camera) {
+                           return camera["listed"] == true && camera.contains("address");
+                       });
+            },
+            options);
+    }
+
+    static constexpr const char* kFake = "arv-fake-gv-camera-0.8";
+    MadeUpRoot m_root;
+    std::vector<std::unique_ptr<ChildProcess>> m_cameras;
+};
+
+} // namespace
+
+TEST_F(GigeProgramTest, NoCameraIsAFinding)
+{
+    const ProgramRun found = run();
+    EXPECT_EQ(found.status, 1) << found.output;
+    EXPECT_THAT(found.linesOf("camera"), ElementsAre(Says("wrong", "none is on USB")));
+    EXPECT_EQ(found.report()["status"], 1);
+}
+
+TEST_F(GigeProgramTest, CamerasThatWorkAreNoFinding)
+{
+    plugIn({kFake, "-i", "127.0.0.1"});
+    plugIn({kFake, "-i", "127.0.0.2", "-s", "A99"});
+    const ProgramRun found = runUntilListed(2);
+    EXPECT_EQ(found.status, 0) << found.output;
+    ASSERT_THAT(found.report()["cameras"], SizeIs(2));
+    for (const json& camera : found.report()["cameras"]) {
+        EXPECT_EQ(camera["vendor"], "Aravis");
+        EXPECT_EQ(camera["address"], camera["serialNumber"] == "A99" ? "127.0.0.2" : "127.0.0.1");
+        EXPECT_EQ(camera["openStatus"], 0);
+        EXPECT_FALSE(camera.contains("stream"));
+    }
+    EXPECT_THAT(found.linesOf("receive-buffer"), ElementsAre(Says("ok", "33554432")));
+}
+
+TEST_F(GigeProgramTest, TextTellsTheSame)
+{
+    plugIn({kFake, "-i", "127.0.0.1"});
+    (void)runUntilListed();
+    ProgramRun found;
+    for (int i = 0; i < 10 && found.status != 0; ++i)
+        found = runCheck("--root " + m_root.path());
+    EXPECT_EQ(found.status, 0);
+    EXPECT_THAT(found.output, AllOf(HasSubstr("ok     GigE camera Aravis Fake GV01: is listed, at 127.0.0.1 on lo\n"),
+                                    HasSubstr("\nNothing wrong was found.\n")));
+}
+
+TEST_F(GigeProgramTest, StreamIsTried)
+{
+    plugIn({GIGE_CAMERA});
+    const ProgramRun found = runUntilListed(1, "--stream");
+    ASSERT_THAT(found.report()["cameras"], SizeIs(1)) << found.output;
+    const json camera = found.report()["cameras"][0];
+    const json& stream = camera["stream"];
+    EXPECT_EQ(stream["status"], 0) << found.output;
+    EXPECT_GT(stream["images"], 0);
+    EXPECT_GT(stream["imagesPerSecond"], 0.0);
+    EXPECT_GT(stream["bytesPerSecond"], 0.0);
+    EXPECT_GE(stream["seconds"], 2.0);
+    EXPECT_EQ(stream["packetSize"], 8000) << "the largest that this camera's network carries";
+    EXPECT_THAT(found.linesOf("images"), SizeIs(1));
+}
+
+TEST_F(GigeProgramTest, IncompleteImagesAreAFinding)
+{
+    plugIn({kFake, "-i", "127.0.0.1", "-r", "100"});
+    const ProgramRun found = runUntilListed(1, "--stream");
+    EXPECT_EQ(found.status, 1) << found.output;
+    EXPECT_THAT(found.linesOf("images"), ElementsAre(Says("wrong", " incomplete")));
+    EXPECT_GT(found.report()["cameras"][0]["stream"]["incomplete"], 0);
+}
+
+TEST_F(GigeProgramTest, CameraThatAnotherProgramControlsIsAFinding)
+{
+    plugIn({kFake, "-i", "127.0.0.1"});
+    ChildProcess other({CAMERA_HOLDER});
+    ASSERT_EQ(other.readLine(), "0");
+    const ProgramRun found = runUntilListed();
+    EXPECT_EQ(found.status, 1) << found.output;
+    EXPECT_THAT(found.linesOf("open"), ElementsAre(Says("wrong", "another program controls it (2052")));
+    // The programs of the machine itself are looked at without the made-up files.
+    ProgramRun named;
+    for (int i = 0; i < 10 && named.output.find("camera_holder") == std::string::npos; ++i)
+        named = runCheck("");
+    EXPECT_THAT(named.output,
+                AllOf(HasSubstr("on this machine these have cameras: "), HasSubstr("camera_holder (process ")));
+}
+
+TEST_F(GigeProgramTest, CameraIsGivenBack)
+{
+    plugIn({kFake, "-i", "127.0.0.1"});
+    for (int i = 0; i < 3; ++i) {
+        const ProgramRun found = runUntilListed();
+        EXPECT_EQ(found.report()["cameras"][0]["openStatus"], 0) << found.output;
+    }
+}
+
+TEST_F(GigeProgramTest, CameraInAnotherNetworkIsAFinding)
+{
+    plugIn({ANSWERS, "--address", "169.254.20.20", "--mask", "255.255.0.0"});
+    const ProgramRun found = runUntil([](const ProgramRun& run) { return !run.linesOf("address").empty(); });
+    EXPECT_EQ(found.status, 1) << found.output;
+    ASSERT_THAT(found.linesOf("address"), ElementsAre(Says("wrong", "169.254.20.20 is outside the network of lo")));
+    EXPECT_THAT(found.linesOf("address")[0]["cure"].get<std::string>(),
+                HasSubstr("sudo ip address add 169.254.0.1/16 dev lo"));
+}
+
+TEST_F(GigeProgramTest, CameraWithoutAWayBackIsFoundByItsAnswerToAll)
+{
+    plugIn({ANSWERS, "--address", "10.0.0.20", "--to-all"});
+    const ProgramRun found = runUntil([](const ProgramRun& run) { return !run.linesOf("address").empty(); });
+    EXPECT_THAT(found.linesOf("address"), ElementsAre(Says("wrong", "10.0.0.20 is outside")));
+    EXPECT_THAT(found.linesOf("camera"), ElementsAre(Says("wrong", "the camera library does not list it")))
+        << "it does not ask for such answers";
+}
+
+TEST_F(GigeProgramTest, BrokenAnswersAreIgnored)
+{
+    plugIn({ANSWERS, "--broken"});
+    const ProgramRun found =
+        runUntil([](const ProgramRun& run) { return !run.report().value("cameras", json::array()).empty(); });
+    const json cameras = found.report()["cameras"];
+    EXPECT_EQ(
+        std::count_if(cameras.begin(), cameras.end(), [](const json& camera) { return camera.contains("address"); }), 1)
+        << found.output;
+}
+
+TEST_F(GigeProgramTest, TextsOfCamerasDoNotReachTheTerminal)
+{
+    plugIn({ANSWERS, "--serial", "\\x1b[2J\\x07\\xff"});
+    ProgramRun found;
+    for (int i = 0; i < 10 && found.output.find("Answers Only") == std::string::npos; ++i)
+        found = runCheck("--root " + m_root.path());
+    EXPECT_THAT(found.output, AllOf(HasSubstr("\\x1b[2J"), Not(HasSubstr("\x1b")), Not(HasSubstr("\x07"))));
+    EXPECT_TRUE(run().report().contains("cameras"));
+}
+
+TEST_F(GigeProgramTest, CamerasWithoutNumberDoNotHoldItUp)
+{
+    plugIn({ANSWERS, "--count", "20", "--address", "10.0.0.1"});
+    const ProgramRun found =
+        runUntil([](const ProgramRun& run) { return run.report().value("cameras", json::array()).size() > 16; });
+    EXPECT_EQ(found.status, 2) << "they are not all opened";
+    EXPECT_THAT(found.linesOf("camera"), Contains(Says("failed", "more are listed than are opened")));
+}
+
+TEST_F(GigeProgramTest, LyingCamerasEndNothing)
+{
+    for (const char* const lie : {"discovery-endless", "discovery-garbage", "garbage-description", "only-leaders"}) {
+        plugIn({GIGE_CAMERA, "--liar", "1", "--lie", lie});
+        const ProgramRun found = run("--stream");
+        EXPECT_THAT(found.status, AllOf(Ge(0), Le(2))) << lie << '\n' << found.output;
+        EXPECT_TRUE(found.report().contains("lines")) << lie;
+        m_cameras.clear();
+    }
+}
+
+TEST_F(GigeProgramTest, SearchThatFailsCouldNotLook)
+{
+    const ProgramRun found = runCheck("--json", "LD_PRELOAD=" FAILING_SEARCH);
+    EXPECT_EQ(found.status, 2) << found.output;
+    EXPECT_THAT(found.linesOf("camera"), ElementsAre(Says("failed", "Sys_GetNumOfCameras fails with 15")));
+}
+
+TEST_F(GigeProgramTest, ReportThatCannotBeWrittenCouldNotLook)
+{
+    const ProgramRun found = runCheck("--help >/dev/full");
+    EXPECT_EQ(found.status, 2);
+}
+
+TEST_F(GigeProgramTest, OptionsAreChecked)
+{
+    for (const char* const options : {"--help", "--version"}) {
+        const ProgramRun found = runCheck(options);
+        EXPECT_EQ(found.status, 0) << options;
+        EXPECT_THAT(found.output, HasSubstr("orvocam-check")) << options;
+    }
+    EXPECT_THAT(runCheck("--version").output, ::testing::EndsWith(" " VERSION "\n"));
+    for (const char* const options : {"--strem", "-x", "camera", "--root", "--json=yes"}) {
+        const ProgramRun found = runCheck(options);
+        EXPECT_EQ(found.status, 2) << options;
+        EXPECT_THAT(found.output, HasSubstr("--help'")) << options;
+    }
+}

@@ -1,0 +1,91 @@
+#include "Views.h"
+
+using namespace check;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(UsbChecksTest, WorkingCameraIsFine)
+{
+    const View view = workingView();
+    for (const auto check : {checkUsbDevices, checkUsbPermission, checkUsbSpeed, checkUsbHolders, checkUsbMemory})
+        EXPECT_THAT(check(view), Each(IsFine()));
+    EXPECT_THAT(checkUsbDevices(view), ElementsAre(IsLine(Severity::good,
+                                                          "USB camera Maker Model U1: /dev/bus/usb/002/003, "
+                                                          "5000 Mbit/s",
+                                                          "")));
+}
+
+TEST(UsbChecksTest, MachineWithoutUsbIsNoted)
+{
+    View view = workingView();
+    view.machine.usbDevices.reset();
+    EXPECT_THAT(checkUsbDevices(view), ElementsAre(IsLine(Severity::note, "this machine has none", "")));
+    view.machine.usbDevices.emplace();
+    EXPECT_THAT(checkUsbDevices(view), ElementsAre(IsLine(Severity::good, "no device", "")));
+}
+
+TEST(UsbChecksTest, MissingPermissionIsWrong)
+{
+    View view = workingView();
+    view.machine.usbDevices->front().allowed = false;
+    const auto line = [](const char* cure) { return IsLine(Severity::wrong, "you may not open /dev/bus/usb", cure); };
+    EXPECT_THAT(checkUsbPermission(view), ElementsAre(line("udevadm trigger")));
+    view.machine.inPlugdev = false;
+    EXPECT_THAT(checkUsbPermission(view), ElementsAre(line("usermod -aG plugdev")));
+    view.machine.udevRule = false;
+    EXPECT_THAT(checkUsbPermission(view), ElementsAre(line("liborvocam1")));
+    view.machine.usbDevices->front().hasNode = false;
+    EXPECT_THAT(checkUsbPermission(view),
+                ElementsAre(IsLine(Severity::wrong, "there is no /dev/bus/usb", "container")));
+}
+
+TEST(UsbChecksTest, SlowLinkIsWrong)
+{
+    View view = workingView();
+    view.machine.usbDevices->front().speed = 480;
+    EXPECT_THAT(checkUsbSpeed(view), ElementsAre(IsLine(Severity::wrong, "connected at 480 Mbit/s", "USB 3 cable")));
+    view.machine.usbDevices->front().speed.reset();
+    EXPECT_THAT(checkUsbSpeed(view), IsEmpty());
+}
+
+TEST(UsbChecksTest, ProgramThatHasTheCameraIsNamed)
+{
+    View view = workingView();
+    UsbDevice& device = view.machine.usbDevices->front();
+    device.driver = "usbfs";
+    EXPECT_THAT(checkUsbHolders(view),
+                ElementsAre(IsLine(Severity::wrong, "one of another user", "sudo orvocam-check")));
+    device.holders = {{42, "grabber"}, {43, "other"}};
+    EXPECT_THAT(checkUsbHolders(view),
+                ElementsAre(IsLine(Severity::wrong, "grabber (process 42), other (process 43)", "close")));
+    device.driver = "uvcvideo";
+    EXPECT_THAT(checkUsbHolders(view), ElementsAre(IsLine(Severity::wrong, "driver uvcvideo has it", "modprobe")));
+}
+
+TEST(UsbChecksTest, CameraThatIsNotListedIsWrong)
+{
+    View view = workingView();
+    view.search.cameras.front().serial = "other";
+    EXPECT_THAT(checkUsbHolders(view), ElementsAre(IsLine(Severity::wrong, "does not list it", "ORVO_CAMERA_LOG")));
+    // Other checks tell of these.
+    view.machine.usbDevices->front().allowed = false;
+    EXPECT_THAT(checkUsbHolders(view), IsEmpty());
+    view.machine.usbDevices->front().allowed = true;
+    view.search.failure = "the search failed";
+    EXPECT_THAT(checkUsbHolders(view), IsEmpty());
+}
+
+TEST(UsbChecksTest, LittleMemoryIsWrongForUsbCameras)
+{
+    View view = workingView();
+    view.machine.usbMemory = 16;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::wrong, "16 MiB", "echo 256 | sudo tee")));
+    view.machine.usbDevices->clear();
+    view.search.cameras.clear();
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::note, "16 MiB", "echo 256 | sudo tee")));
+    view.machine.usbMemory = 0;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::good, "no limit", "")));
+    view.machine.usbMemory.reset();
+    EXPECT_THAT(checkUsbMemory(view), IsEmpty());
+}
