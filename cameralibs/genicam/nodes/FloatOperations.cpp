@@ -38,10 +38,11 @@ double increment(ArvGcFloat* node)
     return step > std::numeric_limits<double>::min() ? step : kNoIncrement;
 }
 
-/// With a tolerance for rounding errors.
+/// Increments count from the minimum, or from 0 if it is so far away that doubles near it cannot tell increments apart:
+/// without a minimum of its own, a float has that of its register. Tolerates rounding errors.
 bool onIncrement(double value, double lowest, double step)
 {
-    const double base = lowest == -kHighest ? 0.0 : lowest;
+    const double base = lowest + step == lowest ? 0.0 : lowest;
     const double nearest = base + std::round((value - base) / step) * step;
     return std::abs(value - nearest) <= 1e-6 * step + 1e-12 * std::abs(value);
 }

@@ -167,6 +167,43 @@ TEST(NodeRange, FloatsAreCheckedBeforeTheyAreWritten)
     EXPECT_EQ(camera.number("Plain"), -5e-324);
 }
 
+TEST(NodeRange, IncrementsOfFloatsCountFromTheMinimum)
+{
+    DescribedCamera camera(describe(
+        reg("FloatReg", "F4", 0, 4) + reg("FloatReg", "F8", 8, 8) + reg("IntReg", "S8", 16, 8, "<Sign>Signed</Sign>") +
+        R"(<Float Name="Shifted"><pValue>F8</pValue><Min>0.05</Min><Max>9</Max><Inc>0.1</Inc></Float>
+                    <Float Name="Endless"><pValue>F8</pValue><Inc>0.3</Inc></Float>
+                    <Float Name="Single"><pValue>F4</pValue><Inc>0.75</Inc></Float>
+                    <Float Name="Whole"><pValue>S8</pValue></Float>)"));
+    ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
+    const struct {
+        const char* name;
+        double value;
+        bool good;
+    } rows[] = {
+        {"Shifted", 0.05, true},
+        {"Shifted", 0.15, true},
+        {"Shifted", 8.95, true},
+        {"Shifted", 0.1, false},
+        {"Shifted", 1, false},
+        // From 0 where there is no minimum, or one that is as far away as the type allows.
+        {"Endless", 0.9, true},
+        {"Endless", -0.3, true},
+        {"Endless", 1, false},
+        {"Single", 1.5, true},
+        {"Single", -2.25, true},
+        {"Single", 1, false},
+        {"Whole", 3, true},
+        {"Whole", -7, true},
+        {"Whole", 2.5, false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Nd_SetFloatValue(camera.handle(), camera.node(row.name), row.value, true),
+                  row.good ? CAM_API_STS_SUCCESS : CAM_API_STS_INVALID_PARAMETER)
+            << row.name << " " << row.value;
+    }
+}
+
 TEST(NodeRange, IsAvailableForNodesThatCannotBeRead)
 {
     DescribedCamera camera(describe(
