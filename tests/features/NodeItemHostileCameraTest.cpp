@@ -24,6 +24,7 @@ private slots:
     void hugeString();
     void absurdSizes();
     void enumerationOfSizeZero();
+    void emptyEntryNameIsAValue();
     void valueThatChangesBetweenTheCalls();
     void numbersAreCachedUntilReadAgain();
     void extremeIntegers_data();
@@ -108,6 +109,23 @@ void NodeItemHostileCameraTest::enumerationOfSizeZero()
     scripted::failCall("Nd_GetStrValue", CAM_API_STS_SUCCESS);
     QCOMPARE(text->getNodeValue(false, true), QString("old"));
     QCOMPARE(NodeBench::calls(), QStringList({"Nd_GetStrValue(null, out)", "Nd_GetStrValue(out, out)"}));
+}
+
+void NodeItemHostileCameraTest::emptyEntryNameIsAValue()
+{
+    scripted::NodeSpec nameless = enumNode({ro, ro});
+    nameless.entries.front().name.clear();
+    NodeBench bench({nameless}, OpeLogRead);
+    const auto enumeration = bench.item("Node");
+    QCOMPARE(enumeration->getNodeValue(false, true), QString());
+    QCOMPARE(NodeBench::calls(), QStringList({"Nd_GetEnumStrValue(null, out)", "Nd_GetEnumStrValue(out, out)"}));
+    QCOMPARE(bench.log.size(), 1);
+    QVERIFY(!bench.log[0].contains("Failed"));
+
+    const auto entry = bench.item("EnumEntry_Node_");
+    QCOMPARE(entry->getNodeValue(false, true), QString());
+    QCOMPARE(NodeBench::calls(),
+             QStringList({"Nd_GetEnumEntryStrValue(null, out)", "Nd_GetEnumEntryStrValue(out, out)"}));
 }
 
 void NodeItemHostileCameraTest::valueThatChangesBetweenTheCalls()

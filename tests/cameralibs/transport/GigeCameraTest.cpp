@@ -89,6 +89,20 @@ TEST_F(GigeCameraTest, SimulatedCamerasComeLast)
     EXPECT_EQ(info.link, CAM_LINK_SIMULATED);
 }
 
+TEST_F(GigeCameraTest, OtherLayersDoNotListIt)
+{
+    ASSERT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    std::uint32_t count = 0;
+    ASSERT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+    // There may be a USB camera at this machine.
+    for (std::uint32_t i = 0; i < count; ++i) {
+        CAM_INFO info = {};
+        ASSERT_EQ(Cam_GetInformation(0, i, &info), CAM_API_STS_SUCCESS);
+        EXPECT_NE(info.link, CAM_LINK_GIGE_VISION);
+    }
+}
+
 TEST_F(GigeCameraTest, CameraOfAnotherProgramIsDenied)
 {
     ChildProcess other({CAMERA_HOLDER});

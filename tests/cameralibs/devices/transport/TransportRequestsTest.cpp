@@ -166,6 +166,19 @@ TEST_F(TransportRequestsTest, WhatIsNoRequestEndsIt)
     }
 }
 
+TEST_F(TransportRequestsTest, OnlyTheKindsAskedForAreListed)
+{
+    ASSERT_TRUE(m_control.send(Kind::enumerate, Enumerate{0, 0}));
+    EXPECT_EQ(status(), 0U) << "without a camera before it";
+    ASSERT_TRUE(m_control.send(Kind::enumerate, Enumerate{1, 0}));
+    const Packet* const packet = reply(Kind::listed);
+    ASSERT_NE(packet, nullptr);
+    const auto listed = packet->body<Listed>(Kind::listed);
+    ASSERT_TRUE(listed);
+    EXPECT_EQ(listed->link, Orvo::CAM_LINK_USB3_VISION);
+    EXPECT_EQ(status(), 0U);
+}
+
 TEST_F(TransportRequestsTest, OnlyAnOpenedCameraIsAskedForMore)
 {
     const std::function<bool()> requests[] = {
