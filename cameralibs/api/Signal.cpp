@@ -4,13 +4,6 @@
 
 namespace cameralibs {
 
-void Signal::set()
-{
-    const std::lock_guard lock(m_mutex);
-    m_set = true;
-    m_changed.notify_all();
-}
-
 void Signal::clear()
 {
     const std::lock_guard lock(m_mutex);

@@ -11,7 +11,6 @@ namespace cameralibs {
 /// An event to wait for. Once set it stays set until it is cleared. Thread-safe.
 class Signal {
 public:
-    void set();
     void clear();
 
     /// Sets the flag and the signal in one step, so no thread sees one without the other. Returns false and does

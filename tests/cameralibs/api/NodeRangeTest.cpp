@@ -189,6 +189,7 @@ TEST(NodeRange, IncrementsOfFloatsCountFromTheMinimum)
         // From 0 where there is no minimum, or one that is as far away as the type allows.
         {"Endless", 0.9, true},
         {"Endless", -0.3, true},
+        {"Endless", 3e8, true}, // with the rounding error of its size
         {"Endless", 1, false},
         {"Single", 1.5, true},
         {"Single", -2.25, true},

@@ -191,6 +191,34 @@ TEST(NodeText, EntriesKeepTheirOrderAndHaveSymbolicNames)
     EXPECT_EQ(textOf(Nd_GetUnit, camera.handle(), entry), "");
 }
 
+TEST(NodeText, TheEntryOfANumberIsOneThatCanBeChosen)
+{
+    const DescribedCamera camera(describe(intReg("Reg", 0) + intReg("Moving", 4) + constant("No", 0) + R"(
+        <Enumeration Name="E">
+          <EnumEntry Name="Gone"><pIsAvailable>No</pIsAvailable><Value>1</Value></EnumEntry>
+          <EnumEntry Name="Here"><Value>1</Value></EnumEntry>
+          <EnumEntry Name="GoneToo"><pIsAvailable>No</pIsAvailable><Value>2</Value></EnumEntry>
+          <EnumEntry Name="AndThis"><pIsAvailable>No</pIsAvailable><Value>2</Value></EnumEntry>
+          <EnumEntry Name="Follows"><pValue>Moving</pValue></EnumEntry>
+          <pValue>Reg</pValue>
+        </Enumeration>)"));
+    ASSERT_EQ(camera.status(), CAM_API_STS_SUCCESS) << camera.error();
+    const auto set = [&](const char* name, std::int64_t value) {
+        EXPECT_EQ(Nd_SetIntValue(camera.handle(), camera.node(name), value, true), CAM_API_STS_SUCCESS);
+    };
+    set("Moving", 7);
+    set("Reg", 1);
+    EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "Here");
+    set("Reg", 2);
+    EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "GoneToo") << "the first, where none can be chosen";
+    set("Reg", 7);
+    EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "Follows");
+    set("Moving", 9);
+    EXPECT_EQ(camera.text(Nd_GetEnumStrValue, "E"), "status 258");
+    EXPECT_EQ(Nd_SetEnumStrValue(camera.handle(), camera.node("E"), "Follows", true), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(valueOf(Nd_GetEnumIntValue, camera, "E"), 9);
+}
+
 TEST(NodeText, StringsMayBeAsLongAsTheirRegister)
 {
     const DescribedCamera camera(describe(
