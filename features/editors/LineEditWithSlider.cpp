@@ -9,6 +9,8 @@
 #include <QSignalBlocker>
 #include <QTimerEvent>
 
+#include <cstdint>
+
 namespace {
 
 constexpr int kDragInterval = 50; // ms between two writes while the slider is dragged
@@ -108,7 +110,11 @@ template <typename Load> void LineEditWithSlider::loadFloat(GenAPINodeItem& item
 
 void LineEditWithSlider::fill(const SliderPositions& positions, bool isFixed)
 {
-    m_slider.setMinimum(positions.minimum);
+    // The style divides by twice the span in 32 bits. For a span of 2^31 that is 0 and would end the program, so the
+    // slider does without its lowest position.
+    constexpr std::int64_t kUndrawableSpan = 0x80000000;
+    const bool drawable = std::int64_t{positions.maximum} - positions.minimum != kUndrawableSpan;
+    m_slider.setMinimum(drawable ? positions.minimum : positions.minimum + 1);
     m_slider.setMaximum(positions.maximum);
     m_slider.setValue(positions.position);
     m_lineEdit.setText(m_item->getNodeValue(false, false));

@@ -53,6 +53,8 @@ private slots:
     void loadingReadsOnlyUnknownValues();
     void reloadingTakesTheNewRange();
     void textHasItsUnitOnlyAfterAWrite();
+    void sliderOfHalfThe32BitNumbersIsDrawn_data();
+    void sliderOfHalfThe32BitNumbersIsDrawn();
 };
 
 // --- Construction ---------------------------------------------------------------------------------------------------
@@ -424,6 +426,25 @@ void LineEditWithSliderLoadTest::textHasItsUnitOnlyAfterAWrite()
     QCOMPARE(lineEdit().text(), QString("37"));
     m_editor->getValue();
     QCOMPARE(lineEdit().text(), QString("37 %"));
+}
+
+void LineEditWithSliderLoadTest::sliderOfHalfThe32BitNumbersIsDrawn_data()
+{
+    QTest::addColumn<qint64>("minimum");
+    QTest::addColumn<qint64>("maximum");
+    QTest::newRow("negative") << qint64{INT64_MIN} << qint64{0};
+    QTest::newRow("around 0") << qint64{INT64_MIN} << qint64{1};
+}
+
+void LineEditWithSliderLoadTest::sliderOfHalfThe32BitNumbersIsDrawn()
+{
+    // The style divides by twice the span in 32 bits, which is 0 for a span of 2^31.
+    QFETCH(qint64, minimum);
+    QFETCH(qint64, maximum);
+    m_editor->setValue(itemOf(features::linear(features::integer("Offset", 0, minimum, maximum))));
+    showEditor();
+    QVERIFY(!m_editor->grab().isNull());
+    QCOMPARE(slider().value(), 0);
 }
 
 } // namespace

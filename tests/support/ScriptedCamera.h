@@ -13,6 +13,7 @@
 #include "camera/OrvoCamApi.h"
 #include "camera/OrvoCamUtl.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -51,6 +52,9 @@ void failNode(const std::string& node, const std::string& operation, Orvo::CAM_A
 /// Ends every failure that was scripted for the operation.
 void heal(const std::string& operation);
 
+/// Ends every scripted failure but those of failNode().
+void healAll();
+
 /// The hook runs at the start of every call of the operation, on the caller's thread, after the call is counted and
 /// before its result is decided. It may script and call operations. Null removes it.
 void onCall(const std::string& operation, std::function<void()> hook);
@@ -58,6 +62,9 @@ void onCall(const std::string& operation, std::function<void()> hook);
 // --- Recorded calls -------------------------------------------------------------------------------------------------
 
 [[nodiscard]] std::vector<Call> calls();
+/// The number of recorded calls, and those from the n-th on (0 = the first).
+[[nodiscard]] std::size_t callCount();
+[[nodiscard]] std::vector<Call> callsFrom(std::size_t first);
 /// Calls whose operation starts with one of the prefixes, such as "Strm_" or "Cam_Open".
 [[nodiscard]] std::vector<Call> calls(const std::vector<std::string>& prefixes);
 /// The names of the operations, without Sys_WaitForSignal and the display thread's polling of buffers.
@@ -85,6 +92,12 @@ constexpr std::uint32_t mono8 = 0x01080001;
 /// follow if they exist; writing one of them changes the results. `flag` is the trigger mode byte; any but 0 means on.
 void setImageFormat(std::uint32_t width, std::uint32_t height, std::uint32_t pixelFormat);
 void setTrigger(std::uint8_t flag, std::uint32_t source);
+
+struct Trigger {
+    bool on = false;
+    std::uint32_t source = 0;
+};
+[[nodiscard]] Trigger trigger();
 
 /// Sets the text of Misc_GetLastGenICamError.
 void setGenICamError(std::string text);
@@ -166,5 +179,7 @@ void setNodes(std::vector<NodeSpec> nodes);
 /// Reads a node, or changes it behind the viewer's back. The name must exist and must not be changed.
 [[nodiscard]] NodeSpec node(const std::string& name);
 void changeNode(const std::string& name, const std::function<void(NodeSpec&)>& change);
+/// Of all nodes but the entries of enumerations, in the order of the node map.
+[[nodiscard]] std::vector<std::string> nodeNames();
 
 } // namespace scripted

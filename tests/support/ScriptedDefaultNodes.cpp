@@ -105,6 +105,17 @@ void setNodes(std::vector<NodeSpec> nodes)
     }
 }
 
+std::vector<std::string> nodeNames()
+{
+    const std::lock_guard lock(world().mutex);
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < world().nodes.size(); ++i) {
+        if (world().nodes.at(i).spec.type != Orvo::NODE_TYPE_ENUM_ENTRY)
+            names.push_back(world().nodes.at(i).fullName);
+    }
+    return names;
+}
+
 NodeSpec node(const std::string& name)
 {
     const std::lock_guard lock(world().mutex);

@@ -110,11 +110,14 @@ void Recorder::finish(std::uint64_t sequence, Orvo::CAM_API_STATUS result)
         m_entries[sequence - m_firstSequence].result = result;
 }
 
-std::vector<Call> Recorder::calls() const
+std::vector<Call> Recorder::calls(std::size_t first) const
 {
     std::vector<Call> result;
-    result.reserve(m_entries.size());
-    for (const Entry& entry : m_entries) {
+    if (first >= m_entries.size())
+        return result;
+    result.reserve(m_entries.size() - first);
+    for (auto at = m_entries.begin() + static_cast<std::ptrdiff_t>(first); at != m_entries.end(); ++at) {
+        const Entry& entry = *at;
         Call& call = result.emplace_back();
         call.operation = entry.operation->name;
         for (std::size_t i = 0; i < entry.argumentCount; ++i)
@@ -134,14 +137,20 @@ void Recorder::clear()
         operation.countSinceClear = 0;
 }
 
-void Recorder::reset()
+void Recorder::heal()
 {
-    clear();
     for (auto& [name, operation] : m_operations) {
         operation.failures.clear();
         operation.failsAlways.reset();
-        operation.hook = nullptr;
     }
+}
+
+void Recorder::reset()
+{
+    clear();
+    heal();
+    for (auto& [name, operation] : m_operations)
+        operation.hook = nullptr;
 }
 
 } // namespace scripted

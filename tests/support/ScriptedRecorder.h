@@ -74,8 +74,10 @@ public:
     std::uint64_t begin(Operation& operation, std::initializer_list<Argument> arguments);
     void finish(std::uint64_t sequence, Orvo::CAM_API_STATUS result);
 
-    [[nodiscard]] std::vector<Call> calls() const;
+    [[nodiscard]] std::size_t size() const { return m_entries.size(); }
+    [[nodiscard]] std::vector<Call> calls(std::size_t first = 0) const;
     void clear();
+    void heal(); // every operation
     void reset();
 
 private:

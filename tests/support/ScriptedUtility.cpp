@@ -50,6 +50,12 @@ void leadNode(const char* name, std::int64_t value)
 
 namespace scripted {
 
+Trigger trigger()
+{
+    const std::lock_guard lock(world().mutex);
+    return {world().format.triggerFlag != 0, world().format.triggerSource};
+}
+
 void setImageFormat(std::uint32_t width, std::uint32_t height, std::uint32_t pixelFormat)
 {
     const std::lock_guard lock(world().mutex);

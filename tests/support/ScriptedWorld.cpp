@@ -131,6 +131,12 @@ void failCall(const std::string& operation, Orvo::CAM_API_STATUS status, int nth
     known.failures[known.countEver + nth] = status;
 }
 
+void healAll()
+{
+    const std::lock_guard lock(world().mutex);
+    world().recorder.heal();
+}
+
 void failAlways(const std::string& operation, Orvo::CAM_API_STATUS status)
 {
     const std::lock_guard lock(world().mutex);
@@ -158,6 +164,18 @@ void onCall(const std::string& operation, std::function<void()> hook)
 {
     const std::lock_guard lock(world().mutex);
     world().recorder.operation(operation).hook = std::move(hook);
+}
+
+std::size_t callCount()
+{
+    const std::lock_guard lock(world().mutex);
+    return world().recorder.size();
+}
+
+std::vector<Call> callsFrom(std::size_t first)
+{
+    const std::lock_guard lock(world().mutex);
+    return world().recorder.calls(first);
 }
 
 std::vector<Call> calls()
