@@ -130,7 +130,7 @@ TEST_F(GigeRemovalTest, TerminatingEndsAnOpeningThatWaitsForTheCamera)
     EXPECT_NE(opening.result(), CAM_API_STS_SUCCESS);
 }
 
-TEST_F(GigeRemovalOpenTest, RegisterAccessFindsOutThatTheCameraIsGone)
+TEST_F(GigeRemovalOpenTest, RegisterAccessDetectsTheLoss)
 {
     const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
     m_fakes.front()->kill();
@@ -143,7 +143,7 @@ TEST_F(GigeRemovalOpenTest, RegisterAccessFindsOutThatTheCameraIsGone)
     expectAtOnce("close", [&] { EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS); });
 }
 
-TEST_F(GigeRemovalOpenTest, CameraThatIsBackOpensAgain)
+TEST_F(GigeRemovalOpenTest, ReconnectedCameraOpensAgain)
 {
     const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
     m_fakes.clear();

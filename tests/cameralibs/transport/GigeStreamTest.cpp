@@ -53,7 +53,7 @@ std::vector<std::uint64_t> steps(const std::vector<StreamRecorder::Image>& image
 
 } // namespace
 
-TEST_F(GigeStreamTest, FrameNumbersRiseOverTheEndOfTheBlockIds)
+TEST_F(GigeStreamTest, FrameNumbersKeepRisingWhenBlockIdsWrap)
 {
     // The fake camera begins shortly before the highest 16-bit block id.
     start();
@@ -74,7 +74,7 @@ TEST_F(GigeStreamTest, FrameNumbersRiseOverTheEndOfTheBlockIds)
     }
 }
 
-TEST_F(GigeStreamTest, StartsAnewAsOftenAsAsked)
+TEST_F(GigeStreamTest, StreamRestartsManyTimes)
 {
     for (int round = 0; round < 5; ++round) {
         m_recorder.clear();
@@ -142,7 +142,7 @@ TEST_F(GigeStreamLossyTest, IncompleteImagesAreErrorsAndNeverShown)
         EXPECT_EQ(image.info.dataSize, 256U * 256U);
 }
 
-TEST_F(GigeStreamLogTest, TellsThePacketSizeAndWhatWasLost)
+TEST_F(GigeStreamLogTest, LogContainsPacketSizeAndLosses)
 {
     start();
     ASSERT_TRUE(m_recorder.waitForErrors(2));

@@ -112,7 +112,7 @@ TEST_P(MemoryShortageTest, ImagesOfARealCameraNeedNoMemory)
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
 }
 
-TEST_P(MemoryShortageTest, TheLossOfARealCameraIsTold)
+TEST_P(MemoryShortageTest, TheLossOfARealCameraIsReported)
 {
     ASSERT_NO_FATAL_FAILURE(openStream(CAM_LAYER_USB3_VISION));
     start();
@@ -125,7 +125,7 @@ TEST_P(MemoryShortageTest, TheLossOfARealCameraIsTold)
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
 }
 
-TEST_P(MemoryShortageTest, TheEndOfATransportIsTold)
+TEST_P(MemoryShortageTest, TheEndOfATransportIsReported)
 {
     ASSERT_NO_FATAL_FAILURE(openStream(CAM_LAYER_USB3_VISION));
     start();

@@ -1,5 +1,5 @@
-// A transport that says what none must say: how a real one might behave once a camera has taken it over. The library
-// gives it no arguments, so the environment tells which lie it is to tell; without one it is honest.
+// A transport that violates the protocol, as a compromised one might. It gets no arguments, so an environment variable
+// selects the violation ("lie"); without one it behaves correctly.
 
 #include "cameralibs/transport/Channel.h"
 
@@ -55,7 +55,7 @@ class Rogue {
 public:
     int run()
     {
-        // As many as it takes to be faster than whoever reads.
+        // Enough threads to be faster than the reader.
         for (int i = 0; i < (isFlood() ? 4 : 1); ++i)
             std::thread([this] { tellEvents(); }).detach();
         for (int i = 0; lie() == "flood log" && i < 4; ++i)
@@ -85,24 +85,24 @@ private:
         }
     }
 
-    /// What never pauses leaves a deadline no moment in which nothing is there to be read.
+    /// A flood never pauses, so the reader always finds something to read.
     static bool isFlood() { return lie().rfind("flood", 0) == 0; }
 
-    /// False where nobody has read the last ones yet.
+    /// False while the pipe is full.
     static bool writeLine()
     {
         static const std::string line = std::string(1000, 'x') + '\n';
         return ::write(STDERR_FILENO, line.data(), line.size()) > 0;
     }
 
-    /// In threads that do nothing else: nothing but the lines' reader holds them up.
+    /// Runs in threads of its own, which only the reader of the lines can delay.
     static void writeLines()
     {
         for (;;)
             (void)writeLine();
     }
 
-    /// Ends, while another process goes on to write lines for much longer than anybody should read them.
+    /// Exits, while a forked process goes on writing lines for longer than the library may read them.
     static void leaveLog()
     {
         if (::fork() == 0) {
@@ -114,7 +114,7 @@ private:
         ::_exit(0);
     }
 
-    /// Ends, while another process goes on with its ends of the channels until the library has closed its own.
+    /// Exits, while a forked process keeps the channels open until the library closes its ends.
     void leaveEnds() const
     {
         if (::fork() != 0)
@@ -124,7 +124,7 @@ private:
         ::_exit(0);
     }
 
-    /// Never ends. The answer is said to be pending.
+    /// Never returns. Sends progress packets instead of an answer.
     void flood() const
     {
         (void)tellProgress();

@@ -1,5 +1,5 @@
-// What the library does with a transport that a camera has taken over. Whatever that says, each operation ends in time
-// with a status of the interface, nothing is written or read beyond a buffer, and the next camera opens.
+// How the library handles a compromised transport. Whatever it sends, each operation ends in time with a valid status,
+// nothing is written or read beyond a buffer, and the next camera opens.
 
 #include "Transports.h"
 
@@ -38,8 +38,8 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
-/// The threads of this process get the processor after those of transports that never pause, so that there is always
-/// something to be read.
+/// Lowers the priority of this process below that of transports that never pause, so that there is always something to
+/// read.
 class Outrun {
 public:
     Outrun() { prefer(19); }
@@ -95,7 +95,7 @@ protected:
     }
     [[nodiscard]] CAM_API_STATUS open() { return Cam_Open(0, &m_camera, m_signal, 1, nullptr, 1); }
 
-    /// What a busy machine adds is less than what a limit that does not hold takes.
+    /// The margin for a busy machine is smaller than the delay if a limit does not hold.
     static void expectWithin(std::chrono::seconds limit, const std::function<void()>& step)
     {
         const auto begin = std::chrono::steady_clock::now();
@@ -105,7 +105,7 @@ protected:
 
     void close() const { EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS); }
 
-    /// Closes the camera while a thread waits for an answer that is said to be pending and never comes.
+    /// Closes the camera while a thread waits for an answer that stays pending.
     void expectToCloseInTimeDuringAnAccess() const
     {
         ASSERT_THAT(transports(), ::testing::SizeIs(1));
@@ -130,7 +130,7 @@ protected:
     std::size_t m_descriptors = 0;
 };
 
-/// Somebody reads it, but not as fast as a transport writes.
+/// Its reader is slower than a transport that writes.
 class SlowStandardError {
 public:
     SlowStandardError()
@@ -162,7 +162,7 @@ private:
 
 } // namespace
 
-TEST_F(RogueTransportTest, BeforeAnythingElse)
+TEST_F(RogueTransportTest, InvalidRepliesToHello)
 {
     for (const char* lie : {"other build", "ends at once", "short packet", "data without end", "descriptor"}) {
         tell(lie);
@@ -215,7 +215,7 @@ TEST_F(RogueTransportTest, Reading)
     EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), CAM_API_STS_UNSUCCESSFUL);
 }
 
-TEST_F(RogueTransportTest, ThreeSecondsWithoutAnAnswerAreTheEnd)
+TEST_F(RogueTransportTest, CameraIsLostAfterThreeSecondsWithoutAnAnswer)
 {
     ASSERT_EQ(list(), 1U);
     const auto begin = std::chrono::steady_clock::now();
@@ -229,19 +229,19 @@ TEST_F(RogueTransportTest, ThreeSecondsWithoutAnAnswerAreTheEnd)
     EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
 }
 
-TEST_F(RogueTransportTest, EventsAtAnyTime)
+TEST_F(RogueTransportTest, InvalidEventsMakeTheCameraLost)
 {
     ASSERT_EQ(list(), 1U);
     for (const char* lie : {"garbage event", "unknown event", "no sign of life"}) {
         tell(lie);
         if (open() != CAM_API_STS_SUCCESS)
-            continue; // it was found out before
+            continue; // the violation was detected during opening
         EXPECT_TRUE(lost()) << lie;
         EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     }
 }
 
-TEST_F(RogueTransportTest, ImagesInBuffersThatAreNotItsOwn)
+TEST_F(RogueTransportTest, ImagesInBuffersThatWereNotLentMakeTheCameraLost)
 {
     ASSERT_EQ(list(), 1U);
     for (const char* lie : {"foreign buffer", "odd offset", "too large", "twice", "unknown packet"}) {
@@ -256,7 +256,7 @@ TEST_F(RogueTransportTest, ImagesInBuffersThatAreNotItsOwn)
     }
 }
 
-TEST_F(RogueTransportTest, NumbersAndStatusesOfImagesAreThoseOfTheInterface)
+TEST_F(RogueTransportTest, FrameNumbersRiseAndImageStatusesAreValid)
 {
     ASSERT_EQ(list(), 1U);
     for (const char* lie : {"", "far ids", "failed with success"}) {
@@ -330,7 +330,7 @@ TEST_F(RogueTransportTest, FloodsOfTheLogDoNotProlongClosing)
     ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
 }
 
-TEST_F(RogueTransportTest, EndsWithItsProcessWhoeverHasItsChannels)
+TEST_F(RogueTransportTest, LossIsDetectedAlthoughAnotherProcessHoldsTheChannels)
 {
     ASSERT_EQ(list(), 1U);
     tell("leaves its ends");
@@ -341,8 +341,8 @@ TEST_F(RogueTransportTest, EndsWithItsProcessWhoeverHasItsChannels)
     expectWithin(std::chrono::seconds(3), [this] { EXPECT_TRUE(lost()); });
 }
 
-// What the kernel does with a process in an uninterruptible call, too: it is not gone until that is over.
-TEST_F(RogueTransportTest, ProcessThatCannotEndHoldsUpNothing)
+// Like a process in an uninterruptible call, this one remains after it was killed.
+TEST_F(RogueTransportTest, ProcessThatCannotEndDelaysNothing)
 {
     ASSERT_EQ(list(), 1U);
     for (const bool killed : {false, true}) {
@@ -353,7 +353,7 @@ TEST_F(RogueTransportTest, ProcessThatCannotEndHoldsUpNothing)
         for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(transport) + "/task"))
             thread = std::max(thread, std::stoi(entry.path().filename()));
         ASSERT_NE(thread, transport);
-        // Its death has to be acknowledged here before the process is gone.
+        // The process remains until its tracer acknowledges its end.
         ASSERT_EQ(::ptrace(PTRACE_SEIZE, thread, nullptr, nullptr), 0);
         if (killed) {
             ::kill(transport, SIGKILL);
@@ -367,8 +367,8 @@ TEST_F(RogueTransportTest, ProcessThatCannotEndHoldsUpNothing)
     }
 }
 
-// The limit of a search would end this one, too, but only after seconds.
-TEST_F(RogueTransportTest, CameraCountsEachTimeItIsListed)
+// Without this rule the time limit would end the search, but only after seconds.
+TEST_F(RogueTransportTest, RepeatedCamerasCountTowardsTheLimitOfASearch)
 {
     tell("same camera for ever");
     expectWithin(std::chrono::seconds(1), [] { EXPECT_LE(list(), 1U); });

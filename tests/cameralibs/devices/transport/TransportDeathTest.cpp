@@ -183,7 +183,7 @@ TEST_P(TransportDeathTest, WhileClosing)
 }
 
 // Two find out: the thread of the access, and the one that watches the transport.
-TEST_F(TransportDeathLogTest, LossIsToldOnce)
+TEST_F(TransportDeathLogTest, LossIsReportedOnce)
 {
     const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
     const std::size_t threads = ownThreads();

@@ -90,7 +90,7 @@ TEST_F(TransportProcessTest, OneForEachCameraAndNoneWithout)
     EXPECT_THAT(transports(), ::testing::IsEmpty());
 }
 
-TEST_F(TransportProcessTest, SignalsOfTheProgramAreNotItsOwn)
+TEST_F(TransportProcessTest, SignalHandlingOfTheProgramIsNotInherited)
 {
     sigset_t blocked;
     sigset_t before;
@@ -127,7 +127,7 @@ TEST_F(TransportProcessTest, ProgramMayIgnoreItsChildren)
     (void)std::signal(SIGCHLD, before);
 }
 
-TEST_F(TransportProcessTest, ProgramsOwnChildrenAreLeftToIt)
+TEST_F(TransportProcessTest, OtherChildrenOfTheProgramAreNotWaitedFor)
 {
     const pid_t child = ::fork();
     if (child == 0)
@@ -203,7 +203,7 @@ TEST_F(TransportProcessTest, ProgramMayHaveNoDescriptorLeft)
     ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
 }
 
-TEST_F(TransportProcessTest, ForkedProcessHasCamerasOfItsOwn)
+TEST_F(TransportProcessTest, ForkedProcessCanUseCameras)
 {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -216,7 +216,7 @@ TEST_F(TransportProcessTest, ForkedProcessHasCamerasOfItsOwn)
 }
 
 // A stopped transport stands for one that was taken over: neither looks at its channels.
-TEST_F(TransportProcessTest, EndsWithTheProgramHoweverThatEnds)
+TEST_F(TransportProcessTest, EndsWithTheProgramEvenIfThatIsKilled)
 {
     for (const bool stopped : {false, true}) {
         int ends[2] = {-1, -1};
@@ -278,7 +278,7 @@ TEST_F(TransportProcessTest, IsRestricted)
         EXPECT_THAT(contentsOf(transport, "limits"), ::testing::ContainsRegex(limit));
 }
 
-TEST_F(TransportProcessTest, SecretsOfTheEnvironmentStayWithTheProgram)
+TEST_F(TransportProcessTest, OtherEnvironmentVariablesAreNotInherited)
 {
     ::setenv("SESSION_TOKEN", "secret", 1); // NOLINT(concurrency-mt-unsafe)
     CAM_HANDLE camera = 0;
@@ -290,7 +290,7 @@ TEST_F(TransportProcessTest, SecretsOfTheEnvironmentStayWithTheProgram)
     EXPECT_THAT(environment, ::testing::Not(::testing::HasSubstr("SESSION_TOKEN")));
 }
 
-TEST_F(TransportProcessTest, WithoutItNoRealCameraIsListedAndTheLogTellsWhy)
+TEST_F(TransportProcessTest, WithoutItOnlySimulatedCamerasAreListedAndTheLogSaysWhy)
 {
     ::setenv("ORVO_CAMERA_TRANSPORT", "/nowhere/orvocam-transport", 1); // NOLINT(concurrency-mt-unsafe)
     ::setenv("ORVO_CAMERA_LOG", "warning", 1);                          // NOLINT(concurrency-mt-unsafe)

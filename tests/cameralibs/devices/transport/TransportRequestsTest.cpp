@@ -144,7 +144,7 @@ Descriptor makeMemory(int seals)
 
 } // namespace
 
-TEST_F(TransportRequestsTest, WhatIsNoRequestEndsIt)
+TEST_F(TransportRequestsTest, EndsOnInvalidRequests)
 {
     const auto sendRaw = [this](const void* bytes, std::size_t size) {
         ASSERT_GE(::send(m_control.descriptor(), bytes, size, MSG_NOSIGNAL), 0);
@@ -179,7 +179,7 @@ TEST_F(TransportRequestsTest, OnlyTheKindsAskedForAreListed)
     EXPECT_EQ(status(), 0U);
 }
 
-TEST_F(TransportRequestsTest, OnlyAnOpenedCameraIsAskedForMore)
+TEST_F(TransportRequestsTest, EndsOnRequestsThatNeedAnOpenCamera)
 {
     const std::function<bool()> requests[] = {
         [this] { return m_control.send(Kind::describe, Describe{0}); },
@@ -198,21 +198,21 @@ TEST_F(TransportRequestsTest, OnlyAnOpenedCameraIsAskedForMore)
     }
 }
 
-TEST_F(TransportRequestsTest, OneCameraIsAllThatItOpens)
+TEST_F(TransportRequestsTest, OpensOnlyOneCamera)
 {
     open();
     ASSERT_TRUE(m_control.send(Kind::open, m_open));
     EXPECT_TRUE(ends());
 }
 
-TEST_F(TransportRequestsTest, ReadsAreNoLargerThanAPacket)
+TEST_F(TransportRequestsTest, EndsOnReadsLargerThanAPacket)
 {
     open();
     ASSERT_TRUE(m_control.send(Kind::read, Read{0, kMaxData + 1}));
     EXPECT_TRUE(ends());
 }
 
-TEST_F(TransportRequestsTest, DescriptionIsToldInParts)
+TEST_F(TransportRequestsTest, DescriptionIsSentInParts)
 {
     open();
     ASSERT_TRUE(m_control.send(Kind::describe, Describe{~0ULL}));
@@ -222,7 +222,7 @@ TEST_F(TransportRequestsTest, DescriptionIsToldInParts)
     EXPECT_EQ(packet->data().size(), 0U) << "nothing beyond its end";
 }
 
-TEST_F(TransportRequestsTest, MemoryIsSealedAndAsLargeAsTold)
+TEST_F(TransportRequestsTest, RefusesMemoryThatIsUnsealedOrTooSmall)
 {
     open();
     const Descriptor whole = makeMemory(F_SEAL_SHRINK);
@@ -234,7 +234,7 @@ TEST_F(TransportRequestsTest, MemoryIsSealedAndAsLargeAsTold)
     EXPECT_EQ(openSource(whole.get()), 0U);
 }
 
-TEST_F(TransportRequestsTest, BuffersLieWithinTheMemory)
+TEST_F(TransportRequestsTest, EndsOnBuffersOutsideTheMemory)
 {
     open();
     ASSERT_EQ(openSource(makeMemory(F_SEAL_SHRINK).get()), 0U);
@@ -253,7 +253,7 @@ TEST_F(TransportRequestsTest, BuffersLieWithinTheMemory)
     }
 }
 
-TEST_F(TransportRequestsTest, TellsThatItIsAlive)
+TEST_F(TransportRequestsTest, SendsSignsOfLife)
 {
     for (int i = 0; i < 3; ++i) {
         ASSERT_EQ(m_events.receive(m_packet, soon()), Received::packet);

@@ -4,10 +4,10 @@
 
 #include <sys/types.h>
 
-/// The transports that this process has started and that have not ended. One that nobody has waited for counts.
+/// The transport processes that are children of this process, including zombies.
 [[nodiscard]] std::vector<pid_t> transports();
 
-/// How many descriptors and threads this process has.
+/// The number of descriptors and threads of this process.
 [[nodiscard]] std::size_t ownDescriptors();
 [[nodiscard]] std::size_t ownThreads();
 

@@ -10,26 +10,26 @@ namespace gige {
 /// A datagram that is about to be sent.
 struct Packet {
     Bytes bytes;
-    std::chrono::milliseconds after{0}; ///< how much later than the others
+    std::chrono::milliseconds after{0}; ///< the delay before it is sent
     bool foreign = false;               ///< from another address than the camera's
 };
 
-/// A command, and what the camera says to it.
+/// A command and the camera's answers.
 struct Exchange {
     const Bytes& command;
     std::vector<Packet> answers;
-    std::chrono::milliseconds hang{0}; ///< how long the camera does nothing at all afterwards
+    std::chrono::milliseconds hang{0}; ///< how long the camera does not react afterwards
 };
 
-/// What a camera does differently from an honest one, which does nothing here.
+/// Modifies the behaviour of a camera. The default implementation leaves it correct.
 class Behaviour {
 public:
     virtual ~Behaviour() = default;
 
-    /// Before the camera is on the network.
+    /// Runs before the camera is reachable.
     virtual void prepare(CameraMemory& /*memory*/) {}
 
-    /// `exchange` has the one honest answer.
+    /// `exchange` has one answer, the correct one.
     virtual void answer(Exchange& /*exchange*/) {}
 
     /// The packets of one image, from the leader to the trailer, or one test packet.

@@ -15,11 +15,11 @@ namespace {
 constexpr std::uint32_t kBroadcast = 0xffffffff;
 constexpr std::size_t kKeptImages = 4;
 
-// However absurd its registers are.
+// Limits for absurd registers.
 constexpr std::size_t kLargestImage = 16'000'000;
 constexpr std::size_t kSmallestPacket = 576;
 
-/// How often the camera looks at its heartbeat when nothing else wakes it.
+/// How often the camera checks the heartbeat.
 constexpr std::chrono::milliseconds kIdle{200};
 
 Bytes bodyOf(const Bytes& packet)
@@ -76,7 +76,7 @@ void GigeCamera::run(int until)
             const Delayed next = std::move(m_delayed.extract(m_delayed.begin()).mapped());
             sendNow(next.packet, next.to, next.control);
         }
-        // A client that is told to wait for an answer cannot send its heartbeat meanwhile.
+        // A client that waits for an answer cannot send its heartbeat meanwhile.
         if (owesControllerAnAnswer())
             m_heardOfController = now;
         if (m_controller && now - m_heardOfController > std::chrono::milliseconds(m_memory.value(kHeartbeat)))
@@ -305,7 +305,7 @@ void GigeCamera::sendImage()
     float rate = 0;
     std::memcpy(&rate, &bits, sizeof rate);
     const std::chrono::duration<double> interval(1.0 / (rate >= 1 && rate <= 1000 ? rate : 25.0F));
-    // A camera that was kept waiting does not catch up.
+    // A delayed camera does not catch up.
     m_nextImage = std::max(m_nextImage + std::chrono::duration_cast<Clock::duration>(interval), Clock::now());
 }
 

@@ -13,14 +13,14 @@ namespace gige {
 
 struct CameraSettings {
     std::string address = "127.0.0.1";
-    std::string foreignAddress = "127.0.0.3"; ///< where foreign packets come from
+    std::string foreignAddress = "127.0.0.3"; ///< the source of packets from another address
     std::string serialNumber = "T1";
-    std::uint32_t largestPacket = 8000; ///< that gets through its network
-    bool resends = true;                ///< packets that it is asked for again
-    std::uint32_t loseEvery = 0;        ///< every n-th data packet is only sent when it is asked for again
-    bool zipped = false;                ///< its description
-    std::string url;                    ///< of its description, where not the right one
-    std::size_t discoveryAnswer = kDiscoveryAnswerSize; ///< that many bytes of it
+    std::uint32_t largestPacket = 8000;                 ///< the largest one that its network passes
+    bool resends = true;                                ///< packets on request
+    std::uint32_t loseEvery = 0;                        ///< every n-th data packet is only sent on a resend request
+    bool zipped = false;                                ///< its description
+    std::string url;                                    ///< of its description; empty for the correct one
+    std::size_t discoveryAnswer = kDiscoveryAnswerSize; ///< its size
 };
 
 /// A GigE Vision camera with one stream channel. Byte i of image n, which has the block id n mod 65535, is the low byte
@@ -80,7 +80,7 @@ private:
     Clock::time_point m_nextImage;
     std::uint64_t m_image = 0;
     std::uint32_t m_dataPackets = 0;
-    std::deque<std::vector<Packet>> m_kept; ///< what may be asked for again
+    std::deque<std::vector<Packet>> m_kept; ///< the last images, for resend requests
 };
 
 } // namespace gige

@@ -1,17 +1,18 @@
-// A camera of the tests in a process of its own. Prints a line once it is on the network, and ends with its input.
+// The GigE Vision camera of the tests as a program. Prints a line once it is reachable, and exits at the end of its
+// input.
 //
-// --address A --serial S           what it is known by
-// --foreign-address A              where packets from another address come from
-// --largest-packet N               that gets through its network
-// --resend no                      it sends no packets again
-// --lose-every N                   every n-th data packet is only sent when it is asked for again
-// --description zip                zipped
-// --url URL                        where it says that its description is
-// --discovery-answer N             so many bytes of its answer to a search
-// --delay N                        it answers every command so many milliseconds late,
-// --pending yes                    and asks for patience meanwhile
-// --liar SEED | --stranger SEED    it lies, or somebody else does who sends from another address
-// --lie NAME                       this lie, instead of those that the seed chooses
+// --address A --serial S           its address and serial number
+// --foreign-address A              the source of packets from another address
+// --largest-packet N               the largest packet that its network passes
+// --resend no                      it does not resend packets
+// --lose-every N                   every n-th data packet is only sent on a resend request
+// --description zip                its description is zipped
+// --url URL                        the URL of its description
+// --discovery-answer N             the size of its answer to a search
+// --delay N                        it answers every command N ms late
+// --pending yes                    and sends pending acknowledgements meanwhile
+// --liar SEED | --stranger SEED    it sends wrong packets, or another host does
+// --lie NAME                       a certain kind of wrong packets, instead of those that the seed selects
 
 #include "tests/cameralibs/transport/gige/GigeCamera.h"
 #include "tests/cameralibs/transport/gige/Liar.h"

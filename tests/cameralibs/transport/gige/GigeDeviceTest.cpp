@@ -1,4 +1,4 @@
-// The camera of the tests as an honest one: to the library it is a GigE Vision camera like any other.
+// The library with the GigE Vision camera of the tests, which behaves correctly here.
 
 #include "GigeDeviceFixture.h"
 
@@ -17,7 +17,7 @@
 using namespace Orvo;
 using ::testing::ElementsAre;
 
-TEST_F(GigeDeviceTest, InformationTellsTheCamera)
+TEST_F(GigeDeviceTest, InformationIdentifiesTheCamera)
 {
     list({"--serial", "S-17"});
     CAM_INFO info = {};
@@ -28,15 +28,15 @@ TEST_F(GigeDeviceTest, InformationTellsTheCamera)
     EXPECT_STREQ(info.serialNumber, "S-17");
 }
 
-TEST_F(GigeDeviceTest, CameraThatNeverStopsAnsweringHidesNoOther)
+TEST_F(GigeDeviceTest, CameraThatAnswersASearchWithoutEndHidesNoOther)
 {
     const ChildProcess endless({GIGE_CAMERA, "--address", "127.0.0.2", "--foreign-address", "127.0.0.4", "--serial",
                                 "END", "--liar", "1", "--lie", "discovery-endless"});
     list({"--serial", "T1"}, 2);
 }
 
-// The rest of its answer would be what the honest camera's has left in the memory, the serial number above all.
-TEST_F(GigeDeviceTest, CameraThatAnswersASearchInPartIsNotTakenForAnother)
+// Otherwise the rest of the answer, such as the serial number, would be that of the camera that answered before.
+TEST_F(GigeDeviceTest, IncompleteSearchAnswerIsNotCompletedFromAnotherCamera)
 {
     const ChildProcess brief({GIGE_CAMERA, "--address", "127.0.0.2", "--foreign-address", "127.0.0.4", "--serial", "B",
                               "--discovery-answer", "64"});
@@ -48,7 +48,7 @@ TEST_F(GigeDeviceTest, CameraThatAnswersASearchInPartIsNotTakenForAnother)
     }
 }
 
-TEST_F(GigeDeviceTest, CamerasOfTheSameNameAndNumberAreTwo)
+TEST_F(GigeDeviceTest, CamerasWithTheSameNameAndSerialNumberAreBothListed)
 {
     const ChildProcess other({GIGE_CAMERA, "--address", "127.0.0.2", "--foreign-address", "127.0.0.4"});
     list({}, 2);
@@ -85,7 +85,7 @@ TEST_F(GigeDeviceTest, ZippedDescriptionIsRead)
     EXPECT_EQ(intOf(m_camera, "Width"), 512);
 }
 
-TEST_F(GigeDeviceTest, FileOfThisMachineIsNoDescription)
+TEST_F(GigeDeviceTest, LocalFilesAreNotReadAsDescriptions)
 {
     for (const std::string scheme : {"File:", "file:", "File://"}) {
         ASSERT_NO_FATAL_FAILURE(list({"--url", scheme + GIGE_CAMERA_DESCRIPTION}));
@@ -93,7 +93,7 @@ TEST_F(GigeDeviceTest, FileOfThisMachineIsNoDescription)
     }
 }
 
-TEST_F(GigeDeviceTest, DescriptionThatCannotBeReadIsToldAsSuch)
+TEST_F(GigeDeviceTest, UnreadableDescriptionIsReportedAsSuch)
 {
     for (const std::string url : {"Local:gv-test.xml;100000;3", "Local:gv-test.zip;100000;400", "Local:", "nonsense"}) {
         ASSERT_NO_FATAL_FAILURE(list({"--url", url}));
@@ -127,7 +127,7 @@ TEST_F(GigeDeviceTest, ImagesAreThoseThatItSends)
     }
 }
 
-TEST_F(GigeDeviceTest, PacketsAreAsLargeAsGetThrough)
+TEST_F(GigeDeviceTest, PacketSizeIsTheLargestThatTheNetworkPasses)
 {
     open({"--largest-packet", "5000"});
     EXPECT_EQ(intOf(m_camera, "GevSCPSPacketSize"), 1400);
@@ -137,17 +137,17 @@ TEST_F(GigeDeviceTest, PacketsAreAsLargeAsGetThrough)
     expectImages(3);
 }
 
-TEST_F(GigeDeviceTest, LostPacketsAreSentAgain)
+TEST_F(GigeDeviceTest, LostPacketsAreResent)
 {
     open({"--lose-every", "100", "--largest-packet", "1400"});
     openStream();
     ASSERT_NO_FATAL_FAILURE(expectImages(20));
-    // Every image lacks a packet at first.
+    // Each image lacks a packet that has to be resent.
     EXPECT_LT(m_recorder.errors().size(), 20U) << "a busy machine may give up some";
 }
 
-// The transport may be kept from receiving for as long as the camera sends the image, as on a busy machine.
-TEST_F(GigeDeviceTest, FirstImageFindsRoomForAllOfIt)
+// On a busy machine the transport may not run while the camera sends the image.
+TEST_F(GigeDeviceTest, FirstImageFitsIntoTheSocketBuffer)
 {
     std::size_t largest = 0;
     std::ifstream("/proc/sys/net/core/rmem_max") >> largest;
@@ -162,7 +162,7 @@ TEST_F(GigeDeviceTest, FirstImageFindsRoomForAllOfIt)
     ASSERT_THAT(transports(), ::testing::SizeIs(1));
     const pid_t transport = transports().front();
     ASSERT_EQ(::kill(transport, SIGSTOP), 0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(2000)); // the image has come
+    std::this_thread::sleep_for(std::chrono::milliseconds(2000)); // the image has arrived
     ASSERT_EQ(::kill(transport, SIGCONT), 0);
     EXPECT_TRUE(m_recorder.waitForImages(1));
     EXPECT_THAT(m_recorder.errors(), ::testing::IsEmpty());
@@ -171,7 +171,7 @@ TEST_F(GigeDeviceTest, FirstImageFindsRoomForAllOfIt)
 TEST_F(GigeDeviceTest, SoftwareTriggerBringsOneImage)
 {
     open();
-    // Where the machine grants large buffers to nobody, the image has to fit into one of the usual size.
+    // If the kernel does not allow larger buffers, the image has to fit into the default one.
     setInt(m_camera, "Height", 64);
     setEntry(m_camera, "TriggerMode", "On");
     openStream();
@@ -183,14 +183,14 @@ TEST_F(GigeDeviceTest, SoftwareTriggerBringsOneImage)
     }
 }
 
-TEST_F(GigeDeviceTest, TerminatingGivesControlBackAtOnce)
+TEST_F(GigeDeviceTest, TerminatingReleasesControlAtOnce)
 {
     open();
     EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
     EXPECT_EQ(ChildProcess({CAMERA_HOLDER}).readLine(), "0");
 }
 
-TEST_F(GigeDeviceTest, ControlComesBackFromAProgramThatDied)
+TEST_F(GigeDeviceTest, CameraOfAProgramThatDiedCanBeOpened)
 {
     list();
     ChildProcess other({CAMERA_HOLDER});

@@ -1,4 +1,4 @@
-// How long the library waits for a camera that is slow, that asks for patience or that does not answer at all.
+// Time limits for a camera that is slow, that sends pending acknowledgements or that does not answer at all.
 
 #include "GigeDeviceFixture.h"
 
@@ -12,10 +12,10 @@ namespace {
 
 constexpr CAM_API_STATUS kGone = CAM_API_STS_CAMERA_NOT_RESPONDING;
 
-/// Longer than anything is waited for.
+/// In milliseconds: beyond every time limit.
 constexpr std::int64_t kForEver = 100'000;
 
-/// What a busy machine adds.
+/// The margin for a busy machine.
 constexpr std::chrono::seconds kMargin{4};
 
 using GigeLimitsTest = GigeDeviceTest;
@@ -41,8 +41,8 @@ void expectWithin(std::chrono::seconds limit, CAM_API_STATUS expected, const std
 
 } // namespace
 
-// Side by side, as they take their time.
-TEST_F(GigeLimitsTest, CameraThatAsksForPatienceGetsTenSeconds)
+// In parallel, because each takes seconds.
+TEST_F(GigeLimitsTest, PendingAcknowledgementsExtendAnAccessToTenSeconds)
 {
     const OneMoreDevice second(1);
     const OneMoreDevice third(2);
@@ -68,25 +68,25 @@ TEST_F(GigeLimitsTest, CameraThatAsksForPatienceGetsTenSeconds)
     setInt(cameras[0], "Width", 256);
 }
 
-TEST_F(GigeLimitsTest, SlowCameraOpensAsLongAsItGoesOnAnswering)
+TEST_F(GigeLimitsTest, SlowCameraOpensAsLongAsItKeepsAnswering)
 {
     open({"--delay", "200"});
     EXPECT_EQ(read(m_camera), CAM_API_STS_SUCCESS);
 }
 
-TEST_F(GigeLimitsTest, OpeningGivesUpACameraThatOnlyAsksForPatience)
+TEST_F(GigeLimitsTest, OpeningTimesOutIfTheCameraOnlySendsPendingAcknowledgements)
 {
     list({"--delay", std::to_string(kForEver), "--pending", "yes"});
     expectWithin(std::chrono::seconds(3), kGone, [this] { return tryToOpen(); });
 }
 
-TEST_F(GigeLimitsTest, OpeningGivesUpACameraThatTakesTwentySeconds)
+TEST_F(GigeLimitsTest, OpeningTimesOutAfterTwentySeconds)
 {
     list({"--delay", "1500", "--pending", "yes"});
     expectWithin(std::chrono::seconds(20), kGone, [this] { return tryToOpen(); });
 }
 
-TEST_F(GigeLimitsTest, StoppingIsAnAccessLikeAnyOther)
+TEST_F(GigeLimitsTest, StoppingHasTheTimeLimitOfAnAccess)
 {
     open();
     openStream();
@@ -96,8 +96,8 @@ TEST_F(GigeLimitsTest, StoppingIsAnAccessLikeAnyOther)
     EXPECT_EQ(Strm_Start(m_stream, 8), kGone);
 }
 
-// However many pending acknowledgements come.
-TEST_F(GigeLimitsTest, ClosingTakesASecond)
+// Pending acknowledgements do not extend this limit.
+TEST_F(GigeLimitsTest, ClosingTakesAtMostASecond)
 {
     const std::function<CAM_API_STATUS()> calls[] = {
         [this] { return Strm_Close(m_stream); },
@@ -114,7 +114,7 @@ TEST_F(GigeLimitsTest, ClosingTakesASecond)
     }
 }
 
-TEST_F(GigeLimitsTest, ClosedStreamLeavesTheCameraItsTime)
+TEST_F(GigeLimitsTest, TimeLimitOfClosingAStreamEndsWithIt)
 {
     open();
     openStream();

@@ -6,7 +6,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Aravis waits for half a second, and from an acknowledgement on for as long as that announces.
+/// Aravis waits for half a second; after a pending acknowledgement, for the time that it announces.
 constexpr milliseconds kPendingPeriod{300};
 constexpr std::uint16_t kAnnounced = 1000;
 
@@ -44,7 +44,7 @@ Slowness::Delay Slowness::delayOf(const Bytes& command) const
 {
     if (codeOf(command) == Code::discovery)
         return {};
-    // What is read or written stands first in every other command.
+    // All other commands begin with the address.
     const auto address = get<std::uint32_t>(command, kHeaderSize);
     if (address >= kWidth && address < kTestDelay && m_memory->value(kTestDelay) != 0)
         return {milliseconds(m_memory->value(kTestDelay)), m_memory->value(kTestPending) != 0};

@@ -6,16 +6,16 @@
 
 namespace gige {
 
-/// An acknowledgement that asks for so many milliseconds of patience.
+/// A pending acknowledgement: it announces that the answer takes so many milliseconds.
 [[nodiscard]] Packet pendingAnswer(const Bytes& command, std::uint16_t announced, std::chrono::milliseconds after);
 
-/// A camera that is honest and slow, as its registers kTestDelay, kTestPending and kTestImageDelay say, and with every
-/// command but a search where it is told a delay at its start.
+/// A camera that behaves correctly but slowly. Its registers kTestDelay, kTestPending and kTestImageDelay control that;
+/// a delay that is given at its start applies to all commands but searches.
 class Slowness : public Behaviour {
 public:
     struct Delay {
         std::chrono::milliseconds time{0};
-        bool pending = false; ///< it asks for patience meanwhile
+        bool pending = false; ///< it sends pending acknowledgements meanwhile
     };
     explicit Slowness(Delay always)
         : m_always(always)
