@@ -11,7 +11,7 @@ namespace cameralibs {
 
 // The undocumented behaviour of Aravis that the evaluation of descriptions relies on; checked against Aravis 0.8.26.
 // Each function checks at run time that the version in use behaves the same. If it does not, the function logs that
-// once, and the library works without it. The transport has its own list in transport/ControlTraffic.h.
+// once, and the library works without it. The transport has its own list in transport/AravisHooks.h.
 
 /// Whether the error of an ArvEvaluator is a division by zero. Aravis does not export the code, so the first call
 /// learns it from formulas. If a malformed formula gives the same code, the answer is always false.

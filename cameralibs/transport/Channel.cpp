@@ -19,7 +19,7 @@ namespace {
 /// More than the largest body.
 constexpr std::size_t kMaxBody = 1024;
 
-/// -1: without end.
+/// For poll(): -1 means no limit.
 int millisecondsUntil(Clock::time_point deadline)
 {
     if (deadline == Clock::time_point::max())

@@ -40,18 +40,18 @@ private:
     int m_number = -1;
 };
 
-/// The same, at 3 or above: what a program that has closed its standard descriptors writes to those must not reach
-/// ours.
+/// Moves the descriptor to 3 or above. A program that has closed its standard descriptors may still write to them, and
+/// must not write into ours.
 [[nodiscard]] Descriptor aboveStandard(Descriptor descriptor) noexcept;
 
-/// A received packet. Whoever asks for a body gets it only where kind and length are right.
+/// A received packet. The body is only accessible by its kind, and only if its length is right.
 class Packet {
 public:
     Packet();
 
     [[nodiscard]] Kind kind() const noexcept { return m_header.kind; }
 
-    /// Nothing where the packet is of another kind or length.
+    /// Empty if the packet has another kind or length.
     template <class Body> [[nodiscard]] std::optional<Body> body(Kind kind) const
     {
         static_assert(std::is_trivially_copyable_v<Body>);
@@ -61,10 +61,10 @@ public:
         return body;
     }
 
-    /// What follows the body.
+    /// The data after the body.
     [[nodiscard]] std::string_view data() const noexcept;
 
-    /// The descriptor that came along, if any.
+    /// The descriptor that came with the packet, if any.
     [[nodiscard]] Descriptor takeDescriptor() noexcept { return std::move(m_descriptor); }
 
 private:
@@ -73,17 +73,17 @@ private:
     [[nodiscard]] bool copyBody(void* body, std::size_t size) const noexcept;
 
     Header m_header{};
-    std::vector<char> m_bytes; ///< room for the largest body and data; receiving takes no memory
+    std::vector<char> m_bytes; ///< has room for the largest packet, so receiving allocates nothing
     std::size_t m_size = 0;
     Descriptor m_descriptor;
 };
 
 using Clock = std::chrono::steady_clock;
 
-/// How waiting for a packet ended.
+/// The result of waiting for a packet.
 enum class Received { packet, timeout, closed, malformed };
 
-/// One end of a socket pair. One thread sends at a time, and one receives; any may shut it down.
+/// One end of a socket pair. One thread may send and one may receive at a time; any thread may shut it down.
 class Channel {
 public:
     Channel() = default;
@@ -94,16 +94,16 @@ public:
 
     [[nodiscard]] int descriptor() const noexcept { return m_socket.get(); }
 
-    /// False where the other side is gone or does not take the packet. `descriptor` goes along where it is one.
+    /// False if the other side is gone or does not accept the packet in time. A valid `descriptor` is sent along.
     template <class Body>
     [[nodiscard]] bool send(Kind kind, const Body& body, std::string_view data = {}, int descriptor = -1) const
     {
-        static_assert(std::has_unique_object_representations_v<Body>, "padding would tell what lies in our memory");
+        static_assert(std::has_unique_object_representations_v<Body>, "padding would leak memory contents");
         return send(kind, &body, sizeof body, data, descriptor, 0);
     }
     [[nodiscard]] bool send(Kind kind) const { return send(kind, Nothing{}); }
 
-    /// The same, but never waits: a packet that has no room is dropped.
+    /// Like send(), but never waits: a packet that does not fit into the channel is dropped.
     void sendOrDrop(Kind kind, std::string_view data = {}) const;
 
     enum class Descriptors { refuse, accept };
@@ -112,7 +112,7 @@ public:
     [[nodiscard]] Received receive(Packet& packet, Clock::time_point deadline,
                                    Descriptors descriptors = Descriptors::refuse) const;
 
-    /// Both sides find it closed from now on, in calls under way too.
+    /// Closes the channel for both sides, including calls in progress.
     void shutDown() const noexcept;
 
 private:
@@ -122,14 +122,14 @@ private:
     Descriptor m_socket;
 };
 
-/// A text of fixed size in a body. Cut where it is too long.
+/// Writes a text into a field of fixed size; a longer one is truncated.
 template <std::size_t size> void setText(char (&field)[size], std::string_view text)
 {
     const std::size_t length = text.copy(field, size - 1);
     field[length] = '\0';
 }
 
-/// What is in a received one, which need not end.
+/// The text of a received field, which may lack the terminating NUL.
 template <std::size_t size> [[nodiscard]] std::string textOf(const char (&field)[size])
 {
     const std::string_view text(field, size);

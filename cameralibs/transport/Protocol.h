@@ -1,16 +1,15 @@
 #pragma once
 
-/// What the camera library and orvocam-transport say to each other, over three kinds of socket pairs (SOCK_SEQPACKET):
+/// The protocol between the camera library and orvocam-transport. It uses three kinds of socket pairs (SOCK_SEQPACKET):
 ///
-/// - control: the library requests, the transport replies; one request at a time.
-/// - events: what the transport tells unasked.
-/// - images: one pair for each start. Filled buffers go to the library, free ones to the transport.
+/// - control: the library sends requests, one at a time, and the transport replies.
+/// - events: what the transport reports on its own.
+/// - images: one pair per start. Filled buffers go to the library, free ones to the transport.
 ///
-/// Lines of the log go through the transport's standard error, "<n>" before each: the priority as the system log has
-/// it.
+/// The transport writes log lines to its standard error, each with "<n>" in front: its syslog priority.
 ///
-/// A packet is a header, the body that belongs to its kind, and data of any size up to kMaxData. docs/transport.md
-/// tells who sends what when, and what each side checks.
+/// A packet consists of a header, a body of fixed size for its kind, and up to kMaxData bytes of data.
+/// docs/transport.md describes the sequence of packets and the checks on both sides.
 
 #include <chrono>
 #include <cstddef>
@@ -18,19 +17,19 @@
 
 namespace cameralibs::transport {
 
-// Where a transport finds its ends of the first two.
+// The transport's ends of the control and event channels.
 constexpr int kControlDescriptor = 3;
 constexpr int kEventDescriptor = 4;
 
 constexpr std::size_t kMaxData = 65536;
 
-/// How often a transport says that it is alive.
+/// How often a transport sends an alive event.
 constexpr std::chrono::milliseconds kAlivePeriod{500};
 
-/// A larger description is refused.
+/// Larger descriptions are refused.
 constexpr std::uint64_t kMaxDescription = 16U << 20;
 
-/// Of all texts that are told, such as reasons.
+/// The length limit of texts, such as reasons.
 constexpr std::size_t kMaxText = 1000;
 
 enum class Kind : std::uint32_t {
@@ -43,22 +42,22 @@ enum class Kind : std::uint32_t {
     write,      ///< Write, with the bytes; answered by done
     openSource, ///< OpenSource, with the memory's descriptor; answered by done
     start,      ///< Nothing, with the descriptor of the image channel; answered by done
-    stop,       ///< Nothing; answered by done once no buffer is written any more
-    close,      ///< Nothing; answered by done once the camera was given back
+    stop,       ///< Nothing; answered by done when no buffer is written any more
+    close,      ///< Nothing; answered by done when the camera has been released
 
     // Replies.
-    progress = 100, ///< Progress: the answer takes longer
+    progress = 100, ///< Progress: the camera has answered, but the request is not complete
     listed,         ///< Listed
     described,      ///< Described, with the bytes
-    done,           ///< Done; where something failed, with the reason as text
+    done,           ///< Done; after a failure, with the reason as text
 
     // Events.
     alive = 200, ///< Nothing: sent every kAlivePeriod
-    lost,        ///< Nothing, with the reason as text: the camera is gone, and so is the transport
+    lost,        ///< Nothing, with the reason as text: the camera is gone, and the transport exits
 
     // Images.
     image = 300, ///< Image: a buffer was filled
-    failed,      ///< Failed: an image did not arrive whole
+    failed,      ///< Failed: an image is incomplete
     free         ///< Free: a buffer may be filled
 };
 
@@ -71,15 +70,15 @@ struct Nothing {
     std::uint64_t reserved;
 };
 
-/// Both ends belong to the same build.
+/// Both ends must have the same build.
 struct Hello {
     char build[80];
-    std::uint32_t log; ///< 0: nobody reads a log; else 1 + the Severity up to which lines are wanted
+    std::uint32_t log; ///< 0: no log; else 1 + the least important Severity that is logged
     std::uint32_t reserved;
 };
 
 struct Enumerate {
-    std::uint32_t usb; ///< whether to look for them
+    std::uint32_t usb; ///< whether to search for these cameras
     std::uint32_t gige;
 };
 
@@ -121,11 +120,11 @@ struct OpenSource {
 enum class Answer : std::uint32_t { useful, pending };
 
 struct Progress {
-    Answer answer; ///< what the camera sent last
+    Answer answer; ///< the last answer of the camera; pending: a pending acknowledgement
     std::uint32_t reserved;
 };
 
-/// A CAM_API_STATUS, but for accesses to registers: those have 0 or 1 + the number of an ArvDeviceError.
+/// The status is a CAM_API_STATUS. For register accesses it is 0 or 1 + an ArvDeviceError.
 struct Done {
     std::uint32_t status;
     std::uint32_t reserved;

@@ -11,7 +11,7 @@
 
 namespace cameralibs::transport {
 
-/// An ArvStream, and when it receives. For one thread at a time.
+/// An ArvStream that receives between begin() and end(). Not thread-safe.
 class Reception {
 public:
     Reception() = default;
@@ -19,22 +19,22 @@ public:
     Reception(const Reception&) = delete;
     Reception& operator=(const Reception&) = delete;
 
-    /// The stream receives into what is pushed into it from now on: nothing yet.
+    /// From now on the stream receives into the buffers that are pushed into it. It starts without any.
     [[nodiscard]] virtual Outcome begin() = 0;
 
-    /// It touches no buffer any more. Nothing to do for one that has ended.
+    /// Once it returns, the stream no longer touches any buffer. Does nothing if there was no begin().
     virtual void end() = 0;
 
-    /// The status of an image that Aravis takes for whole.
+    /// The status of an image that Aravis considers complete.
     [[nodiscard]] virtual Orvo::CAM_API_STATUS check(std::uint64_t /*blockId*/, std::size_t /*size*/) const
     {
         return Orvo::CAM_API_STS_SUCCESS;
     }
 
-    /// There between begin and end.
+    /// Valid between begin() and end().
     [[nodiscard]] ArvStream* stream() const noexcept { return m_stream.get(); }
 
-    /// How large a buffer may be at most.
+    /// The maximum size of a buffer.
     [[nodiscard]] std::size_t largestBuffer() const noexcept { return m_largestBuffer; }
 
 protected:

@@ -1,7 +1,7 @@
 #include "cameralibs/transport/Restrictions.h"
 
 #include "cameralibs/transport/Channel.h"
-#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/Reporting.h"
 
 #include <seccomp.h>
 
@@ -30,14 +30,13 @@ namespace cameralibs::transport {
 
 namespace {
 
-/// What Aravis, a description of the largest size and a few threads take, several times over.
+/// Several times what Aravis, the largest description and a few threads take.
 constexpr rlim_t kAddressSpace = 1UL << 30;
 
-/// No stream has more buffers than this: less than 4 GiB that its user holds, and at least one spare, which may be as
-/// large as those together.
+/// The largest total of a stream: the user's buffers have less than 4 GiB, and the spare ones no more.
 constexpr rlim_t kMaxBuffers = 8UL << 30;
 
-// A sanitizer maps terabytes, and looks into files when it reports.
+// A sanitizer maps terabytes, and opens files for its reports.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kSanitized = true;
 #else
@@ -69,33 +68,33 @@ void limitResources()
     if (kSanitized)
         return;
     limit(RLIMIT_FSIZE, 0, 0);
-    // Each arena reserves 64 MiB, and there is one for each thread otherwise.
+    // Each arena reserves 64 MiB, and by default there is one for each thread.
     ::mallopt(M_ARENA_MAX, 2);
     limit(RLIMIT_AS, kAddressSpace, kAddressSpace + kMaxBuffers);
 }
 
 void dropCapabilities()
 {
-    // Only who has some may do so, and nobody else needs to.
+    // Fails without capabilities, and then there are none to drop.
     for (unsigned long capability = 0; ::prctl(PR_CAPBSET_READ, capability, 0, 0, 0) >= 0; ++capability)
         (void)::prctl(PR_CAPBSET_DROP, capability, 0, 0, 0);
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     const std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> none{};
     if (::syscall(SYS_capset, &header, none.data()) != 0)
-        noteFailure("Capabilities cannot be given up");
+        noteFailure("Capabilities cannot be dropped");
 }
 
 // --- Landlock -------------------------------------------------------------------------------------------------------
 
-/// The kernel's landlock_ruleset_attr, which has fewer members in older headers. An older kernel takes it where those
-/// that it does not know are 0.
+/// The kernel's landlock_ruleset_attr, which has fewer members in older headers. An older kernel accepts it if the
+/// members that it does not know are 0.
 struct RulesetAttributes {
     std::uint64_t handledFileAccess;
     std::uint64_t handledNetworkAccess;
     std::uint64_t scoped;
 };
 
-// The C library has no functions for it.
+// The C library has no wrappers for these calls.
 int createRuleset(const RulesetAttributes* attributes, std::size_t size, unsigned flags)
 {
     return static_cast<int>(::syscall(SYS_landlock_create_ruleset, attributes, size, flags));
@@ -103,7 +102,7 @@ int createRuleset(const RulesetAttributes* attributes, std::size_t size, unsigne
 
 constexpr std::uint64_t kReadFile = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
 
-/// Every right that version 1 knows: each is refused where no rule grants it.
+/// Every right of version 1. Each is denied unless a rule grants it.
 constexpr std::uint64_t kRightsOfVersion1 = (LANDLOCK_ACCESS_FS_MAKE_SYM << 1U) - 1;
 constexpr std::uint64_t kRefer = 1U << 13U;         // version 2
 constexpr std::uint64_t kTruncate = 1U << 14U;      // version 3
@@ -115,7 +114,7 @@ std::uint64_t rightsOfVersion(int version)
            (version >= 5 ? kDeviceControl : 0);
 }
 
-/// From version 6 on: neither local sockets without a path nor signals reach what is outside.
+/// From version 6 on: abstract local sockets and signals do not reach other processes.
 constexpr std::uint64_t kScopes = 3;
 
 struct Grant {
@@ -126,7 +125,7 @@ struct Grant {
 constexpr Grant kGrants[] = {
     {"/usr/lib", kReadFile}, // modules that GLib loads when it needs them
     {"/lib", kReadFile},
-    {"/sys", kReadFile}, // where USB devices are told
+    {"/sys", kReadFile}, // the properties of USB devices
     {"/run/udev", kReadFile},
     {"/dev/bus/usb", kReadFile | LANDLOCK_ACCESS_FS_WRITE_FILE | kDeviceControl},
     {"/dev/null", LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE},
@@ -137,39 +136,39 @@ void grant(int ruleset, const Grant& grant, std::uint64_t known)
 {
     const Descriptor path(::open(grant.path, O_PATH | O_CLOEXEC));
     if (!path)
-        return; // there is nothing to reach
+        return; // the path does not exist
     landlock_path_beneath_attr rule{};
     rule.allowed_access = grant.rights & known;
     rule.parent_fd = path.get();
     if (::syscall(SYS_landlock_add_rule, ruleset, LANDLOCK_RULE_PATH_BENEATH, &rule, 0) != 0)
-        noteFailure(std::string("Landlock refuses the rule for ") + grant.path);
+        noteFailure(std::string("Landlock rejects the rule for ") + grant.path);
 }
 
 void closeFileSystem()
 {
     const int version = createRuleset(nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (version < 1)
-        return noteFailure("The file system stays open, this kernel has no Landlock");
+        return noteFailure("The file system is not restricted: this kernel has no Landlock");
     const std::uint64_t known = rightsOfVersion(version);
     const RulesetAttributes attributes{known, 0, version >= 6 ? kScopes : 0};
     const Descriptor ruleset(createRuleset(&attributes, sizeof attributes, 0));
     if (!ruleset)
-        return noteFailure("The file system stays open, Landlock refuses the rules");
+        return noteFailure("The file system is not restricted: Landlock rejects the rules");
     for (const Grant& row : kGrants)
         grant(ruleset.get(), row, known);
     if (kSanitized)
         grant(ruleset.get(), {"/", kReadFile}, known);
     if (::syscall(SYS_landlock_restrict_self, ruleset.get(), 0) != 0)
-        noteFailure("The file system stays open, Landlock cannot be switched on");
+        noteFailure("The file system is not restricted: Landlock cannot be enabled");
 }
 
 // --- System calls ---------------------------------------------------------------------------------------------------
 
-// What the C and C++ libraries, GLib, Aravis, libusb and libudev call. What is not listed does not exist for a
-// transport, and fails with ENOSYS: a library that has heard of a newer call then takes the older one. libseccomp
-// leaves out those that this architecture does not have.
+// What the C and C++ libraries, GLib, Aravis, libusb and libudev call. All other calls fail with ENOSYS, as if the
+// kernel did not have them, so a library falls back from a newer call to an older one. libseccomp skips calls that this
+// architecture does not have.
 constexpr const char* kAllowedCalls[] = {
-    // Files and descriptors. Landlock tells which files.
+    // Files and descriptors. Landlock determines which files.
     "open",
     "openat",
     "openat2",
@@ -213,7 +212,7 @@ constexpr const char* kAllowedCalls[] = {
     "pipe2",
     "eventfd",
     "eventfd2",
-    // Waiting, and the time.
+    // Waiting and time.
     "poll",
     "ppoll",
     "ppoll_time64",
@@ -252,7 +251,7 @@ constexpr const char* kAllowedCalls[] = {
     "mprotect",
     "madvise",
     "membarrier",
-    // Threads and signals of this process, and what it is told about itself.
+    // Threads, signals and properties of this process.
     "futex",
     "futex_time64",
     "futex_waitv",
@@ -307,7 +306,7 @@ constexpr const char* kAllowedCalls[] = {
     "getrandom",
     "sysinfo",
     "uname",
-    // The network. Which kinds of sockets there are is below; none of them takes connections.
+    // The network. The kinds of sockets are restricted below. None of them accepts connections.
     "bind",
     "connect",
     "shutdown",
@@ -326,7 +325,7 @@ constexpr const char* kAllowedCalls[] = {
     "recvmmsg_time64",
 };
 
-/// Most arguments are ints, of which the kernel overlooks the upper half of the register.
+/// Most arguments are ints: the kernel ignores the upper half of the register.
 constexpr std::uint64_t kInt = 0xffffffff;
 
 struct Argument {
@@ -335,32 +334,32 @@ struct Argument {
     std::uint64_t mask = kInt;
 };
 
-/// Of a socket, without the flags.
+/// The type of a socket without its flags.
 constexpr std::uint64_t kSocketType = 0xf;
 
-/// Of an ioctl: who it is for.
+/// The part of an ioctl command that identifies its driver.
 constexpr std::uint64_t kIoctlType = 0xff00;
 
 struct ConditionalCall {
     const char* name;
     Argument first;
-    Argument second = {0, 0, 0}; ///< with an empty mask: does not matter
+    Argument second = {0, 0, 0}; ///< ignored if the mask is empty
 };
 
 constexpr ConditionalCall kConditionalCalls[] = {
-    // Not the services of this machine, which would act with the user's rights, nor what the kernel has beyond.
+    // No local sockets, because services on this machine act with the user's rights, and no other families.
     {"socket", {0, AF_INET}, {1, SOCK_DGRAM, kSocketType}},
     {"socket", {0, AF_INET}, {1, SOCK_STREAM, kSocketType}},
     {"socket", {0, AF_INET6}, {1, SOCK_DGRAM, kSocketType}},
     {"socket", {0, AF_INET6}, {1, SOCK_STREAM, kSocketType}},
     {"socket", {0, AF_NETLINK}, {2, NETLINK_ROUTE}},          // network interfaces
     {"socket", {0, AF_NETLINK}, {2, NETLINK_KOBJECT_UEVENT}}, // USB devices that come and go
-    // Threads yes, processes no. What clone3 is asked for lies in memory, where no filter sees it; without it the C
-    // library takes clone.
+    // Threads, but no processes. A filter cannot see the arguments of clone3, which are in memory; without it the C
+    // library uses clone.
     {"clone", {0, CLONE_THREAD, CLONE_THREAD}},
     {"prctl", {0, PR_SET_NAME}},
     {"prctl", {0, PR_GET_NAME}},
-    {"prlimit64", {0, 0}}, // its own
+    {"prlimit64", {0, 0}}, // of this process
     {"fcntl", {1, F_DUPFD}},
     {"fcntl", {1, F_DUPFD_CLOEXEC}},
     {"fcntl", {1, F_GETFD}},
@@ -398,12 +397,12 @@ struct ReleaseFilter {
 
 class Filter {
 public:
-    /// Allows a call where the arguments are these. One that cannot be allowed stays refused.
+    /// Allows a call with these arguments. If the rule fails, the call stays forbidden.
     void allow(const char* name, std::initializer_list<Argument> arguments)
     {
         const int call = seccomp_syscall_resolve_name(name);
         if (!m_filter || call == __NR_SCMP_ERROR)
-            return; // one that this version of libseccomp has not heard of
+            return; // unknown to this version of libseccomp
         std::array<scmp_arg_cmp, 2> compared{};
         unsigned count = 0;
         for (const Argument& argument : arguments) {
@@ -413,7 +412,7 @@ public:
         const int failed = seccomp_rule_add_array(m_filter.get(), SCMP_ACT_ALLOW, call, count, compared.data());
         errno = -failed;
         if (failed != 0)
-            noteFailure(std::string("A system call stays refused, ") + name);
+            noteFailure(std::string("A system call stays forbidden: ") + name);
     }
 
     void load() const
@@ -421,7 +420,7 @@ public:
         const int failed = m_filter ? seccomp_load(m_filter.get()) : -ENOMEM;
         errno = -failed;
         if (failed != 0)
-            noteFailure("No system call is refused");
+            noteFailure("System calls are not restricted");
     }
 
 private:
@@ -430,7 +429,7 @@ private:
 
 void refuseCalls()
 {
-    // A sanitizer calls what it likes.
+    // Sanitizers make many other calls.
     if (kSanitized)
         return;
     Filter filter;
@@ -438,7 +437,7 @@ void refuseCalls()
         filter.allow(name, {});
     for (const ConditionalCall& row : kConditionalCalls)
         filter.allow(row.name, {row.first, row.second});
-    // As abort() and pthread_kill() do.
+    // For abort() and pthread_kill().
     filter.allow("tgkill", {{0, static_cast<std::uint64_t>(::getpid())}});
     filter.load();
 }
@@ -448,7 +447,7 @@ void refuseCalls()
 void restrictProcess()
 {
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
-        noteFailure("New privileges cannot be given up");
+        noteFailure("no_new_privs cannot be set");
     dropCapabilities();
     limitResources();
     closeFileSystem();
@@ -464,7 +463,7 @@ void allowBuffers(std::uint64_t bytes)
         return;
     now.rlim_cur = std::min(now.rlim_max, kAddressSpace + std::min<rlim_t>(bytes, kMaxBuffers));
     if (::setrlimit(RLIMIT_AS, &now) != 0)
-        noteFailure("There is no room for the image buffers");
+        noteFailure("The memory limit cannot be raised for the image buffers");
 }
 
 } // namespace cameralibs::transport

@@ -4,12 +4,12 @@
 
 namespace cameralibs::transport {
 
-/// Takes from the process, for good, what it does not need to reach cameras: new privileges, memory without a limit,
-/// the file system, other processes, and system calls that serve none of this. What the kernel lacks is left out and
-/// noted. Comes before anything is received.
+/// Permanently drops what the process does not need for reaching cameras: new privileges, unlimited memory, the file
+/// system, other processes and unused system calls. Restrictions that the kernel does not support are skipped and
+/// logged. To be called before anything is received.
 void restrictProcess();
 
-/// Makes room in the address space for image buffers of this size, in place of any earlier ones.
+/// Raises the limit of the address space by the size of the image buffers, which replace any earlier ones.
 void allowBuffers(std::uint64_t bytes);
 
 } // namespace cameralibs::transport

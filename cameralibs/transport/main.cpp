@@ -19,7 +19,7 @@ bool isChannel(int descriptor)
     return ::getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET;
 }
 
-/// The process that made the channel.
+/// The process that created the channel.
 pid_t libraryOf(int channel)
 {
     ucred peer{};
@@ -27,8 +27,9 @@ pid_t libraryOf(int channel)
     return ::getsockopt(channel, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : -1;
 }
 
-/// Leaves the end to the kernel: a transport that was taken over may overlook that its channels are closed, and another
-/// process may have got the library's ends of them by a fork. False where the library has gone already.
+/// Makes the kernel kill this process when the library's process ends. Closed channels are not enough: a compromised
+/// transport may ignore them, and a forked process may keep the library's ends open. False if the library's process has
+/// ended already.
 bool endWithLibrary()
 {
     return ::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0) == 0 && ::getppid() == libraryOf(kControlDescriptor);

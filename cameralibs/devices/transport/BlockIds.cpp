@@ -8,11 +8,11 @@ namespace {
 
 constexpr std::uint64_t kHighestShortId = 65535;
 
-/// No camera loses as many images. Numbers that jumped further could run over their highest, and fall.
+/// No camera loses more images in a row. Larger steps could make the frame numbers overflow.
 constexpr std::uint64_t kLargestStep = 1ULL << 32U;
 constexpr std::uint64_t kHighestFirst = 1ULL << 62U;
 
-/// How many images further `id` is; at least one, as no image comes twice.
+/// The number of images from `lastId` to `id`; at least 1, because no image is delivered twice.
 std::uint64_t step(std::uint64_t lastId, std::uint64_t id)
 {
     if (lastId > kHighestShortId || id > kHighestShortId)
@@ -21,7 +21,7 @@ std::uint64_t step(std::uint64_t lastId, std::uint64_t id)
     if (distance < 1)
         return 1;
     const bool wrapped = id < lastId;
-    // There is no id 0 between the last and the first.
+    // A 16-bit id wraps from 65535 to 1; there is no id 0.
     return static_cast<std::uint64_t>(distance - (wrapped && distance > 1 ? 1 : 0));
 }
 

@@ -5,8 +5,8 @@
 
 namespace cameralibs {
 
-/// Frame numbers from the block ids of a camera. The ids of GigE Vision 1 have 16 bits and go from 65535 to 1; the
-/// numbers rise on, by as much as images were sent.
+/// Converts the block ids of a camera to frame numbers. Block ids of GigE Vision 1 have 16 bits and wrap from 65535 to
+/// 1; frame numbers keep rising, by one for each image that was sent.
 class BlockIds {
 public:
     [[nodiscard]] std::uint64_t next(std::uint64_t id);

@@ -23,26 +23,26 @@ using namespace transport;
 
 namespace {
 
-/// Opening gives up a transport that does not even start as it gives up a camera that does not answer. With a sanitizer
-/// a busy machine takes its time to start a program.
+/// A transport has as long to start as a camera has to answer. With a sanitizer, programs start slowly on a busy
+/// machine.
 constexpr std::chrono::seconds kStartLimit{Connection::kSanitized ? 10 : 3};
 constexpr Connection::Limits kStart{kStartLimit, kStartLimit};
 
-/// Several times as long as it is silent between two signs of life, and enough for a machine that swaps.
+/// Several times the period of its signs of life, and enough for a machine that swaps.
 constexpr std::chrono::seconds kSilence{4};
 
-/// Closing is over within a second, with what follows.
-constexpr std::chrono::milliseconds kFarewell{800};
+/// Leaves time to kill the process within the second that closing may take.
+constexpr std::chrono::milliseconds kReleaseLimit{800};
 
-/// A transport that does not take what it is sent is given up.
+/// A transport that does not receive within this time is killed.
 constexpr timeval kSendLimit{3, 0};
 
 constexpr std::size_t kMaxLine = 2 * kMaxText;
 
-/// Of what a transport has written before its end: as much as a pipe holds that it did not enlarge.
+/// How much is read of what a transport wrote before its end: the default capacity of a pipe.
 constexpr int kMaxLastParts = 16;
 
-/// How Aravis marks its lines, within their first bytes.
+/// The marks by which Aravis denotes the severity of its log lines.
 struct AravisRow {
     std::string_view mark;
     Severity severity;
@@ -54,7 +54,7 @@ constexpr AravisRow kAravisRows[] = {
 };
 constexpr std::size_t kAravisPrefix = 24;
 
-/// As Hello::log has it.
+/// The value for Hello::log.
 std::uint32_t logLevel()
 {
     if (!logs(Severity::warning))
@@ -105,8 +105,8 @@ Connection::~Connection()
         const std::lock_guard lock(m_mutex);
         m_closing = true;
     }
-    endBy(Clock::now() + kFarewell);
-    (void)requestDone(Kind::close, Nothing{}, {kFarewell, kFarewell});
+    endBy(Clock::now() + kReleaseLimit);
+    (void)requestDone(Kind::close, Nothing{}, {kReleaseLimit, kReleaseLimit});
     if (m_watcher.joinable())
         m_watcher.join();
 }
@@ -127,7 +127,7 @@ std::string Connection::start()
     std::promise<std::string> promise;
     std::future<std::string> started = promise.get_future();
     try {
-        // All that the thread needs, so that it finds out about a loss without memory, too.
+        // Allocate here all that the thread needs, so that it detects a loss even if memory has run out.
         m_line.reserve(kMaxLine);
         m_watcher = std::thread([&, this, promise = std::move(promise), packet = Packet()]() mutable {
             if (startProcess(program, ends, promise))
@@ -139,8 +139,8 @@ std::string Connection::start()
     return started.get();
 }
 
-/// On the watching thread, which lives as long as the transport may: a transport ends with the thread that started it.
-/// The caller's references are no longer valid once `started` has its value.
+/// Runs on the watching thread, which lives as long as the transport, because a transport ends with the thread that
+/// started it. The caller's references are invalid once `started` is set.
 bool Connection::startProcess(const std::string& program, const Process::Ends& ends, std::promise<std::string>& started)
 {
     try {
@@ -160,12 +160,12 @@ std::string Connection::exchangeHello()
     setText(hello.build, ORVO_TRANSPORT_BUILD);
     hello.log = logLevel();
     std::string build;
-    const bool heard = request(Kind::hello, hello, kStart, [&](const Packet& reply) {
+    const bool answered = request(Kind::hello, hello, kStart, [&](const Packet& reply) {
         const auto theirs = reply.body<Hello>(Kind::hello);
         build = theirs ? textOf(theirs->build) : "";
-        return theirs ? Heard::last : Heard::wrong;
+        return theirs ? ReplyKind::last : ReplyKind::invalid;
     });
-    if (!heard)
+    if (!answered)
         return transportProgram() + " does not run";
     if (build != ORVO_TRANSPORT_BUILD) {
         endNow("It is of another build");
@@ -181,7 +181,7 @@ bool Connection::endNow(std::string_view reason) noexcept
         if (m_reason.empty())
             m_reason = reason;
     } catch (const std::bad_alloc&) {
-        // It ends without one.
+        // The reason is not essential.
     }
     m_gone.store(true, std::memory_order_release);
     m_process.kill();
@@ -242,7 +242,7 @@ void Connection::onGone(std::function<void(const std::string& reason)> handler)
     std::string reason;
     {
         const std::lock_guard lock(m_mutex);
-        if (!m_told) {
+        if (!m_reported) {
             m_goneHandler = std::move(handler);
             return;
         }
@@ -284,43 +284,43 @@ bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
                 silentUntil = end;
         } else {
             switch (handler(m_reply)) {
-            case Heard::last:
+            case ReplyKind::last:
                 return true;
-            case Heard::more:
+            case ReplyKind::more:
                 break;
-            case Heard::wrong:
+            case ReplyKind::invalid:
                 return endNow("It gives an answer that does not belong to the request");
             }
         }
-        // Waiting alone does not find this out where the next packet is always there.
+        // If packets arrive without a pause, receive() never reports a timeout.
         if (Clock::now() >= std::min(silentUntil, end))
             return endNow(kLate);
     }
 }
 
-Connection::Heard Connection::readDone(const Packet& reply, Outcome& outcome)
+Connection::ReplyKind Connection::readDone(const Packet& reply, Outcome& outcome)
 {
     const auto done = reply.body<Done>(Kind::done);
     if (!done)
-        return Heard::wrong;
+        return ReplyKind::invalid;
     outcome = {knownStatus(done->status), std::string(reply.data().substr(0, kMaxText))};
-    return Heard::last;
+    return ReplyKind::last;
 }
 
 void Connection::watch(Packet& packet) noexcept
 {
     try {
-        watchWhileItLives(packet);
+        watchUntilGone(packet);
     } catch (const std::bad_alloc&) {
-        // What cannot be watched is ended.
+        // A transport that cannot be watched is killed.
     }
     m_gone.store(true, std::memory_order_release);
     m_process.kill();
     m_control.shutDown();
-    tellGone();
+    reportLoss();
 }
 
-void Connection::watchWhileItLives(Packet& packet)
+void Connection::watchUntilGone(Packet& packet)
 {
     Clock::time_point silentUntil = Clock::now() + std::max(kSilence, kStartLimit);
     const auto givenTime = [this] {
@@ -328,7 +328,7 @@ void Connection::watchWhileItLives(Packet& packet)
         return std::min(m_end, m_hurryEnd);
     };
     for (;;) {
-        // Looked at in each turn: a transport that never pauses gets no more time than any other.
+        // Checked each time, because a transport may send without a pause.
         const Clock::time_point given = givenTime();
         if (Clock::now() >= given) {
             endNow(kLate);
@@ -354,7 +354,7 @@ void Connection::watchWhileItLives(Packet& packet)
                 break;
             silentUntil = Clock::now() + kSilence;
         } else if (watched[3].revents != 0) {
-            break; // while another process has its ends of the channels, by a fork
+            break; // a forked process may keep the channels open
         } else if (Clock::now() >= silentUntil) {
             endNow("It gives no sign of life");
             break;
@@ -362,7 +362,7 @@ void Connection::watchWhileItLives(Packet& packet)
     }
 }
 
-/// False where it was the last.
+/// False if it was the last event.
 bool Connection::readEvent(Packet& packet)
 {
     if (m_events.receive(packet, Clock::time_point::min()) != Received::packet)
@@ -374,7 +374,7 @@ bool Connection::readEvent(Packet& packet)
     return false;
 }
 
-/// Reads a part of its standard error, so that a flood of lines holds up nothing else. False where nothing is left.
+/// Reads a limited part of its standard error, so that a flood of lines delays nothing else. False if nothing is left.
 bool Connection::readErrors()
 {
     std::array<char, 4096> bytes{};
@@ -394,7 +394,8 @@ bool Connection::readErrors()
     return true;
 }
 
-/// A transport puts the priority first, Aravis "[time] mark "; what has neither comes of GLib or the C library.
+/// Lines of the transport begin with a priority, lines of Aravis with "[time] mark ". Others are from GLib or the C
+/// library.
 void Connection::logLine(std::string_view line) const noexcept
 {
     Severity severity = logs(Severity::info) ? Severity::info : Severity::warning;
@@ -414,11 +415,11 @@ void Connection::logLine(std::string_view line) const noexcept
     log(severity, m_camera, line);
 }
 
-void Connection::tellGone() noexcept
+void Connection::reportLoss() noexcept
 {
     std::string reason;
     try {
-        // It has hardly any time left to tell how it ended: whoever is to hear of the loss does not wait for that.
+        // The wait is short, so that the loss is reported soon even if the process takes long to end.
         const std::string end = m_process.wait();
         for (int part = 0; part < kMaxLastParts && readErrors(); ++part) {
         }
@@ -427,12 +428,12 @@ void Connection::tellGone() noexcept
             m_reason = "Its process " + (end.empty() ? "is gone" : end);
         reason = m_reason;
     } catch (const std::bad_alloc&) {
-        // That it is gone is told all the same.
+        // The loss is reported without a reason.
     }
     std::function<void(const std::string&)> handler;
     {
         const std::lock_guard lock(m_mutex);
-        m_told = true;
+        m_reported = true;
         if (m_closing)
             return;
         handler = std::move(m_goneHandler);

@@ -16,40 +16,41 @@
 
 namespace cameralibs {
 
-/// A transport of one's own, and what is said to it. It is gone when its process has ended, has said that it lost its
-/// camera, has said what it must not say, or has kept anybody waiting for longer than it may. From then on nothing that
-/// is asked of it waits. Any thread.
+/// A transport process and the channels to it. It is gone when its process has ended, has reported the loss of its
+/// camera, has violated the protocol or has exceeded a time limit. From then on every request fails at once.
+/// Thread-safe.
 class Connection {
 public:
-    /// Programs take longer to start with a sanitizer.
+    /// Programs start more slowly with a sanitizer.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     static constexpr bool kSanitized = true;
 #else
     static constexpr bool kSanitized = false;
 #endif
 
-    /// How long an answer may take.
+    /// Time limits of a request.
     struct Limits {
-        std::chrono::milliseconds silence; ///< without any sign that the camera answers
-        std::chrono::milliseconds total; ///< for a camera that asks for patience, or for a step that takes many answers
+        std::chrono::milliseconds silence; ///< without any answer of the camera
+        std::chrono::milliseconds total;   ///< with pending acknowledgements, or for a request that takes many answers
     };
 
-    /// The name of the camera is what its log lines bear.
+    /// `camera` is the name for log lines.
     explicit Connection(std::string camera);
 
-    /// Starts the transport. Comes first, once; fails with CAM_API_STS_CAMERA_NOT_RESPONDING and the reason.
+    /// Starts the transport. To be called once, before the functions below. Fails with
+    /// CAM_API_STS_CAMERA_NOT_RESPONDING and the reason.
     [[nodiscard]] Outcome open();
 
-    /// Closes politely within the time there is, then ends the process.
+    /// Asks the transport to release the camera, within the remaining time, then kills the process.
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// What a reply is to whoever waits for it: the last one, one before others, or one that must not come.
-    enum class Heard { last, more, wrong };
-    using ReplyHandler = std::function<Heard(const transport::Packet& reply)>;
+    /// What a handler says about a reply: it is the last one, more will follow, or it is invalid.
+    enum class ReplyKind { last, more, invalid };
+    using ReplyHandler = std::function<ReplyKind(const transport::Packet& reply)>;
 
-    /// False where the transport is gone, at the latest since the request.
+    /// Sends a request and passes the replies to `handler`. False if the transport is gone.
     template <class Body>
     [[nodiscard]] bool request(transport::Kind kind, const Body& body, const Limits& limits,
                                const ReplyHandler& handler, std::string_view data = {}, int descriptor = -1)
@@ -62,7 +63,7 @@ public:
         return awaitReplies(limits, handler);
     }
 
-    /// One whose only answer is done: its status, which is CAM_API_STS_CAMERA_NOT_RESPONDING where the transport is
+    /// A request whose only reply is done. Returns its status, or CAM_API_STS_CAMERA_NOT_RESPONDING if the transport is
     /// gone.
     template <class Body>
     [[nodiscard]] Outcome requestDone(transport::Kind kind, const Body& body, const Limits& limits, int descriptor = -1)
@@ -78,23 +79,25 @@ public:
         return m_gone.load(std::memory_order_acquire);
     }
 
-    /// Ends the process; `reason` is for the log. Always false.
+    /// Kills the process; `reason` is logged. Always returns false.
     bool endNow(std::string_view reason) noexcept;
 
-    /// Whatever waits for the transport does so until `time` at most.
+    /// Limits every wait for the transport to `time`.
     void endBy(transport::Clock::time_point time);
 
-    /// The same until relax(). Meanwhile a camera that asks for patience gets none.
+    /// The same until relax(). Meanwhile pending acknowledgements do not extend the time limits.
     void hurry(transport::Clock::time_point end);
     void relax();
 
-    /// Ends the process at once, unless relax() has told that opening is over: then it is to be closed politely.
+    /// Kills the process, but only while the camera is being opened, which the first relax() ends. An open camera is to
+    /// be released properly.
     void cancel();
 
-    /// Runs once, on any thread, as soon as the transport is gone unasked; at once where it is.
+    /// The handler runs once, on any thread, when the transport is gone without having been closed; at once if it is
+    /// gone already.
     void onGone(std::function<void(const std::string& reason)> handler);
 
-    /// A socket pair: one end for here, one for the transport. False where there is none.
+    /// Creates a socket pair with one end for the transport. False on failure.
     [[nodiscard]] static bool makeChannel(transport::Channel& here, transport::Descriptor& there);
 
 private:
@@ -103,41 +106,41 @@ private:
                                     std::promise<std::string>& started);
     [[nodiscard]] std::string exchangeHello();
     [[nodiscard]] bool awaitReplies(const Limits& limits, const ReplyHandler& handler);
-    [[nodiscard]] static Heard readDone(const transport::Packet& reply, Outcome& outcome);
+    [[nodiscard]] static ReplyKind readDone(const transport::Packet& reply, Outcome& outcome);
     void watch(transport::Packet& packet) noexcept;
-    void watchWhileItLives(transport::Packet& packet);
+    void watchUntilGone(transport::Packet& packet);
     void wakeWatcher() const;
     [[nodiscard]] bool inHurry();
     [[nodiscard]] bool readEvent(transport::Packet& packet);
     [[nodiscard]] bool readErrors();
     void logLine(std::string_view line) const noexcept;
-    void tellGone() noexcept;
+    void reportLoss() noexcept;
 
     const std::string m_camera; ///< in the diagnostic log
     Process m_process;
     transport::Channel m_events;
     transport::Descriptor m_errors;     ///< the read end of its standard error
-    const transport::Descriptor m_wake; ///< wakes the watching thread
+    const transport::Descriptor m_wake; ///< an eventfd that wakes the watching thread
     std::thread m_watcher;
 
-    std::mutex m_requests; ///< held from request to reply
+    std::mutex m_requests; ///< held from a request to its last reply
     transport::Channel m_control;
     transport::Packet m_reply;
 
     std::atomic<bool> m_gone{false};
-    std::mutex m_mutex; ///< guards what follows
+    std::mutex m_mutex; ///< guards the members below
     bool m_closing = false;
-    bool m_told = false; ///< the handler has run, or there is nothing to tell any more
+    bool m_reported = false; ///< the handler has run, or will never run
     transport::Clock::time_point m_end = transport::Clock::time_point::max();
-    bool m_opened = false;                                                         ///< relaxed once
-    transport::Clock::time_point m_hurryEnd = transport::Clock::time_point::max(); ///< not max: in a hurry
+    bool m_opened = false;                                                         ///< relax() has been called
+    transport::Clock::time_point m_hurryEnd = transport::Clock::time_point::max(); ///< max if there is no limit
     std::string m_reason;
     std::function<void(const std::string&)> m_goneHandler;
 
-    std::string m_line; ///< of its standard error, begun; the watching thread's
+    std::string m_line; ///< the incomplete last line of its standard error; used by the watching thread only
 };
 
-/// A status that a transport tells, as far as the camera API knows it.
+/// Replaces a status that the camera API does not have.
 [[nodiscard]] Orvo::CAM_API_STATUS knownStatus(std::uint32_t status);
 
 } // namespace cameralibs

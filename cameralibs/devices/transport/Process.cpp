@@ -30,10 +30,10 @@ using transport::Descriptor;
 
 namespace {
 
-/// Above every number that the child gets its descriptors under, so that none is overwritten before it is copied.
+/// Above every descriptor number of the child, so that no copy overwrites a descriptor that is still to be copied.
 constexpr int kAboveAll = 16;
 
-/// In milliseconds: how long an ended process usually takes at most. With it closing takes less than a second.
+/// In milliseconds. A killed process usually ends sooner. Short enough for closing to take less than a second.
 constexpr int kDying = 200;
 
 std::string reasonOf(int error)
@@ -41,7 +41,7 @@ std::string reasonOf(int error)
     return std::system_category().message(error);
 }
 
-// The C library's header for it has no C++ linkage in some versions.
+// In some versions of the C library the header for it lacks C linkage for C++.
 int openProcess(pid_t pid)
 {
     return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
@@ -64,7 +64,7 @@ public:
     }
     void openNull(int as, int mode) { ::posix_spawn_file_actions_addopen(&m_actions, as, "/dev/null", mode, 0); }
     void closeFrom(int descriptor) { ::posix_spawn_file_actions_addclosefrom_np(&m_actions, descriptor); }
-    /// Of the descriptors that were to be given; 0: none.
+    /// The first failure of give(); 0 if none.
     [[nodiscard]] int error() const { return m_error; }
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &m_actions; }
 
@@ -97,8 +97,8 @@ private:
     posix_spawnattr_t m_attributes{};
 };
 
-/// A transport gets the variables that begin with one of these: those of the loader, the locale, its own settings and
-/// those of the libraries in it. Others may hold secrets, which a transport that was taken over must not see.
+/// A transport gets the environment variables with these prefixes: those of the loader, the locale, this library and
+/// the libraries that it uses. Others may hold secrets, which a compromised transport must not see.
 constexpr std::string_view kPassedOn[] = {
     "LD_",     "LANG",         "LC_",          "ORVO_",        "ARV_",          "G_",
     "LIBUSB_", "ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS",
@@ -118,8 +118,8 @@ std::vector<char*> environmentPassedOn()
     return passedOn;
 }
 
-/// Waits so many milliseconds (-1: without end) and leaves nothing of the process behind. Nothing where it goes on; how
-/// it ended is empty where SIGCHLD is ignored, or the program waits for all its children.
+/// Waits for the end of the process (-1: without limit) and reaps it. Empty if it still runs. The result is zero if
+/// SIGCHLD is ignored or the program has already waited for all its children.
 std::optional<siginfo_t> waitFor(const Descriptor& process, int milliseconds)
 {
     pollfd end{process.get(), POLLIN, 0};
@@ -157,7 +157,7 @@ Process::~Process()
     try {
         std::thread([handle = std::move(m_handle)] { (void)waitFor(handle, -1); }).detach();
     } catch (const std::system_error&) {
-        // What is left of it stays until the program ends.
+        // The process remains a zombie until the program ends.
     }
 }
 
@@ -188,7 +188,7 @@ std::string Process::start(const std::string& program, const Ends& ends)
     m_handle = aboveStandard(Descriptor(openProcess(number)));
     if (!m_handle) {
         const int reason = errno;
-        // It has just been started, so the number is this child's.
+        // The child has not been waited for, so its number is still valid.
         (void)::kill(number, SIGKILL);
         (void)::waitpid(number, nullptr, 0);
         return program + " cannot be watched: " + reasonOf(reason);

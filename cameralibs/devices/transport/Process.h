@@ -6,11 +6,11 @@
 
 namespace cameralibs {
 
-/// A child that was started with descriptors of its own and nothing else of this process: a session of its own, so that
-/// no signal of a terminal reaches it, every signal as at its default, and no other descriptor.
+/// A child process. It inherits only the descriptors of Ends, has default signal handling and a session of its own, so
+/// that no signal of a terminal reaches it.
 ///
-/// Only this one child is ever waited for, whatever has become of its number meanwhile. Whether the program handles
-/// SIGCHLD, ignores it or waits for children itself makes no difference.
+/// Only this child is waited for, by a descriptor and not by its number, so it does not matter whether the program
+/// handles SIGCHLD, ignores it or waits for children itself.
 class Process {
 public:
     Process() = default;
@@ -18,33 +18,33 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    /// The child's ends of what it is started with.
+    /// The descriptors that the child inherits.
     struct Ends {
         transport::Descriptor control; ///< becomes transport::kControlDescriptor
         transport::Descriptor events;  ///< becomes transport::kEventDescriptor
-        transport::Descriptor errors;  ///< becomes its standard error; none: it has none
+        transport::Descriptor errors;  ///< becomes its standard error; if none, that is /dev/null
     };
 
-    /// Empty where the program runs, else the reason why it does not. A transport ends with the thread that has started
-    /// it. Of the environment it is given what it needs.
+    /// Empty on success, else the reason of the failure. The child ends with the thread that calls this function. It
+    /// gets only the environment variables that it needs.
     [[nodiscard]] std::string start(const std::string& program, const Ends& ends);
 
-    /// Ends it at once, if it runs. Any thread.
+    /// Kills the child if it runs. Thread-safe.
     void kill() const noexcept;
 
-    /// Waits a moment for its end, which does not come at once for one in an uninterruptible call. How it ended, where
-    /// that can be told.
+    /// Waits briefly for the end of the child, which may be delayed by an uninterruptible call. Returns how it ended,
+    /// or an empty text if that is unknown.
     std::string wait();
 
-    /// Can be read once the process has ended; -1: it was not started.
+    /// Becomes readable when the child has ended; -1 if none was started.
     [[nodiscard]] int handle() const noexcept { return m_handle.get(); }
 
 private:
     bool m_ended = false;
-    transport::Descriptor m_handle; ///< names the process for good, unlike its number
+    transport::Descriptor m_handle; ///< a pidfd: unlike the number, it is never reused
 };
 
-/// orvocam-transport, as it belongs to this library: in the build tree or where it is installed.
+/// The path of the orvocam-transport that belongs to this library, in the build tree or installed.
 [[nodiscard]] std::string transportProgram();
 
 } // namespace cameralibs

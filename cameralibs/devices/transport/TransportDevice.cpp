@@ -13,8 +13,7 @@ using namespace cameralibs::transport;
 
 namespace {
 
-/// An access without an answer for that long makes the camera lost; one that a camera asks for patience with has
-/// longer.
+/// A camera is lost if it leaves an access unanswered for 3 s, or keeps sending pending acknowledgements for 10 s.
 constexpr Connection::Limits kAccess{std::chrono::seconds(3), std::chrono::seconds(10)};
 
 // Instance memory comes zeroed from GObject, without constructors: plain members only.
@@ -36,33 +35,33 @@ Connection& connectionOf(ArvDevice* device)
     return *reinterpret_cast<OrvoTransportDevice*>(device)->connection;
 }
 
-/// How an access ends.
+/// The result of a register access.
 struct Access {
     bool done = false;
     ArvDeviceError error = ARV_DEVICE_ERROR_NOT_CONNECTED;
     std::string text = "The camera is not connected";
 
-    /// The bytes of a read go to `to`; those of a write have none.
-    [[nodiscard]] Connection::Heard readReply(const Packet& reply, char* to, std::size_t size)
+    /// Copies `size` bytes to `to`; a write has none.
+    [[nodiscard]] Connection::ReplyKind readReply(const Packet& reply, char* to, std::size_t size)
     {
         const auto answer = reply.body<Done>(Kind::done);
         if (!answer)
-            return Connection::Heard::wrong;
+            return Connection::ReplyKind::invalid;
         if (answer->status == 0) {
             if (reply.data().size() != size)
-                return Connection::Heard::wrong;
+                return Connection::ReplyKind::invalid;
             std::copy_n(reply.data().begin(), size, to);
             done = true;
-            return Connection::Heard::last;
+            return Connection::ReplyKind::last;
         }
-        // A number that Aravis does not know is one that means nothing.
+        // Numbers beyond those of Aravis are invalid.
         const bool known = answer->status <= 1 + ARV_DEVICE_ERROR_PROTOCOL_ERROR_BUSY;
         error = known ? static_cast<ArvDeviceError>(answer->status - 1) : ARV_DEVICE_ERROR_UNKNOWN;
         text.assign(reply.data().substr(0, kMaxText));
-        return Connection::Heard::last;
+        return Connection::ReplyKind::last;
     }
 
-    /// What tells that the camera is gone is the end of its transport, too.
+    /// An error that means a lost camera also ends its transport.
     [[nodiscard]] gboolean finish(Connection& connection, GError** to) const
     {
         if (done)
@@ -75,7 +74,7 @@ struct Access {
     }
 };
 
-// The callers are C functions, which no exception may pass through.
+// The callers are C functions, so no exception may propagate.
 template <typename Work> gboolean barrier(GError** error, Work&& work)
 {
     try {
@@ -193,13 +192,13 @@ Outcome TransportDevice::description(std::string& xml)
     do {
         const auto append = [&](const Packet& reply) {
             const auto described = reply.body<Described>(Kind::described);
-            // Each part but the last is as large as can be, so that there is an end to it.
+            // Each part but the last must have the maximum size, so that the number of parts is limited.
             if (!described || (xml.empty() ? described->total > kMaxDescription : described->total != total) ||
                 reply.data().size() != std::min<std::uint64_t>(described->total - xml.size(), kMaxData))
-                return Connection::Heard::wrong;
+                return Connection::ReplyKind::invalid;
             total = described->total;
             xml.append(reply.data());
-            return Connection::Heard::last;
+            return Connection::ReplyKind::last;
         };
         if (!m_connection->request(Kind::describe, Describe{xml.size()}, kAccess, append))
             return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};

@@ -17,15 +17,15 @@ using namespace transport;
 
 namespace {
 
-/// It takes a second; a network that keeps answering gets no more than this, the start of the transport included.
+/// A search takes 1 s, or 2 s if answers keep arriving; the start of the transport is included.
 constexpr std::chrono::seconds kSearchLimit{Connection::kSanitized ? 10 : 4};
 constexpr Connection::Limits kSearch{kSearchLimit, kSearchLimit};
 
-/// A slow camera needs several seconds for a large description.
+/// A slow camera takes several seconds to send a large description.
 constexpr std::chrono::seconds kOpeningLimit{20};
 constexpr Connection::Limits kOpen{std::chrono::seconds(3), kOpeningLimit};
 
-/// Nobody has as many; a network that makes them up gets no further.
+/// Limits the effect of answers from cameras that do not exist.
 constexpr std::size_t kMaxCameras = 1000;
 
 class TransportProvider : public DeviceProvider {
@@ -47,14 +47,14 @@ public:
         std::size_t told = 0;
         const bool whole = connection->request(Kind::enumerate, m_kinds, kSearch, [&](const Packet& reply) {
             if (reply.body<Done>(Kind::done))
-                return Connection::Heard::last;
+                return Connection::ReplyKind::last;
             const auto camera = reply.body<transport::Listed>(Kind::listed);
-            return camera && ++told <= kMaxCameras && add(*camera, found) ? Connection::Heard::more
-                                                                          : Connection::Heard::wrong;
+            return camera && ++told <= kMaxCameras && add(*camera, found) ? Connection::ReplyKind::more
+                                                                          : Connection::ReplyKind::invalid;
         });
         if (!whole)
             log(Severity::warning, {}, "The search for cameras ended early");
-        // Aravis' own order changes from one time to the next.
+        // The order of Aravis changes from one search to the next.
         std::sort(found.begin(), found.end(), [](const DeviceInfo& a, const DeviceInfo& b) {
             return std::tie(a.link, a.id) < std::tie(b.link, b.id);
         });
@@ -65,7 +65,7 @@ public:
     {
         const auto listed = m_listed.find(id);
         if (listed == m_listed.end())
-            return {CAM_API_STS_CAMERA_NOT_RESPONDING, "The camera was not there when cameras were last looked for"};
+            return {CAM_API_STS_CAMERA_NOT_RESPONDING, "The last search did not find the camera"};
         const auto& [info, name] = listed->second;
         std::shared_ptr<Connection> connection;
         Outcome outcome = connect(info.logName(), kOpeningLimit, connection);
@@ -89,7 +89,7 @@ public:
     }
 
 private:
-    /// The limit is that of all that is done until the connection is relaxed.
+    /// `limit` applies until relax() is called.
     [[nodiscard]] Outcome connect(const std::string& camera, std::chrono::seconds limit,
                                   std::shared_ptr<Connection>& connection)
     {
@@ -104,7 +104,7 @@ private:
         return connection->open();
     }
 
-    /// False for what is no camera of these kinds.
+    /// False if it is no camera of these kinds.
     [[nodiscard]] bool add(const transport::Listed& camera, std::vector<DeviceInfo>& found)
     {
         const bool usb = camera.link == CAM_LINK_USB3_VISION;
@@ -116,7 +116,7 @@ private:
                         textOf(camera.model),
                         textOf(camera.serial),
                         {}};
-        // By its address a camera is reached through the network interface that leads to it.
+        // Opened by its address, a camera is reached through the right network interface.
         const std::string address = textOf(camera.address);
         const bool inserted = m_listed.insert({info.id, {info, usb || address.empty() ? info.id : address}}).second;
         if (inserted)
@@ -126,14 +126,14 @@ private:
 
     struct Known {
         DeviceInfo info;
-        std::string name; ///< that it is opened by
+        std::string name; ///< for opening
     };
     const Enumerate m_kinds;
     std::map<std::string, Known> m_listed; ///< by id
 
-    std::mutex m_mutex; ///< guards what follows
+    std::mutex m_mutex; ///< guards the members below
     bool m_cancelled = false;
-    std::weak_ptr<Connection> m_current; ///< the last one that was made, whose user may be waiting for it
+    std::weak_ptr<Connection> m_current; ///< the newest one; a thread may be waiting for it
 };
 
 } // namespace

@@ -11,10 +11,10 @@ using namespace transport;
 
 namespace {
 
-/// Both ask the camera several things.
+/// For starting and stopping, which take several commands each.
 constexpr Connection::Limits kLimits{std::chrono::seconds(3), std::chrono::seconds(10)};
 
-/// One of those that images can have; the transport's word is not taken for it.
+/// Replaces a status that images cannot have.
 CAM_API_STATUS imageStatusOf(std::uint32_t told)
 {
     return told >= CAM_API_STS_REQUEST_TIMEOUT && told <= CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE
@@ -46,7 +46,7 @@ Outcome TransportSource::start()
     Descriptor there;
     if (!Connection::makeChannel(m_channel, there))
         return {CAM_API_STS_NO_MEMORY, "There are no more descriptors"};
-    // Before the start, so that the first image finds a buffer: they are a few, which the channel has room for.
+    // Before the start, so that there is a buffer for the first image. The few packets fit into the channel.
     bool lent = true;
     for (const FrameBuffer* buffer : m_lent)
         lent = lent && (buffer == nullptr || lend(*buffer));
@@ -82,7 +82,7 @@ void TransportSource::run()
 {
     while (m_channel.receive(m_packet, Clock::time_point::max()) == Received::packet) {
         if (!handle(m_packet)) {
-            m_connection->endNow("It fills buffers that are not its own");
+            m_connection->endNow("It fills buffers that were not lent to it");
             return;
         }
     }
@@ -109,7 +109,7 @@ bool TransportSource::deliver(const Image& image)
     frame->timestampNs = image.timestampNs;
     FrameBuffer* const free = m_sink.deliver(frame);
     *lentAt(free->offset) = free;
-    // Without success the channel was shut down, which the next packet tells.
+    // Fails if the channel was shut down, which ends the next receive().
     (void)lend(*free);
     return true;
 }
@@ -119,7 +119,7 @@ bool TransportSource::lend(const FrameBuffer& buffer) const
     return m_channel.send(Kind::free, Free{buffer.offset, buffer.capacity});
 }
 
-/// Null where no buffer begins.
+/// Null if no buffer begins at this offset.
 FrameBuffer** TransportSource::lentAt(std::uint64_t offset)
 {
     const std::uint64_t place = offset / m_stride;

@@ -11,10 +11,10 @@
 
 namespace cameralibs {
 
-/// The images that a transport receives into the stream's memory.
+/// Delivers the images that a transport receives into the stream's memory.
 class TransportSource : public FrameSource {
 public:
-    /// The transport has mapped the memory.
+    /// The transport must have mapped the memory.
     TransportSource(std::shared_ptr<Connection> connection, FrameSink& sink, const ImageMemory& memory,
                     const std::vector<FrameBuffer*>& buffers);
     ~TransportSource() override;
@@ -33,8 +33,9 @@ private:
 
     const std::shared_ptr<Connection> m_connection;
     FrameSink& m_sink;
-    const std::size_t m_stride;       ///< from one buffer of the memory to the next
-    std::vector<FrameBuffer*> m_lent; ///< what the transport may fill, by place in the memory; null: not its own
+    const std::size_t m_stride; ///< from one buffer of the memory to the next
+    std::vector<FrameBuffer*>
+        m_lent; ///< buffers that the transport may fill, by their position in the memory; null if not lent
     transport::Channel m_channel;
     transport::Packet m_packet;
     std::thread m_thread;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint64_t kPollMicroseconds = 50'000;
 
-/// While the stream has hardly a buffer left, the next free one is waited for at the same time.
+/// The wait for an image while the stream is short of buffers, so that the next free one is soon passed on.
 constexpr std::size_t kFewBuffers = 2;
 constexpr std::uint64_t kShortPollMicroseconds = 1'000;
 
@@ -28,7 +28,7 @@ int rowPaddingOf(ArvBuffer* buffer)
     return x;
 }
 
-/// A buffer carries its offset as its user data.
+/// The user data of a buffer is its offset in the shared memory.
 std::uint64_t offsetOf(ArvBuffer* buffer)
 {
     return reinterpret_cast<std::uintptr_t>(arv_buffer_get_user_data(buffer));
@@ -55,7 +55,7 @@ Outcome ImageSender::start(Descriptor channel)
     m_channel = Channel(std::move(channel));
     m_buffers.clear();
     m_pushed = 0;
-    // The first image may come as soon as the camera is told to send.
+    // The first image may arrive as soon as the camera starts sending.
     if (!takeFreeBuffers()) {
         stop();
         return {CAM_API_STS_INVALID_PARAMETER, "There are no buffers"};
@@ -75,7 +75,7 @@ void ImageSender::stop()
     if (m_channel.descriptor() < 0)
         return;
     m_running = false;
-    // The thread may be waiting for room in a channel that nobody reads any more.
+    // The thread may be blocked by a full channel that the library no longer reads.
     m_channel.shutDown();
     if (m_thread.joinable())
         m_thread.join();
@@ -98,7 +98,7 @@ void ImageSender::run()
     }
 }
 
-/// False where the library has closed the channel, or says what cannot be.
+/// False if the library has closed the channel, or has sent something invalid.
 bool ImageSender::takeFreeBuffers()
 {
     for (;;) {

@@ -14,8 +14,8 @@
 
 namespace cameralibs::transport {
 
-/// Receives images into the library's buffers. The stream is made without a callback of its own: what a callback does
-/// there holds up the reception, so a thread takes the images out.
+/// Receives images into the library's buffers. A separate thread takes them from the stream, because a callback of the
+/// stream would delay its reception.
 class ImageSender {
 public:
     ImageSender(std::unique_ptr<Reception> reception, std::unique_ptr<SharedMemory> memory);
@@ -23,12 +23,12 @@ public:
     ImageSender(const ImageSender&) = delete;
     ImageSender& operator=(const ImageSender&) = delete;
 
-    /// Runs for every image, on the sender's thread. Set while nothing is started.
+    /// Runs for every image, on the sender's thread. To be set before the first start.
     std::function<void()> onImage;
 
     [[nodiscard]] Outcome start(Descriptor channel);
 
-    /// Afterwards no buffer is written.
+    /// Once it returns, no buffer is written any more.
     void stop();
 
 private:
@@ -39,16 +39,16 @@ private:
 
     const std::unique_ptr<Reception> m_reception;
     const std::unique_ptr<SharedMemory> m_memory;
-    std::unordered_map<std::uint64_t, GObjectPointer<ArvBuffer>> m_buffers; ///< by offset; those of this start
-    std::size_t m_pushed = 0;                                               ///< how many the stream holds
+    std::unordered_map<std::uint64_t, GObjectPointer<ArvBuffer>> m_buffers; ///< of this start, by offset
+    std::size_t m_pushed = 0;                                               ///< buffers that the stream holds
     Channel m_channel;
     Packet m_packet;
     std::thread m_thread;
     std::atomic<bool> m_running{false};
 };
 
-/// What the status of a buffer means to whoever waits for its image. `rowPadding` are the bytes between the rows, which
-/// the interface has no place for.
+/// The status of the image in a buffer. Images with padding between their rows (`rowPadding` bytes) fail, because the
+/// camera API cannot describe them.
 [[nodiscard]] Orvo::CAM_API_STATUS imageStatus(ArvBufferStatus status, int rowPadding);
 
 } // namespace cameralibs::transport

@@ -1,8 +1,8 @@
 #include "cameralibs/transport/connection/OpenedCamera.h"
 
 #include "cameralibs/base/ErrorStatus.h"
-#include "cameralibs/transport/ControlTraffic.h"
-#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/AravisHooks.h"
+#include "cameralibs/transport/Reporting.h"
 #include "cameralibs/transport/Restrictions.h"
 #include "cameralibs/transport/discovery/Discovery.h"
 #include "cameralibs/transport/gige/GigeReception.h"
@@ -18,7 +18,8 @@ using namespace Orvo;
 
 namespace {
 
-/// GenICam: descriptions of an older schema want the registers of a GigE Vision camera read one by one.
+/// GenICam: with descriptions of an older schema, registers of a GigE Vision camera are read with register commands,
+/// not as memory.
 bool hasOldDescription(ArvDevice* device)
 {
     ArvGc* const genicam = arv_device_get_genicam(device);
@@ -30,7 +31,7 @@ bool hasOldDescription(ArvDevice* device)
 OpenedCamera::Access accessOf(bool done, const GErrorPointer& error)
 {
     if (!error) {
-        // Some failures of USB devices come without a reason.
+        // Aravis reports some failures of USB devices without an error.
         return done ? OpenedCamera::Access{} : OpenedCamera::Access{1 + ARV_DEVICE_ERROR_UNKNOWN, {}};
     }
     OpenedCamera::Access access{1 + ARV_DEVICE_ERROR_UNKNOWN, error->message};
@@ -39,9 +40,9 @@ OpenedCamera::Access accessOf(bool done, const GErrorPointer& error)
     return access;
 }
 
-/// Of a USB3 Vision camera, Aravis reports one that answers what it should not as it does one that is claimed. One
-/// whose limits leave no room for data, and one whose description has more bytes than there is memory, end the process
-/// within Aravis: it divides by the room, and allocates what the camera names.
+/// Aravis reports the same error for a USB3 Vision camera that is claimed by another program and for one that answers
+/// incorrectly. If the limits of a camera leave no room for data, or its description exceeds the memory, the process
+/// ends inside Aravis, which divides by the former and allocates the latter.
 Outcome outcomeOfUsb(Outcome outcome)
 {
     if (outcome.status != CAM_API_STS_BUSY)
@@ -65,17 +66,20 @@ Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
         outcome = outcomeOfUsb(outcome);
     if (!outcome.ok() && !refusedFile().empty())
         return {CAM_API_STS_XML_LOAD_ERR,
-                "The camera names a file of this machine as its description, which is refused: " + refusedFile()};
-    // Aravis tells no difference between a camera that is not there and one whose description it cannot read.
+                "The camera refers to a local file for its description, which is refused: " + refusedFile()};
+    // Aravis reports the same error for a camera that is gone and for one whose description it cannot read.
     if (outcome.status == CAM_API_STS_CAMERA_NOT_RESPONDING && answersEverything())
         return {CAM_API_STS_XML_LOAD_ERR, "The camera answers, but its description cannot be read"};
     if (!outcome.ok())
         return outcome;
     if (opened == nullptr)
         return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
+    if (!seesAnswers())
+        note(Severity::warning,
+             "This version of Aravis receives answers in an unknown way, so slow cameras get less time");
     const bool gige = ARV_IS_GV_DEVICE(opened.get()) != FALSE;
     if (gige && arv_gv_device_is_controller(ARV_GV_DEVICE(opened.get())) == FALSE) {
-        // Never given back: that would give up a control which the camera never gave.
+        // Not destroyed: that would release control, which the camera has given to the other program.
         (void)opened.release();
         return {CAM_API_STS_ACCESS_DENIED, "Another program controls the camera"};
     }
@@ -114,7 +118,7 @@ OpenedCamera::Access OpenedCamera::write(std::uint64_t address, std::string_view
 {
     GErrorPointer error;
     if (!takesRegistersFor(bytes.size())) {
-        std::string copy(bytes); // older versions of Aravis want to be able to write to it
+        std::string copy(bytes); // older versions of Aravis take a pointer to mutable bytes
         const bool done = arv_device_write_memory(m_device.get(), address, static_cast<guint32>(copy.size()),
                                                   copy.data(), error.out()) != FALSE;
         return accessOf(done, error);
@@ -137,7 +141,7 @@ Outcome OpenedCamera::openSource(const Descriptor& memory, std::uint64_t size)
         return outcome;
     m_images = std::make_unique<ImageSender>(std::move(reception), std::move(shared));
     if (m_probe)
-        m_images->onImage = [this] { m_probe->noteNews(); };
+        m_images->onImage = [this] { m_probe->noteSign(); };
     return {};
 }
 

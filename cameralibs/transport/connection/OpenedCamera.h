@@ -16,7 +16,7 @@
 
 namespace cameralibs::transport {
 
-/// The one camera that this process controls. Where it finds out that the camera is gone, the process ends.
+/// The one camera of this process. When the camera turns out to be gone, the process ends.
 class OpenedCamera {
 public:
     OpenedCamera() = default;
@@ -26,7 +26,7 @@ public:
 
     [[nodiscard]] Outcome open(Orvo::CAM_LINK link, const std::string& name);
 
-    /// All others need an open camera.
+    /// The functions below require an open camera.
     [[nodiscard]] bool isOpen() const noexcept { return m_device != nullptr; }
     [[nodiscard]] std::string_view description() const;
 
@@ -42,7 +42,7 @@ public:
     [[nodiscard]] Outcome start(Descriptor channel);
     void stop();
 
-    /// Gives the camera back; one that answers is free for other programs then.
+    /// Releases control of the camera. If it answers, other programs can open it afterwards.
     void close();
 
 private:

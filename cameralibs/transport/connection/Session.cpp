@@ -1,8 +1,8 @@
 #include "cameralibs/transport/connection/Session.h"
 
 #include "cameralibs/base/Log.h"
-#include "cameralibs/transport/ControlTraffic.h"
-#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/AravisHooks.h"
+#include "cameralibs/transport/Reporting.h"
 #include "cameralibs/transport/discovery/Discovery.h"
 
 #include <algorithm>
@@ -18,12 +18,12 @@ using namespace Orvo;
 
 namespace {
 
-/// How long giving a camera back may take.
-constexpr std::chrono::seconds kFarewell{1};
+/// How long releasing the camera may take.
+constexpr std::chrono::seconds kClosingLimit{1};
 
 constexpr std::chrono::milliseconds kProgressPeriod{100};
 
-/// By Hello::log.
+/// Indexed by Hello::log.
 constexpr std::array<const char*, 4> kLogLevels = {"", "warning", "info", "debug"};
 
 } // namespace
@@ -32,7 +32,7 @@ Session::Session(Descriptor control, Descriptor events)
     : m_control(std::move(control))
     , m_events(std::move(events))
 {
-    onAnswer([this](Answer answer) { tellProgress(answer); });
+    onAnswer([this](Answer answer) { reportProgress(answer); });
 }
 
 void Session::run()
@@ -47,16 +47,16 @@ void Session::run()
         if (!answer(packet))
             break;
     }
-    // Whatever the camera does meanwhile, the process ends in time.
+    // The process ends in time, whatever the camera does.
     std::thread([] {
-        std::this_thread::sleep_for(kFarewell);
+        std::this_thread::sleep_for(kClosingLimit);
         ::_exit(1);
     }).detach();
     m_camera.close();
     ::_exit(0);
 }
 
-/// Says that the process is alive, and ends the session with the library.
+/// Sends signs of life, and ends the session when the library closes the event channel.
 void Session::watchLibrary()
 {
     pollfd watched{m_events.descriptor(), POLLIN, 0};
@@ -64,11 +64,11 @@ void Session::watchLibrary()
         m_events.sendOrDrop(Kind::alive);
     while (::poll(&watched, 1, static_cast<int>(kAlivePeriod.count())) <= 0);
     m_control.shutDown();
-    std::this_thread::sleep_for(kFarewell);
+    std::this_thread::sleep_for(kClosingLimit);
     ::_exit(1);
 }
 
-/// False where the session is to end.
+/// False to end the session.
 bool Session::answer(Packet& packet)
 {
     if (const auto hello = packet.body<Hello>(Kind::hello))
@@ -147,8 +147,8 @@ bool Session::finish(const OpenedCamera::Access& access, std::string_view bytes)
                  access.error == 0 ? bytes : std::string_view(access.text).substr(0, kMaxText));
 }
 
-/// On any thread that receives something of the camera.
-void Session::tellProgress(Answer answer)
+/// Runs on any thread that receives from the camera.
+void Session::reportProgress(Answer answer)
 {
     const std::lock_guard lock(m_mutex);
     const Clock::time_point now = Clock::now();

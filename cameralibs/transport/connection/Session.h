@@ -8,12 +8,12 @@
 
 namespace cameralibs::transport {
 
-/// Does what the library requests, one thing at a time, until it closes the control channel or ends.
+/// Serves the library's requests, one at a time, until it closes the control channel or exits.
 class Session {
 public:
     Session(Descriptor control, Descriptor events);
 
-    /// Ends the process, the camera given back, within a second even where Aravis waits for the camera.
+    /// Releases the camera at the end and exits, within a second even if Aravis is still waiting for the camera.
     [[noreturn]] void run();
 
 private:
@@ -26,12 +26,12 @@ private:
     [[nodiscard]] bool listCamerasFor(const Enumerate& kinds);
     [[nodiscard]] bool finish(const Outcome& outcome);
     [[nodiscard]] bool finish(const OpenedCamera::Access& access, std::string_view bytes = {});
-    void tellProgress(Answer answer);
+    void reportProgress(Answer answer);
     template <class Body> [[nodiscard]] bool reply(Kind kind, const Body& body, std::string_view data);
 
     Channel m_control;
     Channel m_events;
-    std::mutex m_mutex;   ///< guards sending replies and what follows
+    std::mutex m_mutex;   ///< guards sending replies and the two members below
     bool m_asked = false; ///< a reply is still to be sent
     Clock::time_point m_lastProgress;
     OpenedCamera m_camera;

@@ -8,7 +8,7 @@ namespace cameralibs::transport {
 
 SharedMemory::SharedMemory(const Descriptor& memory, std::uint64_t size)
 {
-    // Memory that shrinks would end whoever writes into it.
+    // If the memory could shrink, writing into it could raise SIGBUS.
     struct stat status {};
     const int seals = ::fcntl(memory.get(), F_GET_SEALS);
     if (size == 0 || seals < 0 || (seals & F_SEAL_SHRINK) == 0 || ::fstat(memory.get(), &status) != 0 ||

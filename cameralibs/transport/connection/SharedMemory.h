@@ -6,12 +6,12 @@
 
 namespace cameralibs::transport {
 
-/// The memory of a stream's buffers, which belongs to the library.
+/// The library's memory for the buffers of a stream.
 class SharedMemory {
 public:
     SharedMemory() = default;
 
-    /// Maps it; empty() where it is not what the library says.
+    /// Maps the memory. empty() if it is not sealed against shrinking, or smaller than `size`.
     SharedMemory(const Descriptor& memory, std::uint64_t size);
     ~SharedMemory();
     SharedMemory(const SharedMemory&) = delete;
@@ -19,7 +19,7 @@ public:
 
     [[nodiscard]] bool empty() const noexcept { return m_begin == nullptr; }
 
-    /// Null where it does not lie within.
+    /// Null if the buffer is not within the memory.
     [[nodiscard]] std::uint8_t* buffer(std::uint64_t offset, std::uint64_t capacity) const noexcept;
 
 private:

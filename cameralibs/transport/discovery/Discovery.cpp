@@ -1,18 +1,16 @@
 #include "cameralibs/transport/discovery/Discovery.h"
 
+#include "cameralibs/transport/AravisHooks.h"
 #include "cameralibs/transport/Channel.h"
-#include "cameralibs/transport/ControlTraffic.h"
+#include "cameralibs/transport/Reporting.h"
 
 #include <arv.h>
 
-#include <atomic>
 #include <chrono>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include <dlfcn.h>
 
 namespace cameralibs::transport {
 
@@ -23,23 +21,15 @@ namespace {
 constexpr const char* kUsb = "USB3Vision";
 constexpr const char* kGige = "GigEVision";
 
-using Clock = std::chrono::steady_clock;
-
-/// Cameras have a second to answer; the rest of what comes is made up.
+/// Cameras have a second to answer. Answers that go on arriving after this time are not from real cameras.
 constexpr std::chrono::seconds kListening{2};
-
-/// Nothing is heard any more from then on.
-std::atomic<Clock::time_point> s_deafFrom{Clock::time_point::max()};
-
-/// GLib's own, looked up before there are threads.
-const auto s_poll = reinterpret_cast<decltype(&g_poll)>(::dlsym(RTLD_NEXT, "g_poll"));
 
 std::string orEmpty(const char* text)
 {
     return text == nullptr ? "" : text;
 }
 
-/// In the answer of a GigE Vision camera to a search.
+/// A part of a GigE Vision camera's answer to a search.
 struct Field {
     std::size_t offset;
     std::size_t size;
@@ -86,8 +76,8 @@ void noteAnswer(std::string_view answer)
     setText(camera.address, address);
 }
 
-/// Aravis lists one camera of each vendor, model and serial number. Another one that has the same, such as one that
-/// only pretends to, must not hide it: each of them is named by its address, too.
+/// Aravis lists only one camera of each vendor, model and serial number. A device that pretends to be a present camera
+/// must not hide it, so all of them are listed, with the address in their ids.
 void addNamesakes(std::vector<Listed>& found)
 {
     std::map<std::string, std::size_t> count;
@@ -107,7 +97,7 @@ void addNamesakes(std::vector<Listed>& found)
     }
 }
 
-/// Nothing for protocols that are not listed here.
+/// Empty for protocols other than these two.
 std::optional<CAM_LINK> linkOf(const std::string& protocol)
 {
     if (protocol == kUsb)
@@ -132,11 +122,11 @@ void enableKinds(bool usb, bool gige)
 std::vector<Listed> listCameras(bool usb, bool gige)
 {
     enableKinds(usb, gige);
-    s_deafFrom = Clock::now() + kListening;
     s_answers.clear();
-    onSearchAnswer(noteAnswer);
+    beginSearch(Clock::now() + kListening, noteAnswer);
     arv_update_device_list();
-    s_deafFrom = Clock::time_point::max();
+    if (!endSearch() && gige)
+        note(Severity::warning, "This version of Aravis searches in an unknown way, so a search may take longer");
     std::vector<Listed> found;
     for (unsigned i = 0; i < arv_get_n_devices(); ++i) {
         const auto link = linkOf(orEmpty(arv_get_device_protocol(i)));
@@ -157,11 +147,3 @@ std::vector<Listed> listCameras(bool usb, bool gige)
 }
 
 } // namespace cameralibs::transport
-
-// Aravis listens until nothing has come for a second: one that never stops talking would hide every other camera.
-extern "C" __attribute__((visibility("default"))) gint g_poll(GPollFD* descriptors, guint count, gint timeout)
-{
-    return cameralibs::transport::Clock::now() < cameralibs::transport::s_deafFrom.load()
-               ? cameralibs::transport::s_poll(descriptors, count, timeout)
-               : 0;
-}

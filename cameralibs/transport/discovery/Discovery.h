@@ -7,10 +7,10 @@
 
 namespace cameralibs::transport {
 
-/// Leaves Aravis the wanted kinds of cameras only; newer versions know of more than there are here.
+/// Enables these kinds of cameras in Aravis and disables all others. Newer versions support more kinds.
 void enableKinds(bool usb, bool gige);
 
-/// The cameras of these kinds. Looking for GigE Vision cameras takes a second.
+/// Searches for cameras of these kinds. With GigE Vision this takes one to two seconds.
 [[nodiscard]] std::vector<Listed> listCameras(bool usb, bool gige);
 
 } // namespace cameralibs::transport

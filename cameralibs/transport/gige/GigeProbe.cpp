@@ -1,6 +1,6 @@
 #include "cameralibs/transport/gige/GigeProbe.h"
 
-#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/Reporting.h"
 
 #include <array>
 #include <cerrno>
@@ -17,19 +17,19 @@ namespace {
 constexpr std::chrono::seconds kSilence{1};
 constexpr std::chrono::milliseconds kPatience{300};
 
-/// More than 2 s from the first to the end of the last.
+/// More than 2 s in total.
 constexpr int kTries = 7;
 
-// GigE Vision: a command to read the register at 0, which holds the version, and the answer to it.
+// A GigE Vision command that reads the register at 0, which is the version, and its answer.
 constexpr std::uint8_t kCommandKey = 0x42;
 constexpr std::uint8_t kAnswerWanted = 0x01;
 constexpr std::uint8_t kReadRegister = 0x80;
 constexpr std::uint8_t kReadRegisterAnswer = 0x81;
 
-/// Connected, so that it hears nobody but the camera.
+/// A socket that is connected, so it receives packets from the camera only.
 Descriptor connectTo(ArvGvDevice* device)
 {
-    // The addresses stay the device's.
+    // The device owns the addresses.
     const auto native = [](GSocketAddress* address, sockaddr_storage& to) {
         return address != nullptr && g_socket_address_to_native(address, &to, sizeof to, nullptr) != FALSE;
     };
@@ -39,7 +39,7 @@ Descriptor connectTo(ArvGvDevice* device)
     Descriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (!native(arv_gv_device_get_device_address(device), camera) || !socket)
         return {};
-    // By the interface that Aravis takes, with a port of the probe's own.
+    // On the interface that Aravis uses, with a port of its own.
     if (native(arv_gv_device_get_interface_address(device), interface)) {
         reinterpret_cast<sockaddr_in*>(&interface)->sin_port = 0;
         (void)::bind(socket.get(), reinterpret_cast<sockaddr*>(&interface), sizeof(sockaddr_in));
@@ -53,7 +53,7 @@ Descriptor connectTo(ArvGvDevice* device)
 
 GigeProbe::GigeProbe(ArvGvDevice* device)
     : m_socket(connectTo(device))
-    , m_lastNews(Clock::now().time_since_epoch().count())
+    , m_lastSign(Clock::now().time_since_epoch().count())
 {
     m_thread = std::thread([this] { run(); });
 }
@@ -70,20 +70,20 @@ GigeProbe::~GigeProbe()
 
 void GigeProbe::run()
 {
-    (void)hearsOfCamera();
-    if (!m_answersQuestions)
-        note(Severity::info, "The camera does not answer questions on the side, so its loss is noticed later");
-    while (waitUntil(lastNews() + kSilence)) {
-        if (Clock::now() < lastNews() + kSilence)
+    (void)hearsFromCamera();
+    if (!m_answersQueries)
+        note(Severity::info, "The camera does not answer queries from a second socket, so its loss is noticed later");
+    while (waitUntil(lastSign() + kSilence)) {
+        if (Clock::now() < lastSign() + kSilence)
             continue;
-        if (!hearsOfCamera() && m_answersQuestions)
-            leaveAsLost("The camera does not answer any more");
-        noteNews();
+        if (!hearsFromCamera() && m_answersQueries)
+            leaveAsLost("The camera no longer answers");
+        noteSign();
     }
 }
 
-/// Asks until the camera answers or sends anything else. False if it stays silent, or cannot be asked.
-bool GigeProbe::hearsOfCamera()
+/// Queries the camera until it answers or sends anything else. False if it stays silent or cannot be queried.
+bool GigeProbe::hearsFromCamera()
 {
     if (!m_socket)
         return false;
@@ -92,17 +92,17 @@ bool GigeProbe::hearsOfCamera()
     for (int i = 0; i < kTries; ++i) {
         ++m_lastId;
         const Clock::time_point end = Clock::now() + kPatience;
-        if (ask(m_lastId) && waitForAnswer(firstId, m_lastId)) {
-            m_answersQuestions = true;
+        if (query(m_lastId) && waitForAnswer(firstId, m_lastId)) {
+            m_answersQueries = true;
             return true;
         }
-        if (!waitUntil(end) || lastNews() > begin)
+        if (!waitUntil(end) || lastSign() > begin)
             return true;
     }
     return false;
 }
 
-bool GigeProbe::ask(std::uint16_t id) const
+bool GigeProbe::query(std::uint16_t id) const
 {
     const std::array<std::uint8_t, 12> command = {kCommandKey,
                                                   kAnswerWanted,
@@ -119,7 +119,7 @@ bool GigeProbe::ask(std::uint16_t id) const
     return ::send(m_socket.get(), command.data(), command.size(), MSG_NOSIGNAL) >= 0;
 }
 
-/// An error is an answer, too. A late one is as good as any.
+/// Errors and late answers count, too.
 bool GigeProbe::waitForAnswer(std::uint16_t firstId, std::uint16_t lastId) const
 {
     const Clock::time_point end = Clock::now() + kPatience;
@@ -131,7 +131,7 @@ bool GigeProbe::waitForAnswer(std::uint16_t firstId, std::uint16_t lastId) const
             return false;
         const ssize_t size = ::recv(m_socket.get(), answer.data(), answer.size(), 0);
         if (size < 0 && errno != EAGAIN && errno != EINTR)
-            return false; // such as a port that nobody listens at
+            return false; // for example, a closed port
         if (size < 8 || answer[3] != kReadRegisterAnswer)
             continue;
         const auto distance = static_cast<std::uint16_t>((answer[6] << 8U | answer[7]) - firstId);
@@ -140,16 +140,16 @@ bool GigeProbe::waitForAnswer(std::uint16_t firstId, std::uint16_t lastId) const
     }
 }
 
-/// False where the probe ends before.
+/// False if the probe is destroyed before.
 bool GigeProbe::waitUntil(Clock::time_point time)
 {
     std::unique_lock lock(m_mutex);
     return !m_changed.wait_until(lock, time, [this] { return m_ended; });
 }
 
-Clock::time_point GigeProbe::lastNews() const noexcept
+Clock::time_point GigeProbe::lastSign() const noexcept
 {
-    return Clock::time_point(Clock::duration(m_lastNews.load(std::memory_order_relaxed)));
+    return Clock::time_point(Clock::duration(m_lastSign.load(std::memory_order_relaxed)));
 }
 
 } // namespace cameralibs::transport

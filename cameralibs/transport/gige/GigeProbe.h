@@ -21,21 +21,21 @@ public:
     GigeProbe(const GigeProbe&) = delete;
     GigeProbe& operator=(const GigeProbe&) = delete;
 
-    /// The camera has sent something. Any thread.
-    void noteNews() noexcept { m_lastNews.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed); }
+    /// Notes that the camera has sent something. Thread-safe.
+    void noteSign() noexcept { m_lastSign.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed); }
 
 private:
     void run();
-    [[nodiscard]] bool hearsOfCamera();
-    [[nodiscard]] bool ask(std::uint16_t id) const;
+    [[nodiscard]] bool hearsFromCamera();
+    [[nodiscard]] bool query(std::uint16_t id) const;
     [[nodiscard]] bool waitForAnswer(std::uint16_t firstId, std::uint16_t lastId) const;
     [[nodiscard]] bool waitUntil(Clock::time_point time);
-    [[nodiscard]] Clock::time_point lastNews() const noexcept;
+    [[nodiscard]] Clock::time_point lastSign() const noexcept;
 
-    Descriptor m_socket; ///< none where the camera cannot be asked
+    Descriptor m_socket; ///< none if the camera cannot be queried
     std::uint16_t m_lastId = 0;
-    bool m_answersQuestions = false;
-    std::atomic<Clock::rep> m_lastNews;
+    bool m_answersQueries = false;
+    std::atomic<Clock::rep> m_lastSign;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_ended = false;

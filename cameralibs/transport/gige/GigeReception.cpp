@@ -1,13 +1,13 @@
 #include "cameralibs/transport/gige/GigeReception.h"
 
 #include "cameralibs/base/ErrorStatus.h"
-#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/AravisHooks.h"
+#include "cameralibs/transport/Reporting.h"
 
 #include <cstdint>
 #include <string>
 #include <utility>
 
-#include <netinet/in.h>
 #include <sys/socket.h>
 
 namespace cameralibs::transport {
@@ -16,11 +16,11 @@ using namespace Orvo;
 
 namespace {
 
-/// What packaging/system/60-orvocam-gige.conf lets a program have. A kernel that grants less cuts it; its default loses
-/// most packets.
+/// The limit that packaging/system/60-orvocam-gige.conf sets. The kernel reduces it to its own limit; with its default
+/// size most packets are lost.
 constexpr int kSocketBufferSize = 33'554'432;
 
-/// The GigE Vision register that tells what the control channel can do, and its bit for sending packets again.
+/// The GigE Vision register with the capabilities of the control channel, and its bit for packet resend.
 constexpr std::uint64_t kCapabilityRegister = 0x0934;
 constexpr std::uint32_t kResendBit = 1U << 2;
 
@@ -32,33 +32,19 @@ bool sendsPacketsAgain(ArvGvDevice* device)
     return !error && (capability & kResendBit) != 0;
 }
 
-bool receivesAt(int descriptor, std::uint16_t port)
-{
-    sockaddr_in own{};
-    socklen_t size = sizeof own;
-    int type = 0;
-    socklen_t typeSize = sizeof type;
-    return ::getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &typeSize) == 0 && type == SOCK_DGRAM &&
-           ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &size) == 0 && own.sin_family == AF_INET &&
-           ntohs(own.sin_port) == port;
-}
-
-/// Aravis itself does so when the first packet arrives. By then the rest of the first image may have found no room,
-/// above all on a busy machine. Aravis does not publish the socket, so its port identifies it.
+/// Aravis enlarges the buffer only when the first packet arrives. On a busy machine the rest of the first image may
+/// have overflowed it by then.
 void enlargeSocketBuffer(ArvGvStream* stream)
 {
-    constexpr int kMany = 1024; // the process has a few dozen
-    const std::uint16_t port = arv_gv_stream_get_port(stream);
-    for (int descriptor = 0; descriptor < kMany; ++descriptor) {
-        if (receivesAt(descriptor, port))
-            (void)::setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &kSocketBufferSize, sizeof kSocketBufferSize);
-    }
+    const int socket = socketAt(arv_gv_stream_get_port(stream));
+    if (::setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &kSocketBufferSize, sizeof kSocketBufferSize) != 0)
+        note(Severity::info, "the first image of the stream may be incomplete: its socket buffer is not enlarged yet");
 }
 
-/// A stream works without any of this, so a camera may refuse it.
+/// None of this is essential for a stream, so failures are only logged.
 void prepareDevice(ArvGvDevice* device)
 {
-    // Packet sockets see nothing of a camera on this machine that is reached through another interface.
+    // A packet socket receives nothing if the camera runs on this machine and is reached through another interface.
     arv_gv_device_set_stream_options(device, ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
     GErrorPointer error;
     arv_gv_device_auto_packet_size(device, error.out());
@@ -76,7 +62,7 @@ void prepareStream(ArvGvDevice* device, ArvGvStream* stream)
     enlargeSocketBuffer(stream);
     g_object_set(stream, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size", kSocketBufferSize,
                  nullptr);
-    // A frame that waits for packets that never come again holds up those behind it.
+    // Without resend a frame would wait for its missing packets in vain, and hold up the frames behind it.
     if (!sendsPacketsAgain(device))
         g_object_set(stream, "packet-resend", ARV_GV_STREAM_PACKET_RESEND_NEVER, nullptr);
 }
@@ -105,11 +91,11 @@ GigeReception::GigeReception(GObjectPointer<ArvStream> stream)
 GigeReception::~GigeReception()
 {
     GigeReception::end();
-    // Aravis complains of a stream that it finds stopped. Without buffers this one writes nowhere.
+    // Aravis logs a critical warning if a stopped stream is destroyed. Without buffers this one writes nowhere.
     arv_stream_start_thread(m_stream.get());
 }
 
-// A camera that counts from 1 again is not taken for a late one by a thread that starts anew.
+// A camera may restart its block ids at 1. Only a new thread does not take them for late frames of the last start.
 Outcome GigeReception::begin()
 {
     (void)stopThread();
@@ -132,7 +118,8 @@ bool GigeReception::stopThread()
     return true;
 }
 
-// Aravis counts from the making of the stream on; in an image, from the first packet that is missing to the end.
+// Aravis counts since the stream was created. In an incomplete image it counts all packets from the first missing one
+// on.
 void GigeReception::noteLosses()
 {
     guint64 resent = 0;

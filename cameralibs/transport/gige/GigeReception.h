@@ -7,11 +7,11 @@
 
 namespace cameralibs::transport {
 
-/// That of a GigE Vision camera. Its stream lives as long as this, because the camera is asked a lot for each; only its
-/// thread starts anew.
+/// Receives from a GigE Vision camera. The stream lives as long as this object, because creating one takes many
+/// commands; each start only restarts its thread.
 class GigeReception : public Reception {
 public:
-    /// Makes the stream and sets what lets its images arrive.
+    /// Creates the stream and configures camera and stream for reception.
     [[nodiscard]] static Outcome make(ArvGvDevice* device, std::unique_ptr<Reception>& reception);
 
     explicit GigeReception(GObjectPointer<ArvStream> stream);
@@ -23,12 +23,12 @@ public:
     void end() override;
 
 private:
-    [[nodiscard]] bool stopThread(); ///< false where it did not run
+    [[nodiscard]] bool stopThread(); ///< false if it was not running
     void noteLosses();
 
-    std::uint64_t m_resent = 0;  ///< packets, until the last begin
-    std::uint64_t m_missing = 0; ///< those that never came
-    bool m_receiving = true;     ///< as Aravis makes every stream
+    std::uint64_t m_resent = 0;  ///< packets, until the last end
+    std::uint64_t m_missing = 0; ///< those that never arrived
+    bool m_receiving = true;     ///< Aravis starts the thread of a new stream
 };
 
 } // namespace cameralibs::transport

@@ -11,7 +11,8 @@ using namespace Orvo;
 
 namespace {
 
-// Registers of USB3 Vision: where the technology's own stand, where in those the stream's stand, and of the stream.
+// Registers of USB3 Vision: the address of the technology's registers, the offset in those of the address of the
+// stream's registers, and offsets in the latter.
 constexpr std::uint64_t kTechnologyAddress = 0x01d8;
 constexpr std::uint64_t kStreamAddress = 0x0020;
 constexpr std::uint64_t kStreamInfo = 0x0000;
@@ -19,7 +20,7 @@ constexpr std::uint64_t kStreamPayload = 0x0008;
 constexpr std::uint64_t kStreamLeader = 0x0010;
 constexpr std::uint64_t kStreamTrailer = 0x0014;
 
-/// The upper byte of the stream's info: the power of 2 that transfers are a multiple of.
+/// The upper byte of the stream info is the binary logarithm of the alignment of transfers.
 constexpr unsigned kAlignmentShift = 24;
 
 /// Aravis' largest transfer has 2^20 bytes.
@@ -39,8 +40,8 @@ template <typename Number> Outcome read(ArvDevice* device, std::uint64_t address
     return outcome;
 }
 
-/// The bytes of an image. Without a look at what it has read, Aravis divides by them and by the alignment, and receives
-/// leader and trailer, of the sizes that the camera names, into memory for its largest transfer.
+/// Reads the size of an image. Aravis uses what the camera reports without checking it: it divides by that size and by
+/// the alignment, and receives leader and trailer into memory for its largest transfer. All are checked here.
 Outcome readStreamPayload(ArvDevice* device, std::uint64_t& payload)
 {
     std::uint64_t technology = 0;
@@ -78,7 +79,7 @@ Outcome UsbReception::begin()
     std::uint64_t payload = 0;
     if (Outcome outcome = readStreamPayload(m_device, payload); !outcome.ok())
         return outcome;
-    // What is left of a larger buffer may be too little for the packet after the image.
+    // Aravis would use the rest of a larger buffer for the packet after the image, which may not fit.
     m_largestBuffer = payload;
     // Asynchronous mode, the default of some versions of Aravis, spins a core.
     arv_uv_device_set_usb_mode(ARV_UV_DEVICE(m_device), ARV_UV_USB_MODE_SYNC);

@@ -4,16 +4,16 @@
 
 namespace cameralibs::transport {
 
-/// That of a USB3 Vision camera. A stream lives from begin to end, because as long as it does the camera's own stream
-/// is enabled. The device outlives it.
+/// Receives from a USB3 Vision camera. The stream exists from begin() to end() only, because while it exists, streaming
+/// is enabled in the camera. The device must outlive this object.
 class UsbReception : public Reception {
 public:
     explicit UsbReception(ArvDevice* device);
 
-    /// Errors: CAM_API_STS_CAMERA_NOT_RESPONDING, CAM_API_STS_GENICAM_ERR where the camera tells of impossible images.
+    /// Errors: CAM_API_STS_CAMERA_NOT_RESPONDING, CAM_API_STS_GENICAM_ERR for impossible image sizes.
     [[nodiscard]] Outcome begin() override;
 
-    /// Disables the camera's stream, too. One that is plugged in but does not answer is given up after some tries.
+    /// Also disables streaming in the camera; gives up after some attempts if it does not answer.
     void end() override;
 
     /// By what the camera says of it in its trailer.

@@ -1,6 +1,6 @@
 #include "cameralibs/transport/usb/UsbTraffic.h"
 
-#include "cameralibs/transport/ControlTraffic.h"
+#include "cameralibs/transport/AravisHooks.h"
 
 #include <algorithm>
 #include <array>
@@ -105,7 +105,7 @@ bool noteAnswer(const unsigned char* packet, std::size_t size, std::size_t room)
         return false;
     if (asked && command != kPendingAnswer)
         usbTraffic().answered = true;
-    tellAnswer(command == kPendingAnswer ? Answer::pending : Answer::useful);
+    reportAnswer(command == kPendingAnswer ? Answer::pending : Answer::useful);
     return true;
 }
 

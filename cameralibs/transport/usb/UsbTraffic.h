@@ -5,7 +5,7 @@
 
 namespace cameralibs::transport {
 
-/// What Aravis transfers from and to a USB3 Vision camera, seen and mended where it calls libusb, as ControlTraffic.h
+/// What Aravis transfers from and to a USB3 Vision camera, seen and mended where it calls libusb, as AravisHooks.h
 /// does. Checked against Aravis 0.8.26 and libusb 1.0.26.
 ///
 /// Mended is what Aravis leaves to chance: an endpoint that stalls is set going again, and an answer that is shorter

@@ -50,7 +50,7 @@ constexpr const char* kTransportOfTheSystem = "/usr/libexec/orvocam-transport";
 
 } // namespace
 
-TEST_F(GigeCameraTest, InformationTellsTheCamera)
+TEST_F(GigeCameraTest, InformationIdentifiesTheCamera)
 {
     CAM_INFO info = {};
     ASSERT_EQ(Cam_GetInformation(0, 0, &info), CAM_API_STS_SUCCESS);
@@ -111,6 +111,25 @@ TEST_F(GigeCameraTest, CameraOfAnotherProgramIsDenied)
     EXPECT_EQ(open(0, &camera), CAM_API_STS_ACCESS_DENIED);
     EXPECT_EQ(open(0, nullptr, 12345), CAM_API_STS_ACCESS_DENIED) << "before signal and pointer";
     EXPECT_EQ(camera, 0U);
+}
+
+TEST_F(GigeCameraTest, CameraWorksIfAravisBypassesTheHooks)
+{
+    ASSERT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ::setenv("ORVO_CAMERA_TRANSPORT", TRANSPORT_WITHOUT_HOOKS, 1); // NOLINT(concurrency-mt-unsafe)
+    ::setenv("ORVO_CAMERA_LOG", "warning", 1);                     // NOLINT(concurrency-mt-unsafe)
+    ::testing::internal::CaptureStderr();
+    CAM_HANDLE camera = 0;
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_GIGE_VISION), CAM_API_STS_SUCCESS);
+    enumerateUntil(1);
+    EXPECT_EQ(open(0, &camera), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(intOf(camera, "Width"), 512);
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    EXPECT_THAT(log, ::testing::HasSubstr("This version of Aravis searches in an unknown way"));
+    EXPECT_THAT(log, ::testing::HasSubstr("This version of Aravis receives answers in an unknown way"));
+    for (const char* variable : {"ORVO_CAMERA_TRANSPORT", "ORVO_CAMERA_LOG"})
+        ::unsetenv(variable); // NOLINT(concurrency-mt-unsafe)
 }
 
 // The loader knows the library by a path that leads nowhere after the change.

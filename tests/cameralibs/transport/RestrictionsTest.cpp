@@ -3,7 +3,7 @@
 #include "cameralibs/transport/Restrictions.h"
 
 #include "cameralibs/base/GlibOwners.h"
-#include "cameralibs/transport/ControlTraffic.h"
+#include "cameralibs/transport/AravisHooks.h"
 
 #include <gmock/gmock.h>
 
@@ -299,7 +299,7 @@ TEST(Restrictions, UsbDevicesAreControlled)
     EXPECT_TRUE(restricted([] { return refused(::ioctl(-1, USBDEVFS_SUBMITURB, nullptr), EBADF); }));
 }
 
-TEST(Restrictions, ItMayAbort)
+TEST(Restrictions, AbortIsAllowed)
 {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -324,29 +324,29 @@ TEST(Restrictions, RootKeepsNoCapabilities)
 
 // --- What the kernel lacks is left out, noted, and takes nothing else along ---
 
-TEST(Restrictions, WithoutLandlockCallsAreRefusedAllTheSame)
+TEST(Restrictions, WithoutLandlockCallsAreStillRefused)
 {
     SKIP_WITH_SANITIZER();
     EXPECT_THAT(notesWhere([] { return withoutCalls({"landlock_create_ruleset"}); },
                            [] { return opens("/etc/passwd", O_RDONLY) && refused(::fork(), ENOSYS); }),
-                ::testing::StartsWith("<4>The file system stays open"));
+                ::testing::StartsWith("<4>The file system is not restricted"));
 }
 
-TEST(Restrictions, WithoutSeccompTheFileSystemIsClosedAllTheSame)
+TEST(Restrictions, WithoutSeccompTheFileSystemIsStillClosed)
 {
     SKIP_WITH_SANITIZER();
     const auto prepare = [] {
         return withoutCalls({"seccomp", "prctl"}) && ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0;
     };
     EXPECT_THAT(notesWhere(prepare, [] { return !opens("/etc/passwd", O_RDONLY) && ::getppid() > 0; }),
-                ::testing::HasSubstr("<4>No system call is refused"));
+                ::testing::HasSubstr("<4>System calls are not restricted"));
     if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 6)
         return;
     EXPECT_THAT(notesWhere(prepare, [] { return refused(::kill(::getppid(), 0), EPERM); }),
                 ::testing::StartsWith("<4>"));
 }
 
-TEST(Restrictions, ARuleThatCannotBeAddedIsNotedAndTheOthersHold)
+TEST(Restrictions, ARuleThatCannotBeAddedIsLoggedAndTheOthersApply)
 {
     SKIP_WITH_SANITIZER();
     const auto prepare = [] {
@@ -357,10 +357,10 @@ TEST(Restrictions, ARuleThatCannotBeAddedIsNotedAndTheOthersHold)
     EXPECT_THAT(
         notesWhere(prepare,
                    [&] { return refused(::uname(&name), ENOSYS) && ::getppid() > 0 && refused(::fork(), ENOSYS); }),
-        ::testing::StartsWith("<4>A system call stays refused, uname: "));
+        ::testing::StartsWith("<4>A system call stays forbidden: uname: "));
 }
 
-TEST(Restrictions, NothingIsNotedWhereTheKernelHasAll)
+TEST(Restrictions, NothingIsLoggedIfTheKernelSupportsEverything)
 {
     EXPECT_EQ(notesWhere([] { return true; }, [] { return true; }), "");
 }

@@ -1,4 +1,4 @@
-#include "cameralibs/transport/ControlTraffic.h"
+#include "cameralibs/transport/AravisHooks.h"
 
 #include <gio/gio.h>
 
@@ -10,13 +10,15 @@
 #include <utility>
 
 #include <dlfcn.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 namespace cameralibs::transport {
 
 namespace {
 
-// A GigE Vision command: a key, flags, the command, a length and an id; an answer has a status in place of the first
-// two. All big-endian.
+// A GigE Vision command consists of a key, flags, the command, a length and an id; an answer has a status in place of
+// the key and the flags. All are big-endian.
 constexpr std::size_t kHeaderSize = 8;
 constexpr std::uint8_t kCommandKey = 0x42;
 constexpr std::uint16_t kSearch = 0x0002;
@@ -29,9 +31,12 @@ constexpr gsize kLargestAnswer = 1024;
 struct Traffic {
     std::function<void(Answer)> handler;
     std::function<void(std::string_view)> searchHandler;
-    std::atomic<std::int32_t> lastId{-1}; ///< of what was asked last
-    std::atomic<bool> lastAnswered{true}; ///< that one
-    std::atomic<bool> allAnswered{true};  ///< those before
+    std::atomic<Clock::time_point> searchEnd{Clock::time_point::max()};
+    std::atomic<bool> polled{false};      ///< in this search
+    std::atomic<bool> answered{false};    ///< any command
+    std::atomic<std::int32_t> lastId{-1}; ///< of the last command
+    std::atomic<bool> lastAnswered{true}; ///< the last command was answered
+    std::atomic<bool> allAnswered{true};  ///< so were those before
 
     std::mutex mutex;
     std::string refused;
@@ -55,7 +60,7 @@ void noteSent(const char* packet, std::size_t size)
         return;
     const std::uint16_t id = number(packet, 6);
     if (id == traffic().lastId)
-        return; // asked again
+        return; // a repetition
     if (!traffic().lastAnswered)
         traffic().allAnswered = false;
     traffic().lastAnswered = false;
@@ -66,15 +71,16 @@ void noteReceived(const char* packet, std::size_t size)
 {
     if (size >= kHeaderSize && number(packet, 2) == kSearchAnswer && traffic().searchHandler)
         traffic().searchHandler({packet + kHeaderSize, size - kHeaderSize});
-    if (size < kHeaderSize || number(packet, 6) != traffic().lastId || !traffic().handler)
+    if (size < kHeaderSize || number(packet, 6) != traffic().lastId)
         return;
     const bool pending = number(packet, 2) == kPendingAnswer;
     if (!pending)
         traffic().lastAnswered = true;
-    traffic().handler(pending ? Answer::pending : Answer::useful);
+    reportAnswer(pending ? Answer::pending : Answer::useful);
 }
 
-/// What is missing of an answer would be what the answer of another camera has left in Aravis' memory.
+/// Aravis reads a whole answer from its buffer, however short the received one is. The rest must not be what the answer
+/// of another camera left there.
 void completeSearchAnswer(char* packet, std::size_t size, std::size_t room)
 {
     const std::size_t whole = std::min(room, kLargestAnswer);
@@ -82,14 +88,26 @@ void completeSearchAnswer(char* packet, std::size_t size, std::size_t room)
         std::fill(packet + size, packet + whole, '\0');
 }
 
+bool receivesAt(int descriptor, std::uint16_t port)
+{
+    sockaddr_in own{};
+    socklen_t size = sizeof own;
+    int type = 0;
+    socklen_t typeSize = sizeof type;
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &typeSize) == 0 && type == SOCK_DGRAM &&
+           ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &size) == 0 && own.sin_family == AF_INET &&
+           ntohs(own.sin_port) == port;
+}
+
 template <class Function> Function* original(const char* name)
 {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-// Before there are threads.
+// Looked up before there are threads.
 const auto s_send = original<decltype(g_socket_send_to)>("g_socket_send_to");
 const auto s_receive = original<decltype(g_socket_receive)>("g_socket_receive");
+const auto s_poll = original<decltype(g_poll)>("g_poll");
 
 } // namespace
 
@@ -98,15 +116,16 @@ void onAnswer(std::function<void(Answer)> handler)
     traffic().handler = std::move(handler);
 }
 
-void tellAnswer(Answer answer)
+void reportAnswer(Answer answer)
 {
+    traffic().answered = true;
     if (traffic().handler)
         traffic().handler(answer);
 }
 
-void onSearchAnswer(std::function<void(std::string_view)> handler)
+bool seesAnswers()
 {
-    traffic().searchHandler = std::move(handler);
+    return traffic().answered;
 }
 
 bool answersEverything()
@@ -114,10 +133,34 @@ bool answersEverything()
     return traffic().lastId >= 0 && traffic().lastAnswered && traffic().allAnswered;
 }
 
+void beginSearch(Clock::time_point end, std::function<void(std::string_view)> handler)
+{
+    traffic().searchHandler = std::move(handler);
+    traffic().searchEnd = end;
+    traffic().polled = false;
+}
+
+bool endSearch()
+{
+    traffic().searchHandler = {};
+    traffic().searchEnd = Clock::time_point::max();
+    return traffic().polled;
+}
+
 std::string refusedFile()
 {
     const std::lock_guard lock(traffic().mutex);
     return traffic().refused;
+}
+
+int socketAt(std::uint16_t port)
+{
+    constexpr int kMany = 1024; // the process has a few dozen
+    for (int descriptor = 0; descriptor < kMany; ++descriptor) {
+        if (receivesAt(descriptor, port))
+            return descriptor;
+    }
+    return -1;
 }
 
 } // namespace cameralibs::transport
@@ -145,18 +188,24 @@ __attribute__((visibility("default"))) gssize g_socket_receive(GSocket* socket, 
     return received;
 }
 
+__attribute__((visibility("default"))) gint g_poll(GPollFD* descriptors, guint count, gint timeout)
+{
+    traffic().polled = true;
+    return Clock::now() < traffic().searchEnd.load() ? s_poll(descriptors, count, timeout) : 0;
+}
+
 // A camera may name any file as its description.
 __attribute__((visibility("default"))) gboolean g_file_get_contents(const gchar* name, gchar** contents, gsize* size,
                                                                     GError** error)
 {
     const std::lock_guard lock(traffic().mutex);
-    // Aravis makes no name of a second URL that is empty: the first one is the reason then.
+    // For a second URL that is empty Aravis passes no name; the first one is the reason then.
     if (name != nullptr)
         traffic().refused = name;
     *contents = nullptr;
     if (size != nullptr)
         *size = 0;
-    g_set_error_literal(error, G_FILE_ERROR, G_FILE_ERROR_ACCES, "Files of this machine are not read");
+    g_set_error_literal(error, G_FILE_ERROR, G_FILE_ERROR_ACCES, "Local files are not opened");
     return FALSE;
 }
 

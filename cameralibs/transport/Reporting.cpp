@@ -1,4 +1,4 @@
-#include "cameralibs/transport/Farewell.h"
+#include "cameralibs/transport/Reporting.h"
 
 #include "cameralibs/transport/Channel.h"
 
@@ -11,7 +11,7 @@ namespace cameralibs::transport {
 
 namespace {
 
-/// As the system log has it.
+/// The priorities of syslog.
 char priorityOf(Severity severity)
 {
     switch (severity) {
@@ -31,13 +31,13 @@ void note(Severity severity, const std::string& text)
     std::string line = std::string("<") + priorityOf(severity) + ">" + text.substr(0, kMaxText);
     std::replace(line.begin(), line.end(), '\n', ' ');
     line += '\n';
-    // Nothing waits for the log, and nothing can be done where it is closed.
+    // A line that cannot be written is dropped: logging must not block.
     (void)!::write(STDERR_FILENO, line.data(), line.size());
 }
 
 void leaveAsLost(const std::string& reason)
 {
-    // Several threads may come here; the descriptor stays open until the process ends.
+    // Several threads may get here. The descriptor stays open until the process exits.
     const Header header{Kind::lost, static_cast<std::uint32_t>(std::min(reason.size(), kMaxText))};
     const Nothing body{};
     std::string packet(reinterpret_cast<const char*>(&header), sizeof header);
