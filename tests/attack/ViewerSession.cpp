@@ -14,6 +14,8 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QPersistentModelIndex>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -194,8 +196,8 @@ QWidget* ViewerSession::editor(const QString& feature)
 {
     if (!features())
         return nullptr;
-    QTableView& table = *features()->tableView();
-    const QAbstractItemModel& model = *table.model();
+    const QPointer<QTableView> table = features()->tableView();
+    const QAbstractItemModel& model = *table->model();
     QModelIndex category;
     for (int row = 0; row < model.rowCount(); ++row) {
         const QModelIndex index = model.index(row, FeatureView::NameColumn);
@@ -203,14 +205,17 @@ QWidget* ViewerSession::editor(const QString& feature)
             category = index;
         if (index.data().toString().trimmed() != feature)
             continue;
-        if (table.isRowHidden(row) && category.isValid()) {
+        const QPersistentModelIndex cell = model.index(row, FeatureView::ValueColumn);
+        if (table->isRowHidden(row) && category.isValid()) {
             features()->changeCollapsedState(category);
             QCoreApplication::processEvents(); // the range of the scroll bar
         }
-        const QModelIndex cell = model.index(row, FeatureView::ValueColumn);
-        table.scrollTo(cell);
-        QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, table.visualRect(cell).center());
-        return openEditor(table);
+        // A removal that was queued closes the camera, and the table goes with it.
+        if (!table || !cell.isValid())
+            return nullptr;
+        table->scrollTo(cell);
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(cell).center());
+        return table ? openEditor(*table) : nullptr;
     }
     return nullptr;
 }
