@@ -142,8 +142,9 @@ void hugeDescription(CameraMemory& memory, Random& random)
     std::string text;
     if (random.oneIn(2)) {
         // The honest one, and then what an XML parser may pass over.
-        text.assign(memory.description().begin(), memory.description().end());
-        text = text.substr(0, text.find('\0')) + random.pick<std::string>({"<!--", " "});
+        const auto& honest = memory.description();
+        text.assign(honest.begin(), std::find(honest.begin(), honest.end(), '\0'));
+        text += random.pick<std::string>({"<!--", " "});
         text.resize(size - 4, random.pick({' ', '\n', 'x'}));
         text += "-->\n";
     } else {
