@@ -24,7 +24,7 @@ constexpr OpenFailure kOpenFailures[] = {
     {CAM_API_STS_ACCESS_DENIED, "another program controls it", "close the camera there"},
     {CAM_API_STS_BUSY, "another program has it", "close the camera there"},
     {CAM_API_STS_CAMERA_NOT_RESPONDING, "does not answer",
-     "look at the lines on its address and the firewall; else switch the camera off and on"},
+     "look at the cable and at other lines about it; else switch the camera off and on"},
     {CAM_API_STS_XML_LOAD_ERR, "its description cannot be read",
      "other firmware from the camera's maker; ORVO_CAMERA_LOG=info orvocam-check tells more"},
     {CAM_API_STS_GENICAM_ERR, "its description cannot be used",
@@ -58,16 +58,33 @@ Line lineOf(const View& view, const Camera& camera, CAM_API_STATUS status)
     return {Severity::wrong, nameOf(camera), text, known->cure};
 }
 
-/// An address of the camera's network that is not the camera's.
-Address neighbourOf(const GigeAnswer& answer)
+constexpr Address kLinkLocalNetwork = {0xa9fe0000, 16};
+
+// Addresses that routers of the internet do not know. An interface may get one without cutting anybody off.
+constexpr Address kPrivateNetworks[] = {{0x0a000000, 8}, {0xac100000, 12}, {0xc0a80000, 16}, kLinkLocalNetwork};
+
+bool isIn(std::uint32_t address, const Address& network)
+{
+    return (address & network.mask()) == network.address;
+}
+
+/// An address of the camera's network that is not the camera's, and that routers rarely have. Nothing for a public
+/// network: anybody can send an answer that names one.
+std::optional<Address> neighbourOf(const GigeAnswer& answer)
 {
     constexpr unsigned kUsual = 24;
     constexpr unsigned kLargestNetwork = 16;  // a larger one may be somebody else's
-    constexpr unsigned kSmallestNetwork = 30; // of two addresses
+    constexpr unsigned kSmallestNetwork = 28; // of fourteen addresses
+    if (std::none_of(std::begin(kPrivateNetworks), std::end(kPrivateNetworks),
+                     [&](const Address& network) { return isIn(answer.address, network); }))
+        return {};
     const unsigned told = prefixOf(answer.mask).value_or(kUsual);
     const Address network = {answer.address, told < kLargestNetwork || told > kSmallestNetwork ? kUsual : told};
-    const std::uint32_t first = (answer.address & network.mask()) + 1;
-    return {answer.address == first ? first + 1 : first, network.prefix};
+    constexpr std::uint32_t kFirstLinkLocal = 0x100; // the first and the last 256 are reserved
+    const std::uint32_t first = (answer.address & network.mask()) +
+                                (isIn(answer.address, kLinkLocalNetwork) && network.prefix == 16 ? kFirstLinkLocal : 0);
+    constexpr std::uint32_t kNumber = 10;
+    return Address{first + (answer.address == first + kNumber ? kNumber + 1 : kNumber), network.prefix};
 }
 
 std::vector<const Camera*> answering(const View& view)
@@ -168,11 +185,13 @@ Lines checkAddresses(const View& view)
             lines.push_back({Severity::wrong, nameOf(*camera), "has no address yet",
                              "wait until it has taken one; a DHCP server, or a fixed address by its maker's program"});
         } else if (interface != nullptr && !interface->reaches(answer.address)) {
-            const Address own = neighbourOf(answer);
+            const std::optional<Address> own = neighbourOf(answer);
+            const std::string addition = own ? "sudo ip address add " + textOf(*own) + " dev " + answer.interface +
+                                                   ", if nobody has that address; or "
+                                             : "";
             lines.push_back({Severity::wrong, nameOf(*camera),
                              address + " is outside the network of " + answer.interface + ", so it cannot be opened",
-                             "sudo ip address add " + textOf(own) + " dev " + answer.interface +
-                                 "; or another address for the camera"});
+                             addition + "give the camera an address of the interface's network"});
         } else if (std::count_if(cameras.begin(), cameras.end(), sameAddress) > 1) {
             lines.push_back({Severity::wrong, nameOf(*camera), "another camera has its address " + address + ", too",
                              "give each camera an address of its own"});

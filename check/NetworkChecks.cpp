@@ -50,7 +50,9 @@ Line lineOf(const View& view, const Interface& interface)
                                       ", or an address of the camera's network"
                                 : ""};
     }
-    std::string text = addressesOf(interface) + ", MTU " + std::to_string(interface.mtu);
+    std::string text = addressesOf(interface);
+    if (interface.mtu > 0)
+        text += ", MTU " + std::to_string(interface.mtu);
     if (interface.speed)
         text += ", " + std::to_string(*interface.speed) + " Mbit/s";
     return {Severity::good, subject, text};
@@ -61,8 +63,8 @@ std::string openingFor(const Firewall& firewall, const std::string& interface, c
     if (firewall.manager == "ufw")
         return "sudo ufw allow in on " + interface + " proto udp to any";
     if (firewall.manager == "firewalld") {
-        return "sudo firewall-cmd --permanent --zone=trusted --change-interface=" + interface +
-               " && sudo firewall-cmd --reload";
+        return "sudo firewall-cmd --permanent --zone=$(firewall-cmd --get-zone-of-interface=" + interface +
+               ") --add-protocol=udp && sudo firewall-cmd --reload";
     }
     return "sudo nft insert rule " + (chain.empty() ? "inet filter input" : chain) + " iifname " + interface +
            " meta l4proto udp accept";
@@ -73,7 +75,7 @@ Line lineOf(const View& view, const Interface& interface, const Passage& passage
     const std::string subject = "firewall on " + interface.name;
     switch (passage.kind) {
     case Passage::accepted:
-        return {Severity::good, subject, "lets UDP in"};
+        return {Severity::good, subject, "no nftables rule drops UDP"};
     case Passage::dropped:
         return {view.cameraOn(interface.name) ? Severity::wrong : view.hidesCameras(), subject,
                 "drops UDP, which GigE cameras use for answers and images",
@@ -128,7 +130,7 @@ Lines checkReversePathFilter(const View& view)
         if (interface.reversePathFilter == 1) {
             lines.push_back({view.hidesCameras(), "reverse path filter on " + interface.name,
                              "is strict: answers of cameras outside " + addressesOf(interface) + " are dropped unseen",
-                             "sudo sysctl -w net.ipv4.conf." + interface.name + ".rp_filter=2"});
+                             "sudo sysctl -w net/ipv4/conf/" + interface.name + "/rp_filter=2"});
         }
     }
     if (lines.empty() && !view.networks().empty())
@@ -188,7 +190,7 @@ Lines checkMtu(const View& view)
     std::set<std::string> small; // interfaces of which it has been said
     for (const Camera& camera : view.search.cameras) {
         const Interface* const interface = view.interfaceOf(camera);
-        if (interface == nullptr)
+        if (interface == nullptr || interface->mtu <= 0)
             continue;
         const std::string limit = std::to_string(interface->mtu);
         const std::string larger =
@@ -205,7 +207,7 @@ Lines checkMtu(const View& view)
         } else if (interface->mtu < kJumbo && interface->speed.value_or(0) >= kFast &&
                    small.insert(interface->name).second) {
             lines.push_back({Severity::note, "MTU of " + interface->name,
-                             limit + " means six times as many packets as jumbo frames, and more work for the computer",
+                             limit + " means many more packets than jumbo frames, and more work for the computer",
                              larger});
         }
     }

@@ -107,8 +107,9 @@ Lines checkUsbHolders(const View& view)
             lines.push_back({Severity::wrong, nameOf(device),
                              "another program has it: " + (names.empty() ? "one of another user" : names), cure});
         } else if (!device.driver.empty()) {
-            lines.push_back({Severity::wrong, nameOf(device), "the kernel's driver " + device.driver + " has it",
-                             "sudo modprobe -r " + device.driver + ", then plug the camera in anew"});
+            lines.push_back(
+                {Severity::wrong, nameOf(device), "the kernel's driver " + device.driver + " has it",
+                 "echo " + device.controlInterface + " | sudo tee /sys/bus/usb/drivers/" + device.driver + "/unbind"});
         } else if (device.allowed && view.search.failure.empty() && !isListed(view, device)) {
             lines.push_back({Severity::wrong, nameOf(device), "the camera library does not list it",
                              "ORVO_CAMERA_LOG=debug orvocam-check tells why; another cable or port may help"});

@@ -20,8 +20,8 @@ constexpr std::uint32_t kBuffers = 8;
 struct Tally {
     std::mutex mutex;
     StreamResult result;
-    std::uint64_t firstNumber = 0;
     std::uint64_t lastNumber = 0;
+    std::uint64_t missing = 0; ///< numbers between those of images
 };
 
 void noteImage(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, CAM_IMAGE_INFO* info, std::uint32_t /*buffer*/,
@@ -29,8 +29,9 @@ void noteImage(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, CAM_IMAGE_INFO
 {
     auto& tally = *static_cast<Tally*>(context);
     const std::lock_guard lock(tally.mutex);
-    if (tally.result.images++ == 0)
-        tally.firstNumber = info->frameNumber;
+    // A camera may begin anew, or lie.
+    if (tally.result.images++ > 0 && info->frameNumber > tally.lastNumber)
+        tally.missing += info->frameNumber - tally.lastNumber - 1;
     tally.lastNumber = info->frameNumber;
     tally.result.bytes += info->dataSize;
 }
@@ -43,13 +44,10 @@ void noteError(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, std::uint32_t 
     ++tally.result.incomplete;
 }
 
-/// Numbers that are missing between the first and the last image are those of incomplete images, too.
+/// Incomplete images have numbers, too, that no image has.
 std::uint64_t lostOf(const Tally& tally)
 {
-    if (tally.result.images == 0)
-        return 0;
-    const std::uint64_t numbers = tally.lastNumber - tally.firstNumber + 1;
-    return numbers - std::min(numbers, tally.result.images + tally.result.incomplete);
+    return tally.missing - std::min(tally.missing, tally.result.incomplete);
 }
 
 /// With the callbacks set; they go with the stream.

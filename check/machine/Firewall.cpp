@@ -51,6 +51,12 @@ std::vector<json> valuesOf(const json& right)
     return {right};
 }
 
+/// Its elements stand elsewhere.
+bool isNamedSet(const json& right)
+{
+    return right.is_string() && right.get<std::string>().rfind('@', 0) == 0;
+}
+
 bool namesInterface(const json& pattern, const std::string& interface)
 {
     if (!pattern.is_string())
@@ -81,6 +87,8 @@ Match matchOf(const json& match, const std::string& interface)
     if (!left.is_object())
         return Match::maybe;
     Match result = Match::maybe;
+    if (isNamedSet(right))
+        return result;
     if (left.contains("meta") && left["meta"].is_object()) {
         const std::string key = left["meta"].value("key", "");
         if (key == "iifname" || key == "iif") {
@@ -106,6 +114,10 @@ Match matchOf(const json& match, const std::string& interface)
     return match.value("op", "==") == "!=" ? opposite(result) : result;
 }
 
+// Statements that let a packet go on, and those that do so up to some number or rate.
+const std::set<std::string> kHarmless = {"comment", "counter", "ct helper", "log", "mangle", "notrack", "set"};
+const std::set<std::string> kLimits = {"ct count", "limit", "quota"};
+
 /// The chains of a rule set, and the way of a packet through them.
 class RuleSet {
 public:
@@ -127,7 +139,8 @@ public:
     {
         Passage result;
         for (const auto& [key, chain] : m_chains) {
-            if (chain.head.value("hook", "") != "input" || !concerns(chain.head.value("family", "")))
+            const std::string hook = chain.head.value("hook", "");
+            if ((hook != "input" && hook != "prerouting") || !concerns(chain.head.value("family", "")))
                 continue;
             const auto policy = chain.head.value("policy", "accept") == "drop" ? Passage::dropped : Passage::accepted;
             Passage one = {follow(key, 0).value_or(policy), key};
@@ -172,7 +185,7 @@ private:
                         break;
                     continue;
                 }
-                if (kind == "counter" || kind == "log" || kind == "comment")
+                if (kHarmless.count(kind) != 0)
                     continue;
                 std::optional<Passage::Kind> end;
                 if (kind == "accept") {
@@ -187,11 +200,13 @@ private:
                     end = follow(rule.value("family", "") + " " + rule.value("table", "") + " " +
                                      body.value("target", ""),
                                  depth + 1);
-                    if (kind == "goto" && match == Match::yes && !end)
-                        return {};
-                } else {
+                    if (kind == "goto" && !end)
+                        return match == Match::yes ? end : Passage::unknown;
+                } else if (kLimits.count(kind) != 0) {
                     match = Match::maybe;
                     continue;
+                } else { // it may be a verdict, such as a verdict map or a queue
+                    end = Passage::unknown;
                 }
                 if (end)
                     return match == Match::yes ? *end : Passage::unknown;

@@ -110,6 +110,7 @@ std::optional<std::vector<UsbDevice>> readUsbDevices(const SystemFiles& files)
         device.hasNode = files.exists(device.node);
         device.allowed = files.writable(device.node);
         const std::string driver = files.linkTarget(kDevices + interface + "/driver");
+        device.controlInterface = interface;
         device.driver = driver.substr(driver.rfind('/') + 1);
         if (const auto found = holders.find(device.node); found != holders.end())
             device.holders = found->second;

@@ -23,6 +23,7 @@ struct UsbDevice {
     std::optional<std::int64_t> speed; ///< Mbit/s
     bool hasNode = false;
     bool allowed = false;         ///< this user may read and write the node
+    std::string controlInterface; ///< as the kernel calls it: "2-1:1.0"
     std::string driver;           ///< of its control interface: "usbfs" while a program has it, empty without one
     std::vector<Program> holders; ///< that have the node open, of those that this user may look at
 };

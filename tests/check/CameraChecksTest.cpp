@@ -89,12 +89,13 @@ TEST(CameraChecksTest, AddressOutsideTheNetworkIsWrong)
         EXPECT_THAT(lines, ElementsAre(IsLine(Severity::wrong, "is outside the network of enp3s0", "")));
         return lines.empty() ? std::string() : lines.front().cure;
     };
-    EXPECT_THAT(cureOf(0xa9fe1414, 0xffff0000), HasSubstr("ip address add 169.254.0.1/16 dev enp3s0;"));
-    EXPECT_THAT(cureOf(0xc0a80601, 0xffffff00), HasSubstr("192.168.6.2/24 ")) << "the first is the camera's";
-    EXPECT_THAT(cureOf(0x0a000014, 0xff000000), HasSubstr("10.0.0.1/24 ")) << "not the whole of somebody's network";
-    EXPECT_THAT(cureOf(0x0a000014, 0xff00ff00), HasSubstr("10.0.0.1/24 ")) << "a mask with gaps";
-    EXPECT_THAT(cureOf(0x0a000014, 0xffffffff), HasSubstr("10.0.0.1/24 "));
-    EXPECT_THAT(cureOf(0x0a000014, 0), HasSubstr("10.0.0.1/24 "));
+    EXPECT_THAT(cureOf(0xa9fe1414, 0xffff0000), HasSubstr("ip address add 169.254.1.10/16 dev enp3s0, if nobody has"));
+    EXPECT_THAT(cureOf(0xc0a8060a, 0xffffff00), HasSubstr("192.168.6.11/24 ")) << "the tenth is the camera's";
+    EXPECT_THAT(cureOf(0x08080809, 0xffffff00), Not(HasSubstr("ip address"))) << "a public network";
+    EXPECT_THAT(cureOf(0x0a000014, 0xff000000), HasSubstr("10.0.0.10/24 ")) << "not the whole of somebody's network";
+    EXPECT_THAT(cureOf(0x0a000014, 0xff00ff00), HasSubstr("10.0.0.10/24 ")) << "a mask with gaps";
+    EXPECT_THAT(cureOf(0x0a000014, 0xffffffff), HasSubstr("10.0.0.10/24 "));
+    EXPECT_THAT(cureOf(0x0a000014, 0), HasSubstr("10.0.0.10/24 "));
 }
 
 TEST(CameraChecksTest, AddressThatIsMissingOrTakenIsWrong)
@@ -115,7 +116,7 @@ TEST(CameraChecksTest, ReasonsForNotOpeningHaveTheirCures)
     };
     EXPECT_THAT(checkOpening(viewAfter(CAM_API_STS_BUSY)),
                 line("another program has it (2053 CAM_API_STS_BUSY)", "close"));
-    EXPECT_THAT(checkOpening(viewAfter(CAM_API_STS_CAMERA_NOT_RESPONDING)), line("does not answer", "address"));
+    EXPECT_THAT(checkOpening(viewAfter(CAM_API_STS_CAMERA_NOT_RESPONDING)), line("does not answer", "cable"));
     EXPECT_THAT(checkOpening(viewAfter(CAM_API_STS_XML_LOAD_ERR)), line("cannot be read", "firmware"));
     EXPECT_THAT(checkOpening(viewAfter(CAM_API_STS_UNEXPECTED_BUFFER_SIZE)),
                 line("cannot be opened: 4101 CAM_API_STS_UNEXPECTED_BUFFER_SIZE", "ORVO_CAMERA_LOG"));

@@ -107,6 +107,13 @@ TEST(FirewallTest, FirstRuleThatMatchesDecides)
     EXPECT_EQ(passage(input("accept"), rule(kAccept), rule(kDrop)), Passage::accepted);
 }
 
+TEST(FirewallTest, ChainsBeforeRoutingCount)
+{
+    const std::string early =
+        chain("early", R"(, "type": "filter", "hook": "prerouting", "prio": -300, "policy": "accept")");
+    EXPECT_EQ(passage(input("accept"), early, rule(kDrop, "early")), Passage::dropped);
+}
+
 TEST(FirewallTest, JumpsAreFollowed)
 {
     const auto jump = rule(R"({"jump": {"target": "cameras"}})");
@@ -131,6 +138,12 @@ TEST(FirewallTest, WhatIsNotUnderstoodIsUnknown)
         Passage::unknown);
     EXPECT_EQ(passage(input("drop"), rule(match(payload("udp", "sport"), "3956") + "," + kAccept)), Passage::unknown)
         << "answers come from there, images do not";
+    EXPECT_EQ(passage(input("drop"), rule(match(meta("iifname"), R"("@lan")") + "," + kAccept)), Passage::unknown)
+        << "a named set";
+    EXPECT_EQ(passage(input("drop"), rule(R"({"vmap": {"key": {"meta": {"key": "iifname"}}, "data": "@jumps"}})")),
+              Passage::unknown);
+    const std::string from20 = from + R"(,{"goto": {"target": "cameras"}})";
+    EXPECT_EQ(passage(input("drop"), rule(from20), rule(kAccept), chain("cameras", "")), Passage::unknown);
     EXPECT_EQ(passageOf("", "cam0").kind, Passage::unknown);
     EXPECT_EQ(passageOf(R"({"nftables": [{"chain": {"name": 5}}]})", "cam0").kind, Passage::unknown);
 }

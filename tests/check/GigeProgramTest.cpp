@@ -169,7 +169,7 @@ TEST_F(GigeProgramTest, CameraInAnotherNetworkIsAFinding)
     EXPECT_EQ(found.status, 1) << found.output;
     ASSERT_THAT(found.linesOf("address"), ElementsAre(Says("wrong", "169.254.20.20 is outside the network of lo")));
     EXPECT_THAT(found.linesOf("address")[0]["cure"].get<std::string>(),
-                HasSubstr("sudo ip address add 169.254.0.1/16 dev lo"));
+                HasSubstr("sudo ip address add 169.254.1.10/16 dev lo"));
 }
 
 TEST_F(GigeProgramTest, CameraWithoutAWayBackIsFoundByItsAnswerToAll)

@@ -85,7 +85,7 @@ TEST(NetworkChecksTest, StrictReversePathFilterHidesCameras)
     View view = viewWithoutCameras();
     view.machine.interfaces->front().reversePathFilter = 1;
     const auto line = [](Severity severity) {
-        return IsLine(severity, "enp3s0: is strict", "sysctl -w net.ipv4.conf.enp3s0.rp_filter=2");
+        return IsLine(severity, "enp3s0: is strict", "sysctl -w net/ipv4/conf/enp3s0/rp_filter=2");
     };
     EXPECT_THAT(checkReversePathFilter(view), ElementsAre(line(Severity::wrong)));
     view.machine.interfaces->front().reversePathFilter = 2;

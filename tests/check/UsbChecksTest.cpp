@@ -60,7 +60,10 @@ TEST(UsbChecksTest, ProgramThatHasTheCameraIsNamed)
     EXPECT_THAT(checkUsbHolders(view),
                 ElementsAre(IsLine(Severity::wrong, "grabber (process 42), other (process 43)", "close")));
     device.driver = "uvcvideo";
-    EXPECT_THAT(checkUsbHolders(view), ElementsAre(IsLine(Severity::wrong, "driver uvcvideo has it", "modprobe")));
+    device.controlInterface = "2-1:1.0";
+    EXPECT_THAT(checkUsbHolders(view),
+                ElementsAre(IsLine(Severity::wrong, "driver uvcvideo has it",
+                                   "echo 2-1:1.0 | sudo tee /sys/bus/usb/drivers/uvcvideo/unbind")));
 }
 
 TEST(UsbChecksTest, CameraThatIsNotListedIsWrong)
