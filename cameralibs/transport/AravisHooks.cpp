@@ -79,8 +79,8 @@ void noteReceived(const char* packet, std::size_t size)
     reportAnswer(pending ? Answer::pending : Answer::useful);
 }
 
-/// Aravis reads a whole answer from its buffer, however short the received one is. The rest must not be what the answer
-/// of another camera left there.
+/// Aravis reads a full-sized answer even if a shorter one arrived. Zeros replace what another camera's answer left in the
+/// rest.
 void completeSearchAnswer(char* packet, std::size_t size, std::size_t room)
 {
     const std::size_t whole = std::min(room, kLargestAnswer);
@@ -199,7 +199,7 @@ __attribute__((visibility("default"))) gboolean g_file_get_contents(const gchar*
                                                                     GError** error)
 {
     const std::lock_guard lock(traffic().mutex);
-    // For a second URL that is empty Aravis passes no name; the first one is the reason then.
+    // If the second URL is empty, Aravis passes no name; the first file stays the reason.
     if (name != nullptr)
         traffic().refused = name;
     *contents = nullptr;

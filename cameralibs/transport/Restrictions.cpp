@@ -33,7 +33,7 @@ namespace {
 /// Several times what Aravis, the largest description and a few threads take.
 constexpr rlim_t kAddressSpace = 1UL << 30;
 
-/// The largest total of a stream: the user's buffers have less than 4 GiB, and the spare ones no more.
+/// A stream's user buffers total less than 4 GiB, its spare buffers at most as much again.
 constexpr rlim_t kMaxBuffers = 8UL << 30;
 
 // A sanitizer maps terabytes, and opens files for its reports.

@@ -1,6 +1,6 @@
 // A session of the viewer, run once for every camera call that it makes, with that call failing:
 //
-//     fault_matrix                          of each step one call of each operation, with the statuses in turn
+//     fault_matrix                          one call of each operation per step; the statuses alternate
 //     fault_matrix --all                    every call with every status
 //     fault_matrix OPERATION CALL STATUS    one case; call 0 stands for every call of the operation
 //
@@ -43,13 +43,13 @@ struct Fault {
     [[nodiscard]] QString text() const { return QString("%1 %2 %3").arg(operation.c_str()).arg(call).arg(status); }
 };
 
-/// Operations of other threads than the window's. How often they are called depends on the machine.
+/// Operations that other threads call. How often they are called depends on the machine.
 const std::set<std::string> kOfOtherThreads = {"Sys_WaitForSignal", "Strm_GetCurrentBufferIndex",
                                                "Strm_LockBuffer",   "Strm_UnlockBuffer",
                                                "ConvImage",         "GetCamIndexFromCamHandle"};
 constexpr int kCallsOfOtherThreads = 2; // that fail one by one
 
-// --- The case that is running, for the last words of a crash --------------------------------------------------------
+// --- The case that is running, printed when it crashes --------------------------------------------------------------
 
 std::array<char, 256> runningCase{};
 

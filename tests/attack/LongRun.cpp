@@ -52,7 +52,7 @@ constexpr long kMemoryNoiseKib = 8 * 1024; // the allocator's own ups and downs
     std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): nobody else ends the program
 }
 
-/// The longest time that an event of the window waited since it was asked last.
+/// The longest delay of a window event since the last query.
 class Latency {
 public:
     Latency()
@@ -230,7 +230,7 @@ bool LongRun::run()
     while (!clock.hasExpired(1000LL * m_seconds)) {
         act(second);
         record(second);
-        // Of the seconds that an action took none is made up for.
+        // Seconds that pass during an action are skipped.
         second = std::max(second + 1, static_cast<int>(clock.elapsed() / 1000));
         while (clock.elapsed() < 1000LL * second)
             QTest::qWait(static_cast<int>(1000LL * second - clock.elapsed()));

@@ -57,14 +57,14 @@ constexpr int kQuickActions = 2000;
 constexpr int kSessionActions = 250; // on average, until a new window takes over
 constexpr int kTooManyLogLines = 300;
 
-// What one window may need in addition to what the program holds without one.
+// What a window may hold beyond what the program holds without one.
 constexpr int kMostThreads = 8;
 constexpr int kMostDescriptors = 24;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr double kLongestStallMs = 0; // not measured
 #else
-constexpr double kLongestStallMs = 200; // of processor time, in the long form: other programs add to it by the caches
+constexpr double kLongestStallMs = 200; // processor time; long form only, because cache contention adds to it
 #endif
 
 constexpr int kFound = 3; // exit status of a process that found something

@@ -1,4 +1,4 @@
-// Everything that ends a stream, while everything that a stream causes is under way:
+// Ends a stream in every way while its images, errors and conversions are in progress:
 //
 //     shutdown_races [--rounds N] [--race NAME]
 //
@@ -214,7 +214,7 @@ void Races::leave()
 void Races::openNext()
 {
     begin();
-    // The removal is noticed by the display thread and still queued when the user closes the camera, or not yet.
+    // The user closes the camera before or after the display thread notices the removal, which is still queued.
     scripted::unplug();
     sleepUs(draw(6000));
     static_cast<void>(m_session->trigger("actionClose"));

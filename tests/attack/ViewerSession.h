@@ -20,8 +20,8 @@ class QWidget;
 /// The nodes of a small camera with one feature of each type and editor.
 [[nodiscard]] std::vector<scripted::NodeSpec> smallCamera();
 
-/// The window with the scripted camera, operated the way a user does it. Every operation returns at once; where a fault
-/// has taken away what it needs, it does nothing and says so by its result.
+/// The window with the scripted camera, operated the way a user does it. Operations return at once; they do nothing and
+/// return false or null if a fault prevents them.
 class ViewerSession {
 public:
     ViewerSession();
@@ -54,7 +54,8 @@ private:
     std::uint64_t m_frame = 0;
 };
 
-/// The program of an attack: without the complaints of the platform that draws nothing, and open when a window closes.
+/// The application object of an attack: suppresses warnings of the offscreen platform and keeps running when a window
+/// closes.
 class AttackApplication : public QApplication {
 public:
     AttackApplication(int& argc, char** argv);

@@ -19,7 +19,7 @@ constexpr int kOpened = 3;
 constexpr int kAcquiring = 5;
 constexpr int kParameters = 3; // width, height, pixel format
 
-constexpr const char* kGenICamError = "Scripted GenICam error"; // what the scripted camera says of any
+constexpr const char* kGenICamError = "Scripted GenICam error"; // the description of every scripted error
 
 /// The operations whose failure the window reports, and the title of the line. All others fail in silence.
 constexpr std::pair<std::string_view, const char*> kTitles[] = {

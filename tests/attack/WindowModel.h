@@ -28,7 +28,7 @@ public:
 
     /// 1 idle, 3 opened, 5 acquiring; 0 while the library could not be initialised.
     [[nodiscard]] int state() const { return m_state; }
-    /// A line of a callback, which the window writes once for each time that the discovery dialog was opened.
+    /// Expects a callback's line, once per opening of the discovery dialog so far.
     void expectCallbackLine(const QString& line);
     /// The display thread will notice that the camera is gone. Failures while it is closed are not logged.
     void expectRemoval();

@@ -275,7 +275,7 @@ bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
         case Received::closed:
             return endNow({});
         case Received::malformed:
-            return endNow("It sends what is no packet");
+            return endNow("The transport sent a malformed packet");
         }
         if (const auto progress = m_reply.body<Progress>(Kind::progress)) {
             if (progress->answer == Answer::useful)
@@ -289,7 +289,7 @@ bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
             case ReplyKind::more:
                 break;
             case ReplyKind::invalid:
-                return endNow("It gives an answer that does not belong to the request");
+                return endNow("The transport sent a reply that does not match the request");
             }
         }
         // If packets arrive without a pause, receive() never reports a timeout.
@@ -356,7 +356,7 @@ void Connection::watchUntilGone(Packet& packet)
         } else if (watched[3].revents != 0) {
             break; // a forked process may keep the channels open
         } else if (Clock::now() >= silentUntil) {
-            endNow("It gives no sign of life");
+            endNow("The transport shows no sign of life");
             break;
         }
     }
@@ -374,7 +374,8 @@ bool Connection::readEvent(Packet& packet)
     return false;
 }
 
-/// Reads a limited part of its standard error, so that a flood of lines delays nothing else. False if nothing is left.
+/// Reads a limited part of the transport's standard error, so that a flood of lines delays nothing else. False if
+/// nothing is left.
 bool Connection::readErrors()
 {
     std::array<char, 4096> bytes{};
@@ -425,7 +426,7 @@ void Connection::reportLoss() noexcept
         }
         const std::lock_guard lock(m_mutex);
         if (m_reason.empty())
-            m_reason = "Its process " + (end.empty() ? "is gone" : end);
+            m_reason = "The transport process " + (end.empty() ? "is gone" : end);
         reason = m_reason;
     } catch (const std::bad_alloc&) {
         // The loss is reported without a reason.

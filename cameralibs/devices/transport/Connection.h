@@ -59,7 +59,7 @@ public:
         if (gone())
             return false;
         if (!m_control.send(kind, body, data, descriptor))
-            return endNow("It takes no requests");
+            return endNow("The transport accepts no requests");
         return awaitReplies(limits, handler);
     }
 
@@ -85,7 +85,7 @@ public:
     /// Limits every wait for the transport to `time`.
     void endBy(transport::Clock::time_point time);
 
-    /// The same until relax(). Meanwhile pending acknowledgements do not extend the time limits.
+    /// Like endBy(), but only until relax(). Meanwhile pending acknowledgements do not extend the time limits.
     void hurry(transport::Clock::time_point end);
     void relax();
 

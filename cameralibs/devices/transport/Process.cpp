@@ -41,7 +41,7 @@ std::string reasonOf(int error)
     return std::system_category().message(error);
 }
 
-// In some versions of the C library the header for it lacks C linkage for C++.
+// sys/pidfd.h lacks C linkage in some versions of the C library.
 int openProcess(pid_t pid)
 {
     return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
@@ -118,8 +118,8 @@ std::vector<char*> environmentPassedOn()
     return passedOn;
 }
 
-/// Waits for the end of the process (-1: without limit) and reaps it. Empty if it still runs. The result is zero if
-/// SIGCHLD is ignored or the program has already waited for all its children.
+/// Waits for the end of the process (-1: without limit) and reaps it. Empty if it still runs. The result has only zeros
+/// if SIGCHLD is ignored or the program has already waited for all its children.
 std::optional<siginfo_t> waitFor(const Descriptor& process, int milliseconds)
 {
     pollfd end{process.get(), POLLIN, 0};

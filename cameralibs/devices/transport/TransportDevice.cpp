@@ -122,7 +122,7 @@ gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, Buffer* b
     });
 }
 
-// GigE Vision has them big-endian. What reaches a camera through a description goes through the two above.
+// Values are big-endian, as in GigE Vision. Node maps do not use these two; they access memory.
 gboolean readRegister(ArvDevice* device, guint64 address, guint32* value, GError** error)
 {
     return readMemory(device, address, sizeof *value, value, error);

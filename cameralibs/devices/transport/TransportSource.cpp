@@ -82,7 +82,7 @@ void TransportSource::run()
 {
     while (m_channel.receive(m_packet, Clock::time_point::max()) == Received::packet) {
         if (!handle(m_packet)) {
-            m_connection->endNow("It fills buffers that were not lent to it");
+            m_connection->endNow("The transport filled a buffer that was not lent to it");
             return;
         }
     }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint64_t kPollMicroseconds = 50'000;
 
-/// The wait for an image while the stream is short of buffers, so that the next free one is soon passed on.
+/// With this few buffers in the stream, the wait for an image is short, so that a free buffer is passed on soon.
 constexpr std::size_t kFewBuffers = 2;
 constexpr std::uint64_t kShortPollMicroseconds = 1'000;
 

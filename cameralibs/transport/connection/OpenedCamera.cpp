@@ -41,8 +41,8 @@ OpenedCamera::Access accessOf(bool done, const GErrorPointer& error)
 }
 
 /// Aravis reports the same error for a USB3 Vision camera that is claimed by another program and for one that answers
-/// incorrectly. If the limits of a camera leave no room for data, or its description exceeds the memory, the process
-/// ends inside Aravis, which divides by the former and allocates the latter.
+/// incorrectly. Aravis divides by the space for data and allocates the description's size unchecked; impossible values
+/// end the process.
 Outcome outcomeOfUsb(Outcome outcome)
 {
     if (outcome.status != CAM_API_STS_BUSY)

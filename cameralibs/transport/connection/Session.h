@@ -8,7 +8,7 @@
 
 namespace cameralibs::transport {
 
-/// Serves the library's requests, one at a time, until it closes the control channel or exits.
+/// Serves the library's requests, one at a time, until the library closes the control channel or exits.
 class Session {
 public:
     Session(Descriptor control, Descriptor events);

@@ -38,7 +38,7 @@ void enlargeSocketBuffer(ArvGvStream* stream)
 {
     const int socket = socketAt(arv_gv_stream_get_port(stream));
     if (::setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &kSocketBufferSize, sizeof kSocketBufferSize) != 0)
-        note(Severity::info, "the first image of the stream may be incomplete: its socket buffer is not enlarged yet");
+        note(Severity::info, "The first image of the stream may be incomplete: its socket buffer is not enlarged yet");
 }
 
 /// None of this is essential for a stream, so failures are only logged.
@@ -49,12 +49,12 @@ void prepareDevice(ArvGvDevice* device)
     GErrorPointer error;
     arv_gv_device_auto_packet_size(device, error.out());
     if (error)
-        note(Severity::warning, std::string("packet size not negotiated: ") + error->message);
+        note(Severity::warning, std::string("Packet size not negotiated: ") + error->message);
     if (!logs(Severity::info))
         return;
     const guint size = arv_gv_device_get_packet_size(device, error.out());
     if (!error)
-        note(Severity::info, "packet size: " + std::to_string(size) + " bytes");
+        note(Severity::info, "Packet size: " + std::to_string(size) + " bytes");
 }
 
 void prepareStream(ArvGvDevice* device, ArvGvStream* stream)
@@ -95,7 +95,8 @@ GigeReception::~GigeReception()
     arv_stream_start_thread(m_stream.get());
 }
 
-// A camera may restart its block ids at 1. Only a new thread does not take them for late frames of the last start.
+// A camera may restart its block ids at 1. Aravis' stream thread would take them for late frames, so each start has a
+// new thread.
 Outcome GigeReception::begin()
 {
     (void)stopThread();
@@ -127,9 +128,9 @@ void GigeReception::noteLosses()
     arv_gv_stream_get_statistics(ARV_GV_STREAM(m_stream.get()), &resent, &missing);
     const std::uint64_t newlyResent = resent - std::exchange(m_resent, resent);
     const std::uint64_t newlyMissing = missing - std::exchange(m_missing, missing);
-    note(newlyMissing != 0 ? Severity::warning : Severity::info, "packets: " + std::to_string(newlyMissing) +
-                                                                     " at most are missing in incomplete images, " +
-                                                                     std::to_string(newlyResent) + " were sent again");
+    note(newlyMissing != 0 ? Severity::warning : Severity::info,
+         "At most " + std::to_string(newlyMissing) + " packets are missing in incomplete images; " +
+             std::to_string(newlyResent) + " were resent");
 }
 
 } // namespace cameralibs::transport

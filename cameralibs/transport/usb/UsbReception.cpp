@@ -11,8 +11,8 @@ using namespace Orvo;
 
 namespace {
 
-// Registers of USB3 Vision: the address of the technology's registers, the offset in those of the address of the
-// stream's registers, and offsets in the latter.
+// Registers of USB3 Vision. kTechnologyAddress holds the address of the technology registers; kStreamAddress, relative
+// to those, that of the stream registers. The others are offsets into the latter.
 constexpr std::uint64_t kTechnologyAddress = 0x01d8;
 constexpr std::uint64_t kStreamAddress = 0x0020;
 constexpr std::uint64_t kStreamInfo = 0x0000;
@@ -27,7 +27,7 @@ constexpr unsigned kAlignmentShift = 24;
 constexpr std::uint32_t kLargestAlignment = 20;
 constexpr std::uint32_t kLargestTransfer = 1U << kLargestAlignment;
 
-/// What a trailer says of an image which the camera has not sent whole.
+/// Trailer status of an image that the camera did not send completely.
 constexpr std::uint16_t kDataDiscarded = 0xa100;
 
 template <typename Number> Outcome read(ArvDevice* device, std::uint64_t address, Number& number)
@@ -103,7 +103,7 @@ CAM_API_STATUS UsbReception::check(std::uint64_t blockId, std::size_t size) cons
         return CAM_API_STS_SUCCESS;
     if (trailer->status != 0)
         return trailer->status == kDataDiscarded ? CAM_API_STS_DATA_DISCARDED : CAM_API_STS_PACKET_STATUS_ERROR;
-    // What has no room in the buffer is lost without a word.
+    // Data that does not fit into the buffer is dropped silently.
     return trailer->size > size ? CAM_API_STS_UNEXPECTED_BUFFER_SIZE : CAM_API_STS_SUCCESS;
 }
 

@@ -16,7 +16,7 @@ public:
     /// Also disables streaming in the camera; gives up after some attempts if it does not answer.
     void end() override;
 
-    /// By what the camera says of it in its trailer.
+    /// Checks status and size in the image's trailer.
     [[nodiscard]] Orvo::CAM_API_STATUS check(std::uint64_t blockId, std::size_t size) const override;
 
 private:

@@ -45,13 +45,13 @@ constexpr std::size_t kSentOffset = 20;
 /// Larger ones are part of an image that happens to begin with the key.
 constexpr std::size_t kLargestTrailer = 1024;
 
-/// Aravis repeats at once what fails.
+/// Pause after a failed transfer; Aravis retries without one.
 constexpr std::chrono::milliseconds kPause{1};
 
 struct Traffic {
-    std::atomic<unsigned char> controlEndpoint{0}; ///< that answers come from; 0 before the first command
-    std::atomic<std::uint16_t> lastId{0};          ///< of the last command
-    std::atomic<bool> answered{false};             ///< that one
+    std::atomic<unsigned char> controlEndpoint{0}; ///< endpoint of the answers; 0 before the first command
+    std::atomic<std::uint16_t> lastId{0};          ///< id of the last command
+    std::atomic<bool> answered{false};             ///< the last command was answered
     std::atomic<bool> claimRefused{false};
 
     struct Trailer {
@@ -60,7 +60,7 @@ struct Traffic {
     };
     std::mutex mutex; ///< guards what follows
     std::array<Trailer, 64> trailers{};
-    std::size_t trailerCount = 0; ///< of all, of which the array has the last ones
+    std::size_t trailerCount = 0; ///< trailers noted in total; the array keeps the latest
 };
 
 Traffic& usbTraffic()
@@ -91,7 +91,7 @@ void noteCommand(unsigned char endpoint, const unsigned char* packet, std::size_
     usbTraffic().answered = false;
 }
 
-/// False for one that misses a part: Aravis would take what is in its memory behind it for the camera's.
+/// False if the answer is truncated: Aravis would take stale memory behind it for the camera's data.
 bool noteAnswer(const unsigned char* packet, std::size_t size, std::size_t room)
 {
     if (size < kHeaderSize)
@@ -125,7 +125,7 @@ template <class Function> Function* original(const char* name)
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-// Before there are threads.
+// Looked up before any thread starts.
 using Transfer = int(void*, unsigned char, unsigned char*, int, int*, unsigned);
 using ClearHalt = int(void*, unsigned char);
 using Claim = int(void*, int);

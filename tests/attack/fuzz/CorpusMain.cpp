@@ -1,4 +1,4 @@
-// Runs a fuzz target over the files and folders that are named, where no fuzzer is linked. An input may take 2 s of
+// Runs a fuzz target without a fuzzer, over the given files and folders. An input may take 2 s of
 // processor time and all of them 256 MiB.
 
 #include <algorithm>

@@ -41,7 +41,7 @@ private:
     std::string_view m_rest;
 };
 
-/// Ends the program, which a fuzzer takes for a find, unless `holds`.
+/// Aborts unless `holds`; a fuzzer records that as a finding.
 inline void require(bool holds, const char* what)
 {
     if (holds)

@@ -60,7 +60,7 @@ const std::string& xml()
     return text;
 }
 
-/// As the interface's barrier does it: nothing but a Failure may come.
+/// Like the interface's barrier: only Failure may be thrown.
 template <class Operation> void attempt(Operation&& operation)
 {
     EvaluationBudget budget(std::chrono::milliseconds(50));

@@ -64,7 +64,7 @@ public:
     void play()
     {
         for (int step = 0; step < kMaxSteps; ++step) {
-            const std::lock_guard lock(s_mutex); // which also makes the order that of the input
+            const std::lock_guard lock(s_mutex); // also keeps the order of the input
             if (s_input->empty() || !act())
                 return;
         }
@@ -132,7 +132,7 @@ private:
             if (const auto buffer = m_packet.body<Free>(Kind::free))
                 m_lent = *buffer;
         }
-        // Mostly one that is lent, else one that is not, or not any more.
+        // Usually a lent buffer, otherwise any other.
         const std::uint8_t how = s_input->byte();
         Image image{m_lent.offset, m_lent.capacity, ++m_blockId, 1};
         if (how > 0xE0) {
@@ -150,7 +150,7 @@ private:
         const std::string_view bytes = s_input->bytes(s_input->byte());
         std::string packet(bytes);
         if (which < 0xE0) {
-            // With a header that fits, and a body of the length of most.
+            // A consistent header, and a body of the most common size.
             Header header{kKinds[which % std::size(kKinds)], 0};
             packet.resize(std::max<std::size_t>(packet.size(), 8));
             header.dataSize = static_cast<std::uint32_t>(packet.size() - 8);
@@ -177,7 +177,7 @@ std::atomic<std::uint64_t> s_seen{0};
 void onImage(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, CAM_IMAGE_INFO* info, std::uint32_t /*index*/,
              void* /*context*/)
 {
-    // Every byte that was told has to be there.
+    // Every announced byte must be readable.
     const auto* const bytes = static_cast<const std::uint8_t*>(info->data);
     std::uint64_t sum = 0;
     for (std::uint64_t i = 0; i < info->dataSize; ++i)

@@ -151,7 +151,7 @@ TEST_F(GigeStreamLogTest, LogContainsPacketSizeAndLosses)
     // Lines of the transport come on a thread of their own; closing waits for the last of them.
     ASSERT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
     readLog();
-    EXPECT_THAT(m_log, ::testing::HasSubstr("info: Fake GV01: packet size: 1400 bytes"));
-    EXPECT_THAT(m_log, ::testing::ContainsRegex("warning: Fake GV01: packets: [1-9][0-9]* at most are missing"));
+    EXPECT_THAT(m_log, ::testing::HasSubstr("info: Fake GV01: Packet size: 1400 bytes"));
+    EXPECT_THAT(m_log, ::testing::ContainsRegex("warning: Fake GV01: At most [1-9][0-9]* packets are missing"));
     EXPECT_THAT(m_log, ::testing::ContainsRegex("warning: Fake GV01: stream stopped; .* [1-9][0-9]* failed"));
 }

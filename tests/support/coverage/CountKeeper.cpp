@@ -1,5 +1,5 @@
 // Linked into programs that may not write files, or that are killed: the transport, and the test of its restrictions.
-// gcov writes its counters when a program exits. Here they lie in memory that is shared with a process of its own,
+// gcov writes its counters when a program exits. Here they are in memory that is shared with a process of its own,
 // which writes them once the program has ended, however that happened. Forked children count in the same memory.
 
 #include <cstdlib>
@@ -30,7 +30,7 @@ void shareCounters()
     std::memcpy(counters, counted.get(), size);
 }
 
-/// Takes the place of gcov's own writing at the exit, which would count twice.
+/// Replaces gcov's writing at exit, which would count everything twice.
 void exitWithoutWriting(int status, void* /*unused*/)
 {
     ::_exit(status);
