@@ -43,7 +43,7 @@ struct Row {
     bool mayLose;
 };
 
-/// The second row has the data rate of 20 images of 20 million pixels per second: more than sender and receiver
+/// The second row has the data rate of 20 Mono8 images of 20 million pixels per second: more than sender and receiver
 /// together can process on two cores without losses.
 constexpr Row kRows[] = {{640, 200, "Mono8", 1000, 950, false}, {2048, 2048, "RGB8", 32, 27, true}};
 

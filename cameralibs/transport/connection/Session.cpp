@@ -73,6 +73,8 @@ bool Session::answer(Packet& packet)
 {
     if (const auto hello = packet.body<Hello>(Kind::hello))
         return answerHello(*hello);
+    if (!m_greeted)
+        return false;
     if (const auto kinds = packet.body<Enumerate>(Kind::enumerate))
         return listCamerasFor(*kinds);
     if (const auto open = packet.body<Open>(Kind::open); open && !m_camera.isOpen())
@@ -105,7 +107,9 @@ bool Session::answerHello(const Hello& hello)
     setLogLevel(kLogLevels[std::min<std::size_t>(hello.log, kLogLevels.size() - 1)]);
     Hello own{};
     setText(own.build, ORVO_TRANSPORT_BUILD);
-    return reply(Kind::hello, own, {});
+    m_greeted = textOf(hello.build) == ORVO_TRANSPORT_BUILD;
+    // A library of another build learns this build too, so that it can report the difference.
+    return reply(Kind::hello, own, {}) && m_greeted;
 }
 
 bool Session::listCamerasFor(const Enumerate& kinds)

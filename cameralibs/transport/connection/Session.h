@@ -29,6 +29,7 @@ private:
     void reportProgress(Answer answer);
     template <class Body> [[nodiscard]] bool reply(Kind kind, const Body& body, std::string_view data);
 
+    bool m_greeted = false; ///< by a library of the same build
     Channel m_control;
     Channel m_events;
     std::mutex m_mutex;   ///< guards sending replies and the two members below

@@ -5,8 +5,9 @@
 
 namespace cameralibs::transport {
 
-/// Follows the transfers between Aravis and a USB3 Vision camera by replacing functions of libusb. It also clears halted
-/// endpoints and rejects truncated answers, which Aravis does not. Checked against Aravis 0.8.26 and libusb 1.0.26.
+/// Follows the transfers between Aravis and a USB3 Vision camera by replacing functions of libusb. It also clears
+/// halted endpoints and rejects truncated answers, which Aravis does not. Checked against Aravis 0.8.26 and
+/// libusb 1.0.26.
 
 /// What Aravis ignores in the trailer of an image.
 struct UsbTrailer {

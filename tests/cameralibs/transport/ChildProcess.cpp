@@ -50,6 +50,10 @@ std::string ChildProcess::readLine()
 void ChildProcess::stop() const
 {
     ::kill(m_pid, SIGSTOP);
+    // It may run on for a moment after the signal has been sent.
+    siginfo_t state{};
+    EXPECT_EQ(::waitid(P_PID, static_cast<id_t>(m_pid), &state, WSTOPPED), 0);
+    EXPECT_EQ(state.si_code, CLD_STOPPED);
 }
 
 void ChildProcess::resume() const

@@ -19,7 +19,7 @@ public:
     /// Ends it at once, as a pulled cable ends a camera.
     void kill();
 
-    /// Lets it hang, as firmware does, and go on.
+    /// Lets it hang, as firmware does, and go on. It no longer runs when stop() returns.
     void stop() const;
     void resume() const;
 

@@ -49,7 +49,15 @@ protected:
     TransportRequestsTest(const TransportRequestsTest&) = delete;
     TransportRequestsTest& operator=(const TransportRequestsTest&) = delete;
 
+    /// Starts another transport and greets it as the library does.
     void begin()
+    {
+        start();
+        ASSERT_TRUE(m_control.send(Kind::hello, helloOf(ORVO_TRANSPORT_BUILD)));
+        ASSERT_NE(reply(Kind::hello), nullptr);
+    }
+
+    void start()
     {
         end();
         std::array<int, 2> control = {-1, -1};
@@ -70,6 +78,13 @@ protected:
         m_events = Channel(Descriptor(events[0]));
         ::close(control[1]);
         ::close(events[1]);
+    }
+
+    [[nodiscard]] static Hello helloOf(const char* build)
+    {
+        Hello hello{};
+        setText(hello.build, build);
+        return hello;
     }
 
     /// Ends it where it has not ended by itself.
@@ -162,6 +177,34 @@ TEST_F(TransportRequestsTest, EndsOnInvalidRequests)
     for (const auto& request : requests) {
         begin();
         request();
+        EXPECT_TRUE(ends()) << &request - requests;
+    }
+}
+
+TEST_F(TransportRequestsTest, EndsAfterTellingItsBuildToALibraryOfAnother)
+{
+    start();
+    ASSERT_TRUE(m_control.send(Kind::hello, helloOf("0.0.0")));
+    const Packet* const packet = reply(Kind::hello);
+    ASSERT_NE(packet, nullptr);
+    const auto theirs = packet->body<Hello>(Kind::hello);
+    ASSERT_TRUE(theirs);
+    EXPECT_EQ(textOf(theirs->build), ORVO_TRANSPORT_BUILD);
+    EXPECT_TRUE(ends());
+}
+
+TEST_F(TransportRequestsTest, EndsOnRequestsBeforeAHello)
+{
+    const std::function<bool()> requests[] = {
+        [this] {
+            return m_control.send(Kind::enumerate, Enumerate{0, 0});
+        },
+        [this] { return m_control.send(Kind::open, m_open); },
+    };
+    for (const auto& request : requests) {
+        start();
+        ASSERT_TRUE(request());
+        EXPECT_EQ(status(), std::nullopt) << &request - requests;
         EXPECT_TRUE(ends()) << &request - requests;
     }
 }

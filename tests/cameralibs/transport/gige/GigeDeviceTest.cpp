@@ -90,6 +90,9 @@ TEST_F(GigeDeviceTest, LocalFilesAreNotReadAsDescriptions)
     for (const std::string scheme : {"File:", "file:", "File://"}) {
         ASSERT_NO_FATAL_FAILURE(list({"--url", scheme + GIGE_CAMERA_DESCRIPTION}));
         EXPECT_EQ(tryToOpen(), CAM_API_STS_XML_LOAD_ERR) << scheme;
+        const char* text = nullptr;
+        EXPECT_EQ(Misc_GetLastGenICamError(&text), CAM_API_STS_SUCCESS);
+        EXPECT_THAT(text, ::testing::HasSubstr("refers to a local file")) << scheme;
     }
 }
 
