@@ -79,8 +79,8 @@ void noteReceived(const char* packet, std::size_t size)
     reportAnswer(pending ? Answer::pending : Answer::useful);
 }
 
-/// Aravis reads a full-sized answer even if a shorter one arrived. Zeros replace what another camera's answer left in the
-/// rest.
+/// Aravis reads a full-sized answer even if a shorter one arrived. Zeros replace what another camera's answer left in
+/// the rest.
 void completeSearchAnswer(char* packet, std::size_t size, std::size_t room)
 {
     const std::size_t whole = std::min(room, kLargestAnswer);

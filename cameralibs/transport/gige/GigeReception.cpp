@@ -128,9 +128,9 @@ void GigeReception::noteLosses()
     arv_gv_stream_get_statistics(ARV_GV_STREAM(m_stream.get()), &resent, &missing);
     const std::uint64_t newlyResent = resent - std::exchange(m_resent, resent);
     const std::uint64_t newlyMissing = missing - std::exchange(m_missing, missing);
-    note(newlyMissing != 0 ? Severity::warning : Severity::info,
-         "At most " + std::to_string(newlyMissing) + " packets are missing in incomplete images; " +
-             std::to_string(newlyResent) + " were resent");
+    note(newlyMissing != 0 ? Severity::warning : Severity::info, "At most " + std::to_string(newlyMissing) +
+                                                                     " packets are missing in incomplete images; " +
+                                                                     std::to_string(newlyResent) + " were resent");
 }
 
 } // namespace cameralibs::transport
