@@ -46,7 +46,15 @@ Callback viewerCallback;
 std::atomic<std::uint64_t> lastFrame{0};
 std::atomic<std::uint64_t> lostImages{0};
 std::vector<double> callbackMicroseconds; // processor time of the camera's thread
-std::vector<double> lookUpMicroseconds;   // of these, the call into the library
+
+// The callback's call into the library, and for comparison the simplest call there is, which only returns a text of the
+// thread. Images evict their code and data from the caches, so the first call after an image waits for the memory.
+struct LookUps {
+    std::vector<double> first;
+    std::vector<double> again;
+    std::vector<double> simplestFirst;
+};
+LookUps lookUps;
 
 double microsecondsSince(std::chrono::steady_clock::time_point begin)
 {
@@ -72,10 +80,20 @@ extern "C" Orvo::CAM_API_STATUS GetCamIndexFromCamHandle(Orvo::CAM_HANDLE camera
 {
     static const auto next =
         reinterpret_cast<decltype(&Orvo::GetCamIndexFromCamHandle)>(dlsym(RTLD_NEXT, "GetCamIndexFromCamHandle"));
-    const auto begin = std::chrono::steady_clock::now();
-    const Orvo::CAM_API_STATUS status = next(camera, index);
-    lookUpMicroseconds.push_back(microsecondsSince(begin));
-    return status;
+    const auto timed = [](std::vector<double>& microseconds, const auto& call) {
+        const auto begin = std::chrono::steady_clock::now();
+        const Orvo::CAM_API_STATUS status = call();
+        microseconds.push_back(microsecondsSince(begin));
+        return status;
+    };
+    // Alternates, because either call would load what the other one needs.
+    if (lookUps.first.size() > lookUps.simplestFirst.size()) {
+        const char* text = nullptr;
+        (void)timed(lookUps.simplestFirst, [&] { return Orvo::Misc_GetLastGenICamError(&text); });
+        return next(camera, index);
+    }
+    (void)timed(lookUps.first, [&] { return next(camera, index); });
+    return timed(lookUps.again, [&] { return next(camera, index); });
 }
 
 extern "C" Orvo::CAM_API_STATUS Strm_SetCallbackImageAcquired(Orvo::CAM_STRM_HANDLE stream, void* context,
@@ -86,7 +104,7 @@ extern "C" Orvo::CAM_API_STATUS Strm_SetCallbackImageAcquired(Orvo::CAM_STRM_HAN
     viewerCallback = {context, callback};
     lastFrame = 0;
     callbackMicroseconds.clear();
-    lookUpMicroseconds.clear();
+    lookUps = {};
     return next(stream, nullptr, &countLost);
 }
 
@@ -270,9 +288,15 @@ void drive(WindowDriver& driver, const ShownImages& images, const Road& road)
         rest.push_back(best.core[i] - best.gui[i] - best.display[i]);
     report::print(name("of it the simulated camera"), report::figureOf(rest), "%");
     report::print(name("page faults for an image"), report::figureOf(best.faults), "", report::atMost(0.05));
-    report::print(name("the image callback's call into the library"), report::figureOf(lookUpMicroseconds), "us",
-                  report::atMost(1));
-    report::print(name("the whole image callback"), report::figureOf(callbackMicroseconds), "us");
+    report::print(name("the image callback's call into the library, repeated at once"),
+                  report::figureOf(lookUps.again), "us", report::atMost(1));
+    const report::Figure first = report::figureOf(lookUps.first);
+    const report::Figure simplest = report::figureOf(lookUps.simplestFirst);
+    report::print(name("that call after an image"), first, "us");
+    report::print(name("the simplest call after an image"), simplest, "us");
+    report::print(name("that call / the simplest call"), report::single(first.median / simplest.median), "",
+                  report::atMost(5));
+    report::print(name("the whole image callback, with these calls"), report::figureOf(callbackMicroseconds), "us");
     report::print(name("ConvImage by itself"), conversionMs(road), "ms");
     report::print(name("what other programs had of a core meanwhile"), report::single(100 * best.others), "%");
     report::setMachineBusy(false);

@@ -32,6 +32,18 @@ Camera::~Camera()
     release();
 }
 
+void Camera::setRecord(const CAM_INFO& record)
+{
+    const std::lock_guard lock(m_recordMutex);
+    m_record = record;
+}
+
+void Camera::copyRecord(CAM_INFO& record) const
+{
+    const std::lock_guard lock(m_recordMutex);
+    record = m_record;
+}
+
 NodeId Camera::nodeOf(CAM_NODE_HANDLE node) const
 {
     // For a handle below the first one the subtraction wraps round to a large number, which fails the check.

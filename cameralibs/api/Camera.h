@@ -52,6 +52,11 @@ public:
     [[nodiscard]] Orvo::CAM_HANDLE handle() const noexcept { return m_handle; }
     [[nodiscard]] std::uint32_t indexWhenOpened() const noexcept { return m_index; }
     [[nodiscard]] const DeviceInfo& info() const noexcept { return m_info; }
+
+    /// The record that Cam_GetInformation gives. Kept ready, because image callbacks ask for it.
+    void setRecord(const Orvo::CAM_INFO& record);
+    void copyRecord(Orvo::CAM_INFO& record) const;
+
     [[nodiscard]] const std::string& name() const noexcept { return m_name; } ///< for the diagnostic log
     [[nodiscard]] const Description& description() const noexcept { return *m_description; }
 
@@ -135,6 +140,9 @@ private:
     const std::shared_ptr<const Description> m_description;
     const Orvo::CAM_NODE_HANDLE m_firstNode;
     std::atomic<bool> m_released{false};
+
+    mutable std::mutex m_recordMutex;
+    Orvo::CAM_INFO m_record{};
 
     std::mutex m_mutex; ///< guards the three members below
     std::unique_ptr<Device> m_device;

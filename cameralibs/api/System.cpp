@@ -1,5 +1,6 @@
 #include "cameralibs/api/System.h"
 
+#include "cameralibs/base/AsciiField.h"
 #include "cameralibs/base/Log.h"
 #include "cameralibs/base/Outcome.h"
 #include "cameralibs/devices/Device.h"
@@ -133,34 +134,56 @@ std::uint32_t System::enumerate()
             text += std::string("; ") + entry.info.logName() + " (" + nameOf(entry.info.link) + ")";
         return text;
     });
-    const std::lock_guard lock(m_listMutex);
-    m_list = std::move(found);
-    // A name found by the enumeration is newer than one read while the camera was open.
-    for (const Listed& entry : m_list) {
-        if (!entry.info.userName.empty())
-            m_userNames.erase({entry.info.link, entry.info.id});
+    const auto count = static_cast<std::uint32_t>(found.size());
+    {
+        const std::lock_guard lock(m_listMutex);
+        m_list = std::move(found);
+        // A name found by the enumeration is newer than one read while the camera was open.
+        for (const Listed& entry : m_list) {
+            if (!entry.info.userName.empty())
+                m_userNames.erase({entry.info.link, entry.info.id});
+        }
     }
-    return static_cast<std::uint32_t>(m_list.size());
+    for (const auto& camera : m_cameras.all())
+        updateRecord(*camera);
+    return count;
 }
 
-DeviceInfo System::listedCamera(std::uint32_t index) const
+CAM_INFO System::record(std::uint32_t index) const
 {
-    DeviceInfo info = listed(index).info;
-    const std::lock_guard lock(m_listMutex);
-    if (const auto name = m_userNames.find({info.link, info.id}); name != m_userNames.end())
-        info.userName = name->second;
-    return info;
+    return record(listed(index).info, index);
 }
 
-System::Listing System::listingOf(const Camera& camera) const
+CAM_INFO System::record(const DeviceInfo& info, std::uint32_t index) const
 {
-    const DeviceInfo& info = camera.info();
-    const std::lock_guard lock(m_listMutex);
-    const auto entry =
-        std::find_if(m_list.begin(), m_list.end(), [&](const Listed& listed) { return sameDevice(listed.info, info); });
-    const auto name = m_userNames.find({info.link, info.id});
-    return {entry == m_list.end() ? camera.indexWhenOpened() : static_cast<std::uint32_t>(entry - m_list.begin()),
-            name == m_userNames.end() ? info.userName : name->second};
+    std::string userName = info.userName;
+    {
+        const std::lock_guard lock(m_listMutex);
+        if (const auto name = m_userNames.find({info.link, info.id}); name != m_userNames.end())
+            userName = name->second;
+    }
+    CAM_INFO record = {};
+    record.link = info.link;
+    setAsciiField(record.vendorName, info.vendor);
+    setAsciiField(record.modelName, info.model);
+    setAsciiField(record.serialNumber, info.serial);
+    setAsciiField(record.userDefinedName, userName);
+    record.cameraIndex = index;
+    return record;
+}
+
+void System::updateRecord(Camera& camera) const
+{
+    std::uint32_t index = camera.indexWhenOpened();
+    {
+        const std::lock_guard lock(m_listMutex);
+        const auto entry = std::find_if(m_list.begin(), m_list.end(), [&](const Listed& listed) {
+            return sameDevice(listed.info, camera.info());
+        });
+        if (entry != m_list.end())
+            index = static_cast<std::uint32_t>(entry - m_list.begin());
+    }
+    camera.setRecord(record(camera.info(), index));
 }
 
 void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CAM_HANDLE* handle)
@@ -193,6 +216,7 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
     const auto camera =
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
     rememberUserName(*camera);
+    updateRecord(*camera);
     // The last program that controlled the camera may have been killed while it streamed. Such a camera would keep its
     // settings locked, and may go on sending to the port of that program.
     camera->stopAcquisition();

@@ -35,15 +35,9 @@ public:
     /// Looks for cameras and returns how many there are.
     [[nodiscard]] std::uint32_t enumerate();
 
-    /// A camera of the last enumeration. Throws Failure(CAM_API_STS_INVALID_CAMERA_INDEX).
-    [[nodiscard]] DeviceInfo listedCamera(std::uint32_t index) const;
-
-    /// What is not known by an open camera itself. Image callbacks ask for it.
-    struct Listing {
-        std::uint32_t index; ///< in the last enumeration
-        std::string userName;
-    };
-    [[nodiscard]] Listing listingOf(const Camera& camera) const;
+    // About a camera of the last enumeration. Both throw Failure(CAM_API_STS_INVALID_CAMERA_INDEX).
+    [[nodiscard]] Orvo::CAM_INFO record(std::uint32_t index) const;
+    [[nodiscard]] std::string nameForLog(std::uint32_t index) const { return listed(index).info.logName(); }
 
     /// `handle` may be null: the documented order of checks reports other errors first.
     void openCamera(std::uint32_t index, Orvo::CAM_SIGNAL_HANDLE removalSignal, Orvo::CAM_HANDLE* handle);
@@ -64,6 +58,8 @@ private:
 
     [[nodiscard]] Listed listed(std::uint32_t index) const;
     [[nodiscard]] bool isOpen(const DeviceInfo& info) const;
+    [[nodiscard]] Orvo::CAM_INFO record(const DeviceInfo& info, std::uint32_t index) const;
+    void updateRecord(Camera& camera) const;
     void rememberUserName(Camera& camera);
     void close(Camera& camera) noexcept;
     void shutDown();

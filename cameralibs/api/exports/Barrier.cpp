@@ -160,12 +160,4 @@ void giveText(const std::string& text, char* buffer, std::uint32_t* size)
     std::memcpy(buffer, valid.c_str(), need);
 }
 
-void giveAsciiField(const std::string& text, char* field, std::size_t fieldSize)
-{
-    std::memset(field, 0, fieldSize);
-    const std::size_t length = std::min(text.size(), fieldSize - 1);
-    std::transform(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length), field,
-                   [](char c) { return g_ascii_isprint(c) ? c : '?'; });
-}
-
 } // namespace cameralibs

@@ -11,7 +11,6 @@
 #include "cameralibs/genicam/EvaluationBudget.h"
 
 #include <chrono>
-#include <cstddef>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -63,10 +62,6 @@ void refuseInsideCallback();
 /// made valid UTF-8. Throws Failure(CAM_API_STS_BUFFER_TOO_SMALL) if the buffer is too small; `*size` is then the
 /// required size.
 void giveText(const std::string& text, char* buffer, std::uint32_t* size);
-
-/// Fills a fixed-size field: truncates the text to fit with its NUL, replaces characters that are not printable ASCII
-/// by '?' and zeroes the rest.
-void giveAsciiField(const std::string& text, char* field, std::size_t fieldSize);
 
 // The last parameter of each function is the name of the exported function; by default, that of the caller.
 

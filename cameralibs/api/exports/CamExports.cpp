@@ -4,36 +4,20 @@ using namespace cameralibs;
 
 namespace Orvo {
 
-namespace {
-
-void giveCameraInfo(const DeviceInfo& device, const std::string& userName, std::uint32_t index, CAM_INFO& info)
-{
-    info = {};
-    info.link = device.link;
-    giveAsciiField(device.vendor, info.vendorName, sizeof info.vendorName);
-    giveAsciiField(device.model, info.modelName, sizeof info.modelName);
-    giveAsciiField(device.serial, info.serialNumber, sizeof info.serialNumber);
-    giveAsciiField(userName, info.userDefinedName, sizeof info.userDefinedName);
-    info.cameraIndex = index;
-}
-
-} // namespace
-
 extern "C" {
 
 CAM_API_STATUS Cam_GetInformation(CAM_HANDLE camera, std::uint32_t cameraIndex, CAM_INFO* info)
 {
     if (camera != 0) {
-        return onCamera(camera, [&](System& system, const Camera& opened) {
+        return onCamera(camera, [&](System&, const Camera& opened) {
             requirePointers({info});
-            const System::Listing listing = system.listingOf(opened);
-            giveCameraInfo(opened.info(), listing.userName, listing.index, *info);
+            opened.copyRecord(*info);
         });
     }
     return onSystem([&](System& system) {
-        const DeviceInfo device = system.listedCamera(cameraIndex);
+        const CAM_INFO record = system.record(cameraIndex);
         requirePointers({info});
-        giveCameraInfo(device, device.userName, cameraIndex, *info);
+        *info = record;
     });
 }
 
@@ -41,7 +25,7 @@ CAM_API_STATUS Cam_Open(std::uint32_t cameraIndex, CAM_HANDLE* camera, CAM_SIGNA
                         void*, std::uint32_t)
 {
     return onSystem([&](System& system) {
-        Call::setCamera(system.listedCamera(cameraIndex).logName());
+        Call::setCamera(system.nameForLog(cameraIndex));
         system.openCamera(cameraIndex, removalSignal, camera);
     });
 }

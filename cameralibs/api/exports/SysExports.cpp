@@ -1,4 +1,5 @@
 #include "cameralibs/api/exports/Barrier.h"
+#include "cameralibs/base/AsciiField.h"
 
 #include <arv.h>
 
@@ -33,10 +34,10 @@ CAM_API_STATUS Sys_GetInformation(CAM_SYSTEM_INFO* info)
                                    std::to_string(arv_get_minor_version()) + "." +
                                    std::to_string(arv_get_micro_version());
         *info = {};
-        giveAsciiField(aravis, info->driverVersion, sizeof info->driverVersion);
-        giveAsciiField(aravis, info->u3vApi2Version, sizeof info->u3vApi2Version);
-        giveAsciiField(ORVO_LIBRARY_VERSION, info->u3vCamApiVersion, sizeof info->u3vCamApiVersion);
-        giveAsciiField(ORVO_LIBRARY_VERSION, info->camApiVersion, sizeof info->camApiVersion);
+        setAsciiField(info->driverVersion, aravis);
+        setAsciiField(info->u3vApi2Version, aravis);
+        setAsciiField(info->u3vCamApiVersion, ORVO_LIBRARY_VERSION);
+        setAsciiField(info->camApiVersion, ORVO_LIBRARY_VERSION);
     });
 }
 
