@@ -177,9 +177,8 @@ void System::updateRecord(Camera& camera) const
     std::uint32_t index = camera.indexWhenOpened();
     {
         const std::lock_guard lock(m_listMutex);
-        const auto entry = std::find_if(m_list.begin(), m_list.end(), [&](const Listed& listed) {
-            return sameDevice(listed.info, camera.info());
-        });
+        const auto entry = std::find_if(m_list.begin(), m_list.end(),
+                                        [&](const Listed& listed) { return sameDevice(listed.info, camera.info()); });
         if (entry != m_list.end())
             index = static_cast<std::uint32_t>(entry - m_list.begin());
     }
