@@ -1,6 +1,7 @@
 #include "cameralibs/genicam/description/XmlDocument.h"
 
 #include "cameralibs/base/Outcome.h"
+#include "cameralibs/base/QuietXml.h"
 
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
@@ -154,6 +155,7 @@ private:
     }
 
     XmlDocument& m_document;
+    const QuietXml m_quiet; // from before the context exists, because creating it reads the first bytes
     const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> m_context;
     std::vector<std::uint32_t> m_open;
     std::string m_text; ///< text since the last tag

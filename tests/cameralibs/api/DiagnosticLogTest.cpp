@@ -110,6 +110,15 @@ class DiagnosticLogTest : public ::testing::Test {};
 
 } // namespace
 
+// The XML library reports bytes that it cannot decode outside its context for a document.
+TEST(DescriptionLogTest, DescriptionCannotWriteToStandardError)
+{
+    Log log(nullptr);
+    const DescribedCamera camera("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?><a>\x80\xff\xfe </a>");
+    EXPECT_EQ(camera.status(), CAM_API_STS_XML_LOAD_ERR);
+    EXPECT_THAT(log.end(), IsEmpty());
+}
+
 TEST_F(DiagnosticLogTest, IsOffByDefaultAndForUnknownLevels)
 {
     for (const char* level : {static_cast<const char*>(nullptr), "", "loud", "WARNING", "3"})

@@ -1,5 +1,6 @@
 #include "cameralibs/devices/simulated/file/FileCamera.h"
 
+#include "cameralibs/base/QuietXml.h"
 #include "cameralibs/devices/simulated/images/FrameGenerator.h"
 
 #include <libxml/xmlreader.h>
@@ -23,6 +24,7 @@ constexpr std::uintmax_t kMaxFileSize = 64U << 20;
 std::string modelName(const std::string& xml)
 {
     constexpr int kQuiet = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+    const QuietXml quiet;
     const std::unique_ptr<xmlTextReader, decltype(&xmlFreeTextReader)> reader(
         xmlReaderForMemory(xml.data(), static_cast<int>(xml.size()), nullptr, nullptr, kQuiet), xmlFreeTextReader);
     if (reader == nullptr)
