@@ -288,8 +288,8 @@ void drive(WindowDriver& driver, const ShownImages& images, const Road& road)
         rest.push_back(best.core[i] - best.gui[i] - best.display[i]);
     report::print(name("of it the simulated camera"), report::figureOf(rest), "%");
     report::print(name("page faults for an image"), report::figureOf(best.faults), "", report::atMost(0.05));
-    report::print(name("the image callback's call into the library, repeated at once"),
-                  report::figureOf(lookUps.again), "us", report::atMost(1));
+    report::print(name("the image callback's call into the library, repeated at once"), report::figureOf(lookUps.again),
+                  "us", report::atMost(1));
     const report::Figure first = report::figureOf(lookUps.first);
     const report::Figure simplest = report::figureOf(lookUps.simplestFirst);
     report::print(name("that call after an image"), first, "us");
