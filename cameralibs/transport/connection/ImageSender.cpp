@@ -50,6 +50,8 @@ ImageSender::~ImageSender()
 Outcome ImageSender::start(Descriptor channel)
 {
     stop();
+    if (!channel)
+        return {CAM_API_STS_INVALID_PARAMETER, "There is no image channel"};
     if (Outcome outcome = m_reception->begin(); !outcome.ok())
         return outcome;
     m_channel = Channel(std::move(channel));

@@ -296,6 +296,20 @@ TEST_F(TransportRequestsTest, EndsOnBuffersOutsideTheMemory)
     }
 }
 
+TEST_F(TransportRequestsTest, RefusesToStartWithoutAnImageChannel)
+{
+    open();
+    ASSERT_EQ(openSource(makeMemory(F_SEAL_SHRINK).get()), 0U);
+    const Descriptor noSocket = makeMemory(0);
+    for (const int channel : {-1, noSocket.get()}) {
+        ASSERT_TRUE(m_control.send(Kind::start, Nothing{}, {}, channel));
+        EXPECT_EQ(status(), std::uint32_t{Orvo::CAM_API_STS_INVALID_PARAMETER}) << channel;
+    }
+    ASSERT_TRUE(m_control.send(Kind::close));
+    EXPECT_EQ(status(), 0U);
+    EXPECT_TRUE(ends());
+}
+
 TEST_F(TransportRequestsTest, SendsSignsOfLife)
 {
     for (int i = 0; i < 3; ++i) {
