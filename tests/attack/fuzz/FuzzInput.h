@@ -17,12 +17,14 @@ public:
     }
 
     [[nodiscard]] bool empty() const { return m_rest.empty(); }
+    [[nodiscard]] std::size_t left() const { return m_rest.size(); }
 
     template <class Number> [[nodiscard]] Number number()
     {
         Number value{};
         const std::size_t size = std::min(m_rest.size(), sizeof value);
-        std::memcpy(&value, m_rest.data(), size);
+        if (size > 0) // an empty input may be at no address
+            std::memcpy(&value, m_rest.data(), size);
         m_rest.remove_prefix(size);
         return value;
     }

@@ -1,13 +1,12 @@
-// The library with a transport that was taken over: it answers, or sends what it likes, in any order. What a camera
-// sends reaches the library only through a transport, so this stands for hostile GigE and USB packets, too.
+// The library with a transport that was taken over: it answers, or sends what it likes, in any order.
 //
 // The transport is a thread here. The process that the library starts, watches and kills for it does nothing.
 
 #include "camera/OrvoCamApi.h"
 #include "cameralibs/transport/Channel.h"
+#include "tests/attack/fuzz/CameraUse.h"
 #include "tests/attack/fuzz/FuzzInput.h"
 
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -172,57 +171,6 @@ private:
 thread_local int s_control = -1;
 thread_local int s_events = -1;
 
-std::atomic<std::uint64_t> s_seen{0};
-
-void onImage(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, CAM_IMAGE_INFO* info, std::uint32_t /*index*/,
-             void* /*context*/)
-{
-    // Every announced byte must be readable.
-    const auto* const bytes = static_cast<const std::uint8_t*>(info->data);
-    std::uint64_t sum = 0;
-    for (std::uint64_t i = 0; i < info->dataSize; ++i)
-        sum += bytes[i];
-    s_seen += sum;
-}
-
-void useCamera()
-{
-    std::uint32_t count = 0;
-    CAM_HANDLE camera = 0;
-    CAM_STRM_HANDLE stream = 0;
-    REQUIRE(Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS && count <= 1000);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        CAM_INFO info{};
-        REQUIRE(Cam_GetInformation(0, i, &info) == CAM_API_STS_SUCCESS);
-        REQUIRE(std::memchr(info.modelName, 0, sizeof info.modelName) != nullptr);
-    }
-    if (Cam_Open(0, &camera, 0, 1, nullptr, 1) != CAM_API_STS_SUCCESS)
-        return;
-    CAM_NODE_HANDLE width = 0;
-    CAM_NODE_HANDLE text = 0;
-    std::int64_t value = 0;
-    char buffer[64] = {};
-    std::uint32_t size = sizeof buffer;
-    (void)Nd_GetNode(camera, "Width", &width);
-    (void)Nd_GetNode(camera, "Text", &text);
-    (void)Nd_GetIntValue(camera, width, &value);
-    (void)Nd_SetIntValue(camera, width, 32, true);
-    (void)Nd_GetStrValue(camera, text, buffer, &size);
-    (void)Nd_SetStrValue(camera, text, "written", true);
-    if (Strm_OpenSimple(camera, &stream, &count, nullptr, 3, nullptr) != CAM_API_STS_SUCCESS)
-        return;
-    (void)Strm_SetCallbackImageAcquired(stream, nullptr, onImage);
-    if (Strm_Start(stream, 3) == CAM_API_STS_SUCCESS) {
-        for (int i = 0; i < 10; ++i) {
-            ::usleep(1000); // for the images to come
-            if (Nd_GetIntValue(camera, width, &value) == CAM_API_STS_CAMERA_NOT_RESPONDING)
-                break;
-        }
-        (void)Strm_Stop(stream);
-    }
-    (void)Strm_Close(stream);
-}
-
 } // namespace
 
 // Those of the C library are found after these.
@@ -257,7 +205,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FuzzInput input(data, size);
     s_input = &input;
     REQUIRE(Sys_Initialize(CAM_LAYER_USB3_VISION) == CAM_API_STS_SUCCESS);
-    useCamera();
+    std::uint32_t count = 0;
+    REQUIRE(Sys_GetNumOfCameras(&count) == CAM_API_STS_SUCCESS && count <= 1000);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        CAM_INFO info{};
+        REQUIRE(Cam_GetInformation(0, i, &info) == CAM_API_STS_SUCCESS);
+        REQUIRE(std::memchr(info.modelName, 0, sizeof info.modelName) != nullptr);
+    }
+    (void)useCamera(0, "Text", std::chrono::milliseconds(10));
     REQUIRE(Sys_Terminate() == CAM_API_STS_SUCCESS);
     for (std::thread& player : s_players)
         player.join();

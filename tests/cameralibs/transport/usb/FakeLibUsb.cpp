@@ -170,6 +170,7 @@ int sendCommand(LockedBus& bus, const Device& device, const Bytes& command)
         bus.countFault();
         port.answerCount = 0; // of what came again and again
     }
+    bus.distort(device.port, exchange.answers);
     if (exchange.result != 0)
         return fail(bus, device, kControlEndpoint, exchange.result);
     if (exchange.unplugged)
@@ -218,6 +219,32 @@ int fetchAnswer(LockedBus& bus, const Device& device, std::uint8_t* to, std::siz
     }
 }
 
+/// What distortPackets() has asked for.
+void distort(LockedBus& bus, const Device& device, StreamTransfer& transfer)
+{
+    struct Packet {
+        Bytes bytes;
+        std::chrono::milliseconds after{0};
+    };
+    std::vector<Packet> packets(1);
+    // Where in a payload makes no difference.
+    constexpr std::size_t kMostDistorted = 4096;
+    const std::size_t before = std::min(transfer.size, kMostDistorted);
+    packets[0].bytes.assign(transfer.data, transfer.data + before);
+    bus.distort(device.port, packets);
+    transfer.skipped = packets.empty();
+    if (packets.empty())
+        return;
+    const Packet& packet = packets[0];
+    std::copy_n(packet.bytes.begin(), std::min(packet.bytes.size(), transfer.room), transfer.data);
+    if (packet.bytes.size() != before)
+        transfer.size = std::min(packet.bytes.size(), transfer.room);
+    if (packet.bytes.size() > transfer.room)
+        transfer.result = kOverflow;
+    if (packet.after.count() > 0)
+        portOf(bus, device).camera.nextPart = inNanoseconds(Clock::now() + packet.after);
+}
+
 /// Shows the fault in what the camera has just sent. True where the transfer takes place.
 bool spoil(LockedBus& bus, const Device& device, StreamTransfer& transfer)
 {
@@ -262,7 +289,8 @@ int takePacket(LockedBus& bus, const Device& device, std::uint8_t* to, std::size
         StreamTransfer transfer{part, state.image, to, 0, room};
         transfer.size = camera.send(to, room);
         transfer.result = transfer.size == 0 ? kOverflow : 0;
-        if (!spoil(bus, device, transfer))
+        distort(bus, device, transfer);
+        if (transfer.skipped || !spoil(bus, device, transfer))
             continue;
         *transferred = static_cast<int>(transfer.size);
         return fail(bus, device, kIn | kStreamEndpoint, transfer.result);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// A bus with one USB3 Vision camera on it from the start. It is shared by the test and the transports that it starts:
@@ -34,6 +35,10 @@ constexpr int kForEver = -1;
 /// It takes the place of the fault before. False where Faults.cpp has none of that name.
 [[nodiscard]] bool setFault(const std::string& name, int times = kForEver);
 void clearFault();
+
+/// Distorts the answers and images of the camera at port 0, see tests/attack/fuzz/PacketDistortion.h. Bytes that do not
+/// fit are left out.
+void distortPackets(std::string_view input);
 
 /// How often the fault has shown itself.
 [[nodiscard]] int faultsShown();

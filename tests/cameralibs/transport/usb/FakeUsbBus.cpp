@@ -62,8 +62,11 @@ void plugInto(Bus& bus, int port)
     plugged.left = left;
     plugged.present = 1;
     FakeCamera(plugged.camera).reset(kSerials.at(static_cast<std::size_t>(port)), description());
-    if (port == 0)
+    if (port == 0) {
         bus.fault = -1;
+        bus.distortionLeft = 0;
+        bus.packetsToDistortion = 0;
+    }
 }
 
 void setFaultOf(Bus& bus, const Fault& fault, int times)
@@ -235,6 +238,13 @@ void clearFault()
 {
     const LockedBus bus;
     bus->fault = -1;
+}
+
+void distortPackets(std::string_view input)
+{
+    const LockedBus bus;
+    const std::size_t size = input.copy(reinterpret_cast<char*>(bus->distortion.data()), bus->distortion.size());
+    bus->distortionSize = bus->distortionLeft = static_cast<std::uint32_t>(size);
 }
 
 int faultsShown()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/attack/fuzz/PacketDistortion.h"
 #include "tests/cameralibs/transport/usb/FakeUsb.h"
 #include "tests/cameralibs/transport/usb/FakeUsbCamera.h"
 #include "tests/cameralibs/transport/usb/Faults.h"
@@ -49,6 +50,11 @@ struct Bus {
     std::int32_t faultTimes; ///< left
     std::int32_t faultsShown;
 
+    std::array<std::uint8_t, 4096> distortion; ///< the input of distortPackets()
+    std::uint32_t distortionSize;
+    std::uint32_t distortionLeft;
+    std::uint8_t packetsToDistortion;
+
     Moment signalMoment;
     std::int32_t momentsToSignal; ///< 0: none is to be sent
     std::int32_t signal;
@@ -85,6 +91,19 @@ public:
 
     /// One time less is left.
     void countFault();
+
+    /// What distortPackets() has asked for, if this is the camera.
+    template <class Packets> void distort(int port, Packets& packets)
+    {
+        if (port != 0 || (m_bus.distortionLeft == 0 && m_bus.packetsToDistortion == 0))
+            return;
+        const std::uint8_t* const end = m_bus.distortion.data() + m_bus.distortionSize;
+        PacketDistortion distortion(FuzzInput(end - m_bus.distortionLeft, m_bus.distortionLeft),
+                                    m_bus.packetsToDistortion);
+        distortion.distort(packets);
+        m_bus.distortionLeft = static_cast<std::uint32_t>(distortion.left());
+        m_bus.packetsToDistortion = distortion.correct();
+    }
 
     /// Sends this process the signal that is due at this moment, if any.
     void pass(Moment moment);
