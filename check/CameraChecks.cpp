@@ -1,7 +1,5 @@
 #include "check/Checks.h"
 
-#include "camera/StatusName.h"
-
 #include <algorithm>
 #include <iomanip>
 #include <iterator>
@@ -19,23 +17,23 @@ struct OpenFailure {
     const char* cure;
 };
 
-// Of those that a user can do something about.
+// Failures that the user can do something about.
 constexpr OpenFailure kOpenFailures[] = {
     {CAM_API_STS_ACCESS_DENIED, "another program controls it", "close the camera there"},
     {CAM_API_STS_BUSY, "another program has it", "close the camera there"},
     {CAM_API_STS_CAMERA_NOT_RESPONDING, "does not answer",
-     "look at the cable and at other lines about it; else switch the camera off and on"},
+     "check the cable and the other lines about it; otherwise switch the camera off and on"},
     {CAM_API_STS_XML_LOAD_ERR, "its description cannot be read",
      "other firmware from the camera's maker; ORVO_CAMERA_LOG=info orvocam-check tells more"},
     {CAM_API_STS_GENICAM_ERR, "its description cannot be used",
      "other firmware from the camera's maker; ORVO_CAMERA_LOG=info orvocam-check tells more"},
 };
 
-std::string statusText(CAM_API_STATUS status)
+bool isHeld(const View& view, const Camera& camera)
 {
-    std::string name = cameraStatusName(status);
-    name.erase(name.find_last_not_of(' ') + 1); // two names end in a blank
-    return std::to_string(status) + " " + name;
+    const auto& devices = view.machine.usbDevices;
+    return devices && std::any_of(devices->begin(), devices->end(),
+                                  [&](const UsbDevice& device) { return isSame(camera, device) && view.held(device); });
 }
 
 Line lineOf(const View& view, const Camera& camera, CAM_API_STATUS status)
@@ -51,16 +49,16 @@ Line lineOf(const View& view, const Camera& camera, CAM_API_STATUS status)
         text += ": " + camera.whyNot;
     const bool held = status == CAM_API_STS_ACCESS_DENIED || status == CAM_API_STS_BUSY;
     if (held && !view.machine.cameraPrograms.empty()) {
-        text += "; on this machine these have cameras: " + namesOf(view.machine.cameraPrograms);
+        text += "; programs on this machine that use cameras: " + namesOf(view.machine.cameraPrograms);
     } else if (held && camera.link == CAM_LINK_GIGE_VISION) {
-        text += "; no program with this camera library on this machine: another one, or another machine";
+        text += "; no program on this machine that uses this camera library, so another one or another machine";
     }
     return {Severity::wrong, nameOf(camera), text, known->cure};
 }
 
 constexpr Address kLinkLocalNetwork = {0xa9fe0000, 16};
 
-// Addresses that routers of the internet do not know. An interface may get one without cutting anybody off.
+// Addresses that the internet does not route, so adding one to an interface makes nothing else unreachable.
 constexpr Address kPrivateNetworks[] = {{0x0a000000, 8}, {0xac100000, 12}, {0xc0a80000, 16}, kLinkLocalNetwork};
 
 bool isIn(std::uint32_t address, const Address& network)
@@ -68,13 +66,13 @@ bool isIn(std::uint32_t address, const Address& network)
     return (address & network.mask()) == network.address;
 }
 
-/// An address of the camera's network that is not the camera's, and that routers rarely have. Nothing for a public
-/// network: anybody can send an answer that names one.
+/// An address in the camera's network that is neither the camera's nor one that routers usually have. No value for a
+/// public network, because anybody can send an answer that names one.
 std::optional<Address> neighbourOf(const GigeAnswer& answer)
 {
     constexpr unsigned kUsual = 24;
-    constexpr unsigned kLargestNetwork = 16;  // a larger one may be somebody else's
-    constexpr unsigned kSmallestNetwork = 28; // of fourteen addresses
+    constexpr unsigned kLargestNetwork = 16;  // a larger one may contain other people's networks
+    constexpr unsigned kSmallestNetwork = 28; // has 14 addresses
     if (std::none_of(std::begin(kPrivateNetworks), std::end(kPrivateNetworks),
                      [&](const Address& network) { return isIn(answer.address, network); }))
         return {};
@@ -110,25 +108,25 @@ std::string figuresOf(const StreamResult& stream)
     return text.str();
 }
 
-/// Why images are missing, as far as the machine tells.
+/// The cure for missing images, as far as their cause is known.
 std::string cureOf(const View& view, const Camera& camera, const StreamResult& stream)
 {
     const bool nothingCame = stream.images == 0 && stream.incomplete == 0;
     if (nothingCame && camera.waitsForTrigger)
         return "set TriggerMode to Off, or trigger the camera";
     if (camera.link == CAM_LINK_USB3_VISION)
-        return "look at the lines on USB speed and memory; another port or cable";
+        return "check the lines on USB speed and memory; another port or cable";
     if (nothingCame)
-        return "look at the line on the firewall, and at AcquisitionMode and AcquisitionFrameRate of the camera";
+        return "check the line on the firewall, and the camera's AcquisitionMode and AcquisitionFrameRate";
     if (camera.bufferErrors != 0) {
         return "the receive buffer overflowed " + std::to_string(camera.bufferErrors) +
                " times: sudo sysctl -w net.core.rmem_max=33554432";
     }
     if (stream.images == 0)
-        return "packets that the network does not carry: set GevSCPSPacketSize of the camera to 1500 or less";
+        return "the packets may be too large for the network: set GevSCPSPacketSize of the camera to 1500 or less";
     const Interface* const interface = view.interfaceOf(camera);
     return "ip -s link show dev " + (interface == nullptr ? "INTERFACE" : interface->name) +
-           " counts what is lost before: another cable or switch, larger packets, a lower AcquisitionFrameRate";
+           " counts packets lost earlier: another cable or switch, larger packets, a lower AcquisitionFrameRate";
 }
 
 Line lineOf(const View& view, const Camera& camera, const StreamResult& stream)
@@ -148,24 +146,31 @@ Line lineOf(const View& view, const Camera& camera, const StreamResult& stream)
 Lines checkCameras(const View& view)
 {
     const CameraSearch& search = view.search;
-    if (!search.failure.empty())
-        return {{Severity::failed, "camera library", search.failure}};
-    if (!view.anyCamera()) {
-        return {{Severity::wrong, "cameras", "none is on USB, and none answers on the network",
-                 "look at cable and power, and at the lines above; ORVO_CAMERA_LOG=warning orvocam-check tells whether "
-                 "the search itself failed"}};
-    }
     Lines lines;
+    for (const std::string& failure : search.failures)
+        lines.push_back({Severity::failed, "camera library", failure});
+    if (!view.anyCamera() && search.failures.empty()) {
+        lines.push_back({Severity::wrong, "cameras", "none is on USB, and none answers on the network",
+                         "check cable and power, and the lines above"});
+    }
     for (const Camera& camera : search.cameras) {
-        std::string text = camera.listed ? "is listed" : "answers, but the camera library does not list it";
+        std::string at;
         if (camera.answer)
-            text += ", at " + textOf(camera.answer->address) + " on " + camera.answer->interface;
-        lines.push_back({camera.listed ? Severity::good : Severity::wrong, nameOf(camera), text,
-                         camera.listed ? "" : "look at the lines on its address and the firewall"});
+            at = " at " + textOf(camera.answer->address) + " on " + camera.answer->interface;
+        if (camera.listed) {
+            lines.push_back({Severity::good, nameOf(camera), "is listed" + at});
+        } else if (!search.failures.empty()) {
+            lines.push_back({Severity::good, nameOf(camera), "answers" + at});
+        } else {
+            lines.push_back({Severity::wrong, nameOf(camera),
+                             "answers" + at + ", but the camera library does not list it",
+                             "check the lines on its address and the firewall"});
+        }
     }
     if (search.notOpened != 0) {
         lines.push_back(
-            {Severity::failed, "cameras", std::to_string(search.notOpened) + " more are listed than are opened here"});
+            {Severity::failed, "cameras",
+             std::to_string(search.notOpened) + " listed cameras are not opened, which would take too long"});
     }
     return lines;
 }
@@ -182,12 +187,13 @@ Lines checkAddresses(const View& view)
             return other->answer->address == answer.address && other->answer->interface == answer.interface;
         };
         if (answer.address == 0) {
-            lines.push_back({Severity::wrong, nameOf(*camera), "has no address yet",
-                             "wait until it has taken one; a DHCP server, or a fixed address by its maker's program"});
+            lines.push_back(
+                {Severity::wrong, nameOf(*camera), "has no address yet",
+                 "wait until it has one; otherwise a DHCP server, or a fixed address set with its maker's program"});
         } else if (interface != nullptr && !interface->reaches(answer.address)) {
             const std::optional<Address> own = neighbourOf(answer);
             const std::string addition = own ? "sudo ip address add " + textOf(*own) + " dev " + answer.interface +
-                                                   ", if nobody has that address; or "
+                                                   ", if nothing else has that address; or "
                                              : "";
             lines.push_back({Severity::wrong, nameOf(*camera),
                              address + " is outside the network of " + answer.interface + ", so it cannot be opened",
@@ -204,7 +210,7 @@ Lines checkOpening(const View& view)
 {
     Lines lines;
     for (const Camera& camera : view.search.cameras) {
-        if (!camera.opened)
+        if (!camera.opened || isHeld(view, camera)) // the check of the holders tells that
             continue;
         if (camera.opened != CAM_API_STS_SUCCESS) {
             lines.push_back(lineOf(view, camera, *camera.opened));

@@ -9,12 +9,12 @@
 
 namespace check {
 
-/// All that the checks look at.
+/// Everything that the checks look at.
 struct View {
     Machine machine;
     CameraSearch search;
 
-    /// Whether there is any camera, be it one that cannot be opened.
+    /// Whether any camera was found, even one that cannot be opened.
     [[nodiscard]] bool anyCamera() const { return anyUsb() || !search.cameras.empty(); }
     [[nodiscard]] bool anyUsb() const;
     [[nodiscard]] bool anyGige() const;
@@ -24,17 +24,26 @@ struct View {
 
     [[nodiscard]] const Interface* interfaceOf(const Camera& camera) const;
 
-    /// The interfaces by which cameras other than those of this very machine can be reached.
+    /// The interfaces through which cameras outside this machine can be reached.
     [[nodiscard]] std::vector<Interface> networks() const;
 
-    /// Of what may keep a camera from being found: on most machines some of it is so, and harmless where the cameras
-    /// are found.
-    [[nodiscard]] Severity hidesCameras() const { return anyCamera() ? Severity::note : Severity::wrong; }
+    /// The severity of a setting that can hide GigE cameras. Many machines have such settings, so they are notes while
+    /// GigE cameras answer. A USB camera only makes them notes on interfaces that are not dedicated to cameras.
+    [[nodiscard]] Severity hidesGige(const Interface& interface) const;
+
+    /// The USB device as the camera library lists it; null if it does not.
+    [[nodiscard]] const Camera* listed(const UsbDevice& device) const;
+
+    /// Whether another program has the device, so that the camera was not opened.
+    [[nodiscard]] bool held(const UsbDevice& device) const;
 };
+
+/// Whether the camera library lists this device as this camera.
+[[nodiscard]] bool isSame(const Camera& camera, const UsbDevice& device);
 
 using Lines = std::vector<Line>;
 
-// What each looks at and says stands in the table of Checks.cpp.
+// The table in Checks.cpp describes them.
 [[nodiscard]] Lines checkInterfaces(const View& view);
 [[nodiscard]] Lines checkNetworks(const View& view);
 [[nodiscard]] Lines checkReversePathFilter(const View& view);
@@ -51,10 +60,10 @@ using Lines = std::vector<Line>;
 [[nodiscard]] Lines checkOpening(const View& view);
 [[nodiscard]] Lines checkImages(const View& view);
 
-/// Of every check, in the order of the table.
+/// Runs every check, in the order of the table.
 [[nodiscard]] Lines runChecks(const View& view);
 
-/// How a camera is called in the lines: by maker, model, serial number and the name that its user gave.
+/// A camera's name in the lines: maker, model, serial number and the name that its user gave it.
 [[nodiscard]] std::string nameOf(const Camera& camera);
 
 /// The programs with their process numbers, separated by commas.

@@ -6,16 +6,16 @@ namespace check {
 
 namespace {
 
-/// What the camera library asks for, and what the packages' example for sysctl.d grants.
+/// The camera library asks for this size, and the packages' example for sysctl.d allows it.
 constexpr std::int64_t kWantedBuffer = 33'554'432;
 
-/// Holds the burst of an image of medium size. Below, images are lost even where the machine is idle.
+/// Holds an image of medium size that arrives at once. A smaller buffer loses images even on an idle machine.
 constexpr std::int64_t kSmallestBuffer = 4'000'000;
 
-/// The smallest packets of a network with jumbo frames.
+/// The smallest MTU that counts as jumbo frames.
 constexpr int kJumbo = 8000;
 
-/// From this speed on the number of packets matters, in Mbit/s.
+/// In Mbit/s. The number of packets matters from this speed on.
 constexpr std::int64_t kFast = 1000;
 
 std::string subjectOf(const Interface& interface)
@@ -34,18 +34,19 @@ std::string addressesOf(const Interface& interface)
 Line lineOf(const View& view, const Interface& interface)
 {
     const std::string subject = subjectOf(interface);
-    // Cameras are connected by cables: other interfaces may be off.
-    const Severity severity = interface.wired ? view.hidesCameras() : Severity::note;
+    // Cameras have cables, so a wireless interface may be off. So may an unused one while any camera is found.
+    const Severity unused = interface.wired && !view.anyCamera() ? Severity::wrong : Severity::note;
     if (!interface.up) {
-        return {severity, subject, "is switched off",
+        return {unused, subject, "is switched off",
                 interface.wired ? "sudo ip link set dev " + interface.name + " up" : ""};
     }
     if (!interface.running) {
-        return {severity, subject, "nothing is connected",
+        return {unused, subject, "nothing is connected",
                 interface.wired ? "look at the cable, and at the power of camera and switch" : ""};
     }
     if (interface.addresses.empty()) {
-        return {severity, subject, "has no IPv4 address, so that GigE cameras cannot be reached",
+        return {interface.wired ? view.hidesGige(interface) : Severity::note, subject,
+                "has no IPv4 address, so that GigE cameras cannot be reached",
                 interface.wired ? "sudo ip address add 169.254.1.1/16 dev " + interface.name +
                                       ", or an address of the camera's network"
                                 : ""};
@@ -77,13 +78,13 @@ Line lineOf(const View& view, const Interface& interface, const Passage& passage
     case Passage::accepted:
         return {Severity::good, subject, "no nftables rule drops UDP"};
     case Passage::dropped:
-        return {view.cameraOn(interface.name) ? Severity::wrong : view.hidesCameras(), subject,
+        return {view.cameraOn(interface.name) ? Severity::wrong : view.hidesGige(interface), subject,
                 "drops UDP, which GigE cameras use for answers and images",
                 openingFor(view.machine.firewall, interface.name, passage.chain)};
     case Passage::unknown:
         break;
     }
-    return {Severity::note, subject, "whether it lets the UDP of cameras in depends on its rules",
+    return {Severity::note, subject, "it depends on its rules whether it accepts UDP from cameras",
             openingFor(view.machine.firewall, interface.name, passage.chain)};
 }
 
@@ -99,7 +100,12 @@ Lines checkInterfaces(const View& view)
             lines.push_back(lineOf(view, interface));
     }
     if (lines.empty())
-        lines.push_back({Severity::note, "interfaces", "there is none by which GigE cameras could be reached"});
+        lines.push_back({Severity::note, "interfaces", "there is none through which GigE cameras could be reached"});
+    for (const SilentInterface& silent : view.search.silent) {
+        lines.push_back({Severity::failed, "interface " + silent.name,
+                         "GigE cameras cannot be searched for on it: " + silent.reason,
+                         "if a firewall forbids it: accept UDP to port 3956 in its output chain"});
+    }
     return lines;
 }
 
@@ -113,10 +119,10 @@ Lines checkNetworks(const View& view)
                 if (!networks[j].reaches(address.address))
                     continue;
                 const bool used = view.cameraOn(networks[i].name) || view.cameraOn(networks[j].name);
-                lines.push_back({used ? Severity::wrong : view.hidesCameras(), subjectOf(networks[i]),
+                lines.push_back({used ? Severity::wrong : view.hidesGige(networks[i]), subjectOf(networks[i]),
                                  textOf(address) + " is in the network of " + networks[j].name +
-                                     ", too: what is meant for a camera leaves by one of the two only",
-                                 "give one of them, and its cameras, addresses of another network"});
+                                     ", too: packets to a camera leave through only one of the two",
+                                 "give one of them and its cameras addresses of another network"});
             }
         }
     }
@@ -127,9 +133,12 @@ Lines checkReversePathFilter(const View& view)
 {
     Lines lines;
     for (const Interface& interface : view.networks()) {
-        if (interface.reversePathFilter == 1) {
-            lines.push_back({view.hidesCameras(), "reverse path filter on " + interface.name,
-                             "is strict: answers of cameras outside " + addressesOf(interface) + " are dropped unseen",
+        const std::string subject = "reverse path filter on " + interface.name;
+        if (!interface.reversePathFilter) {
+            lines.push_back({Severity::failed, subject, "cannot be read"});
+        } else if (*interface.reversePathFilter == 1) {
+            lines.push_back({view.hidesGige(interface), subject,
+                             "is strict: the kernel drops answers of cameras outside " + addressesOf(interface),
                              "sudo sysctl -w net/ipv4/conf/" + interface.name + "/rp_filter=2"});
         }
     }
@@ -148,22 +157,26 @@ Lines checkFirewall(const View& view)
         if (firewall.ruleSet) {
             lines.push_back(lineOf(view, interface, passageOf(*firewall.ruleSet, interface.name)));
         } else if (view.cameraOn(interface.name)) {
-            lines.push_back({Severity::good, subject, "lets answers of cameras in"});
+            lines.push_back({Severity::good, subject, "accepts answers of cameras"});
         } else if (!firewall.manager.empty()) {
             lines.push_back(
-                {view.hidesCameras(), subject,
-                 firewall.manager + " is on, and drops the answers of GigE cameras unless it is told not to",
+                {view.hidesGige(interface), subject,
+                 firewall.manager + " is on, and drops the answers of GigE cameras unless a rule accepts them",
                  openingFor(firewall, interface.name, {})});
         } else {
             unseen = true;
         }
     }
-    if (unseen && view.machine.root) {
-        lines.push_back({Severity::note, "firewall", "its rules cannot be read",
-                         "sudo apt install nftables, then call this program again"});
-    }
-    if (unseen && !view.machine.root)
+    if (!unseen)
+        return lines;
+    if (!view.machine.root) {
         lines.push_back({Severity::note, "firewall", "only root may read its rules", "sudo orvocam-check"});
+    } else if (!firewall.hasNft) {
+        lines.push_back({Severity::note, "firewall", "its rules cannot be read without nft",
+                         "sudo apt install nftables, then call this program again"});
+    } else {
+        lines.push_back({Severity::failed, "firewall", "nft does not print its rules"});
+    }
     return lines;
 }
 
@@ -172,30 +185,32 @@ Lines checkReceiveBuffer(const View& view)
     const std::string subject = "receive buffer";
     const auto size = view.machine.receiveBuffer;
     if (!size)
-        return {{Severity::note, subject, "the limit net.core.rmem_max cannot be read here"}};
-    std::string text = "a socket may have " + std::to_string(*size) + " bytes at most (net.core.rmem_max)";
+        return {{Severity::failed, subject, "its limit, net.core.rmem_max, can be neither read nor measured"}};
+    std::string text = "at most " + std::to_string(*size) + " bytes for a socket (net.core.rmem_max)";
     if (*size >= kWantedBuffer)
         return {{Severity::good, subject, text}};
-    text += *size < kSmallestBuffer ? "; images of GigE cameras overflow it and are incomplete"
+    text += *size < kSmallestBuffer ? "; images of GigE cameras are incomplete because they overflow it"
                                     : "; large images of GigE cameras may overflow it";
     const Severity severity = view.anyGige() && *size < kSmallestBuffer ? Severity::wrong : Severity::note;
+    const std::string where = view.machine.receiveBufferSetHere ? "" : "outside this network namespace: ";
     return {{severity, subject, text,
-             "sudo sysctl -w net.core.rmem_max=" + std::to_string(kWantedBuffer) +
+             where + "sudo sysctl -w net.core.rmem_max=" + std::to_string(kWantedBuffer) +
                  "; for good: sudo cp /usr/share/doc/liborvocam1/examples/60-orvocam-gige.conf /etc/sysctl.d/"}};
 }
 
 Lines checkMtu(const View& view)
 {
     Lines lines;
-    std::set<std::string> small; // interfaces of which it has been said
+    std::set<std::string> small; // interfaces that already have their line
     for (const Camera& camera : view.search.cameras) {
         const Interface* const interface = view.interfaceOf(camera);
         if (interface == nullptr || interface->mtu <= 0)
             continue;
         const std::string limit = std::to_string(interface->mtu);
         const std::string larger =
-            "sudo ip link set dev " + interface->name + " mtu 9000, where every switch on the way carries that";
-        // Opening the stream may lower it. Larger packets come in pieces, unless the camera forbids that.
+            "sudo ip link set dev " + interface->name + " mtu 9000, if every switch on the way supports that";
+        // Opening the stream may lower the packet size. Larger packets arrive in fragments unless the camera forbids
+        // that.
         const bool streamed = camera.stream && camera.stream->packetSize;
         const auto packets = streamed ? camera.stream->packetSize : camera.packetSize;
         const bool harms = streamed && (camera.stream->images == 0 || camera.stream->incomplete != 0);
@@ -207,7 +222,7 @@ Lines checkMtu(const View& view)
         } else if (interface->mtu < kJumbo && interface->speed.value_or(0) >= kFast &&
                    small.insert(interface->name).second) {
             lines.push_back({Severity::note, "MTU of " + interface->name,
-                             limit + " means many more packets than jumbo frames, and more work for the computer",
+                             limit + " means more packets, and so more work for the computer, than jumbo frames",
                              larger});
         }
     }

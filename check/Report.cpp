@@ -1,7 +1,5 @@
 #include "check/Report.h"
 
-#include "camera/StatusName.h"
-
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -144,7 +142,7 @@ void writeJson(std::ostream& to, const std::vector<Line>& lines, const std::vect
     }
     for (const Camera& camera : cameras)
         report["cameras"].push_back(jsonOf(camera));
-    // What a camera says of itself may not be UTF-8.
+    // Texts of a camera may not be UTF-8.
     to << report.dump(2, ' ', true, json::error_handler_t::replace) << '\n';
 }
 

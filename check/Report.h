@@ -10,25 +10,25 @@ namespace check {
 
 enum class Severity {
     good,
-    note, ///< nothing that keeps images away by itself
+    note, ///< may matter, but does not keep images away by itself
     wrong,
-    failed, ///< could not look
+    failed, ///< could not be checked
 };
 
-/// What a check has to say. Texts may hold what a camera says of itself; cures, which users copy into a shell, must
-/// not.
+/// One result of a check. Subject and text may contain texts of a camera. The cure must not, because users copy it into
+/// a shell.
 struct Line {
     Severity severity = Severity::good;
     std::string subject;
     std::string text;
-    std::string cure{};  ///< empty where nothing is to be done
+    std::string cure{};  ///< empty if there is nothing to do
     std::string check{}; ///< the name of the check
 };
 
-/// 0 where nothing is wrong, 1 with findings, 2 where something could not be looked at.
+/// 0 if nothing is wrong, 1 with findings, 2 if something could not be checked.
 [[nodiscard]] int exitStatusOf(const std::vector<Line>& lines);
 
-/// One line each, in ASCII: other characters, which might be commands to the terminal, are shown as escapes.
+/// Writes each on a line of its own. Characters other than printable ASCII could control the terminal and are escaped.
 void writeText(std::ostream& to, const std::vector<Line>& lines);
 
 void writeJson(std::ostream& to, const std::vector<Line>& lines, const std::vector<Camera>& cameras,

@@ -6,11 +6,11 @@ namespace check {
 
 namespace {
 
-/// In MiB. The kernel's own limit, 16, holds no large image.
+/// In MiB. The kernel's default is 16.
 constexpr std::int64_t kSmallestMemory = 128;
 constexpr int kWantedMemory = 256;
 
-/// Mbit/s of USB 3.
+/// The speed of USB 3 in Mbit/s.
 constexpr std::int64_t kUsb3 = 5000;
 
 const std::vector<UsbDevice>& devicesOf(const View& view)
@@ -29,7 +29,7 @@ std::string nameOf(const UsbDevice& device)
     return name;
 }
 
-/// What lets this user open USB3 Vision cameras.
+/// The cure that lets this user open USB3 Vision cameras.
 std::string permissionFor(const Machine& machine)
 {
     if (!machine.udevRule) {
@@ -41,21 +41,30 @@ std::string permissionFor(const Machine& machine)
     return "plug the camera in anew, or sudo udevadm trigger --subsystem-match=usb";
 }
 
-/// A program with the camera open does not keep others from listing it.
-bool isListed(const View& view, const UsbDevice& device)
+bool isUsb(const Camera& camera)
 {
-    return std::any_of(view.search.cameras.begin(), view.search.cameras.end(), [&](const Camera& camera) {
-        return camera.link == Orvo::CAM_LINK_USB3_VISION && camera.listed && camera.model == device.model &&
-               camera.serial == device.serial;
-    });
+    return camera.link == Orvo::CAM_LINK_USB3_VISION;
+}
+
+bool imagesFail(const Camera& camera)
+{
+    return isUsb(camera) && camera.stream &&
+           (camera.stream->status != Orvo::CAM_API_STS_SUCCESS || camera.stream->incomplete != 0);
+}
+
+bool imagesCome(const Camera& camera)
+{
+    return isUsb(camera) && camera.stream && camera.stream->images != 0;
 }
 
 } // namespace
 
 Lines checkUsbDevices(const View& view)
 {
+    if (view.machine.withoutUsb)
+        return {{Severity::note, "USB", "this machine has none"}};
     if (!view.machine.usbDevices)
-        return {{Severity::note, "USB", "this machine has none, or does not tell"}};
+        return {{Severity::failed, "USB", "/sys does not list the devices"}};
     Lines lines;
     for (const UsbDevice& device : devicesOf(view)) {
         lines.push_back({Severity::good, nameOf(device),
@@ -100,17 +109,17 @@ Lines checkUsbHolders(const View& view)
 {
     Lines lines;
     for (const UsbDevice& device : devicesOf(view)) {
-        if (device.driver == "usbfs") {
+        if (view.held(device)) {
             const std::string names = namesOf(device.holders);
             const std::string cure =
                 names.empty() ? "sudo orvocam-check tells which; close the camera there" : "close the camera there";
             lines.push_back({Severity::wrong, nameOf(device),
                              "another program has it: " + (names.empty() ? "one of another user" : names), cure});
-        } else if (!device.driver.empty()) {
+        } else if (!device.driver.empty() && device.driver != "usbfs") {
             lines.push_back(
                 {Severity::wrong, nameOf(device), "the kernel's driver " + device.driver + " has it",
                  "echo " + device.controlInterface + " | sudo tee /sys/bus/usb/drivers/" + device.driver + "/unbind"});
-        } else if (device.allowed && view.search.failure.empty() && !isListed(view, device)) {
+        } else if (device.allowed && view.search.failures.empty() && view.listed(device) == nullptr) {
             lines.push_back({Severity::wrong, nameOf(device), "the camera library does not list it",
                              "ORVO_CAMERA_LOG=debug orvocam-check tells why; another cable or port may help"});
         }
@@ -120,19 +129,28 @@ Lines checkUsbHolders(const View& view)
 
 Lines checkUsbMemory(const View& view)
 {
-    const auto memory = view.machine.usbMemory;
-    if (!memory)
-        return {};
     const std::string subject = "USB memory";
+    const auto memory = view.machine.usbMemory;
+    if (!memory) {
+        return view.anyUsb() ? Lines{{Severity::failed, subject, "its limit, usbfs_memory_mb, cannot be read"}}
+                             : Lines();
+    }
+    if (*memory == 0)
+        return {{Severity::good, subject, "no limit (usbfs_memory_mb)"}};
     const std::string text = std::to_string(*memory) + " MiB for all cameras together (usbfs_memory_mb)";
-    if (*memory == 0 || *memory >= kSmallestMemory)
-        return {{Severity::good, subject, *memory == 0 ? "no limit (usbfs_memory_mb)" : text}};
+    if (*memory >= kSmallestMemory || !view.anyUsb())
+        return {{Severity::good, subject, text}};
+    // How much is needed depends on how the camera library transfers images, so only a trial shows whether it suffices.
+    const auto& cameras = view.search.cameras;
+    const bool fails = std::any_of(cameras.begin(), cameras.end(), imagesFail);
+    if (!fails && std::any_of(cameras.begin(), cameras.end(), imagesCome))
+        return {{Severity::good, subject, text + ", enough for the images of this trial"}};
     const std::string wanted = std::to_string(kWantedMemory);
-    return {{view.anyUsb() ? Severity::wrong : Severity::note, subject, text + "; large images fail",
+    return {{fails ? Severity::wrong : Severity::note, subject, text + "; large images may need more",
              "echo " + wanted +
-                 " | sudo tee /sys/module/usbcore/parameters/usbfs_memory_mb; for good: usbcore."
-                 "usbfs_memory_mb=" +
-                 wanted + " among the kernel's parameters"}};
+                 " | sudo tee /sys/module/usbcore/parameters/usbfs_memory_mb; permanently: the kernel parameter "
+                 "usbcore.usbfs_memory_mb=" +
+                 wanted}};
 }
 
 } // namespace check

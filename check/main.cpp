@@ -13,16 +13,16 @@ namespace {
 constexpr int kCouldNotLook = 2;
 
 constexpr const char* kHelp = R"(Usage: orvocam-check [--stream] [--json]
-Tells why no camera is listed or no image comes, a line for each thing that was
-looked at, with the cure where something is wrong.
+Tells why no camera is listed or no image comes. Prints a line for each check,
+with the cure if something is wrong.
 
-  --stream   takes images from each camera for two seconds
-  --json     prints a JSON object instead of lines
-  --help     prints this text
-  --version  prints the version
+  --stream   stream from each camera for two seconds
+  --json     print a JSON object instead of lines
+  --help     print this text
+  --version  print the version
 
-The exit status is 0 where nothing is wrong, 1 with findings, and 2 where
-something could not be looked at.
+The exit status is 0 if nothing is wrong, 1 with findings, and 2 if something
+could not be checked.
 )";
 
 struct Options {
@@ -30,10 +30,10 @@ struct Options {
     bool json = false;
     bool help = false;
     bool version = false;
-    std::string root; ///< of /sys, /proc, /dev and /etc; for tests
+    std::string root; ///< for tests: a folder that contains their /sys, /proc, /dev and /etc
 };
 
-/// Nothing for options that there are not, which are complained of.
+/// No value if the options are invalid; then the reason has been printed.
 std::optional<Options> optionsOf(int count, char** arguments)
 {
     enum Option { stream = 1, json, help, version, root };
@@ -44,7 +44,7 @@ std::optional<Options> optionsOf(int count, char** arguments)
     };
     Options options;
     int found = 0;
-    // There is one thread yet.
+    // There is only one thread so far.
     while ((found = ::getopt_long(count, arguments, "", kOptions, nullptr)) != -1) { // NOLINT(concurrency-mt-unsafe)
         switch (found) {
         case stream:
@@ -62,7 +62,7 @@ std::optional<Options> optionsOf(int count, char** arguments)
         case root:
             options.root = optarg;
             break;
-        default: // getopt_long has told which
+        default: // getopt_long has printed which option is invalid
             return {};
         }
     }

@@ -1,11 +1,14 @@
 #include "check/cameras/CameraSearch.h"
 
 #include "camera/StatusName.h"
+#include "check/cameras/LibraryLog.h"
 #include "check/machine/Machine.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <functional>
+#include <future>
 #include <utility>
 
 namespace check {
@@ -14,15 +17,18 @@ using namespace Orvo;
 
 namespace {
 
-/// A network may make up cameras, each of which takes seconds to fail.
-constexpr std::size_t kMaxOpened = 16;
+/// Opening each of the cameras that an attacker on the network makes up takes seconds.
+constexpr std::uint32_t kMaxOpened = 16;
+
+/// A library of another maker may give any count.
+constexpr std::uint32_t kMaxListed = 1000;
 
 template <std::size_t Size> std::string textOf(const char (&field)[Size])
 {
     return {field, ::strnlen(field, Size)};
 }
 
-/// Whatever way it is left.
+/// Terminates the library however the search ends.
 class Library {
 public:
     Library()
@@ -41,24 +47,19 @@ private:
 
 std::string failureOf(const char* operation, CAM_API_STATUS status)
 {
-    return std::string(operation) + " fails with " + std::to_string(status) + " " + cameraStatusName(status);
+    return std::string(operation) + " fails with " + statusText(status);
 }
 
-std::vector<Camera> listedCameras(std::uint32_t count)
+Camera cameraOf(const CAM_INFO& info)
 {
-    std::vector<Camera> cameras;
-    for (std::uint32_t index = 0; index < count; ++index) {
-        Camera camera;
-        CAM_INFO info{};
-        camera.listed = Cam_GetInformation(0, index, &info) == CAM_API_STS_SUCCESS;
-        camera.link = static_cast<CAM_LINK>(info.link);
-        camera.vendor = textOf(info.vendorName);
-        camera.model = textOf(info.modelName);
-        camera.serial = textOf(info.serialNumber);
-        camera.userName = textOf(info.userDefinedName);
-        cameras.push_back(std::move(camera));
-    }
-    return cameras;
+    Camera camera;
+    camera.listed = true;
+    camera.link = static_cast<CAM_LINK>(info.link);
+    camera.vendor = textOf(info.vendorName);
+    camera.model = textOf(info.modelName);
+    camera.serial = textOf(info.serialNumber);
+    camera.userName = textOf(info.userDefinedName);
+    return camera;
 }
 
 bool isOn(CAM_HANDLE camera, const char* feature)
@@ -94,7 +95,7 @@ void open(std::uint32_t index, Camera& camera, const SystemFiles& files, Streami
     (void)Cam_Close(handle);
 }
 
-/// Brings what answers on the network together with what is listed.
+/// Assigns each answer to the listed camera that it comes from; an answer without one adds a camera.
 void addAnswers(std::vector<Camera>& cameras, std::vector<GigeAnswer> answers)
 {
     for (GigeAnswer& answer : answers) {
@@ -120,26 +121,43 @@ void addAnswers(std::vector<Camera>& cameras, std::vector<GigeAnswer> answers)
 
 } // namespace
 
+std::string statusText(CAM_API_STATUS status)
+{
+    std::string name = cameraStatusName(status);
+    name.erase(name.find_last_not_of(' ') + 1); // two names end in a blank
+    return std::to_string(status) + " " + name;
+}
+
 CameraSearch searchCameras(const std::vector<Interface>& interfaces, const SystemFiles& files, Streaming streaming)
 {
     CameraSearch search;
-    // Before any camera is opened: some do not answer a search while they are.
-    std::vector<GigeAnswer> answers = searchGige(interfaces);
-
-    const Library library;
-    if (library.status() != CAM_API_STS_SUCCESS)
-        search.failure = failureOf("Sys_Initialize", library.status());
+    // Both searches take a second. They end before a camera is opened, because some cameras do not answer then.
+    const LibraryLog log;
+    std::future<GigeSearch> asked = std::async(std::launch::async, searchGige, std::cref(interfaces));
     std::uint32_t count = 0;
-    const CAM_API_STATUS status = Sys_GetNumOfCameras(&count);
-    if (search.failure.empty() && status != CAM_API_STS_SUCCESS)
-        search.failure = failureOf("Sys_GetNumOfCameras", status);
-    if (search.failure.empty())
-        search.cameras = listedCameras(count);
-    const std::size_t listed = search.cameras.size();
-    for (std::size_t index = 0; index < std::min(listed, kMaxOpened); ++index)
-        open(static_cast<std::uint32_t>(index), search.cameras[index], files, streaming);
-    search.notOpened = listed - std::min(listed, kMaxOpened);
-    addAnswers(search.cameras, std::move(answers));
+    const Library library;
+    if (library.status() != CAM_API_STS_SUCCESS) {
+        search.failures.push_back(failureOf("Sys_Initialize", library.status()));
+    } else if (const CAM_API_STATUS status = Sys_GetNumOfCameras(&count); status != CAM_API_STS_SUCCESS) {
+        search.failures.push_back(failureOf("Sys_GetNumOfCameras", status));
+        count = 0;
+    }
+    for (const std::string& failure : log.failedSearches())
+        search.failures.push_back(failure);
+    GigeSearch gige = asked.get();
+    search.silent = std::move(gige.silent);
+    search.notOpened = count - std::min(count, kMaxOpened);
+    for (std::uint32_t index = 0; index < std::min(count, kMaxListed); ++index) {
+        CAM_INFO info{};
+        if (const CAM_API_STATUS status = Cam_GetInformation(0, index, &info); status != CAM_API_STS_SUCCESS) {
+            search.failures.push_back(failureOf("Cam_GetInformation", status));
+            continue;
+        }
+        search.cameras.push_back(cameraOf(info));
+        if (index < kMaxOpened)
+            open(index, search.cameras.back(), files, streaming);
+    }
+    addAnswers(search.cameras, std::move(gige.answers));
     return search;
 }
 

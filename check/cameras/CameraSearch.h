@@ -24,23 +24,27 @@ struct Camera {
     std::optional<GigeAnswer> answer;
     bool listed = false;
 
-    std::optional<Orvo::CAM_API_STATUS> opened; ///< what opening gave; nothing where it was not tried
-    std::string whyNot;                         ///< the library's text, where it has one
+    std::optional<Orvo::CAM_API_STATUS> opened; ///< the status of opening it, if that was tried
+    std::string whyNot;                         ///< the library's text, if it has one
     std::optional<std::int64_t> packetSize;
     bool waitsForTrigger = false;
     std::optional<StreamResult> stream;
-    std::uint64_t bufferErrors = 0; ///< datagrams that found no room in a receive buffer during the stream
+    std::uint64_t bufferErrors = 0; ///< datagrams dropped during the stream because a receive buffer was full
 };
 
 struct CameraSearch {
     std::vector<Camera> cameras;
-    std::string failure;       ///< what could not be done; empty where all was
-    std::size_t notOpened = 0; ///< cameras beyond the number that is opened
+    std::vector<std::string> failures;   ///< of the camera library
+    std::vector<SilentInterface> silent; ///< interfaces without a search
+    std::uint32_t notOpened = 0;         ///< listed cameras above the limit
 };
+
+/// Number and name.
+[[nodiscard]] std::string statusText(Orvo::CAM_API_STATUS status);
 
 enum class Streaming { no, yes };
 
-/// Lists the real cameras, opens each that is listed, and gives it back.
+/// Finds the real cameras, and opens and closes those that the camera library lists, up to a limit.
 [[nodiscard]] CameraSearch searchCameras(const std::vector<Interface>& interfaces, const SystemFiles& files,
                                          Streaming streaming);
 

@@ -31,7 +31,7 @@ constexpr std::uint8_t kDiscoveryAnswer = 0x03;
 constexpr std::size_t kHeaderSize = 8;
 constexpr std::size_t kBodySize = 0xf8;
 
-/// Where something stands in the body of an answer.
+/// The place of a field in the body of an answer.
 struct Field {
     std::size_t offset;
     std::size_t size;
@@ -44,11 +44,11 @@ constexpr Field kModel = {0x68, 32};
 constexpr Field kSerial = {0xd8, 16};
 constexpr Field kUserName = {0xe8, 16};
 
-/// How long cameras have to answer, and when those that may have missed the question are asked again.
+/// How long cameras have to answer, and when they are asked again because a packet may have been lost.
 constexpr std::chrono::milliseconds kListening{1000};
 constexpr std::chrono::milliseconds kAgain{300};
 
-/// No network has as many cameras.
+/// More than any network has.
 constexpr std::size_t kMaxAnswers = 1000;
 
 constexpr std::uint16_t kQuestion = 0x6f63; // any number but 0
@@ -67,7 +67,7 @@ std::string textAt(const std::uint8_t* body, const Field& field)
     return {begin, ::strnlen(begin, field.size)};
 }
 
-/// On one interface, for answers to the machine and for answers to all.
+/// Asks on one interface, and receives answers to this machine and broadcast ones.
 class Listener {
 public:
     explicit Listener(const Interface& interface)
@@ -76,11 +76,12 @@ public:
     {
         const int yes = 1;
         const sockaddr_in any = {AF_INET, 0, {INADDR_ANY}, {}};
-        m_works = m_descriptor >= 0 &&
-                  ::setsockopt(m_descriptor, SOL_SOCKET, SO_BINDTODEVICE, interface.name.data(),
-                               static_cast<socklen_t>(interface.name.size())) == 0 &&
-                  ::setsockopt(m_descriptor, SOL_SOCKET, SO_BROADCAST, &yes, sizeof yes) == 0 &&
-                  ::bind(m_descriptor, reinterpret_cast<const sockaddr*>(&any), sizeof any) == 0;
+        const bool works = m_descriptor >= 0 &&
+                           ::setsockopt(m_descriptor, SOL_SOCKET, SO_BINDTODEVICE, interface.name.data(),
+                                        static_cast<socklen_t>(interface.name.size())) == 0 &&
+                           ::setsockopt(m_descriptor, SOL_SOCKET, SO_BROADCAST, &yes, sizeof yes) == 0 &&
+                           ::bind(m_descriptor, reinterpret_cast<const sockaddr*>(&any), sizeof any) == 0;
+        m_error = works ? 0 : errno;
     }
     ~Listener()
     {
@@ -90,21 +91,24 @@ public:
     Listener(Listener&& other) noexcept
         : m_interface(other.m_interface)
         , m_descriptor(std::exchange(other.m_descriptor, -1))
-        , m_works(other.m_works)
+        , m_error(other.m_error)
     {
     }
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
     Listener& operator=(Listener&&) = delete;
 
-    [[nodiscard]] bool works() const { return m_works; }
+    /// 0, or the errno that keeps questions from being sent.
+    [[nodiscard]] int error() const { return m_error; }
     [[nodiscard]] int descriptor() const { return m_descriptor; }
 
     [[nodiscard]] const Interface& interface() const { return m_interface; }
 
-    /// From each address of the interface, or from none where it has none.
-    void ask() const
+    /// Asks from each address of the interface; from no address if it has none.
+    void ask()
     {
+        if (m_error != 0)
+            return;
         for (const Address& address : m_interface.addresses)
             askFrom(address.address);
         if (m_interface.addresses.empty())
@@ -113,7 +117,7 @@ public:
 
     [[nodiscard]] std::optional<GigeAnswer> receive() const
     {
-        std::array<std::uint8_t, 1024> bytes{}; // a longer answer is none
+        std::array<std::uint8_t, 1024> bytes{}; // answers are not longer
         const ssize_t size = ::recv(m_descriptor, bytes.data(), bytes.size(), MSG_TRUNC);
         if (size < 0 || static_cast<std::size_t>(size) > bytes.size())
             return {};
@@ -124,7 +128,7 @@ public:
     }
 
 private:
-    void askFrom(std::uint32_t address) const
+    void askFrom(std::uint32_t address)
     {
         std::array<std::uint8_t, kHeaderSize> question = {
             kCommandKey, kAnswerWanted | kAnswerToAllAllowed, 0, kDiscovery, 0, 0, kQuestion >> 8, kQuestion & 0xff};
@@ -145,16 +149,17 @@ private:
         in_pktinfo source{};
         source.ipi_spec_dst.s_addr = htonl(address);
         std::memcpy(CMSG_DATA(header), &source, sizeof source);
-        // An interface that sends nothing has no cameras either.
-        (void)::sendmsg(m_descriptor, &message, 0);
+        // A firewall refuses to send. Other errors mean that nobody can be reached, such as on a tunnel without a peer.
+        if (::sendmsg(m_descriptor, &message, 0) < 0 && errno == EPERM)
+            m_error = EPERM;
     }
 
     const Interface& m_interface;
     int m_descriptor;
-    bool m_works = false;
+    int m_error = 0;
 };
 
-/// Each camera once, as often as it answers. Of several interfaces the one whose network the camera is in counts.
+/// Adds each camera once, however often it answers. If it answers on several interfaces, the one in its network counts.
 void add(std::vector<GigeAnswer>& answers, GigeAnswer answer, const Interface& interface)
 {
     const auto known = std::find_if(answers.begin(), answers.end(), [&](const GigeAnswer& other) {
@@ -190,42 +195,45 @@ std::optional<GigeAnswer> answerIn(const std::uint8_t* bytes, std::size_t size, 
     return answer;
 }
 
-std::vector<GigeAnswer> searchGige(const std::vector<Interface>& interfaces)
+GigeSearch searchGige(const std::vector<Interface>& interfaces)
 {
+    GigeSearch search;
     std::vector<Listener> listeners;
     for (const Interface& interface : interfaces) {
-        if (!interface.up)
-            continue;
-        Listener listener(interface);
-        if (listener.works())
-            listeners.push_back(std::move(listener));
+        if (interface.up)
+            listeners.emplace_back(interface);
     }
     std::vector<pollfd> waited;
-    for (const Listener& listener : listeners) {
+    for (Listener& listener : listeners) {
         listener.ask();
-        waited.push_back({listener.descriptor(), POLLIN, 0});
+        waited.push_back({listener.error() == 0 ? listener.descriptor() : -1, POLLIN, 0});
     }
-    std::vector<GigeAnswer> answers;
     const Clock::time_point begin = Clock::now();
     bool again = false;
     for (;;) {
         const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
         if (passed >= kListening)
-            return answers;
+            break;
         if (!again && passed >= kAgain) {
             again = true;
-            for (const Listener& listener : listeners)
+            for (Listener& listener : listeners)
                 listener.ask();
         }
         const auto until = (again ? kListening : kAgain) - passed;
-        (void)::poll(waited.data(), waited.size(), static_cast<int>(until.count()) + 1);
+        if (::poll(waited.data(), waited.size(), static_cast<int>(until.count()) + 1) <= 0)
+            continue;
         for (std::size_t i = 0; i < listeners.size(); ++i) {
             if (waited[i].revents == 0)
                 continue;
             if (auto answer = listeners[i].receive())
-                add(answers, std::move(*answer), listeners[i].interface());
+                add(search.answers, std::move(*answer), listeners[i].interface());
         }
     }
+    for (const Listener& listener : listeners) {
+        if (listener.error() != 0)
+            search.silent.push_back({listener.interface().name, std::strerror(listener.error())});
+    }
+    return search;
 }
 
 } // namespace check

@@ -10,7 +10,7 @@
 
 namespace check {
 
-/// What a GigE Vision camera answers to a search: texts of its own, which nobody has checked.
+/// A GigE Vision camera's answer to a search. The texts are the camera's own and unchecked.
 struct GigeAnswer {
     std::string interface; ///< on which the answer came
     std::uint64_t mac = 0;
@@ -22,12 +22,23 @@ struct GigeAnswer {
     std::string userName;
 };
 
-/// Nothing for what is no whole answer to the question of this id.
+/// No value unless it is a complete answer to the question with this id.
 [[nodiscard]] std::optional<GigeAnswer> answerIn(const std::uint8_t* bytes, std::size_t size, std::uint16_t id);
 
-/// Asks on every interface that is switched on, for about a second whatever comes. The camera libraries tell neither
-/// the address of a camera that they cannot open, nor of cameras that are in another network than the interface: those
-/// are asked to answer all, which needs no way back to the machine.
-[[nodiscard]] std::vector<GigeAnswer> searchGige(const std::vector<Interface>& interfaces);
+/// An interface on which no question could be sent, and why.
+struct SilentInterface {
+    std::string name;
+    std::string reason;
+};
+
+struct GigeSearch {
+    std::vector<GigeAnswer> answers;
+    std::vector<SilentInterface> silent;
+};
+
+/// Asks on every interface that is switched on, and listens for a second. The exported functions neither tell the
+/// address of a camera nor list cameras in another network than the interface. Those cameras are asked to broadcast
+/// their answer, because they have no route to this machine.
+[[nodiscard]] GigeSearch searchGige(const std::vector<Interface>& interfaces);
 
 } // namespace check

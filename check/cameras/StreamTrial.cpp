@@ -16,12 +16,12 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds kTrial{2};
 constexpr std::uint32_t kBuffers = 8;
 
-/// Between the thread of the library that calls back and the one that waits.
+/// Shared by the library's thread, which calls back, and the thread that waits.
 struct Tally {
     std::mutex mutex;
     StreamResult result;
     std::uint64_t lastNumber = 0;
-    std::uint64_t missing = 0; ///< numbers between those of images
+    std::uint64_t missing = 0; ///< frame numbers that were skipped
 };
 
 void noteImage(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, CAM_IMAGE_INFO* info, std::uint32_t /*buffer*/,
@@ -29,7 +29,7 @@ void noteImage(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, CAM_IMAGE_INFO
 {
     auto& tally = *static_cast<Tally*>(context);
     const std::lock_guard lock(tally.mutex);
-    // A camera may begin anew, or lie.
+    // A camera may start counting again, or lie.
     if (tally.result.images++ > 0 && info->frameNumber > tally.lastNumber)
         tally.missing += info->frameNumber - tally.lastNumber - 1;
     tally.lastNumber = info->frameNumber;
@@ -44,13 +44,13 @@ void noteError(CAM_HANDLE /*camera*/, CAM_STRM_HANDLE /*stream*/, std::uint32_t 
     ++tally.result.incomplete;
 }
 
-/// Incomplete images have numbers, too, that no image has.
+/// Incomplete images are among the skipped frame numbers.
 std::uint64_t lostOf(const Tally& tally)
 {
     return tally.missing - std::min(tally.missing, tally.result.incomplete);
 }
 
-/// With the callbacks set; they go with the stream.
+/// Opens the stream and sets its callbacks.
 CAM_API_STATUS openStream(CAM_HANDLE camera, Tally& tally, CAM_STRM_HANDLE& stream)
 {
     CAM_API_STATUS status = Strm_OpenSimple(camera, &stream, nullptr, nullptr, kBuffers, nullptr);
@@ -76,7 +76,7 @@ StreamResult tryStream(CAM_HANDLE camera)
         tally.result.seconds = std::chrono::duration<double>(Clock::now() - begin).count();
         status = Strm_Stop(stream);
         tally.result.packetSize = packetSizeOf(camera);
-        // A camera that is gone lets itself be stopped, but answers nothing any more.
+        // Stopping a camera that is gone succeeds, but this call fails.
         std::uint32_t index = 0;
         if (Strm_GetCurrentBufferIndex(stream, &index) == CAM_API_STS_CAMERA_NOT_RESPONDING)
             status = CAM_API_STS_CAMERA_NOT_RESPONDING;

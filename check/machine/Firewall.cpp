@@ -1,18 +1,15 @@
 #include "check/machine/Firewall.h"
 
+#include "check/machine/Command.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
+#include <chrono>
 #include <map>
 #include <set>
 #include <utility>
 #include <vector>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace check {
 
@@ -20,13 +17,14 @@ namespace {
 
 using nlohmann::json;
 
-/// Above any rule set that a workstation has.
-constexpr std::size_t kLargestRuleSet = 16U << 20;
+/// Users do not have this folder in their path.
+constexpr const char* kNft = "/usr/sbin/nft";
+constexpr std::chrono::seconds kNftLimit{5};
 
 /// Deeper than any sensible chain of jumps.
 constexpr int kDeepest = 16;
 
-/// Sockets that get images have a port at least as high, by the default of the kernel.
+/// By default the kernel gives no lower port to the sockets that receive images.
 constexpr int kFirstOwnPort = 32768;
 
 enum class Match { no, maybe, yes };
@@ -51,7 +49,7 @@ std::vector<json> valuesOf(const json& right)
     return {right};
 }
 
-/// Its elements stand elsewhere.
+/// The elements of a named set are not in the rule.
 bool isNamedSet(const json& right)
 {
     return right.is_string() && right.get<std::string>().rfind('@', 0) == 0;
@@ -66,7 +64,7 @@ bool namesInterface(const json& pattern, const std::string& interface)
     return open ? interface.rfind(text.substr(0, text.size() - 1), 0) == 0 : text == interface;
 }
 
-/// Whether a port of ours may be among them.
+/// Whether this may be a port to which cameras send.
 bool mayBeOwnPort(const json& port)
 {
     if (port.is_number_integer())
@@ -114,11 +112,11 @@ Match matchOf(const json& match, const std::string& interface)
     return match.value("op", "==") == "!=" ? opposite(result) : result;
 }
 
-// Statements that let a packet go on, and those that do so up to some number or rate.
+// Statements that a packet always passes, and those that it passes up to a number or rate.
 const std::set<std::string> kHarmless = {"comment", "counter", "ct helper", "log", "mangle", "notrack", "set"};
 const std::set<std::string> kLimits = {"ct count", "limit", "quota"};
 
-/// The chains of a rule set, and the way of a packet through them.
+/// The chains of a rule set, and the path of a packet through them.
 class RuleSet {
 public:
     RuleSet(const json& ruleSet, std::string interface)
@@ -166,7 +164,7 @@ private:
 
     static bool concerns(const std::string& family) { return family == "inet" || family == "ip"; }
 
-    /// Nothing for the end of the chain.
+    /// No value if the packet reaches the end of the chain.
     [[nodiscard]] std::optional<Passage::Kind> follow(const std::string& key, int depth) const
     {
         const auto found = m_chains.find(key);
@@ -219,39 +217,6 @@ private:
     std::string m_interface;
 };
 
-/// What nft prints; nothing where it is missing or refuses.
-std::optional<std::string> printedRuleSet()
-{
-    int ends[2] = {-1, -1};
-    if (::pipe2(ends, O_CLOEXEC) != 0)
-        return {};
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    // Users do not have this folder in their path. The environment stays behind.
-    std::string arguments[] = {"/usr/sbin/nft", "--json", "list", "ruleset"};
-    std::array<char*, 5> command = {arguments[0].data(), arguments[1].data(), arguments[2].data(), arguments[3].data()};
-    std::array<char*, 1> environment = {};
-    pid_t process = -1;
-    const int error = ::posix_spawn(&process, command[0], &actions, nullptr, command.data(), environment.data());
-    ::posix_spawn_file_actions_destroy(&actions);
-    ::close(ends[1]);
-    std::string text;
-    if (error == 0) {
-        char part[4096];
-        ssize_t size = 0;
-        while ((size = ::read(ends[0], part, sizeof part)) > 0 && text.size() < kLargestRuleSet)
-            text.append(part, static_cast<std::size_t>(size));
-    }
-    ::close(ends[0]);
-    int status = 0;
-    if (error != 0 || ::waitpid(process, &status, 0) != process || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return {};
-    return text;
-}
-
 bool runs(const SystemFiles& files, const std::string& name)
 {
     const auto processes = files.entries("/proc");
@@ -284,7 +249,7 @@ Passage passageOf(const std::string& ruleSet, const std::string& interface)
 
 Firewall readFirewall(const SystemFiles& files)
 {
-    return {printedRuleSet(), managerIn(files)};
+    return {outputOf({kNft, "--json", "list", "ruleset"}, kNftLimit), SystemFiles().exists(kNft), managerIn(files)};
 }
 
 } // namespace check

@@ -7,25 +7,28 @@
 
 namespace check {
 
-/// What becomes of UDP packets of a new peer, such as a camera's answers and images.
+/// What happens to UDP packets from a new peer, such as a camera's answers and images.
 struct Passage {
     enum Kind {
         accepted,
         dropped,
-        unknown, ///< it depends on rules that are not understood, or on ports and addresses
+        unknown, ///< depends on ports, addresses, or rules that are not understood here
     };
     Kind kind = accepted;
-    std::string chain; ///< that does not simply accept them, as nft names it: "inet filter input"
+    std::string chain; ///< the one that does not simply accept them, as nft names it: "inet filter input"
 };
 
-/// By a rule set as `nft --json list ruleset` prints it. What is no rule set gives unknown.
+/// Evaluates a rule set as `nft --json list ruleset` prints it. Anything else gives unknown.
 [[nodiscard]] Passage passageOf(const std::string& ruleSet, const std::string& interface);
 
 struct Firewall {
-    /// The rule set as JSON; nothing where this user may not read it.
+    /// The rule set as JSON; no value if it cannot be read. Only root may read it.
     std::optional<std::string> ruleSet;
 
-    /// The one that the distribution's files and the running programs tell of: "ufw", "firewalld", "nftables" or none.
+    bool hasNft = false; ///< the program that prints it
+
+    /// The one that is on according to the distribution's files and the running programs: "ufw", "firewalld",
+    /// "nftables" or none.
     std::string manager;
 };
 

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <set>
+#include <sstream>
+#include <string_view>
 #include <utility>
 
 #include <arpa/inet.h>
@@ -34,7 +37,22 @@ int mtuOf(const std::string& name)
     return known ? request.ifr_mtu : 0;
 }
 
-/// The kernel takes the stricter of the setting for all interfaces and that of the interface, where loose counts most.
+/// The interfaces that have a default route.
+std::set<std::string> readDefaultRoutes(const SystemFiles& files)
+{
+    std::set<std::string> names;
+    std::istringstream lines(files.text("/proc/net/route").value_or(""));
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string name;
+        std::string destination;
+        if (words >> name >> destination && destination == "00000000")
+            names.insert(name);
+    }
+    return names;
+}
+
+/// The larger of two settings applies: that for all interfaces and that of the interface.
 std::optional<std::int64_t> reversePathFilterOf(const SystemFiles& files, const std::string& name)
 {
     const auto one = files.number("/proc/sys/net/ipv4/conf/" + name + "/rp_filter");
@@ -78,8 +96,11 @@ std::optional<std::vector<Interface>> readInterfaces(const SystemFiles& files)
         return {};
     std::map<std::string, Interface> found;
     for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
-        Interface& interface = found[entry->ifa_name];
-        interface.name = entry->ifa_name;
+        // An address may have a label, such as "eth0:1".
+        const std::string_view label = entry->ifa_name;
+        const std::string name(label.substr(0, label.find(':')));
+        Interface& interface = found[name];
+        interface.name = name;
         interface.up = (entry->ifa_flags & IFF_UP) != 0;
         interface.running = (entry->ifa_flags & IFF_RUNNING) != 0;
         interface.loopback = (entry->ifa_flags & IFF_LOOPBACK) != 0;
@@ -90,6 +111,7 @@ std::optional<std::vector<Interface>> readInterfaces(const SystemFiles& files)
     }
     ::freeifaddrs(list);
 
+    const std::set<std::string> defaultRoutes = readDefaultRoutes(files);
     std::vector<Interface> interfaces;
     for (auto& [name, interface] : found) {
         const std::string folder = "/sys/class/net/" + name + "/";
@@ -98,6 +120,7 @@ std::optional<std::vector<Interface>> readInterfaces(const SystemFiles& files)
             files.exists(folder + "device") && !files.exists(folder + "wireless") && !files.exists(folder + "phy80211");
         if (const auto speed = files.number(folder + "speed"); speed && *speed > 0)
             interface.speed = speed;
+        interface.leadsOut = defaultRoutes.count(name) != 0;
         interface.reversePathFilter = reversePathFilterOf(files, name);
         interfaces.push_back(std::move(interface));
     }

@@ -9,7 +9,7 @@
 
 namespace check {
 
-/// An IPv4 address in host byte order, with the bits of it that name the network.
+/// An IPv4 address in host byte order, and how many of its bits are the network's.
 struct Address {
     std::uint32_t address = 0;
     unsigned prefix = 32;
@@ -23,7 +23,7 @@ struct Address {
 /// With the prefix: "192.168.5.1/24".
 [[nodiscard]] std::string textOf(const Address& address);
 
-/// The bits that a subnet mask has; nothing for one with gaps.
+/// The number of bits in a subnet mask; no value for a mask with gaps.
 [[nodiscard]] std::optional<unsigned> prefixOf(std::uint32_t mask);
 
 struct Interface {
@@ -31,21 +31,24 @@ struct Interface {
     bool up = false;      ///< switched on
     bool running = false; ///< something is connected
     bool loopback = false;
-    bool wired = false; ///< an Ethernet card, not a wireless, virtual or tunnelled interface
+    bool wired = false;    ///< an Ethernet card, not a wireless, virtual or tunnelled interface
+    bool leadsOut = false; ///< has a default route
     int mtu = 0;
     std::optional<std::int64_t> speed;             ///< Mbit/s
     std::optional<std::int64_t> reversePathFilter; ///< 0 off, 1 strict, 2 loose
     std::vector<Address> addresses;
 
-    /// Whether cameras can be reached by it at all.
+    /// Whether cameras can be reached through it at all.
     [[nodiscard]] bool usable() const { return up && running && !addresses.empty(); }
 
-    /// Whether one of its networks has the address.
+    /// Whether it may be dedicated to cameras: an Ethernet card without a default route.
+    [[nodiscard]] bool dedicated() const { return wired && !leadsOut; }
+
+    /// Whether the address is in one of its networks.
     [[nodiscard]] bool reaches(std::uint32_t address) const;
 };
 
-/// Sorted by name. Names, states, addresses and MTU are those of the network that this process is in. Nothing where the
-/// system does not tell.
+/// The interfaces of this network namespace, sorted by name. No value if the system does not list them.
 [[nodiscard]] std::optional<std::vector<Interface>> readInterfaces(const SystemFiles& files);
 
 } // namespace check

@@ -7,8 +7,8 @@
 
 namespace check {
 
-/// The files in which the kernel and the distribution tell about the machine: /sys, /proc, /dev and /etc, below a root
-/// that is empty for the machine itself.
+/// The files with which the kernel and the distribution describe the machine: /sys, /proc, /dev and /etc. Tests put
+/// them into another folder, the root.
 class SystemFiles {
 public:
     explicit SystemFiles(std::string root = {});
@@ -18,17 +18,17 @@ public:
     /// Whether this user may read and write the file.
     [[nodiscard]] bool writable(const std::string& path) const;
 
-    /// Up to a limit that no such file needs; nothing where it cannot be read.
+    /// Its beginning, up to a length that no such file exceeds. No value if it cannot be read.
     [[nodiscard]] std::optional<std::string> text(const std::string& path) const;
 
-    /// The first line; empty where there is none.
+    /// The first line; empty if there is none.
     [[nodiscard]] std::string line(const std::string& path) const;
     [[nodiscard]] std::optional<std::int64_t> number(const std::string& path) const;
 
-    /// The names in a folder, sorted; none where it cannot be read.
+    /// The names in a folder, sorted; none if it cannot be read.
     [[nodiscard]] std::vector<std::string> entries(const std::string& path) const;
 
-    /// Empty for what is no symbolic link, or one of somebody else's.
+    /// Empty if it is not a symbolic link or cannot be read.
     [[nodiscard]] std::string linkTarget(const std::string& path) const;
 
 private:

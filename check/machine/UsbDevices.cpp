@@ -12,7 +12,7 @@ namespace {
 
 const std::string kDevices = "/sys/bus/usb/devices/";
 
-/// The beginning of "orvocam-transport": the kernel keeps 15 letters of a name.
+/// The kernel truncates "orvocam-transport" to 15 letters.
 constexpr const char* kTransport = "orvocam-transpo";
 
 bool isVisionControl(const SystemFiles& files, const std::string& interface)
@@ -41,7 +41,7 @@ std::string nameOf(const SystemFiles& files, int process)
     return files.line(folderOf(process) + "comm");
 }
 
-/// 0 where it is not told.
+/// 0 if it is unknown.
 int parentOf(const SystemFiles& files, int process)
 {
     const std::string status = files.text(folderOf(process) + "status").value_or("");
@@ -54,7 +54,7 @@ int parentOf(const SystemFiles& files, int process)
     return parent;
 }
 
-/// For a transport the program that uses it, which is what a user knows.
+/// The process; for a transport the program that uses it, because users know that one.
 Program programOf(const SystemFiles& files, int process)
 {
     const int parent = nameOf(files, process) == kTransport ? parentOf(files, process) : 0;
@@ -62,7 +62,7 @@ Program programOf(const SystemFiles& files, int process)
     return {known, nameOf(files, known)};
 }
 
-/// By the node that they have open.
+/// The programs that have a USB device open, by its node.
 std::map<std::string, std::vector<Program>> readHolders(const SystemFiles& files)
 {
     std::map<std::string, std::vector<Program>> holders;
@@ -87,12 +87,12 @@ std::map<std::string, std::vector<Program>> readHolders(const SystemFiles& files
 
 std::optional<std::vector<UsbDevice>> readUsbDevices(const SystemFiles& files)
 {
-    if (!files.exists("/sys/bus/usb"))
+    if (!files.exists(kDevices))
         return {};
     const auto holders = readHolders(files);
     std::vector<UsbDevice> devices;
     for (const std::string& interface : files.entries(kDevices)) {
-        // Interfaces are named after their device: "2-1:1.0" is one of "2-1".
+        // "2-1:1.0" is an interface of the device "2-1".
         const std::size_t colon = interface.find(':');
         if (colon == std::string::npos || !isVisionControl(files, interface))
             continue;

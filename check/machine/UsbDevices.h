@@ -14,7 +14,7 @@ struct Program {
     std::string name;
 };
 
-/// A device with the interface class of USB3 Vision, whether or not it can be opened. The texts are its own.
+/// A device with the interface class of USB3 Vision, even if it cannot be opened. The texts are the device's own.
 struct UsbDevice {
     std::string maker;
     std::string model;
@@ -24,14 +24,14 @@ struct UsbDevice {
     bool hasNode = false;
     bool allowed = false;         ///< this user may read and write the node
     std::string controlInterface; ///< as the kernel calls it: "2-1:1.0"
-    std::string driver;           ///< of its control interface: "usbfs" while a program has it, empty without one
-    std::vector<Program> holders; ///< that have the node open, of those that this user may look at
+    std::string driver;           ///< of its control interface: "usbfs" while a program has claimed it, or empty
+    std::vector<Program> holders; ///< that have the node open, as far as this user may see
 };
 
-/// Nothing where the machine has no USB, or does not tell.
+/// No value if /sys does not list them.
 [[nodiscard]] std::optional<std::vector<UsbDevice>> readUsbDevices(const SystemFiles& files);
 
-/// Programs of this machine that have found or opened cameras by the camera libraries.
+/// Programs on this machine that are using our camera library to search for cameras or to access one.
 [[nodiscard]] std::vector<Program> readCameraPrograms(const SystemFiles& files);
 
 } // namespace check

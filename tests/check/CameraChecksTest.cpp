@@ -43,7 +43,7 @@ TEST(CameraChecksTest, WorkingCamerasAreFine)
     for (const auto check : {checkCameras, checkAddresses, checkOpening, checkImages})
         EXPECT_THAT(check(view), Each(IsFine()));
     EXPECT_THAT(checkCameras(view), Contains(IsLine(Severity::good,
-                                                    "GigE camera Maker Model G1: is listed, at "
+                                                    "GigE camera Maker Model G1: is listed at "
                                                     "192.168.5.20 on enp3s0",
                                                     "")));
 }
@@ -66,11 +66,22 @@ TEST(CameraChecksTest, NoCameraIsWrong)
 TEST(CameraChecksTest, SearchThatFailedCouldNotLook)
 {
     View view = viewWithoutCameras();
-    view.search.failure = "Sys_Initialize fails";
+    view.search.failures = {"Sys_Initialize fails"};
     EXPECT_THAT(checkCameras(view), ElementsAre(IsLine(Severity::failed, "Sys_Initialize fails", "")));
     view = workingView();
     view.search.notOpened = 3;
-    EXPECT_THAT(checkCameras(view), Contains(IsLine(Severity::failed, "3 more are listed", "")));
+    EXPECT_THAT(checkCameras(view), Contains(IsLine(Severity::failed, "3 listed cameras are not opened", "")));
+}
+
+TEST(CameraChecksTest, FailureOfTheLibraryDoesNotHideCamerasThatAnswer)
+{
+    View view = viewWithoutCameras();
+    view.search.failures = {"Sys_Initialize fails"};
+    view.search.cameras = {workingCamera()};
+    view.search.cameras.front().listed = false;
+    EXPECT_THAT(checkCameras(view),
+                ElementsAre(IsLine(Severity::failed, "Sys_Initialize fails", ""),
+                            IsLine(Severity::good, "Model G1: answers at 192.168.5.20 on enp3s0", "")));
 }
 
 TEST(CameraChecksTest, CameraThatOnlyAnswersIsWrong)
@@ -89,7 +100,8 @@ TEST(CameraChecksTest, AddressOutsideTheNetworkIsWrong)
         EXPECT_THAT(lines, ElementsAre(IsLine(Severity::wrong, "is outside the network of enp3s0", "")));
         return lines.empty() ? std::string() : lines.front().cure;
     };
-    EXPECT_THAT(cureOf(0xa9fe1414, 0xffff0000), HasSubstr("ip address add 169.254.1.10/16 dev enp3s0, if nobody has"));
+    EXPECT_THAT(cureOf(0xa9fe1414, 0xffff0000),
+                HasSubstr("ip address add 169.254.1.10/16 dev enp3s0, if nothing else has"));
     EXPECT_THAT(cureOf(0xc0a8060a, 0xffffff00), HasSubstr("192.168.6.11/24 ")) << "the tenth is the camera's";
     EXPECT_THAT(cureOf(0x08080809, 0xffffff00), Not(HasSubstr("ip address"))) << "a public network";
     EXPECT_THAT(cureOf(0x0a000014, 0xff000000), HasSubstr("10.0.0.10/24 ")) << "not the whole of somebody's network";

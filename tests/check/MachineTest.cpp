@@ -34,7 +34,9 @@ TEST(MachineTest, MissingFilesTellNothing)
     const Machine machine = readMachine(SystemFiles(root.path()));
     EXPECT_FALSE(machine.usbDevices);
     EXPECT_FALSE(machine.usbMemory);
-    EXPECT_FALSE(machine.receiveBuffer);
+    EXPECT_GT(machine.receiveBuffer, 0) << "measured with a socket";
+    EXPECT_FALSE(machine.receiveBufferSetHere);
+    EXPECT_FALSE(machine.withoutUsb) << "/sys is missing as a whole";
     EXPECT_FALSE(machine.udevRule);
     EXPECT_THAT(machine.cameraPrograms, IsEmpty());
     EXPECT_EQ(machine.firewall.manager, "");
@@ -50,7 +52,31 @@ TEST(MachineTest, LimitsAreRead)
     const Machine machine = readMachine(SystemFiles(root.path()));
     EXPECT_EQ(machine.usbMemory, 16);
     EXPECT_EQ(machine.receiveBuffer, 212'992);
+    EXPECT_TRUE(machine.receiveBufferSetHere);
     EXPECT_TRUE(machine.udevRule);
+}
+
+TEST(MachineTest, MachineHasNoUsbIfSysHasNoSuchBus)
+{
+    const MadeUpRoot root;
+    root.write("/sys/bus/pci/devices/x", "");
+    EXPECT_TRUE(readMachine(SystemFiles(root.path())).withoutUsb);
+    root.write("/sys/bus/usb/drivers/x", "");
+    EXPECT_FALSE(readMachine(SystemFiles(root.path())).withoutUsb);
+    EXPECT_FALSE(readUsbDevices(SystemFiles(root.path()))) << "the devices themselves are not listed";
+}
+
+TEST(MachineTest, InterfaceOfADefaultRouteLeadsOut)
+{
+    const MadeUpRoot root;
+    const auto loopbackLeadsOut = [&](const char* routes) {
+        root.write("/proc/net/route", std::string("Iface\tDestination\tGateway\n") + routes);
+        const auto interfaces = readInterfaces(SystemFiles(root.path())).value_or(std::vector<Interface>());
+        return std::any_of(interfaces.begin(), interfaces.end(),
+                           [](const Interface& it) { return it.name == "lo" && it.leadsOut; });
+    };
+    EXPECT_TRUE(loopbackLeadsOut("lo\t00000000\t0105A8C0\n"));
+    EXPECT_FALSE(loopbackLeadsOut("lo\t0005A8C0\t00000000\neth0\t00000000\t0105A8C0\n"));
 }
 
 TEST(MachineTest, NumbersAreWholeLines)

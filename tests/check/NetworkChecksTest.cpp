@@ -61,6 +61,44 @@ TEST(NetworkChecksTest, WiredInterfaceHidesCamerasWhileNoneIsFound)
     EXPECT_THAT(checkInterfaces(view), Contains(IsLine(Severity::note, "enp4s0: is switched off", "sudo")));
 }
 
+TEST(NetworkChecksTest, UsbCameraDoesNotExcuseWhatHidesGigeCamerasOnADedicatedInterface)
+{
+    View view = viewWithoutCameras();
+    view.search.cameras = {listedAs(workingDevice())};
+    view.machine.firewall.ruleSet = kClosed;
+    view.machine.interfaces->front().reversePathFilter = 1;
+    view.machine.interfaces->push_back(workingInterface("enp4s0", 0xc0a80502));
+    view.machine.interfaces->back().addresses.push_back({0xc0a80601, 24});
+    Interface& dedicated = view.machine.interfaces->front();
+    EXPECT_THAT(checkReversePathFilter(view), ElementsAre(IsLine(Severity::wrong, "is strict", "sysctl")));
+    EXPECT_THAT(checkFirewall(view), Contains(IsLine(Severity::wrong, "on enp3s0: drops UDP", "sudo nft")));
+    EXPECT_THAT(checkNetworks(view), ElementsAre(IsLine(Severity::wrong, "enp4s0: 192.168.5.2/24 is in", "")));
+    dedicated.leadsOut = true;
+    view.machine.interfaces->back().leadsOut = true;
+    EXPECT_THAT(checkReversePathFilter(view), ElementsAre(IsLine(Severity::note, "is strict", "sysctl")));
+    EXPECT_THAT(checkFirewall(view), Contains(IsLine(Severity::note, "on enp3s0: drops UDP", "sudo nft")));
+    EXPECT_THAT(checkNetworks(view), ElementsAre(IsLine(Severity::note, "enp4s0: 192.168.5.2/24 is in", "")));
+    dedicated.leadsOut = false;
+    dedicated.wired = false;
+    EXPECT_THAT(checkReversePathFilter(view), ElementsAre(IsLine(Severity::note, "is strict", "sysctl")));
+    dedicated.wired = true;
+    dedicated.addresses.clear();
+    EXPECT_THAT(checkInterfaces(view), Contains(IsLine(Severity::wrong, "enp3s0: has no IPv4 address", "sudo ip")));
+    dedicated.running = false;
+    EXPECT_THAT(checkInterfaces(view), Contains(IsLine(Severity::note, "enp3s0: nothing is connected", "cable")))
+        << "an unused socket is no fault";
+}
+
+TEST(NetworkChecksTest, InterfaceWithoutASearchCouldNotBeLookedAt)
+{
+    View view = workingView();
+    view.search.silent = {{"enp3s0", "Operation not permitted"}};
+    EXPECT_THAT(checkInterfaces(view), Contains(IsLine(Severity::failed,
+                                                       "enp3s0: GigE cameras cannot be searched for "
+                                                       "on it: Operation not permitted",
+                                                       "firewall")));
+}
+
 TEST(NetworkChecksTest, LoopbackCountsOnlyWhereACameraAnswersOnIt)
 {
     View view = viewWithoutCameras();
@@ -96,6 +134,13 @@ TEST(NetworkChecksTest, StrictReversePathFilterHidesCameras)
     EXPECT_THAT(checkReversePathFilter(view), ElementsAre(line(Severity::note)));
 }
 
+TEST(NetworkChecksTest, ReversePathFilterThatIsNotToldCouldNotBeLookedAt)
+{
+    View view = workingView();
+    view.machine.interfaces->front().reversePathFilter.reset();
+    EXPECT_THAT(checkReversePathFilter(view), ElementsAre(IsLine(Severity::failed, "enp3s0: cannot be read", "")));
+}
+
 TEST(NetworkChecksTest, FirewallThatDropsIsWrong)
 {
     View view = viewWithoutCameras();
@@ -106,6 +151,9 @@ TEST(NetworkChecksTest, FirewallThatDropsIsWrong)
     view.search.cameras = {workingCamera()};
     EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::wrong, "drops UDP", "sudo nft")));
     view.search.cameras = {listedAs(workingDevice())};
+    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::wrong, "drops UDP", "sudo nft")));
+    view.search.cameras.push_back(workingCamera());
+    view.search.cameras.back().answer->interface = "enp4s0";
     EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::note, "drops UDP", "sudo nft")));
     view.machine.firewall.manager = "ufw";
     EXPECT_THAT(checkFirewall(view),
@@ -118,7 +166,7 @@ TEST(NetworkChecksTest, FirewallThatMayDropIsNoted)
 {
     View view = viewWithoutCameras();
     view.machine.firewall.ruleSet = kByAddress;
-    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::note, "depends on its rules", "sudo nft")));
+    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::note, "it depends on its rules", "sudo nft")));
 }
 
 TEST(NetworkChecksTest, FirewallOfWhichOnlyRootMayKnowIsGuessed)
@@ -131,11 +179,13 @@ TEST(NetworkChecksTest, FirewallOfWhichOnlyRootMayKnowIsGuessed)
     view.machine.firewall.manager = "ufw";
     EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::wrong, "ufw is on", "sudo ufw allow")));
     view.search.cameras = {workingCamera()};
-    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::good, "lets answers of cameras in", "")));
+    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::good, "accepts answers of cameras", "")));
     view.search.cameras.clear();
     view.machine.firewall.manager.clear();
     view.machine.root = true;
-    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::note, "cannot be read", "nftables")));
+    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::note, "cannot be read without nft", "nftables")));
+    view.machine.firewall.hasNft = true;
+    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::failed, "nft does not print its rules", "")));
 }
 
 TEST(NetworkChecksTest, SmallReceiveBufferIsWrongForGigeCameras)
@@ -144,13 +194,16 @@ TEST(NetworkChecksTest, SmallReceiveBufferIsWrongForGigeCameras)
     view.machine.receiveBuffer = 212'992;
     EXPECT_THAT(checkReceiveBuffer(view),
                 ElementsAre(IsLine(Severity::wrong, "212992 bytes", "sysctl -w net.core.rmem_max=33554432")));
+    view.machine.receiveBufferSetHere = false;
+    EXPECT_THAT(checkReceiveBuffer(view),
+                ElementsAre(IsLine(Severity::wrong, "212992 bytes", "outside this network namespace: sudo sysctl")));
     view.search.cameras = {listedAs(workingDevice())};
     EXPECT_THAT(checkReceiveBuffer(view), ElementsAre(IsLine(Severity::note, "212992 bytes", "sudo sysctl")));
     view = workingView();
     view.machine.receiveBuffer = 8'000'000;
     EXPECT_THAT(checkReceiveBuffer(view), ElementsAre(IsLine(Severity::note, "8000000 bytes", "sudo sysctl")));
     view.machine.receiveBuffer.reset();
-    EXPECT_THAT(checkReceiveBuffer(view), ElementsAre(IsLine(Severity::note, "cannot be read", "")));
+    EXPECT_THAT(checkReceiveBuffer(view), ElementsAre(IsLine(Severity::failed, "neither read nor measured", "")));
 }
 
 TEST(NetworkChecksTest, PacketsAboveTheMtuAreWrongWhereTheyHarm)

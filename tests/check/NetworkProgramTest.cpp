@@ -10,6 +10,9 @@
 #include <functional>
 #include <memory>
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 using nlohmann::json;
 using ::testing::AnyOf;
 using ::testing::Contains;
@@ -75,7 +78,7 @@ TEST_F(NetworkProgramTest, InterfaceOfTheCameraIsTold)
 {
     const ProgramRun found = runUntilListed("--stream");
     EXPECT_THAT(found.linesOf("interface"), ElementsAre(Says("ok", "cam0", "192.168.5.1/24, MTU 1500")));
-    EXPECT_THAT(found.linesOf("camera"), ElementsAre(Says("ok", "GV-Test", "at 192.168.5.20 on cam0")));
+    EXPECT_THAT(found.linesOf("camera"), ElementsAre(Says("ok", "GV-Test", "is listed at 192.168.5.20 on cam0")));
     EXPECT_THAT(found.linesOf("firewall"), ElementsAre(Says("ok", "cam0", "no nftables rule drops UDP")));
     // Its packets come in pieces, so that a busy machine may lose some.
     EXPECT_THAT(found.linesOf("mtu"),
@@ -113,6 +116,41 @@ TEST_F(NetworkProgramTest, FirewallThatDropsIsFound)
     EXPECT_THAT(cured.linesOf("firewall"), ElementsAre(Says("ok", "cam0", "no nftables rule drops UDP")));
     EXPECT_THAT(cured.linesOf("camera"), ElementsAre(Says("ok", "GV-Test", "is listed")));
     shell("nft delete table inet filter");
+}
+
+TEST_F(NetworkProgramTest, FirewallThatForbidsTheSearchIsTold)
+{
+    shell("nft add table inet filter");
+    shell("nft 'add chain inet filter output { type filter hook output priority 0; policy drop; }'");
+    const ProgramRun found = runCheck("--json");
+    EXPECT_THAT(found.linesOf("interface"), Contains(Says("failed", "cam0", "Operation not permitted")));
+    EXPECT_EQ(found.status, 2);
+    shell("nft delete table inet filter");
+}
+
+// The kernel names an address with a label after the label, which is no interface.
+TEST_F(NetworkProgramTest, LabelledAddressBelongsToItsInterface)
+{
+    shell("ip address add 10.0.0.1/24 dev cam0 label cam0:1");
+    const ProgramRun found = runCheck("--json");
+    EXPECT_THAT(found.linesOf("interface"), ElementsAre(Says("ok", "cam0", "10.0.0.1/24")));
+    EXPECT_THAT(found.linesOf("interface"), ElementsAre(Says("ok", "cam0", "192.168.5.1/24")));
+}
+
+// The kernel hides the limit in this network namespace, or it can be read here as well.
+TEST_F(NetworkProgramTest, LimitOfTheReceiveBufferIsTold)
+{
+    const int descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    int size = 1 << 30;
+    socklen_t length = sizeof size;
+    ASSERT_EQ(::setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &size, sizeof size), 0);
+    ASSERT_EQ(::getsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &size, &length), 0);
+    ::close(descriptor);
+    const auto lines = runCheck("--json").linesOf("receive-buffer");
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_NE(lines[0]["severity"], "failed");
+    EXPECT_EQ(lines[0]["text"].get<std::string>().rfind("at most " + std::to_string(size / 2) + " bytes", 0), 0U)
+        << lines[0];
 }
 
 TEST_F(NetworkProgramTest, InterfaceWithoutAddressIsFound)

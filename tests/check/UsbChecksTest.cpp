@@ -4,6 +4,7 @@ using namespace check;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 TEST(UsbChecksTest, WorkingCameraIsFine)
 {
@@ -16,11 +17,14 @@ TEST(UsbChecksTest, WorkingCameraIsFine)
                                                           "")));
 }
 
-TEST(UsbChecksTest, MachineWithoutUsbIsNoted)
+TEST(UsbChecksTest, MachineWithoutUsbIsNotedAndOneThatDoesNotTellCouldNotBeLookedAt)
 {
     View view = workingView();
     view.machine.usbDevices.reset();
+    EXPECT_THAT(checkUsbDevices(view), ElementsAre(IsLine(Severity::failed, "/sys does not list", "")));
+    view.machine.withoutUsb = true;
     EXPECT_THAT(checkUsbDevices(view), ElementsAre(IsLine(Severity::note, "this machine has none", "")));
+    view.machine.withoutUsb = false;
     view.machine.usbDevices.emplace();
     EXPECT_THAT(checkUsbDevices(view), ElementsAre(IsLine(Severity::good, "no device", "")));
 }
@@ -54,6 +58,8 @@ TEST(UsbChecksTest, ProgramThatHasTheCameraIsNamed)
     View view = workingView();
     UsbDevice& device = view.machine.usbDevices->front();
     device.driver = "usbfs";
+    EXPECT_THAT(checkUsbHolders(view), IsEmpty()) << "it has been released since, as the camera opens";
+    view.search.cameras.front().opened = Orvo::CAM_API_STS_BUSY;
     EXPECT_THAT(checkUsbHolders(view),
                 ElementsAre(IsLine(Severity::wrong, "one of another user", "sudo orvocam-check")));
     device.holders = {{42, "grabber"}, {43, "other"}};
@@ -71,24 +77,65 @@ TEST(UsbChecksTest, CameraThatIsNotListedIsWrong)
     View view = workingView();
     view.search.cameras.front().serial = "other";
     EXPECT_THAT(checkUsbHolders(view), ElementsAre(IsLine(Severity::wrong, "does not list it", "ORVO_CAMERA_LOG")));
-    // Other checks tell of these.
+    // Other checks report these.
     view.machine.usbDevices->front().allowed = false;
     EXPECT_THAT(checkUsbHolders(view), IsEmpty());
     view.machine.usbDevices->front().allowed = true;
-    view.search.failure = "the search failed";
+    view.search.failures = {"the search failed"};
     EXPECT_THAT(checkUsbHolders(view), IsEmpty());
 }
 
-TEST(UsbChecksTest, LittleMemoryIsWrongForUsbCameras)
+TEST(UsbChecksTest, HeldCameraIsOneFinding)
+{
+    View view = workingView();
+    view.machine.usbDevices->front().driver = "usbfs";
+    for (const auto status : {Orvo::CAM_API_STS_BUSY, Orvo::CAM_API_STS_ACCESS_DENIED}) {
+        view.search.cameras = {listedAs(workingDevice())};
+        view.search.cameras.front().opened = status;
+        EXPECT_THAT(checkUsbHolders(view), SizeIs(1));
+        EXPECT_THAT(checkOpening(view), IsEmpty());
+    }
+    view.search.cameras.front().opened = Orvo::CAM_API_STS_XML_LOAD_ERR;
+    EXPECT_THAT(checkUsbHolders(view), IsEmpty()) << "it was not held when it was opened";
+    EXPECT_THAT(checkOpening(view), SizeIs(1));
+    view.machine.usbDevices->front().driver.clear();
+    view.search.cameras.front().opened = Orvo::CAM_API_STS_BUSY;
+    EXPECT_THAT(checkUsbHolders(view), IsEmpty());
+    EXPECT_THAT(checkOpening(view), SizeIs(1)) << "nothing else tells it";
+}
+
+TEST(UsbChecksTest, LittleMemoryIsWrongIfATrialFails)
 {
     View view = workingView();
     view.machine.usbMemory = 16;
-    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::wrong, "16 MiB", "echo 256 | sudo tee")));
-    view.machine.usbDevices->clear();
-    view.search.cameras.clear();
     EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::note, "16 MiB", "echo 256 | sudo tee")));
-    view.machine.usbMemory = 0;
-    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::good, "no limit", "")));
+    auto& stream = view.search.cameras.front().stream.emplace();
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::note, "16 MiB", "echo 256 | sudo tee")))
+        << "no image, perhaps because no trigger comes";
+    stream.images = 50;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::good, "16 MiB", "")));
+    stream.incomplete = 1;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::wrong, "16 MiB", "echo 256 | sudo tee")));
+    stream.incomplete = 0;
+    stream.status = Orvo::CAM_API_STS_NO_MEMORY;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::wrong, "16 MiB", "echo 256 | sudo tee")));
+    view.search.cameras.front().link = Orvo::CAM_LINK_GIGE_VISION;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::note, "16 MiB", "")))
+        << "a GigE camera needs none of it";
+    view.machine.usbMemory = 128;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsFine()));
+}
+
+TEST(UsbChecksTest, MemoryMattersToUsbCamerasOnly)
+{
+    View view = viewWithoutCameras();
+    view.machine.usbMemory = 16;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsFine()));
     view.machine.usbMemory.reset();
     EXPECT_THAT(checkUsbMemory(view), IsEmpty());
+    view = workingView();
+    view.machine.usbMemory.reset();
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::failed, "cannot be read", "")));
+    view.machine.usbMemory = 0;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::good, "no limit", "")));
 }

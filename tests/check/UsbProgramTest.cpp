@@ -88,8 +88,10 @@ TEST_F(UsbProgramTest, ProgramThatHasTheCameraIsNamed)
 {
     m_root.link("/sys/bus/usb/devices/2-1:1.0/driver", "../../../../bus/usb/drivers/usbfs");
     m_root.startProgram(40, "grabber", 1, "/dev/bus/usb/002/003");
+    ASSERT_TRUE(usb::setFault("claimed by another program"));
     const ProgramRun found = run();
     EXPECT_EQ(found.status, 1) << found.output;
+    EXPECT_THAT(found.linesOf("open"), IsEmpty()) << "it would say the same again";
     EXPECT_THAT(found.linesOf("usb-holder"), ElementsAre(Says("wrong", "grabber (process 40)")));
 }
 

@@ -71,6 +71,7 @@ namespace check {
     view.machine.usbDevices = {workingDevice()};
     view.machine.usbMemory = 256;
     view.machine.receiveBuffer = 33'554'432;
+    view.machine.receiveBufferSetHere = true;
     view.machine.firewall.ruleSet = R"({"nftables": []})";
     view.machine.udevRule = true;
     view.machine.inPlugdev = true;

@@ -37,7 +37,7 @@ std::optional<GigeAnswer> parsed(const std::vector<std::uint8_t>& bytes)
 
 } // namespace
 
-TEST(GigeAnswerTest, TellsTheCamera)
+TEST(GigeSearchTest, TellsTheCamera)
 {
     const auto answer = parsed(goodAnswer());
     ASSERT_TRUE(answer);
@@ -50,7 +50,7 @@ TEST(GigeAnswerTest, TellsTheCamera)
     EXPECT_EQ(answer->userName, "left");
 }
 
-TEST(GigeAnswerTest, EverythingElseIsNoAnswer)
+TEST(GigeSearchTest, EverythingElseIsNoAnswer)
 {
     for (std::size_t size = 0; size < 256; ++size) {
         auto shorter = goodAnswer();
@@ -63,4 +63,17 @@ TEST(GigeAnswerTest, EverythingElseIsNoAnswer)
         changed[i] ^= 1;
         EXPECT_FALSE(parsed(changed)) << "byte " << i << " of the header";
     }
+}
+
+TEST(GigeSearchTest, InterfaceOnWhichNothingCanBeSentIsTold)
+{
+    Interface missing;
+    missing.name = "missing0";
+    missing.up = true;
+    Interface off;
+    off.name = "off0";
+    const GigeSearch search = searchGige({missing, off});
+    ASSERT_EQ(search.silent.size(), 1U) << "nobody expects a search on an interface that is switched off";
+    EXPECT_EQ(search.silent[0].name, "missing0");
+    EXPECT_EQ(search.silent[0].reason, "No such device");
 }
