@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -139,7 +140,7 @@ const Row kRows[] = {
      "Another program or driver has the camera"},
 };
 
-/// The longest that the documented limits allow, and what a busy machine takes besides.
+/// The longest time that the documented limits allow, plus what a busy machine needs.
 std::chrono::seconds limitOf(Before before)
 {
     constexpr std::chrono::seconds kBusy(15);
@@ -295,5 +296,13 @@ std::string nameOf(const ::testing::TestParamInfo<Row>& info)
 }
 
 } // namespace
+
+TEST(UsbFaultTableTest, EachFaultHasARow)
+{
+    for (const std::string& fault : usb::faultNames()) {
+        EXPECT_TRUE(std::any_of(std::begin(kRows), std::end(kRows), [&](const Row& row) { return row.fault == fault; }))
+            << fault;
+    }
+}
 
 INSTANTIATE_TEST_SUITE_P(Each, UsbFaultTest, ::testing::ValuesIn(kRows), nameOf);

@@ -7,6 +7,7 @@ using namespace Orvo;
 
 using UsbRemovalTest = StreamingUsb;
 using UsbRemovalOpenTest = OpenUsb;
+using UsbRemovalListedTest = ListedUsb;
 
 namespace {
 
@@ -81,6 +82,21 @@ TEST_F(UsbRemovalTest, TransferFindsOutThatTheCameraIsGone)
     EXPECT_EQ(Sys_WaitForSignal(m_signal, kPatienceMs), CAM_API_STS_SUCCESS);
 }
 
+TEST_F(UsbRemovalOpenTest, AnnouncedRemovalIsNoticedWhileIdle)
+{
+    const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
+    const int before = usb::commands();
+    usb::unplug();
+    ASSERT_EQ(Sys_WaitForSignal(m_signal, kPatienceMs), CAM_API_STS_SUCCESS);
+    std::int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(m_camera, width, &value), kGone);
+    EXPECT_EQ(Nd_SetIntValue(m_camera, width, 64), kGone);
+    EXPECT_EQ(openStream(), kGone);
+    EXPECT_EQ(usb::commands(), before) << "a lost camera is not asked";
+    EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+    replug();
+}
+
 TEST_F(UsbRemovalOpenTest, RegisterAccessFindsOutThatTheCameraIsGone)
 {
     const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
@@ -142,4 +158,24 @@ TEST_F(UsbRemovalTest, CameraUnpluggedAtAnyMomentOfAStart)
     }
     EXPECT_EQ(status, CAM_API_STS_SUCCESS);
     EXPECT_GT(moments, 10);
+}
+
+TEST_F(UsbRemovalListedTest, CameraUnpluggedAtEachCommandOfOpening)
+{
+    CAM_API_STATUS status = kGone;
+    int command = 0;
+    while (status != CAM_API_STS_SUCCESS) {
+        usb::unplugAtCommand(++command);
+        CAM_HANDLE camera = 0;
+        status = open(&camera);
+        usb::unplugAtCommand(0);
+        if (status == CAM_API_STS_SUCCESS)
+            break;
+        EXPECT_EQ(status, kGone) << "command " << command;
+        usb::plugIn();
+        ASSERT_EQ(enumerate(), 1U) << "command " << command;
+        ASSERT_EQ(open(&camera), CAM_API_STS_SUCCESS) << "command " << command;
+        ASSERT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
+    }
+    EXPECT_GT(command, 10);
 }
