@@ -95,8 +95,9 @@ TEST_F(GigeProgramTest, CamerasThatWorkAreNoFindingAndAreClosedAgain)
     plugIn({kFake, "-i", "127.0.0.2", "-s", "A99"});
     const ProgramRun found = runUntilListed(2);
     EXPECT_EQ(found.status, 0) << found.output;
-    ASSERT_THAT(found.report()["cameras"], SizeIs(2));
-    for (const json& camera : found.report()["cameras"]) {
+    const json cameras = found.report()["cameras"];
+    ASSERT_THAT(cameras, SizeIs(2));
+    for (const json& camera : cameras) {
         EXPECT_EQ(camera["vendor"], "Aravis");
         EXPECT_EQ(camera["address"], camera["serialNumber"] == "A99" ? "127.0.0.2" : "127.0.0.1");
         EXPECT_EQ(camera["openStatus"], 0);
