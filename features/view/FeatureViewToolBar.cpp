@@ -3,6 +3,7 @@
 #include "features/view/FeatureView.h"
 
 #include <QIcon>
+#include <QPixmap>
 #include <QToolBar>
 
 namespace {
@@ -45,7 +46,8 @@ void FeatureView::createToolBar()
     m_toolBar = new QToolBar(this);
     for (std::size_t i = 0; i < m_actions.size(); ++i) {
         const ToolActionSpec& spec = kToolActions[i];
-        m_actions[i] = std::make_unique<QAction>(QIcon(QString::fromLatin1(spec.icon)), tr(spec.text));
+        // The icon is made from a pixmap for the same reason as m_foldedIcon.
+        m_actions[i] = std::make_unique<QAction>(QIcon(QPixmap(QString::fromLatin1(spec.icon))), tr(spec.text));
         m_actions[i]->setCheckable(spec.checkable);
         m_actions[i]->setChecked(spec.checked);
         m_actions[i]->setToolTip(tr(spec.toolTip));

@@ -41,6 +41,7 @@ private slots:
     void order();
     void standsAboveTheTable();
     void buttonsAreClickedByMouse();
+    void iconsAreSharedByAllViews();
 };
 
 void FeatureViewToolBarTest::actions_data()
@@ -105,6 +106,36 @@ void FeatureViewToolBarTest::buttonsAreClickedByMouse()
     scripted::clearCalls();
     click(1); // refresh
     QCOMPARE(scripted::count("Nd_GetAccessMode"), features.view().items().size());
+}
+
+/// Identifies the drawn icons of the tool bar and of the table.
+QVector<qint64> drawnIcons(FeatureTable& features)
+{
+    QVector<QIcon> icons;
+    for (const QAction* const action : features.view().findChild<QToolBar*>()->actions())
+        icons << action->icon();
+    const QAbstractItemModel& model = *features.table().model();
+    for (int row = 0; row < model.rowCount(); ++row)
+        icons << model.index(row, 0).data(Qt::DecorationRole).value<QIcon>();
+    QVector<qint64> keys;
+    for (const QIcon& icon : qAsConst(icons)) {
+        if (!icon.isNull())
+            keys << icon.pixmap(24, 24).cacheKey();
+    }
+    return keys;
+}
+
+// Qt caches each icon that it has drawn. New ones for each opened camera would fill its cache of 10 MB.
+void FeatureViewToolBarTest::iconsAreSharedByAllViews()
+{
+    QVector<qint64> drawn[2];
+    for (QVector<qint64>& icons : drawn) {
+        FeatureTable features;
+        features.show();
+        icons = drawnIcons(features);
+    }
+    QVERIFY2(drawn[0].size() > static_cast<int>(std::size(kActions)), "the table has icons, too");
+    QCOMPARE(drawn[1], drawn[0]);
 }
 
 } // namespace
