@@ -3,6 +3,7 @@
 #include "camera/OrvoCamUtl.h"
 #include "tests/cameralibs/devices/transport/Transports.h"
 #include "tests/cameralibs/transport/ChildProcess.h"
+#include "tests/cameralibs/transport/gige/Resources.h"
 #include "tests/support/FeatureHand.h"
 #include "tests/support/OpenedCamera.h"
 #include "tests/support/Patience.h"
@@ -13,17 +14,28 @@
 #include <QTemporaryFile>
 #include <QtTest>
 
+#include <atomic>
 #include <csignal>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 using namespace Orvo;
 
 namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
+/// Searches that give the result of the last one. Each search takes a second.
+std::atomic<int> skippedSearches{0};
 
 /// Diverts standard error to a file while it exists.
 class ErrorOutput {
@@ -71,6 +83,7 @@ private slots:
     void transportKilledWhileLive();
     void cameraKilledWhileIdle();
     void cameraKilledWhileBrowsing();
+    void sessionsLeaveNothingBehind();
 
 private:
     void plugIn(const std::vector<std::string>& options = {})
@@ -91,6 +104,16 @@ private:
             },
             kPatienceMs));
     }
+
+    static void setFrameRate(double rate)
+    {
+        // No category lists this feature of the camera.
+        CAM_NODE_HANDLE node = 0;
+        QCOMPARE(Nd_GetNode(opened::camera(), "AcquisitionFrameRate", &node), CAM_API_STS_SUCCESS);
+        QCOMPARE(Nd_SetFloatValue(opened::camera(), node, rate), CAM_API_STS_SUCCESS);
+    }
+
+    void runSessions(int count);
 
     std::unique_ptr<ChildProcess> m_camera;
     std::unique_ptr<WindowDriver> m_window;
@@ -126,10 +149,7 @@ void GigeViewerTest::everyImageIsReceived()
 {
     QFETCH(double, rate);
     open();
-    // No category lists this feature of the camera.
-    CAM_NODE_HANDLE node = 0;
-    QCOMPARE(Nd_GetNode(opened::camera(), "AcquisitionFrameRate", &node), CAM_API_STS_SUCCESS);
-    QCOMPARE(Nd_SetFloatValue(opened::camera(), node, rate), CAM_API_STS_SUCCESS);
+    setFrameRate(rate);
     QString tally;
     const auto everyImage = [&] {
         const ErrorOutput output;
@@ -276,7 +296,66 @@ void GigeViewerTest::cameraKilledWhileBrowsing()
     QCOMPARE(hand.shown("Width"), QString("512"));
 }
 
+void GigeViewerTest::runSessions(int count)
+{
+    constexpr int kSkipped = 19;
+    for (int session = 0; session < count; ++session) {
+        if (session % (kSkipped + 1) == 1)
+            skippedSearches = kSkipped;
+        open();
+        m_window->start();
+        QVERIFY(m_images->waitForMore(1));
+        m_window->stop();
+        m_window->close();
+        // If an image is incomplete, the n-th session writes n lines.
+        m_window->clearLog();
+    }
+    skippedSearches = 0;
+}
+
+void GigeViewerTest::sessionsLeaveNothingBehind()
+{
+    constexpr std::size_t kGrowthKb = 1024;
+    open();
+    // Small images: how many of them the window keeps for further use depends on the moment.
+    QCOMPARE(opened::set("Width", 64), CAM_API_STS_SUCCESS);
+    QCOMPARE(opened::set("Height", 64), CAM_API_STS_SUCCESS);
+    setFrameRate(200);
+    m_window->close();
+    runSessions(10); // fills caches
+    const Resources before = Resources::now();
+    runSessions(kSanitized ? 10 : 100);
+    Resources after;
+    const auto isBack = [&] {
+        after = Resources::now();
+        return after.within(before);
+    };
+    QVERIFY2(QTest::qWaitFor(isBack, kPatienceMs), qPrintable(QString("%1 descriptors, %2 threads, %3 processes")
+                                                                  .arg(after.descriptors - before.descriptors)
+                                                                  .arg(after.threads - before.threads)
+                                                                  .arg(after.children - before.children)));
+    // Sanitizers keep what is freed.
+    QVERIFY2(kSanitized || after.memory <= before.memory + kGrowthKb,
+             qPrintable(QString("from %1 to %2 KB").arg(before.memory).arg(after.memory)));
+    qInfo("memory: from %zu to %zu KB", before.memory, after.memory);
+}
+
 } // namespace
+
+// Overrides the camera library's function and calls it.
+extern "C" __attribute__((visibility("default"))) CAM_API_STATUS Sys_GetNumOfCameras(std::uint32_t* count)
+{
+    static const auto next = reinterpret_cast<decltype(&Orvo::Sys_GetNumOfCameras)>(dlsym(RTLD_NEXT, __func__));
+    static std::atomic<std::uint32_t> last{0};
+    if (skippedSearches > 0) {
+        --skippedSearches;
+        *count = last;
+        return CAM_API_STS_SUCCESS;
+    }
+    const CAM_API_STATUS status = next(count);
+    last = *count;
+    return status;
+}
 
 QTEST_MAIN(GigeViewerTest)
 #include "GigeViewerTest.moc"
