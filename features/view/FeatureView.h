@@ -233,8 +233,8 @@ private:
     HeldChanges* m_heldChanges = nullptr; // set during a full re-read
     int m_colouredRow = -1;               // the row that was coloured last
     std::array<RowColours, 6> m_rowColours;
-    // Made from pixmaps, of which Qt caches one for each file. An icon that is made from a file has a pixmap of its own,
-    // whose drawings stay in the cache when the view is gone.
+    // Made from pixmaps: Qt keeps one for each file. An icon made from a file has a pixmap of its own, whose drawings
+    // stay in Qt's cache when the view is gone.
     QIcon m_foldedIcon{QPixmap(QStringLiteral(":/images/FeatureView/images/Folded.png"))};
     QIcon m_expandedIcon{QPixmap(QStringLiteral(":/images/FeatureView/images/Collapsed.png"))};
 };
