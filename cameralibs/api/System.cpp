@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <new>
+
+#include <pthread.h>
 
 namespace cameralibs {
 
@@ -23,25 +26,49 @@ constexpr std::chrono::milliseconds kClosingLimit{700};
 /// Processor time that reading and evaluating the description may take when a camera is opened.
 constexpr std::chrono::milliseconds kOpeningLimit{2000};
 
-/// The only System of the process, if any.
+/// The state of the library in this process.
 struct Root {
-    std::mutex mutex;
+    std::mutex mutex; ///< guards the next members
     std::shared_ptr<System> system;
     bool terminating = false;
+    std::uint32_t layers = 0; ///< as given to the last initialize()
+    bool inherited = false;   ///< the process was forked from one with a System, and has none of its own yet
+
+    std::mutex providers; ///< serialises listing and opening devices and parsing descriptions; Aravis requires that
 };
+
+void leaveSystemToParent();
 
 /// Never destroyed: a program may exit while cameras are open and threads still use them.
 Root& root()
 {
-    static auto& theRoot = *std::make_unique<Root>().release();
+    static Root& theRoot = []() -> Root& {
+        (void)::pthread_atfork(nullptr, nullptr, leaveSystemToParent);
+        return *std::make_unique<Root>().release();
+    }();
     return theRoot;
 }
 
-/// Serialises listing and opening devices and parsing descriptions, for which Aravis is not thread-safe.
-std::mutex& providerMutex()
+/// Runs in a forked process, which has the objects of its parent, but none of the threads that serve them and unlock
+/// their mutexes. Destroying the objects would close the parent's cameras, so they are left as they are.
+void leaveSystemToParent()
 {
-    static std::mutex mutex;
-    return mutex;
+    Root& theRoot = root();
+    const bool inherited = theRoot.inherited || (theRoot.system != nullptr && !theRoot.terminating);
+    const std::uint32_t layers = theRoot.layers;
+    new (&theRoot) Root;
+    theRoot.inherited = inherited;
+    theRoot.layers = layers;
+}
+
+/// To be called with the mutex locked. Most forked processes never use the library, so the System is made here.
+const std::shared_ptr<System>& ownSystem()
+{
+    if (root().inherited) {
+        root().system = std::make_shared<System>(root().layers);
+        root().inherited = false;
+    }
+    return root().system;
 }
 
 // getenv() is safe here: nobody changes the environment while the library is initialised.
@@ -85,7 +112,7 @@ System::~System() = default;
 std::shared_ptr<System> System::current()
 {
     const std::lock_guard lock(root().mutex);
-    return root().terminating ? nullptr : root().system;
+    return root().terminating ? nullptr : ownSystem();
 }
 
 CAM_API_STATUS System::initialize(std::uint32_t layers)
@@ -94,10 +121,11 @@ CAM_API_STATUS System::initialize(std::uint32_t layers)
     // Waiting for the termination could deadlock: it waits for callbacks, and this may be called from one.
     if (root().terminating)
         return CAM_API_STS_NOT_INITIALIZED;
-    if (root().system != nullptr)
+    if (ownSystem() != nullptr)
         return CAM_API_STS_ALREADY_INITIALIZED;
     setLogLevel(environment("ORVO_CAMERA_LOG"));
     root().system = std::make_shared<System>(layers);
+    root().layers = layers;
     return CAM_API_STS_SUCCESS;
 }
 
@@ -106,7 +134,7 @@ CAM_API_STATUS System::terminate()
     std::shared_ptr<System> system;
     {
         const std::lock_guard lock(root().mutex);
-        if (root().system == nullptr || root().terminating)
+        if (ownSystem() == nullptr || root().terminating)
             return CAM_API_STS_NOT_INITIALIZED;
         root().terminating = true;
         system = root().system;
@@ -121,7 +149,7 @@ CAM_API_STATUS System::terminate()
 
 std::uint32_t System::enumerate()
 {
-    const std::lock_guard providers(providerMutex());
+    const std::lock_guard providers(root().providers);
     throwUnless(!m_ended, CAM_API_STS_NOT_INITIALIZED);
     std::vector<Listed> found;
     for (const auto& provider : m_providers) {
@@ -188,7 +216,7 @@ void System::updateRecord(Camera& camera) const
 void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CAM_HANDLE* handle)
 {
     const Listed entry = listed(index);
-    const std::lock_guard providers(providerMutex());
+    const std::lock_guard providers(root().providers);
     throwUnless(!m_ended, CAM_API_STS_NOT_INITIALIZED);
     throwUnless(!isOpen(entry.info), CAM_API_STS_ALREADY_OPENED);
     std::unique_ptr<Device> device;
@@ -346,7 +374,7 @@ void System::shutDown()
     (void)m_streams.close();
     for (const auto& signal : m_signals.close())
         signal->close(CAM_API_STS_NOT_INITIALIZED);
-    const std::lock_guard providers(providerMutex());
+    const std::lock_guard providers(root().providers);
     m_providers.clear();
     m_ended = true;
 }

@@ -382,6 +382,25 @@ TEST_F(RogueTransportTest, SearchEndsInTime)
     }
 }
 
+// The thread that searches holds locks, and does not exist in the forked process.
+TEST_F(RogueTransportTest, ProcessForkedDuringASearchCanSearch)
+{
+    tell("slow search");
+    std::thread search([] { (void)list(); });
+    EXPECT_TRUE(becomes([] { return !transports().empty(); }));
+    tell("");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(30); // ends it if it waits for ever
+        const bool found = list() == 1;
+        ::_exit(found && Sys_Terminate() == CAM_API_STS_SUCCESS ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    search.join();
+}
+
 TEST_F(RogueTransportTest, OpeningEndsInTime)
 {
     ASSERT_EQ(list(), 1U);

@@ -46,6 +46,20 @@ protected:
                Cam_Open(0, &camera, 0, 1, nullptr, 1) == CAM_API_STS_SUCCESS;
     }
 
+    /// Whether the expectations of `work` hold in a forked process.
+    template <class Work> [[nodiscard]] static bool holdsInForkedProcess(const Work& work)
+    {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::alarm(60); // ends it if it waits for ever
+            work();
+            ::_exit(HasFailure() ? 1 : 0);
+        }
+        int status = -1;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        return status == 0;
+    }
+
     static void expectWholeSession()
     {
         CAM_HANDLE camera = 0;
@@ -205,14 +219,54 @@ TEST_F(TransportProcessTest, ProgramMayHaveNoDescriptorLeft)
 
 TEST_F(TransportProcessTest, ForkedProcessCanUseCameras)
 {
-    const pid_t child = ::fork();
-    if (child == 0) {
+    EXPECT_TRUE(holdsInForkedProcess([] { expectWholeSession(); }));
+}
+
+TEST_F(TransportProcessTest, ProcessForkedAfterASearchCanUseCameras)
+{
+    std::uint32_t count = 0;
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    ASSERT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(holdsInForkedProcess([] {
+        std::uint32_t found = 0;
+        CAM_HANDLE camera = 0;
+        EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_ALREADY_INITIALIZED);
+        EXPECT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_INVALID_CAMERA_INDEX) << "nothing is listed";
+        EXPECT_EQ(Sys_GetNumOfCameras(&found), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(found, 1U);
+        EXPECT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(intOf(camera, "Width"), 320);
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
         expectWholeSession();
-        ::_exit(HasFailure() ? 1 : 0);
-    }
-    int status = -1;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    }));
+    CAM_HANDLE camera = 0;
+    EXPECT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS) << "the list of the parent remains";
+}
+
+// Whatever the forked process does, the camera goes on sending images to its parent.
+TEST_F(TransportProcessTest, ForkedProcessCannotTouchTheCamerasOfItsParent)
+{
+    CAM_HANDLE camera = 0;
+    CAM_STRM_HANDLE stream = 0;
+    ASSERT_TRUE(open(camera));
+    ASSERT_EQ(Strm_OpenSimple(camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+    StreamRecorder recorder;
+    recorder.attachTo(stream);
+    ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+    const CAM_NODE_HANDLE width = nodeOf(camera, "Width");
+    EXPECT_TRUE(holdsInForkedProcess([=] {
+        std::int64_t value = 0;
+        EXPECT_EQ(Nd_GetIntValue(camera, width, &value), CAM_API_STS_INVALID_CAMERA_HANDLE);
+        EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_INVALID_STREAM_HANDLE);
+        EXPECT_EQ(Cam_Close(camera), CAM_API_STS_INVALID_CAMERA_HANDLE);
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_NOT_INITIALIZED);
+    }));
+    recorder.clear();
+    EXPECT_TRUE(recorder.waitForImages(3));
+    EXPECT_EQ(intOf(camera, "Width"), 320);
+    EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
 }
 
 // A stopped transport stands for one that was taken over: neither looks at its channels.
