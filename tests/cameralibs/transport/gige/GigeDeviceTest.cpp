@@ -7,15 +7,36 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
+#include <algorithm>
 #include <csignal>
 #include <fstream>
-#include <thread>
+#include <sstream>
+#include <string>
 
 #include <gtest/gtest.h>
 
 using namespace Orvo;
 using ::testing::ElementsAre;
+
+namespace {
+
+/// Of the UDP sockets in this network: the bytes that the kernel has received and the program has not.
+std::size_t longestReceiveQueue()
+{
+    std::ifstream table("/proc/self/net/udp");
+    std::string line;
+    std::getline(table, line); // the headings
+    std::size_t longest = 0;
+    while (std::getline(table, line)) {
+        std::istringstream fields(line);
+        std::string number, local, remote, state, queues;
+        fields >> number >> local >> remote >> state >> queues;
+        longest = std::max<std::size_t>(longest, std::stoul(queues.substr(queues.find(':') + 1), nullptr, 16));
+    }
+    return longest;
+}
+
+} // namespace
 
 TEST_F(GigeDeviceTest, InformationIdentifiesTheCamera)
 {
@@ -165,7 +186,7 @@ TEST_F(GigeDeviceTest, FirstImageFitsIntoTheSocketBuffer)
     ASSERT_THAT(transports(), ::testing::SizeIs(1));
     const pid_t transport = transports().front();
     ASSERT_EQ(::kill(transport, SIGSTOP), 0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(2000)); // the image has arrived
+    EXPECT_TRUE(becomes([] { return longestReceiveQueue() >= 512UL * 512; })) << longestReceiveQueue();
     ASSERT_EQ(::kill(transport, SIGCONT), 0);
     EXPECT_TRUE(m_recorder.waitForImages(1));
     EXPECT_THAT(m_recorder.errors(), ::testing::IsEmpty());
