@@ -1,10 +1,11 @@
-// Measures the cost of a GigE Vision camera, and how fast it can send. Covers both processes, in a separate network
-// namespace:
+// Measures the cost of a GigE Vision camera in both processes beside bare Aravis in this one, and how fast it can send.
+// Runs in a separate network namespace:
 //
 //     tests/cameralibs/transport/own-network build/release/bin/gige_images
 //
 // Set LD_LIBRARY_PATH to measure another build of the camera library.
 
+#include "benchmarks/AravisPeer.h"
 #include "benchmarks/Process.h"
 #include "benchmarks/Report.h"
 #include "camera/OrvoCamApi.h"
@@ -31,21 +32,24 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kStreaming{10};
+constexpr std::chrono::seconds kStreaming{5};
+constexpr int kStreamingRounds = 3;
 constexpr int kRounds = 15;
+constexpr int kSearches = 5;
+
+// What separate processes may cost.
+constexpr double kMostMoreMilliseconds = 30;
+constexpr double kMostMoreMicroseconds = 40; ///< per image
 
 struct Row {
-    std::int64_t width;
-    std::int64_t height;
-    const char* format;
-    double rate;
+    aravis::Images images;
     double leastRate;
     bool mayLose;
 };
 
 /// The second row has the data rate of 20 Mono8 images of 20 million pixels per second: more than sender and receiver
 /// together can process on two cores without losses.
-constexpr Row kRows[] = {{640, 200, "Mono8", 1000, 950, false}, {2048, 2048, "RGB8", 32, 27, true}};
+constexpr Row kRows[] = {{{640, 200, "Mono8", 1000}, 950, false}, {{2048, 2048, "RGB8", 32}, 27, true}};
 
 struct Seen {
     std::atomic<std::uint64_t> images{0};
@@ -83,12 +87,16 @@ double millisecondsOf(const std::function<void()>& step)
     return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
 }
 
-report::Figure milliseconds(const std::function<void()>& step)
+/// Prints both medians and what the first is more than the second.
+void compare(const std::string& what, std::vector<double> ours, std::vector<double> peers, const char* unit,
+             double mostMore)
 {
-    std::vector<double> times;
-    for (int i = 0; i < kRounds; ++i)
-        times.push_back(millisecondsOf(step));
-    return report::figureOf(std::move(times));
+    const report::Figure own = report::figureOf(std::move(ours));
+    const report::Figure peer = report::figureOf(std::move(peers));
+    report::print(what, own, unit);
+    report::print(what + ", bare Aravis", peer, unit);
+    report::print(what + ": more than bare Aravis", report::single(own.median - peer.median), unit,
+                  mostMore > 0 ? report::atMost(mostMore) : report::Goal{});
 }
 
 CAM_NODE_HANDLE nodeOf(CAM_HANDLE camera, const char* name)
@@ -115,10 +123,10 @@ Streamed stream(const Row& row)
 {
     Seen seen;
     const CAM_HANDLE camera = open();
-    require(Nd_SetIntValue(camera, nodeOf(camera, "Width"), row.width), "Width");
-    require(Nd_SetIntValue(camera, nodeOf(camera, "Height"), row.height), "Height");
-    require(Nd_SetEnumStrValue(camera, nodeOf(camera, "PixelFormat"), row.format), "PixelFormat");
-    require(Nd_SetFloatValue(camera, nodeOf(camera, "AcquisitionFrameRate"), row.rate), "AcquisitionFrameRate");
+    require(Nd_SetIntValue(camera, nodeOf(camera, "Width"), row.images.width), "Width");
+    require(Nd_SetIntValue(camera, nodeOf(camera, "Height"), row.images.height), "Height");
+    require(Nd_SetEnumStrValue(camera, nodeOf(camera, "PixelFormat"), row.images.format), "PixelFormat");
+    require(Nd_SetFloatValue(camera, nodeOf(camera, "AcquisitionFrameRate"), row.images.rate), "AcquisitionFrameRate");
     CAM_STRM_HANDLE handle = 0;
     require(Strm_OpenSimple(camera, &handle, nullptr, nullptr, 8, nullptr), "Strm_OpenSimple");
     (void)Strm_SetCallbackImageAcquired(
@@ -147,19 +155,41 @@ Streamed stream(const Row& row)
             static_cast<double>(sent - seen.images + seen.dropped + seen.failed), spent * 1e6 / std::max(images, 1.0)};
 }
 
-/// Repeats if images were lost, because other programs may have used the processors.
+/// Alternately with bare Aravis. Rounds that lost images are repeated, because other programs may have used the
+/// processors.
 void measureAndPrint(const Row& row)
 {
-    constexpr int attempts = 3;
-    Streamed streamed = stream(row);
-    for (int i = 1; i < attempts && streamed.lost > 0 && !row.mayLose; ++i)
-        streamed = stream(row);
-    const std::string name = std::to_string(row.width) + " x " + std::to_string(row.height) + " " + row.format + ": ";
-    report::print(name + "images a second, of " + std::to_string(std::lround(row.rate)), report::single(streamed.rate),
-                  "", report::atLeast(row.leastRate));
-    report::print(name + "images lost or incomplete", report::single(streamed.lost), "",
+    std::vector<double> rates;
+    std::vector<double> lost;
+    std::vector<double> ours;
+    std::vector<double> peers;
+    double peerImages = 0;
+    double peerFailed = 0;
+    const auto lostSome = [&] { return !row.mayLose && *std::min_element(lost.begin(), lost.end()) > 0; };
+    for (int i = 0; i < kStreamingRounds || (i < 2 * kStreamingRounds && lostSome()); ++i) {
+        const Streamed own = stream(row);
+        rates.push_back(own.rate);
+        lost.push_back(own.lost);
+        ours.push_back(own.microseconds);
+        const aravis::Streamed peer = aravis::stream(row.images, kStreaming);
+        peers.push_back(peer.processorSeconds * 1e6 / std::max(peer.images, 1.0));
+        peerImages += peer.images;
+        peerFailed += peer.failed;
+    }
+    const std::string name =
+        std::to_string(row.images.width) + " x " + std::to_string(row.images.height) + " " + row.images.format + ": ";
+    const double fewestLost = *std::min_element(lost.begin(), lost.end());
+    const double peerSeconds = std::chrono::duration<double>(kStreaming).count() * static_cast<double>(peers.size());
+    report::print(name + "images a second, of " + std::to_string(std::lround(row.images.rate)),
+                  report::figureOf(std::move(rates)), "", report::atLeast(row.leastRate));
+    report::print(name + "images a second, bare Aravis", report::single(peerImages / peerSeconds));
+    report::print(name + "images lost or incomplete in the best round", report::single(fewestLost), "",
                   row.mayLose ? report::Goal{} : report::atMost(0));
-    report::print(name + "processor time for an image, both processes", report::single(streamed.microseconds), "us");
+    report::print(name + "images incomplete in a round, bare Aravis",
+                  report::single(peerFailed / static_cast<double>(peers.size())));
+    // Losses distort the comparison of the larger images.
+    compare(name + "processor time for an image", std::move(ours), std::move(peers), "us",
+            row.mayLose ? 0 : kMostMoreMicroseconds);
 }
 
 } // namespace
@@ -173,16 +203,25 @@ int main()
     std::uint32_t count = 0;
     for (int i = 0; i < kRounds && count == 0; ++i)
         require(Sys_GetNumOfCameras(&count), "Sys_GetNumOfCameras");
-    report::print("discovery", milliseconds([&] { require(Sys_GetNumOfCameras(&count), "Sys_GetNumOfCameras"); }),
-                  "ms");
+    require(aravis::search() ? CAM_API_STS_SUCCESS : CAM_API_STS_NOT_FOUND, "arv_update_device_list");
+    std::vector<double> searches;
+    std::vector<double> peerSearches;
+    for (int i = 0; i < kSearches; ++i) {
+        searches.push_back(millisecondsOf([&] { require(Sys_GetNumOfCameras(&count), "Sys_GetNumOfCameras"); }));
+        peerSearches.push_back(millisecondsOf([] { (void)aravis::search(); }));
+    }
+    compare("discovery", std::move(searches), std::move(peerSearches), "ms", kMostMoreMilliseconds);
     std::vector<double> opening;
+    std::vector<double> peerOpening;
     std::vector<double> closing;
     for (int i = 0; i < kRounds; ++i) {
         CAM_HANDLE camera = 0;
         opening.push_back(millisecondsOf([&] { camera = open(); }));
         closing.push_back(millisecondsOf([&] { require(Cam_Close(camera), "Cam_Close"); }));
+        peerOpening.push_back(aravis::open());
+        require(peerOpening.back() < 0 ? CAM_API_STS_CAMERA_NOT_RESPONDING : CAM_API_STS_SUCCESS, "arv_open_device");
     }
-    report::print("Cam_Open", report::figureOf(std::move(opening)), "ms");
+    compare("Cam_Open", std::move(opening), std::move(peerOpening), "ms", kMostMoreMilliseconds);
     report::print("Cam_Close", report::figureOf(std::move(closing)), "ms", report::atMost(1000));
     for (const Row& row : kRows)
         measureAndPrint(row);
