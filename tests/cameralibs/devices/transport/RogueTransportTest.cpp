@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -20,9 +21,10 @@
 #include <string>
 #include <thread>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/ptrace.h>
-#include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -38,21 +40,23 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
-/// Lowers the priority of this process below that of transports that never pause, so that there is always something to
-/// read.
-class Outrun {
+/// Delays this process at every packet that it receives, so that transports that never pause have always sent another
+/// one.
+class SlowReceiver {
 public:
-    Outrun() { prefer(19); }
-    ~Outrun() { prefer(0); } // if that is allowed
-    Outrun(const Outrun&) = delete;
-    Outrun& operator=(const Outrun&) = delete;
+    SlowReceiver() { s_slow = true; }
+    ~SlowReceiver() { s_slow = false; }
+    SlowReceiver(const SlowReceiver&) = delete;
+    SlowReceiver& operator=(const SlowReceiver&) = delete;
+
+    static void waitIfSlow()
+    {
+        if (s_slow)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 
 private:
-    static void prefer(int niceness)
-    {
-        for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task"))
-            (void)::setpriority(PRIO_PROCESS, static_cast<id_t>(std::stoul(thread.path().filename())), niceness);
-    }
+    static inline std::atomic<bool> s_slow{false};
 };
 
 /// Of another process.
@@ -117,7 +121,7 @@ protected:
         });
         EXPECT_TRUE(becomes([&] { return threadsOf(transports().front()) > threads; })) << "the flood has not begun";
         {
-            const Outrun outrun;
+            const SlowReceiver slow;
             expectWithin(std::chrono::seconds(1), [this] { close(); });
         }
         access.join();
@@ -161,6 +165,14 @@ private:
 };
 
 } // namespace
+
+/// Overrides the function of the C library, also for the camera library, and calls it.
+extern "C" __attribute__((visibility("default"))) ssize_t recvmsg(int socket, msghdr* message, int flags)
+{
+    static const auto next = reinterpret_cast<decltype(&::recvmsg)>(::dlsym(RTLD_NEXT, "recvmsg"));
+    SlowReceiver::waitIfSlow();
+    return next(socket, message, flags);
+}
 
 TEST_F(RogueTransportTest, InvalidRepliesToHello)
 {
@@ -282,7 +294,7 @@ TEST_F(RogueTransportTest, ProgressWithoutPauseDoesNotProlongAnAccess)
     ASSERT_EQ(list(), 1U);
     tell("flood progress");
     ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
-    const Outrun outrun;
+    const SlowReceiver slow;
     std::int64_t value = 0;
     expectWithin(std::chrono::seconds(10),
                  [&] { EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone); });
@@ -294,7 +306,7 @@ TEST_F(RogueTransportTest, FloodsDoNotProlongClosing)
         ASSERT_EQ(list(), 1U);
         tell(lie);
         ASSERT_EQ(open(), CAM_API_STS_SUCCESS) << lie;
-        const Outrun outrun;
+        const SlowReceiver slow;
         expectWithin(std::chrono::seconds(1), [this] { close(); });
     }
 }
@@ -382,6 +394,7 @@ TEST_F(RogueTransportTest, SearchEndsInTime)
     }
 }
 
+#if !defined(__SANITIZE_THREAD__) // which supports no threads in a process that was forked from one with threads
 // The thread that searches holds locks, and does not exist in the forked process.
 TEST_F(RogueTransportTest, ProcessForkedDuringASearchCanSearch)
 {
@@ -400,6 +413,7 @@ TEST_F(RogueTransportTest, ProcessForkedDuringASearchCanSearch)
     EXPECT_EQ(status, 0);
     search.join();
 }
+#endif
 
 TEST_F(RogueTransportTest, OpeningEndsInTime)
 {
