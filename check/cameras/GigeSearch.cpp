@@ -117,9 +117,9 @@ public:
 
     [[nodiscard]] std::optional<GigeAnswer> receive() const
     {
-        std::array<std::uint8_t, 1024> bytes{}; // answers are not longer
-        const ssize_t size = ::recv(m_descriptor, bytes.data(), bytes.size(), MSG_TRUNC);
-        if (size < 0 || static_cast<std::size_t>(size) > bytes.size())
+        std::array<std::uint8_t, 1024> bytes{};
+        const ssize_t size = ::recv(m_descriptor, bytes.data(), bytes.size(), 0);
+        if (size < 0)
             return {};
         auto answer = answerIn(bytes.data(), static_cast<std::size_t>(size), kQuestion);
         if (answer)

@@ -173,6 +173,15 @@ TEST_F(GigeProgramTest, CameraWithoutARouteToThisMachineIsFoundByItsBroadcast)
         << "it does not ask for broadcast answers";
 }
 
+// Such as a camera with two network ports.
+TEST_F(GigeProgramTest, AddressesOfOneMacAddressAreAllTold)
+{
+    plugIn({ANSWERS, "--address", "10.0.0.20", "--to-all", "--count", "2", "--same-mac"});
+    const ProgramRun found = runUntil([](const ProgramRun& run) { return !run.linesOf("address").empty(); });
+    EXPECT_THAT(found.linesOf("address"), ::testing::UnorderedElementsAre(Says("wrong", "10.0.0.20 is outside"),
+                                                                          Says("wrong", "10.0.0.21 is outside")));
+}
+
 TEST_F(GigeProgramTest, BrokenAnswersAreIgnoredAndTextsDoNotReachTheTerminal)
 {
     plugIn({ANSWERS, "--address", "10.0.0.20", "--to-all", "--broken", "--serial", "\\x1b[2J\\x07\\xff"});

@@ -60,6 +60,14 @@ TEST_F(UsbProgramTest, StreamIsTried)
     EXPECT_GT(stream["bytesPerSecond"], 0.0);
 }
 
+TEST_F(UsbProgramTest, CameraUnpluggedInTheTrialIsAFinding)
+{
+    ASSERT_TRUE(usb::setFault("unplugged in a payload"));
+    const ProgramRun found = run("--stream");
+    EXPECT_EQ(found.status, 1) << found.output;
+    EXPECT_THAT(found.linesOf("images"), ElementsAre(Says("wrong", "its stream fails with 19 ")));
+}
+
 TEST_F(UsbProgramTest, CameraThatMayNotBeOpenedIsAFinding)
 {
     m_root.forbidUsbCamera();
