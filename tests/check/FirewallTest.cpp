@@ -85,6 +85,8 @@ TEST(FirewallTest, RulesForTheInterfaceCount)
     EXPECT_EQ(passage(input("drop"), accepts(R"("cam*")")), Passage::accepted);
     EXPECT_EQ(passage(input("drop"), accepts(R"({"set": ["lo", "cam0"]})")), Passage::accepted);
     EXPECT_EQ(passage(input("drop"), accepts(R"("lo")")), Passage::dropped);
+    EXPECT_EQ(passage(input("drop"), accepts(R"("cam1")")), Passage::dropped);
+    EXPECT_EQ(passage(input("drop"), accepts(R"("can*")")), Passage::dropped);
     EXPECT_EQ(passage(input("drop"), rule(match(meta("iifname"), R"("lo")", "!=") + "," + kAccept)), Passage::accepted);
 }
 

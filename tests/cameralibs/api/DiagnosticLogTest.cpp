@@ -285,6 +285,32 @@ TEST_F(DiagnosticLogTest, FailedImagesAreLoggedOnceAndCounted)
     }
 }
 
+TEST_F(DiagnosticLogTest, StreamWithoutLossesIsNoWarning)
+{
+    Log log("info");
+    {
+        ::setenv("ORVO_SIMULATED_CAMERAS", "1", 1); // NOLINT(concurrency-mt-unsafe)
+        StreamRecorder recorder;
+        std::uint32_t count = 0;
+        CAM_HANDLE camera = 0;
+        CAM_STRM_HANDLE stream = 0;
+        ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+        ASSERT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        ASSERT_EQ(Cam_Open(0, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+        setEntry(camera, "TriggerMode", "On");
+        ASSERT_EQ(Strm_OpenSimple(camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+        recorder.attachTo(stream);
+        ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+        execute(camera, "TriggerSoftware");
+        ASSERT_TRUE(recorder.waitForImages(1));
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    }
+    const Lines lines = ours(log.end());
+    EXPECT_THAT(lines, Contains(MatchesRegex(".* info: SIM-M1280 SIM-1: stream stopped; 1 images received, .*; "
+                                             "0 failed, 0 frame numbers missing")));
+    EXPECT_THAT(lines, Not(Contains(HasSubstr("warning"))));
+}
+
 TEST_F(DiagnosticLogTest, LostCameraIsLogged)
 {
     Log log("warning");

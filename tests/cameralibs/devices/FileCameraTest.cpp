@@ -78,6 +78,17 @@ TEST(FileCameraTest, InitialValuesAreWithinTheirRanges)
     EXPECT_EQ(camera->integer("Height"), 960);
 }
 
+TEST(FileCameraTest, InitialEntryIsAvailable)
+{
+    const std::string mode =
+        "<EnumEntry Name=\"Absent\"><pIsImplemented>Off</pIsImplemented><Value>3</Value></EnumEntry>"
+        "<EnumEntry Name=\"Locked\"><pIsAvailable>Off</pIsAvailable><Value>4</Value></EnumEntry>";
+    const FileCamera camera(descriptionOf("Finch", "Mode",
+                                          "<Integer Name=\"Off\"><Value>0</Value></Integer>" +
+                                              enumerationNode("Mode", 0x100, mode + entry("Open", 5))));
+    EXPECT_EQ(camera->choice("Mode"), "Open");
+}
+
 TEST(FileCameraTest, RegistersAreMemory)
 {
     const FileCamera camera(imagingCamera(entry("Mono8", 0x01080001)));

@@ -60,6 +60,8 @@ public:
             std::thread([this] { tellEvents(); }).detach();
         for (int i = 0; lie() == "flood log" && i < 4; ++i)
             std::thread(writeLines).detach();
+        if (lie() == "log in single bytes")
+            std::thread(writeBytes).detach();
         Packet packet;
         while (m_control.receive(packet, Clock::time_point::max(), Channel::Descriptors::accept) == Received::packet) {
             answer(packet);
@@ -100,6 +102,15 @@ private:
     {
         for (;;)
             (void)writeLine();
+    }
+
+    /// The pauses are long enough for the library to read each byte alone.
+    static void writeBytes()
+    {
+        for (const char byte : std::string_view("<4>A line in single bytes\n")) {
+            (void)!::write(STDERR_FILENO, &byte, 1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
     }
 
     /// Exits, while a forked process goes on writing lines for longer than the library may read them.

@@ -16,6 +16,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <iterator>
 #include <string>
@@ -162,6 +163,26 @@ public:
 private:
     const int m_before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
     std::thread m_reader;
+};
+
+class StandardErrorIn {
+public:
+    explicit StandardErrorIn(const std::filesystem::path& file)
+    {
+        const int to = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        ::dup2(to, STDERR_FILENO);
+        ::close(to);
+    }
+    ~StandardErrorIn()
+    {
+        ::dup2(m_before, STDERR_FILENO);
+        ::close(m_before);
+    }
+    StandardErrorIn(const StandardErrorIn&) = delete;
+    StandardErrorIn& operator=(const StandardErrorIn&) = delete;
+
+private:
+    const int m_before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
 };
 
 } // namespace
@@ -339,6 +360,31 @@ TEST_F(RogueTransportTest, FloodsOfTheLogDoNotProlongClosing)
         EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone);
         expectWithin(std::chrono::seconds(1), [this] { close(); });
     }
+    ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+}
+
+TEST_F(RogueTransportTest, LinesThatArriveInSingleBytesAreLoggedWhole)
+{
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ::setenv("ORVO_CAMERA_LOG", "warning", 1); // NOLINT(concurrency-mt-unsafe)
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    m_signal = 0;
+    EXPECT_EQ(list(), 1U);
+    tell("log in single bytes");
+    std::string log;
+    const std::filesystem::path file = ::testing::TempDir() + "rogue-" + std::to_string(::getpid());
+    {
+        const StandardErrorIn redirected(file);
+        EXPECT_EQ(open(), CAM_API_STS_SUCCESS);
+        EXPECT_TRUE(becomes([&] {
+            std::ifstream from(file);
+            log.assign(std::istreambuf_iterator<char>(from), {});
+            return !log.empty() && log.back() == '\n';
+        }));
+        close();
+    }
+    EXPECT_THAT(log, ::testing::EndsWith("warning: Rogue : A line in single bytes\n"));
+    std::filesystem::remove(file);
     ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
 }
 
