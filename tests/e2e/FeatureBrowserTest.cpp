@@ -107,7 +107,13 @@ void FeatureBrowserTest::cleanup()
 void FeatureBrowserTest::open(const QString& model)
 {
     QVERIFY2(driver->openModel(model), qPrintable(driver->log().join('\n')));
-    QVERIFY(QTest::qWaitForWindowActive(&driver->window(), kPatienceMs));
+    // When the dialog closes, the window manager does not always return to the window of its own accord.
+    QVERIFY(QTest::qWaitFor(
+        [this] {
+            driver->window().activateWindow();
+            return driver->window().isActiveWindow();
+        },
+        kPatienceMs));
     hand->clickTool("&levelGuru");
 }
 
