@@ -53,6 +53,18 @@ TEST_F(UsbCameraOpenTest, ClosedCameraOpensAgain)
     EXPECT_EQ(intOf(again, "Width"), 320);
 }
 
+TEST_F(UsbCameraTest, IsListedOnlyWhereUsbCamerasAreAskedFor)
+{
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ::setenv("ORVO_SIMULATED_CAMERAS", "2", 1); // NOLINT(concurrency-mt-unsafe)
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(enumerate(), 2U);
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED | CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(enumerate(), 3U);
+    ::unsetenv("ORVO_SIMULATED_CAMERAS"); // NOLINT(concurrency-mt-unsafe)
+}
+
 TEST_F(UsbCameraTest, LogTellsOfTheCameraWhatAravisSays)
 {
     if (!MemoryLimit::kPossible)
