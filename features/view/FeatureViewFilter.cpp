@@ -224,7 +224,12 @@ void FeatureView::updateAllFeatures(bool force)
     } while (m_reReadAgain);
     m_valuesWritten = false;
     m_reReading = false;
-    m_tableView.viewport()->repaint();
+    // A table that is being painted may lay itself out, which hides an editor; that commits and gets here.
+    QWidget& viewport = *m_tableView.viewport();
+    if (viewport.testAttribute(Qt::WA_WState_InPaintEvent))
+        viewport.update();
+    else
+        viewport.repaint();
 
     const QModelIndex current = m_tableView.currentIndex();
     if (current.isValid())

@@ -38,6 +38,37 @@ protected:
     }
 };
 
+/// Updates all features within the first paint event of the table, as an editor does that the table hides while it lays
+/// itself out for a paint event.
+class UpdateWhilePainting : public QObject {
+public:
+    explicit UpdateWhilePainting(FeatureTable& features)
+        : m_view(features.view())
+    {
+        features.table().viewport()->installEventFilter(this);
+    }
+    int started = 0;
+    int nested = 0;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() != QEvent::Paint)
+            return QObject::eventFilter(watched, event);
+        nested += m_updating ? 1 : 0;
+        if (started++ == 0) {
+            m_updating = true;
+            m_view.updateAllFeatures();
+            m_updating = false;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    FeatureView& m_view;
+    bool m_updating = false;
+};
+
 class FeatureViewUpdateTest : public QObject {
     Q_OBJECT
 
@@ -59,6 +90,7 @@ private slots:
     void emitsDataChangedOncePerChange();
     void emitsNoDataChangedWithoutAChange();
     void repaintsImmediately();
+    void anUpdateWhilePaintingRepaintsAfterwards();
     void withoutAnUpdateNothingIsRepainted();
 
     void aNestedCallAddsOnePass();
@@ -227,6 +259,17 @@ void FeatureViewUpdateTest::repaintsImmediately()
     const PaintCounter paints(features.table().viewport());
     features.view().updateAllFeatures();
     QCOMPARE(paints.count, 1);
+}
+
+void FeatureViewUpdateTest::anUpdateWhilePaintingRepaintsAfterwards()
+{
+    FeatureTable features(threeRows());
+    features.show();
+    QCoreApplication::processEvents();
+    const UpdateWhilePainting paints(features);
+    features.table().viewport()->repaint();
+    QCOMPARE(paints.nested, 0);
+    QTRY_VERIFY(paints.started > 1);
 }
 
 void FeatureViewUpdateTest::withoutAnUpdateNothingIsRepainted()
