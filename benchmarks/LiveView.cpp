@@ -120,10 +120,10 @@ namespace {
 
 void startToWindow()
 {
-    constexpr int rounds = 5;
+    constexpr int kRounds = 5;
     const Desktop desktop;
     std::vector<double> seconds;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < kRounds; ++round) {
         QProcess viewer;
         QElapsedTimer timer;
         timer.start();
@@ -153,7 +153,7 @@ struct Road {
     double coreAtMost;   ///< per cent, including the camera
 };
 
-constexpr Road roads[] = {
+constexpr Road kRoads[] = {
     {"SIM-C1920", "BayerRG8", 0x01080009, 8, 1920, 1200, 60, 34, 21},
     {"SIM-C5472", "BayerRG8", 0x01080009, 8, 5472, 3648, 20, 19, 60},
     {"SIM-C5472", "BayerRG12p", 0x010C0059, 12, 5472, 3648, 20, 19, 60},
@@ -174,9 +174,9 @@ void openCamera(WindowDriver& driver, const Road& road)
 /// Milliseconds of processor time that ConvImage takes for an image when nothing else runs.
 report::Figure conversionMs(const Road& road)
 {
-    constexpr int rounds = 20;
-    constexpr std::uint32_t toArgb32 = 0;
-    constexpr std::uint32_t option = 1;
+    constexpr int kRounds = 20;
+    constexpr std::uint32_t kToArgb32 = 0;
+    constexpr std::uint32_t kOption = 1;
     const auto width = static_cast<std::uint32_t>(road.width);
     const auto height = static_cast<std::uint32_t>(road.height);
     const std::size_t pixels = std::size_t{width} * height;
@@ -185,9 +185,9 @@ report::Figure conversionMs(const Road& road)
     std::generate(source.begin(), source.end(), [&] { return static_cast<std::uint8_t>(random() >> 8); });
     std::vector<std::uint8_t> converted(pixels * 4);
     std::vector<double> times;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < kRounds; ++round) {
         const double before = process::threadSeconds();
-        if (Orvo::ConvImage(toArgb32, road.pfnc, option, converted.data(), source.data(), width, height) !=
+        if (Orvo::ConvImage(kToArgb32, road.pfnc, kOption, converted.data(), source.data(), width, height) !=
             Orvo::CAM_API_STS_SUCCESS) {
             giveUp("no conversion");
         }
@@ -221,7 +221,7 @@ struct Round {
 
 Round measureRound(WindowDriver& driver, const ShownImages& images)
 {
-    constexpr int reports = 5;
+    constexpr int kReports = 5;
     const QRegularExpression numbers(R"(Disp = *([\d.]+) fps\] , \[Cap = *([\d.]+) fps)");
     QElapsedTimer timer;
     timer.start();
@@ -234,7 +234,7 @@ Round measureRound(WindowDriver& driver, const ShownImages& images)
     const process::OtherPrograms others;
     const Used begin = used();
     Used before = begin;
-    for (int i = 0; i < reports; ++i) {
+    for (int i = 0; i < kReports; ++i) {
         QTest::qWait(2050);
         const Used now = used();
         const double wall = now.wall - before.wall;
@@ -255,7 +255,7 @@ Round measureRound(WindowDriver& driver, const ShownImages& images)
 
 void drive(WindowDriver& driver, const ShownImages& images, const Road& road)
 {
-    constexpr int mostRounds = 5;
+    constexpr int kMostRounds = 5;
     openCamera(driver, road);
     driver.clearLog();
     driver.start();
@@ -263,7 +263,7 @@ void drive(WindowDriver& driver, const ShownImages& images, const Road& road)
     if (!QTest::qWaitFor([&] { return driver.rates() != none; }, 10000))
         giveUp("no frame rates");
     Round best = measureRound(driver, images);
-    for (int i = 1; i < mostRounds && best.others > process::kBusy; ++i) {
+    for (int i = 1; i < kMostRounds && best.others > process::kBusy; ++i) {
         Round next = measureRound(driver, images);
         if (next.others < best.others)
             best = std::move(next);
@@ -314,9 +314,9 @@ template <typename Cycle> void flat(const char* what, int cycles, const Cycle& c
     for (int i = warmUp; i < cycles; ++i)
         cycle();
     const QString name = QString("%1 x %2").arg(cycles).arg(what);
-    constexpr double noise = 1; // MiB: fluctuations of the allocator
+    constexpr double kNoise = 1; // MiB: fluctuations of the allocator
     report::print((name + ", memory gained").toStdString(), report::single(process::residentMiB() - memory), "MiB",
-                  report::atMost(noise));
+                  report::atMost(kNoise));
     report::print((name + ", threads gained").toStdString(),
                   report::single(static_cast<double>(process::threads()) - threads), "", report::atMost(0));
 }
@@ -330,11 +330,11 @@ int main(int argc, char* argv[])
 
     WindowDriver driver;
     const ShownImages images(driver.window());
-    for (const Road& road : roads) {
+    for (const Road& road : kRoads) {
         drive(driver, images, road);
         driver.close();
     }
-    openCamera(driver, roads[0]);
+    openCamera(driver, kRoads[0]);
     flat("start/stop", 200, [&] {
         driver.start();
         if (!images.waitForMore(1))
@@ -343,7 +343,7 @@ int main(int argc, char* argv[])
     });
     driver.close();
     flat("open/close", 50, [&] {
-        openCamera(driver, roads[0]);
+        openCamera(driver, kRoads[0]);
         driver.close();
     });
     return report::exitStatus();

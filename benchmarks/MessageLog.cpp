@@ -41,7 +41,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int kLinesPerSecond = 10000;
 constexpr int kSeconds = 10;
 constexpr int kLines = kLinesPerSecond * kSeconds;
-constexpr double quiet = 0.25; // cores that other programs may use while wall-clock times count
+constexpr double kQuiet = 0.25; // cores that other programs may use while wall-clock times count
 
 // --- Lines, numbered by the status in them -------------------------------------------------------------------
 
@@ -96,7 +96,7 @@ std::uint32_t newestNumber(const QTextDocument& log)
 
 void flood(const char* what, int burst, const QTextDocument& log)
 {
-    constexpr int beatMs = 5;
+    constexpr int kBeatMs = 5;
     sentCount = 0;
     double latest = 0;
     std::uint32_t arrived = 0;
@@ -114,7 +114,7 @@ void flood(const char* what, int burst, const QTextDocument& log)
     QObject::connect(&beat, &QTimer::timeout, &beat, [&] {
         const Clock::time_point now = Clock::now();
         const double nowWork = process::threadSeconds();
-        stall = std::max(stall, milliseconds(now - lastBeat) - beatMs);
+        stall = std::max(stall, milliseconds(now - lastBeat) - kBeatMs);
         work = std::max(work, 1000 * (nowWork - lastWork));
         lastBeat = now;
         lastWork = nowWork;
@@ -124,7 +124,7 @@ void flood(const char* what, int burst, const QTextDocument& log)
     const double machineBefore = process::machineSeconds();
     QElapsedTimer wall;
     wall.start();
-    beat.start(beatMs);
+    beat.start(kBeatMs);
 
     std::thread sender([burst] {
         const Clock::time_point begin = Clock::now();
@@ -146,11 +146,11 @@ void flood(const char* what, int burst, const QTextDocument& log)
     const auto print = [what](const char* name, double value, const char* unit, report::Goal goal = {}) {
         report::print(std::string(what) + ": " + name, report::single(value), unit, goal);
     };
-    constexpr double limit = 200;
-    print("most work in one go", work, "ms", report::atMost(limit));
-    report::setMachineBusy(others > quiet);
-    print("longest stall", stall, "ms", report::atMost(limit));
-    print("longest time to a line", latest, "ms", report::atMost(limit));
+    constexpr double kLimit = 200;
+    print("most work in one go", work, "ms", report::atMost(kLimit));
+    report::setMachineBusy(others > kQuiet);
+    print("longest stall", stall, "ms", report::atMost(kLimit));
+    print("longest time to a line", latest, "ms", report::atMost(kLimit));
     report::setMachineBusy(false);
     print("processor share, camera and drawing included", share, "%");
     print("what other programs had of a core meanwhile", 100 * others, "%");

@@ -38,12 +38,12 @@ struct Size {
     int height;
 };
 
-constexpr std::array<Size, 4> sizes{{{640, 480}, {1920, 1200}, {2448, 2048}, {5472, 3648}}};
+constexpr std::array<Size, 4> kSizes{{{640, 480}, {1920, 1200}, {2448, 2048}, {5472, 3648}}};
 
 /// Formats that take the same time as the one before them in the list of contests: measured at one size.
-constexpr std::string_view likeOthers[] = {"Mono10",     "Mono16", "Mono10p",       "BayerRG10", "BayerRG16",
-                                           "BayerRG10p", "BGR8",   "YUV422_8_UYVY", "YCbCr422_8"};
-constexpr std::size_t sizeOfLikeOthers = 1;
+constexpr std::string_view kLikeOthers[] = {"Mono10",     "Mono16", "Mono10p",       "BayerRG10", "BayerRG16",
+                                            "BayerRG10p", "BGR8",   "YUV422_8_UYVY", "YCbCr422_8"};
+constexpr std::size_t kSizeOfLikeOthers = 1;
 
 /// The scalar code, or vector code.
 struct Target {
@@ -52,7 +52,7 @@ struct Target {
     bool hasGoals;
 };
 
-constexpr Target targets[] = {
+constexpr Target kTargets[] = {
 #if HWY_ARCH_X86
     {"avx512", HWY_AVX3, true}, {"avx2", HWY_AVX2, true}, {"sse4", HWY_SSE4, false}, {"ssse3", HWY_SSSE3, false},
 #elif HWY_ARCH_ARM
@@ -176,9 +176,9 @@ Result measure(const Contest& contest, const Target& target, Size size, int roun
 /// Measures again while other programs use the processors, a few times.
 Result measureInQuiet(const Contest& contest, const Target& target, Size size, int rounds)
 {
-    constexpr int mostTries = 3;
+    constexpr int kMostTries = 3;
     Result best = measure(contest, target, size, rounds);
-    for (int i = 1; i < mostTries && best.otherPrograms > process::kBusy; ++i) {
+    for (int i = 1; i < kMostTries && best.otherPrograms > process::kBusy; ++i) {
         Result next = measure(contest, target, size, rounds);
         if (next.otherPrograms < best.otherPrograms) {
             best = std::move(next);
@@ -193,18 +193,18 @@ report::Goal goalIf(bool holds, report::Goal goal)
 }
 
 /// The times of memcpy at each size, of all formats.
-using Copies = std::array<std::vector<double>, sizes.size()>;
+using Copies = std::array<std::vector<double>, kSizes.size()>;
 
 void print(const Contest& contest, const Target& target, int rounds, Copies& copies)
 {
     const bool withAvx512 = std::string_view(target.name) == "avx512";
     const bool isLikeOthers =
-        std::find(std::begin(likeOthers), std::end(likeOthers), contest.format) != std::end(likeOthers);
-    for (std::size_t i = 0; i < sizes.size(); ++i) {
-        if (isLikeOthers && i != sizeOfLikeOthers) {
+        std::find(std::begin(kLikeOthers), std::end(kLikeOthers), contest.format) != std::end(kLikeOthers);
+    for (std::size_t i = 0; i < kSizes.size(); ++i) {
+        if (isLikeOthers && i != kSizeOfLikeOthers) {
             continue;
         }
-        const Size& size = sizes[i];
+        const Size& size = kSizes[i];
         const Result result = measureInQuiet(contest, target, size, rounds);
         const std::string name = contest.format + " " + std::to_string(size.width) + " x " +
                                  std::to_string(size.height) + ", " + target.name + ": ";
@@ -237,10 +237,10 @@ void print(const Target& target, const std::string& format, int rounds)
             print(contest, target, rounds, copies);
         }
     }
-    for (std::size_t i = 0; i < sizes.size(); ++i) {
+    for (std::size_t i = 0; i < kSizes.size(); ++i) {
         if (!copies[i].empty()) {
-            report::print("memcpy of a result of " + std::to_string(sizes[i].width) + " x " +
-                              std::to_string(sizes[i].height) + " beside " + target.name,
+            report::print("memcpy of a result of " + std::to_string(kSizes[i].width) + " x " +
+                              std::to_string(kSizes[i].height) + " beside " + target.name,
                           report::figureOf(copies[i]), "ms");
         }
     }
@@ -250,7 +250,7 @@ void print(const Target& target, const std::string& format, int rounds)
 int usage()
 {
     std::fprintf(stderr, "usage: benchmark_conversion [--target NAME] [--format NAME] [--rounds N]\ntargets:");
-    for (const Target& target : targets) {
+    for (const Target& target : kTargets) {
         if (isPresent(target)) {
             std::fprintf(stderr, " %s", target.name);
         }
@@ -269,10 +269,10 @@ int main(int argc, char** argv)
 {
     // Without a choice those that have goals, else the fastest one.
     std::vector<Target> chosen;
-    std::copy_if(std::begin(targets), std::end(targets), std::back_inserter(chosen),
+    std::copy_if(std::begin(kTargets), std::end(kTargets), std::back_inserter(chosen),
                  [](const Target& target) { return target.hasGoals && isPresent(target); });
     if (chosen.empty()) {
-        chosen.push_back(*std::find_if(std::begin(targets), std::end(targets), isPresent));
+        chosen.push_back(*std::find_if(std::begin(kTargets), std::end(kTargets), isPresent));
     }
     std::string format;
     int rounds = 15;
@@ -281,9 +281,9 @@ int main(int argc, char** argv)
         const char* const value = i + 1 < argc ? argv[i + 1] : "";
         if (option == "--target") {
             const Target* const target =
-                std::find_if(std::begin(targets), std::end(targets),
+                std::find_if(std::begin(kTargets), std::end(kTargets),
                              [value](const Target& named) { return std::string_view(named.name) == value; });
-            if (target == std::end(targets) || !isPresent(*target)) {
+            if (target == std::end(kTargets) || !isPresent(*target)) {
                 return usage();
             }
             chosen = {*target};

@@ -146,26 +146,26 @@ void plain411(const Work& work)
 
 Contest mono(const std::string& format, std::uint32_t pfnc, unsigned bits)
 {
-    constexpr Goals openCv{2, 1.4, 1.4, 1.4};
-    constexpr Goals libyuv{1.3, 1.3, 1.3, 1.3};
+    constexpr Goals kOpenCv{2, 1.4, 1.4, 1.4};
+    constexpr Goals kLibyuv{1.3, 1.3, 1.3, 1.3};
     return {format,
             pfnc,
             16,
             0.85,
             0.85,
-            {{"OpenCV, two passes", wordsThenColour(bits, cv::COLOR_GRAY2BGRA), openCv, openCv},
-             {"libyuv, two passes", yuvLibraryWords(bits), libyuv, libyuv}}};
+            {{"OpenCV, two passes", wordsThenColour(bits, cv::COLOR_GRAY2BGRA), kOpenCv, kOpenCv},
+             {"libyuv, two passes", yuvLibraryWords(bits), kLibyuv, kLibyuv}}};
 }
 
 Contest packedMono(const std::string& format, std::uint32_t pfnc, std::size_t bitsPerPixel, Unpack plain, Unpack groups)
 {
-    constexpr Goals goals{6, 4, 4, 4};
+    constexpr Goals kGoals{6, 4, 4, 4};
     return {format,
             pfnc,
             bitsPerPixel,
             0.8,
             0.8,
-            {{"plain unpack + OpenCV", unpackThenColour(plain, cv::COLOR_GRAY2BGRA), goals, goals},
+            {{"plain unpack + OpenCV", unpackThenColour(plain, cv::COLOR_GRAY2BGRA), kGoals, kGoals},
              {"unpack by groups + OpenCV", unpackThenColour(groups, cv::COLOR_GRAY2BGRA), {}, {}}}};
 }
 
@@ -196,34 +196,38 @@ Contest bayerWords(const std::string& format, std::uint32_t pfnc, unsigned bits)
 Contest packedBayer(const std::string& format, std::uint32_t pfnc, std::size_t bitsPerPixel, Unpack plain,
                     Unpack groups)
 {
-    constexpr int code = cv::COLOR_BayerBG2BGRA;
+    constexpr int kCode = cv::COLOR_BayerBG2BGRA;
     return {format,
             pfnc,
             bitsPerPixel,
             1.05,
             1.3,
-            {{"plain unpack + OpenCV", unpackThenColour(plain, code), {4, 3.5, 3.5, 3.5}, {3, 2.8, 2.8, 2.8}},
-             {"unpack by groups + OpenCV", unpackThenColour(groups, code), {}, {}}}};
+            {{"plain unpack + OpenCV", unpackThenColour(plain, kCode), {4, 3.5, 3.5, 3.5}, {3, 2.8, 2.8, 2.8}},
+             {"unpack by groups + OpenCV", unpackThenColour(groups, kCode), {}, {}}}};
 }
 
 Contest rgb(const std::string& format, std::uint32_t pfnc, int code, ToArgb argb)
 {
-    constexpr Goals openCv{0, 0.95, 0.95, 0.95};
-    constexpr Goals libyuv{0.8, 0.95, 0.95, 0.95};
-    return {
-        format, pfnc,
-        24,     0.95,
-        0.95,   {{"OpenCV", colour(CV_8UC3, code), openCv, openCv}, {"libyuv", yuvLibrary(argb, 3), libyuv, libyuv}}};
+    constexpr Goals kOpenCv{0, 0.95, 0.95, 0.95};
+    constexpr Goals kLibyuv{0.8, 0.95, 0.95, 0.95};
+    return {format,
+            pfnc,
+            24,
+            0.95,
+            0.95,
+            {{"OpenCV", colour(CV_8UC3, code), kOpenCv, kOpenCv}, {"libyuv", yuvLibrary(argb, 3), kLibyuv, kLibyuv}}};
 }
 
 Contest yuv422(const std::string& format, std::uint32_t pfnc, int code, ToArgb argb)
 {
-    constexpr Goals openCv{0, 3, 3, 3};
-    constexpr Goals libyuv{0.9, 0.95, 0.95, 0.95};
-    return {
-        format, pfnc,
-        16,     0.85,
-        0.85,   {{"OpenCV", colour(CV_8UC2, code), openCv, openCv}, {"libyuv", yuvLibrary(argb, 2), libyuv, libyuv}}};
+    constexpr Goals kOpenCv{0, 3, 3, 3};
+    constexpr Goals kLibyuv{0.9, 0.95, 0.95, 0.95};
+    return {format,
+            pfnc,
+            16,
+            0.85,
+            0.85,
+            {{"OpenCV", colour(CV_8UC2, code), kOpenCv, kOpenCv}, {"libyuv", yuvLibrary(argb, 2), kLibyuv, kLibyuv}}};
 }
 
 } // namespace
@@ -231,16 +235,16 @@ Contest yuv422(const std::string& format, std::uint32_t pfnc, int code, ToArgb a
 // OpenCV names a mosaic after the pixels of the second row and column: its "BayerBG" is the RG of the PFNC.
 std::vector<Contest> contests()
 {
-    constexpr Goals parity{0.95, 0.95, 0.95, 0.95};
-    constexpr Goals plain411Goals{11, 9, 9, 9};
+    constexpr Goals kParity{0.95, 0.95, 0.95, 0.95};
+    constexpr Goals kPlain411Goals{11, 9, 9, 9};
     return {
         {"Mono8",
          0x01080001,
          8,
          0.75,
          0.75,
-         {{"OpenCV", colour(CV_8UC1, cv::COLOR_GRAY2BGRA), parity, parity},
-          {"libyuv", yuvLibrary(libyuv::J400ToARGB, 1), parity, parity}}},
+         {{"OpenCV", colour(CV_8UC1, cv::COLOR_GRAY2BGRA), kParity, kParity},
+          {"libyuv", yuvLibrary(libyuv::J400ToARGB, 1), kParity, kParity}}},
         mono("Mono10", 0x01100003, 10),
         mono("Mono12", 0x01100005, 12),
         mono("Mono16", 0x01100007, 16),
@@ -261,6 +265,6 @@ std::vector<Contest> contests()
         yuv422("YUV422_8", 0x02100032, cv::COLOR_YUV2BGRA_YUYV, libyuv::YUY2ToARGB),
         yuv422("YUV422_8_UYVY", 0x0210001F, cv::COLOR_YUV2BGRA_UYVY, libyuv::UYVYToARGB),
         yuv422("YCbCr422_8", 0x0210003B, cv::COLOR_YUV2BGRA_YUYV, libyuv::YUY2ToARGB),
-        {"YCbCr411_8", 0x020C005A, 12, 0.85, 0.85, {{"plain loop", plain411, plain411Goals, plain411Goals}}},
+        {"YCbCr411_8", 0x020C005A, 12, 0.85, 0.85, {{"plain loop", plain411, kPlain411Goals, kPlain411Goals}}},
     };
 }

@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr int width = 1024;
-constexpr int height = 768;
-constexpr std::uint32_t bayerRg8 = 0x01080009;
+constexpr int kWidth = 1024;
+constexpr int kHeight = 768;
+constexpr std::uint32_t kBayerRg8 = 0x01080009;
 
 cv::Mat bgrOf(const cv::Mat& gray)
 {
@@ -28,11 +28,11 @@ cv::Mat bgrOf(const cv::Mat& gray)
 // Rings around the middle that become finer outwards, down to four pixels per period at the left and right edges.
 cv::Mat zonePlate()
 {
-    cv::Mat gray(height, width, CV_8UC1);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const double r2 = std::pow(x - width / 2.0, 2) + std::pow(y - height / 2.0, 2);
-            gray.at<std::uint8_t>(y, x) = static_cast<std::uint8_t>(127.5 + 127 * std::cos(r2 * CV_PI / (2 * width)));
+    cv::Mat gray(kHeight, kWidth, CV_8UC1);
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+            const double r2 = std::pow(x - kWidth / 2.0, 2) + std::pow(y - kHeight / 2.0, 2);
+            gray.at<std::uint8_t>(y, x) = static_cast<std::uint8_t>(127.5 + 127 * std::cos(r2 * CV_PI / (2 * kWidth)));
         }
     }
     return bgrOf(gray);
@@ -41,11 +41,11 @@ cv::Mat zonePlate()
 // Drawn at four times the size, so that edges are between pixels.
 cv::Mat drawnLarge(const std::function<void(cv::Mat&)>& draw)
 {
-    constexpr int times = 4;
-    cv::Mat large(times * height, times * width, CV_8UC3, cv::Scalar(235, 235, 235));
+    constexpr int kTimes = 4;
+    cv::Mat large(kTimes * kHeight, kTimes * kWidth, CV_8UC3, cv::Scalar(235, 235, 235));
     draw(large);
     cv::Mat result;
-    cv::resize(large, result, {width, height}, 0, 0, cv::INTER_AREA);
+    cv::resize(large, result, {kWidth, kHeight}, 0, 0, cv::INTER_AREA);
     return result;
 }
 
@@ -80,9 +80,9 @@ cv::Mat text()
 cv::Mat texture()
 {
     cv::RNG random(7);
-    cv::Mat sum(height, width, CV_32FC3, cv::Scalar(128, 128, 128));
+    cv::Mat sum(kHeight, kWidth, CV_32FC3, cv::Scalar(128, 128, 128));
     for (int size = 2; size <= 256; size *= 2) {
-        cv::Mat gray(height / size + 2, width / size + 2, CV_32FC1);
+        cv::Mat gray(kHeight / size + 2, kWidth / size + 2, CV_32FC1);
         cv::Mat tint(gray.size(), CV_32FC3);
         random.fill(gray, cv::RNG::NORMAL, 0, 3.5 * std::sqrt(size));
         random.fill(tint, cv::RNG::NORMAL, 0, 0.6 * std::sqrt(size));
@@ -127,7 +127,7 @@ cv::Mat mosaicOf(const cv::Mat& truth)
 cv::Mat ours(const cv::Mat& mosaic)
 {
     cv::Mat bgra(mosaic.size(), CV_8UC4);
-    Orvo::ConvImage(0, bayerRg8, 1, bgra.data, mosaic.data, width, height);
+    Orvo::ConvImage(0, kBayerRg8, 1, bgra.data, mosaic.data, kWidth, kHeight);
     cv::Mat bgr;
     cv::cvtColor(bgra, bgr, cv::COLOR_BGRA2BGR);
     return bgr;
@@ -143,7 +143,7 @@ cv::Mat theirs(const cv::Mat& mosaic, int code)
 // Without the edges, which every method treats differently.
 double decibels(const cv::Mat& truth, const cv::Mat& result)
 {
-    const cv::Rect inner(4, 4, width - 8, height - 8);
+    const cv::Rect inner(4, 4, kWidth - 8, kHeight - 8);
     return cv::PSNR(truth(inner), result(inner));
 }
 
@@ -152,7 +152,7 @@ struct Scene {
     cv::Mat (*draw)();
 };
 
-constexpr Scene scenes[] = {
+constexpr Scene kScenes[] = {
     {"zone plate", zonePlate}, {"slanted edges", slantedEdges},       {"text", text},
     {"texture", texture},      {"saturated shapes", saturatedShapes},
 };
@@ -161,7 +161,7 @@ constexpr Scene scenes[] = {
 
 void printQuality()
 {
-    for (const Scene& scene : scenes) {
+    for (const Scene& scene : kScenes) {
         const cv::Mat truth = scene.draw();
         const cv::Mat mosaic = mosaicOf(truth);
         const auto print = [&](const char* method, const cv::Mat& result) {

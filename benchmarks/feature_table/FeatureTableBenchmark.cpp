@@ -134,7 +134,7 @@ void show(QWidget& window)
 void setAllExpanded(QStandardItemModel& model, bool expanded)
 {
     const QSignalBlocker quiet(&model);
-    for (int row = 0; row < model.rowCount(); row += instant::rowsPerCategory)
+    for (int row = 0; row < model.rowCount(); row += instant::kRowsPerCategory)
         model.item(row, 0)->setData(expanded, FeatureView::ExpandedRole);
 }
 

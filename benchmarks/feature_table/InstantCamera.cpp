@@ -23,7 +23,7 @@ int rowOf(CAM_NODE_HANDLE node)
 
 bool isCategory(CAM_NODE_HANDLE node)
 {
-    return node == kRoot || rowOf(node) % instant::rowsPerCategory == 0;
+    return node == kRoot || rowOf(node) % instant::kRowsPerCategory == 0;
 }
 
 template <typename Result, typename Value> CAM_API_STATUS give(Result* result, Value value)
@@ -63,14 +63,14 @@ CAM_API_STATUS Nd_GetNode(CAM_HANDLE, const char*, CAM_NODE_HANDLE* node)
 CAM_API_STATUS Nd_GetNumOfFeatures(CAM_HANDLE, CAM_NODE_HANDLE category, std::uint32_t* count)
 {
     if (category == kRoot)
-        return give(count, (rowCount + instant::rowsPerCategory - 1) / instant::rowsPerCategory);
-    return give(count, std::min(instant::rowsPerCategory, rowCount - rowOf(category)) - 1);
+        return give(count, (rowCount + instant::kRowsPerCategory - 1) / instant::kRowsPerCategory);
+    return give(count, std::min(instant::kRowsPerCategory, rowCount - rowOf(category)) - 1);
 }
 
 CAM_API_STATUS Nd_GetFeatureByIndex(CAM_HANDLE, CAM_NODE_HANDLE category, std::uint32_t index, CAM_NODE_HANDLE* child)
 {
     if (category == kRoot)
-        return give(child, kFirstRow + CAM_NODE_HANDLE{index} * static_cast<unsigned>(instant::rowsPerCategory));
+        return give(child, kFirstRow + CAM_NODE_HANDLE{index} * static_cast<unsigned>(instant::kRowsPerCategory));
     return give(child, category + 1 + index);
 }
 

@@ -5,7 +5,7 @@
 namespace instant {
 
 /// There is one category per twelve features.
-constexpr int rowsPerCategory = 13;
+constexpr int kRowsPerCategory = 13;
 
 /// Makes a camera whose table has this many rows. The levels alternate between Beginner, Expert and Guru.
 void setRows(int rows);

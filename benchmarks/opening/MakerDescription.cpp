@@ -1,4 +1,4 @@
-#include "MakerDescription.h"
+#include "benchmarks/opening/MakerDescription.h"
 
 #include <array>
 #include <string_view>

@@ -45,12 +45,12 @@ std::string nameOf(const SystemFiles& files, int process)
 int parentOf(const SystemFiles& files, int process)
 {
     const std::string status = files.text(folderOf(process) + "status").value_or("");
-    constexpr std::string_view key = "\nPPid:\t";
-    const std::size_t at = status.find(key);
+    constexpr std::string_view kKey = "\nPPid:\t";
+    const std::size_t at = status.find(kKey);
     if (at == std::string::npos)
         return 0;
     int parent = 0;
-    std::from_chars(status.data() + at + key.size(), status.data() + status.size(), parent);
+    std::from_chars(status.data() + at + kKey.size(), status.data() + status.size(), parent);
     return parent;
 }
 

@@ -260,7 +260,7 @@ void CameraTest::openOfAnEmptyImageShowsAPlaceholder()
 {
     QFETCH(const quint32, width);
     QFETCH(const quint32, height);
-    scripted::setImageFormat(width, height, scripted::mono8);
+    scripted::setImageFormat(width, height, scripted::kMono8);
     WindowDriver driver;
     driver.open();
     QVERIFY(!driver.imageView());

@@ -122,9 +122,9 @@ void FormTest::actions()
         QVERIFY(!drawn.isNull());
         QCOMPARE(action->icon().availableSizes(QIcon::Normal, QIcon::Off), QList<QSize>{drawn.size()});
         QCOMPARE(action->icon().availableSizes(QIcon::Normal, QIcon::On), QList<QSize>());
-        constexpr auto likeAPixmap = QImage::Format_ARGB32_Premultiplied;
-        QCOMPARE(action->icon().pixmap(drawn.size()).toImage().convertToFormat(likeAPixmap),
-                 drawn.convertToFormat(likeAPixmap));
+        constexpr auto kLikeAPixmap = QImage::Format_ARGB32_Premultiplied;
+        QCOMPARE(action->icon().pixmap(drawn.size()).toImage().convertToFormat(kLikeAPixmap),
+                 drawn.convertToFormat(kLikeAPixmap));
     }
 }
 

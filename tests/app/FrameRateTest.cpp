@@ -62,8 +62,8 @@ struct Report {
 /// The first report after the last start in `scene`; repeats the scene when a report interrupts it on a busy machine.
 Report reportOf(const std::function<void(Running&)>& scene)
 {
-    constexpr int attempts = 20;
-    for (int attempt = 0; attempt < attempts && !QTest::currentTestFailed(); ++attempt) {
+    constexpr int kAttempts = 20;
+    for (int attempt = 0; attempt < kAttempts && !QTest::currentTestFailed(); ++attempt) {
         scripted::reset();
         Running running;
         scene(running);
@@ -161,12 +161,12 @@ void FrameRateTest::frameNumbersWrap()
 
 void FrameRateTest::imageOfALostCameraDoesNotCount()
 {
-    constexpr int rounds = 15; // of at least 2 ms each, so longer than the frame period of 26 ms
+    constexpr int kRounds = 15; // of at least 2 ms each, so longer than the frame period of 26 ms
     const Report report = reportOf([](Running& running) {
         running.start();
         scripted::failAlways("GetCamIndexFromCamHandle", Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING);
         QVERIFY(scripted::deliverImage(500));
-        QVERIFY(recorded::waitRounds(rounds));
+        QVERIFY(recorded::waitRounds(kRounds));
         QCOMPARE(scripted::count("Strm_GetCurrentBufferIndex"), 0); // no image has been taken yet
         scripted::heal("GetCamIndexFromCamHandle");
         running.show(510);

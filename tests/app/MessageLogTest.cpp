@@ -86,9 +86,9 @@ void MessageLogTest::singleLinesAreWrittenImmediately()
 
 void MessageLogTest::floodIsWrittenInBatches()
 {
-    constexpr int lines = 20000;
-    constexpr int muchFewer = 500;
-    constexpr int largestPortion = 1000;
+    constexpr int kLines = 20000;
+    constexpr int kMuchFewer = 500;
+    constexpr int kLargestPortion = 1000;
     WindowDriver driver;
     const QTextDocument& log = documentOf(driver);
     int changes = 0;
@@ -99,11 +99,11 @@ void MessageLogTest::floodIsWrittenInBatches()
         most = std::max(most, log.blockCount() - before);
         before = log.blockCount();
     });
-    writeNumbers(driver, 0, lines);
-    QVERIFY(waitForLine(driver, QString::number(lines - 1)));
-    QVERIFY2(changes < muchFewer, qPrintable(QString::number(changes)));
-    QVERIFY2(most <= largestPortion, qPrintable(QString::number(most)));
-    QVERIFY2(documentOf(driver).blockCount() == lines, "the log keeps every line");
+    writeNumbers(driver, 0, kLines);
+    QVERIFY(waitForLine(driver, QString::number(kLines - 1)));
+    QVERIFY2(changes < kMuchFewer, qPrintable(QString::number(changes)));
+    QVERIFY2(most <= kLargestPortion, qPrintable(QString::number(most)));
+    QVERIFY2(documentOf(driver).blockCount() == kLines, "the log keeps every line");
 }
 
 void MessageLogTest::batchesHaveFewerLinesWhenTheyAreLong()
@@ -125,9 +125,9 @@ void MessageLogTest::batchesHaveFewerLinesWhenTheyAreLong()
 
 void MessageLogTest::windowAnswersDuringAFlood()
 {
-    constexpr int lines = 100000;
+    constexpr int kLines = 100000;
     WindowDriver driver;
-    writeNumbers(driver, 0, lines);
+    writeNumbers(driver, 0, kLines);
     // A user's event has its turn whenever this timer has.
     int turns = 0;
     QTimer events;
@@ -135,37 +135,37 @@ void MessageLogTest::windowAnswersDuringAFlood()
     events.start(0);
     const int shownAtFirst = documentOf(driver).blockCount();
     QVERIFY(QTest::qWaitFor([&] { return documentOf(driver).blockCount() > shownAtFirst; }, kPatienceMs));
-    QVERIFY2(documentOf(driver).blockCount() < lines, "the first turn wrote it all");
+    QVERIFY2(documentOf(driver).blockCount() < kLines, "the first turn wrote it all");
     turns = 0;
-    QVERIFY(waitForLine(driver, QString::number(lines - 1)));
+    QVERIFY(waitForLine(driver, QString::number(kLines - 1)));
     QVERIFY2(turns >= 3, qPrintable(QString::number(turns)));
 }
 
 void MessageLogTest::floodKeepsItsOrder()
 {
-    constexpr int lines = 10000;
+    constexpr int kLines = 10000;
     WindowDriver driver;
-    writeNumbers(driver, 0, lines);
-    QVERIFY(waitForLine(driver, QString::number(lines - 1)));
+    writeNumbers(driver, 0, kLines);
+    QVERIFY(waitForLine(driver, QString::number(kLines - 1)));
     const QStringList log = driver.log();
-    QCOMPARE(log.size(), lines);
-    for (int number = 0; number < lines; ++number)
+    QCOMPARE(log.size(), kLines);
+    for (int number = 0; number < kLines; ++number)
         QCOMPARE(log.at(number), QString::number(number));
 }
 
 void MessageLogTest::floodOfCallbacksIsCompleteForEveryOpening()
 {
-    constexpr int errors = 1000;
+    constexpr int kErrors = 1000;
     WindowDriver driver;
     driver.open();
     driver.close();
     driver.open();
     driver.start();
-    for (std::uint32_t status = 1; status <= errors; ++status)
+    for (std::uint32_t status = 1; status <= kErrors; ++status)
         QVERIFY(scripted::deliverError(status));
-    QTRY_COMPARE_WITH_TIMEOUT(driver.log().size(), 2 * errors, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(driver.log().size(), 2 * kErrors, kPatienceMs);
     const QStringList log = driver.log();
-    for (int i = 0; i < 2 * errors; ++i) {
+    for (int i = 0; i < 2 * kErrors; ++i) {
         const QString status = QString::number(i / 2 + 1, 16).toUpper();
         QCOMPARE(log.at(i), QString("CallBackErrorImage. (status = 0x%1)").arg(status));
     }
@@ -190,22 +190,22 @@ void MessageLogTest::clearDiscardsPendingLines()
     QCOMPARE(driver.log(), QStringList{"next"});
 }
 
-constexpr int kept = 100000;
+constexpr int kKept = 100000;
 
 void MessageLogTest::newestLinesAreKept()
 {
     WindowDriver driver;
     const auto oldest = [&] { return documentOf(driver).firstBlock().text(); };
-    writeNumbers(driver, 0, kept);
-    QVERIFY(waitForLine(driver, QString::number(kept - 1)));
-    QCOMPARE(documentOf(driver).blockCount(), kept);
+    writeNumbers(driver, 0, kKept);
+    QVERIFY(waitForLine(driver, QString::number(kKept - 1)));
+    QCOMPARE(documentOf(driver).blockCount(), kKept);
     QCOMPARE(oldest(), QString("0"));
 
-    writeNumbers(driver, kept, kept + 50);
-    QVERIFY(waitForLine(driver, QString::number(kept + 49)));
-    QTRY_COMPARE_WITH_TIMEOUT(documentOf(driver).blockCount(), kept, kPatienceMs);
+    writeNumbers(driver, kKept, kKept + 50);
+    QVERIFY(waitForLine(driver, QString::number(kKept + 49)));
+    QTRY_COMPARE_WITH_TIMEOUT(documentOf(driver).blockCount(), kKept, kPatienceMs);
     QCOMPARE(oldest(), QString("50"));
-    QCOMPARE(documentOf(driver).lastBlock().text(), QString::number(kept + 49));
+    QCOMPARE(documentOf(driver).lastBlock().text(), QString::number(kKept + 49));
     QVERIFY(showsItsEnd(driver));
 }
 
@@ -215,17 +215,17 @@ void MessageLogTest::linesBeyondTheLimitAreNeverWritten()
     const QTextDocument& log = documentOf(driver);
     int most = 0;
     connect(&log, &QTextDocument::contentsChanged, this, [&] { most = std::max(most, log.blockCount()); });
-    writeNumbers(driver, 0, 2 * kept);
-    QVERIFY(waitForLine(driver, QString::number(2 * kept - 1)));
-    QVERIFY2(most < kept + kept / 10, qPrintable(QString::number(most)));
-    QTRY_COMPARE_WITH_TIMEOUT(log.blockCount(), kept, kPatienceMs);
-    QCOMPARE(log.firstBlock().text(), QString::number(kept));
+    writeNumbers(driver, 0, 2 * kKept);
+    QVERIFY(waitForLine(driver, QString::number(2 * kKept - 1)));
+    QVERIFY2(most < kKept + kKept / 10, qPrintable(QString::number(most)));
+    QTRY_COMPARE_WITH_TIMEOUT(log.blockCount(), kKept, kPatienceMs);
+    QCOMPARE(log.firstBlock().text(), QString::number(kKept));
 }
 
 void MessageLogTest::longLineIsTruncated()
 {
-    constexpr int longest = 4096;
-    const QString whole(longest, 'x');
+    constexpr int kLongest = 4096;
+    const QString whole(kLongest, 'x');
     WindowDriver driver;
     write(driver, whole);
     write(driver, whole + 'y');

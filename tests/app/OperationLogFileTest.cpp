@@ -212,14 +212,14 @@ void OperationLogFileTest::pipeWithoutReaderIsLoggedOnce()
 
 void OperationLogFileTest::stalledReaderIsLoggedOnce()
 {
-    constexpr int moreThanAPipeHolds = 1 << 22;
+    constexpr int kMoreThanAPipeHolds = 1 << 22;
     QVERIFY(makePipe());
     const int reader = openReader();
     QVERIFY(reader >= 0);
     name(m_file);
     WindowDriver driver;
     driver.open();
-    emitEntry(driver, QString(moreThanAPipeHolds, 'x'));
+    emitEntry(driver, QString(kMoreThanAPipeHolds, 'x'));
     emitEntry(driver, "entry");
     QCOMPARE(driver.log(), QStringList{"ERROR: Operation log " + m_file +
                                        ": Resource temporarily unavailable [CAM_API_STS_FILE_WRITE_ERROR]"});

@@ -122,7 +122,7 @@ void SnapshotUser::show(const QImage& pixels)
     });
     if (!scripted::streaming()) {
         scripted::setImageFormat(static_cast<std::uint32_t>(pixels.width()),
-                                 static_cast<std::uint32_t>(pixels.height()), scripted::mono8);
+                                 static_cast<std::uint32_t>(pixels.height()), scripted::kMono8);
         m_driver.open();
         m_driver.start();
     }

@@ -26,8 +26,8 @@ struct Parameters {
 };
 
 // All values differ, so that each shows when it was read.
-constexpr Parameters kOpened{{64, 48}, scripted::bayerRG8};
-constexpr Parameters kStarted{{32, 16}, scripted::mono8};
+constexpr Parameters kOpened{{64, 48}, scripted::kBayerRG8};
+constexpr Parameters kStarted{{32, 16}, scripted::kMono8};
 constexpr Parameters kStreamOpened{{80, 60}, 0x02180014};
 
 } // namespace
@@ -259,7 +259,7 @@ void StreamTest::startWithoutMemory()
     QFETCH(quint32, height);
     WindowDriver driver;
     driver.open();
-    scripted::setImageFormat(width, height, scripted::bayerRG8);
+    scripted::setImageFormat(width, height, scripted::kBayerRG8);
     driver.start();
     QCOMPARE(driver.log(), QStringList{"ERROR: malloc error! [CAM_API_STS_UNSUCCESSFUL]"});
     QVERIFY(driver.enabled("actionOpen"));
@@ -281,13 +281,13 @@ void StreamTest::startCreatesANewViewOnlyForANewFormat()
     QCOMPARE(driver.window().centralWidget(), view.data());
     driver.stop();
 
-    scripted::setImageFormat(32, 16, scripted::bayerRG8);
+    scripted::setImageFormat(32, 16, scripted::kBayerRG8);
     driver.start();
     QVERIFY(!view);
     QCOMPARE(driver.imageArea(), QRectF(0, 0, 32, 16));
 
     driver.stop();
-    scripted::setImageFormat(32, 16, scripted::mono8);
+    scripted::setImageFormat(32, 16, scripted::kMono8);
     const QPointer<QWidget> ofOtherFormat = driver.imageView();
     driver.start();
     QVERIFY(!ofOtherFormat);
@@ -298,7 +298,7 @@ void StreamTest::sizeChangedByOpeningTheStreamIsUsed()
     WindowDriver driver;
     driver.open();
     const ShownImages shown(driver.window(), ShownImages::Keep::Last);
-    scripted::onCall("Strm_OpenSimple", [] { scripted::setImageFormat(80, 60, scripted::bayerRG8); });
+    scripted::onCall("Strm_OpenSimple", [] { scripted::setImageFormat(80, 60, scripted::kBayerRG8); });
     driver.start();
     QCOMPARE(driver.imageArea(), QRectF(0, 0, 80, 60));
 
@@ -315,7 +315,7 @@ void StreamTest::newSizeKeepsTheZoomFactorOfTheWindow()
     WindowDriver driver;
     driver.open();
     driver.trigger("actionZoomIn");
-    scripted::setImageFormat(33, 17, scripted::bayerRG8);
+    scripted::setImageFormat(33, 17, scripted::kBayerRG8);
     driver.start();
     QCOMPARE(driver.imageView()->view()->transform().m11(), 1.0);
     QVERIFY(driver.enabled("actionNormalSize")); // the window still has a factor of 2.0
@@ -324,10 +324,10 @@ void StreamTest::newSizeKeepsTheZoomFactorOfTheWindow()
 void StreamTest::startAfterOpeningKeepsTheView()
 {
     WindowDriver driver;
-    scripted::setImageFormat(40, 30, scripted::bayerRG8);
+    scripted::setImageFormat(40, 30, scripted::kBayerRG8);
     driver.open();
     driver.close();
-    scripted::setImageFormat(41, 30, scripted::bayerRG8);
+    scripted::setImageFormat(41, 30, scripted::kBayerRG8);
     driver.open(); // stores a width of 41
     const QPointer<QWidget> view = driver.window().centralWidget();
     driver.start();

@@ -71,7 +71,7 @@ public:
     {
         scripted::reset();
         scripted::setNodes(smallCamera());
-        scripted::setImageFormat(64, 48, scripted::mono8);
+        scripted::setImageFormat(64, 48, scripted::kMono8);
         if (!fault.operation.empty() && fault.call == kEveryCall)
             scripted::failAlways(fault.operation, fault.status);
         else if (!fault.operation.empty())
@@ -158,7 +158,7 @@ QStringList Session::run()
     const std::vector<Step> steps = {
         {"open", open},
         {"browse",
-         [this](ViewerSession& s) {
+         [](ViewerSession& s) {
              static_cast<void>(s.editor("ImageFormatControl"));
              return s.editor("Label") != nullptr;
          }},

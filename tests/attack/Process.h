@@ -26,11 +26,11 @@ struct Held {
 /// was joined.
 [[nodiscard]] inline Held heldWithin(const Held& limit)
 {
-    constexpr int patienceMs = 10000;
+    constexpr int kSettlingMs = 10000;
     QElapsedTimer timer;
     timer.start();
     Held now = held();
-    while ((now.threads > limit.threads || now.descriptors > limit.descriptors) && !timer.hasExpired(patienceMs)) {
+    while ((now.threads > limit.threads || now.descriptors > limit.descriptors) && !timer.hasExpired(kSettlingMs)) {
         QThread::msleep(1);
         now = held();
     }

@@ -139,10 +139,10 @@ QString changeRandomly(std::minstd_rand& random)
         return "the small camera";
     }
     if (kind == 2) {
-        constexpr std::uint32_t sizes[] = {1, 2, 16, 63, 640, 1000};
-        const std::uint32_t width = pick(random, sizes);
-        const std::uint32_t height = pick(random, sizes);
-        scripted::setImageFormat(width, height, draw(random, 2) == 0 ? scripted::mono8 : scripted::bayerRG8);
+        constexpr std::uint32_t kSizes[] = {1, 2, 16, 63, 640, 1000};
+        const std::uint32_t width = pick(random, kSizes);
+        const std::uint32_t height = pick(random, kSizes);
+        scripted::setImageFormat(width, height, draw(random, 2) == 0 ? scripted::kMono8 : scripted::kBayerRG8);
         return QString("images of %1 x %2").arg(width).arg(height);
     }
     if (kind == 3) {

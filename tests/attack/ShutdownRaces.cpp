@@ -104,7 +104,7 @@ void Races::newWindow()
 {
     scripted::reset();
     scripted::setNodes(smallCamera());
-    scripted::setImageFormat(64, 48, scripted::mono8);
+    scripted::setImageFormat(64, 48, scripted::kMono8);
     scripted::onConvImage([](void* destination, const void*, std::uint32_t width, std::uint32_t) {
         sleepUs(1000);
         *static_cast<std::uint32_t*>(destination) = width;

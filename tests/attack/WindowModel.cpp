@@ -230,13 +230,13 @@ QStringList unreleased(const std::vector<scripted::Call>& calls)
         std::string_view acquire;
         std::string_view release;
     };
-    constexpr Pair pairs[] = {
+    constexpr Pair kPairs[] = {
         {"cameras", "Cam_Open", "Cam_Close"},
         {"signals", "Sys_CreateSignal", "Sys_CloseSignal"},
         {"streams", "Strm_OpenSimple", "Strm_Close"},
     };
     QStringList complaints;
-    for (const Pair& pair : pairs) {
+    for (const Pair& pair : kPairs) {
         const auto acquired = std::count_if(calls.begin(), calls.end(), [&](const scripted::Call& call) {
             return call.operation == pair.acquire && succeeded(call);
         });

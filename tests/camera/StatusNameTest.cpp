@@ -73,8 +73,8 @@ TEST(StatusName, nameOfEveryStatus)
 
 TEST(StatusName, everyGapIsUnknown)
 {
-    constexpr std::uint32_t highestNamedBelowTheLast = 41216;
-    for (std::uint32_t status = 0; status <= highestNamedBelowTheLast + 1; ++status) {
+    constexpr std::uint32_t kHighestNamedBelowTheLast = 41216;
+    for (std::uint32_t status = 0; status <= kHighestNamedBelowTheLast + 1; ++status) {
         if (kNames.find(status) == kNames.end()) {
             ASSERT_STREQ(cameraStatusName(status), "UNKNOWN") << status;
         }

@@ -1,4 +1,4 @@
-#include "Views.h"
+#include "tests/check/Views.h"
 
 using namespace check;
 using namespace Orvo;

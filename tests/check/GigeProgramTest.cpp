@@ -1,7 +1,7 @@
 // orvocam-check itself, with GigE Vision cameras on a network of its own.
 
-#include "MadeUpRoot.h"
-#include "ProgramRun.h"
+#include "tests/check/MadeUpRoot.h"
+#include "tests/check/ProgramRun.h"
 
 #include "tests/cameralibs/transport/ChildProcess.h"
 

@@ -1,4 +1,4 @@
-#include "MadeUpRoot.h"
+#include "tests/check/MadeUpRoot.h"
 
 #include <gtest/gtest.h>
 

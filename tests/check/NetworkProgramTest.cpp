@@ -1,6 +1,6 @@
 // orvocam-check itself, on an interface whose other end lies in another network namespace, with a camera.
 
-#include "ProgramRun.h"
+#include "tests/check/ProgramRun.h"
 
 #include "tests/cameralibs/transport/ChildProcess.h"
 

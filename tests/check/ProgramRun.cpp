@@ -1,4 +1,4 @@
-#include "ProgramRun.h"
+#include "tests/check/ProgramRun.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Views.h"
+#include "tests/check/Views.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 // orvocam-check itself, with the emulated USB3 Vision camera and a made-up /sys.
 
-#include "MadeUpRoot.h"
-#include "ProgramRun.h"
+#include "tests/check/MadeUpRoot.h"
+#include "tests/check/ProgramRun.h"
 
 #include "tests/cameralibs/transport/usb/FakeUsb.h"
 

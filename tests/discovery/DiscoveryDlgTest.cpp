@@ -55,8 +55,8 @@ struct Shown {
     /// Presses Tab until the button has the focus.
     [[nodiscard]] bool tabTo(const QPushButton& button)
     {
-        constexpr int widgets = 4;
-        for (int i = 0; i < widgets && !button.hasFocus(); ++i)
+        constexpr int kWidgets = 4;
+        for (int i = 0; i < kWidgets && !button.hasFocus(); ++i)
             press(Qt::Key_Tab);
         return button.hasFocus();
     }
@@ -228,7 +228,7 @@ void DiscoveryDlgTest::membersAreKnownByName()
 
 void DiscoveryDlgTest::listIsFilledAfterTheDialogIsShown()
 {
-    constexpr qint64 earliestMs = 90; // a coarse timer of 100 ms may fire early
+    constexpr qint64 kEarliestMs = 90; // a coarse timer of 100 ms may fire early
     Shown shown;
     QElapsedTimer sinceShown;
     qint64 askedAfterMs = -1;
@@ -239,7 +239,7 @@ void DiscoveryDlgTest::listIsFilledAfterTheDialogIsShown()
     QVERIFY(!shown.open->isEnabled());
     QCOMPARE(scripted::count("Sys_GetNumOfCameras"), 0);
     QTRY_COMPARE(shown.list->topLevelItemCount(), 3);
-    QVERIFY2(askedAfterMs >= earliestMs, qPrintable(QString::number(askedAfterMs)));
+    QVERIFY2(askedAfterMs >= kEarliestMs, qPrintable(QString::number(askedAfterMs)));
     QVERIFY(shown.update->isEnabled());
 }
 

@@ -157,22 +157,22 @@ void DispThreadPaceTest::pausesBeforeTheFirstImageToo()
 
 void DispThreadPaceTest::imagesAndReportsArriveInTime()
 {
-    constexpr std::size_t mostReports = 20;
-    constexpr double enough = 30; // 1000 / 26 at best
-    constexpr auto soon = 2300ms;
+    constexpr std::size_t kMostReports = 20;
+    constexpr double kEnough = 30; // 1000 / 26 at best
+    constexpr auto kSoon = 2300ms;
     double fastest = 0;
     CallTimes::Clock::duration shortest = 1h;
     RunningStream running;
     const Feeder feeder(5);
     // Repeated, because the machine may be busy for a while.
-    for (std::size_t last = 1; last < mostReports && (fastest < enough || shortest >= soon); ++last) {
+    for (std::size_t last = 1; last < kMostReports && (fastest < kEnough || shortest >= kSoon); ++last) {
         QVERIFY(running.waitForReports(last + 1));
         const auto rates = running.rates();
         fastest = std::max(fastest, rates[last].display);
         shortest = std::min(shortest, rates[last].at - rates[last - 1].at);
     }
-    QVERIFY2(fastest >= enough, qPrintable(QString::number(fastest)));
-    QVERIFY2(shortest < soon, qPrintable(QString::number(std::chrono::duration<double>(shortest).count())));
+    QVERIFY2(fastest >= kEnough, qPrintable(QString::number(fastest)));
+    QVERIFY2(shortest < kSoon, qPrintable(QString::number(std::chrono::duration<double>(shortest).count())));
 }
 
 // --- Hand-over ------------------------------------------------------------------------------------------------------
@@ -207,8 +207,8 @@ void DispThreadPaceTest::ratesAreReportedWhileAnImageIsLent()
 
 void DispThreadPaceTest::shownImagesAreComplete()
 {
-    constexpr int enough = 40;
-    scripted::setImageFormat(640, 480, scripted::bayerRG8);
+    constexpr int kEnough = 40;
+    scripted::setImageFormat(640, 480, scripted::kBayerRG8);
     std::atomic<std::uint32_t> converted{0};
     scripted::onConvImage([&](void* dst, const void*, std::uint32_t width, std::uint32_t height) {
         std::fill_n(static_cast<std::uint32_t*>(dst), std::size_t{width} * height, 0xFF000000U | ++converted);
@@ -225,27 +225,27 @@ void DispThreadPaceTest::shownImagesAreComplete()
     QElapsedTimer timer;
     timer.start();
     // The GUI thread busy-waits, so that only the hand-over synchronises the two threads.
-    while (whole + torn < enough && timer.elapsed() < kPatienceMs)
+    while (whole + torn < kEnough && timer.elapsed() < kPatienceMs)
         QCoreApplication::processEvents();
     QCOMPARE(torn, 0);
-    QCOMPARE(whole, enough);
+    QCOMPARE(whole, kEnough);
 }
 
 void DispThreadPaceTest::laterImagesDoNotChangeShownOnes()
 {
-    constexpr int frames = 6;
+    constexpr int kFrames = 6;
     const auto greyOf = [](int frame) { return static_cast<std::uint8_t>(0x20 * frame); };
     RunningStream running;
     const ShownImages shown(running.driver().window(), ShownImages::Keep::All);
-    for (int frame = 1; frame <= frames; ++frame) {
+    for (int frame = 1; frame <= kFrames; ++frame) {
         QVERIFY(scripted::deliverImage(std::uint64_t(frame), greyOf(frame)));
         QTRY_COMPARE(shown.count(), frame);
     }
     running.driver().trigger("actionZoomIn"); // shows the last image again
-    QCOMPARE(shown.count(), frames + 1);
-    for (int i = 0; i <= frames; ++i) {
+    QCOMPARE(shown.count(), kFrames + 1);
+    for (int i = 0; i <= kFrames; ++i) {
         const QImage image = shown.images().at(i);
-        const std::uint8_t grey = greyOf(std::min(i + 1, frames));
+        const std::uint8_t grey = greyOf(std::min(i + 1, kFrames));
         QImage expected(image.size(), QImage::Format_ARGB32); // as the display thread converts it
         expected.fill(QColor(grey, grey, grey));
         QCOMPARE(image, expected);
@@ -269,7 +269,7 @@ void DispThreadPaceTest::staleImageAfterRestartIsHarmless()
     QVERIFY(scripted::deliverImage(1));
     QVERIFY(waitBlocked([&] { return running.images() == 1; }));
     running.driver().stop();
-    scripted::setImageFormat(width, height, scripted::bayerRG8);
+    scripted::setImageFormat(width, height, scripted::kBayerRG8);
     running.start();
     QVERIFY(scripted::deliverImage(1)); // the new thread has no previous frame number
     QVERIFY(waitBlocked([&] { return running.images() == 2; }));
@@ -324,7 +324,7 @@ void DispThreadPaceTest::pausedThreadTakesNoImagesButReportsRates()
 
 void DispThreadPaceTest::fastCameraShowsFewerImagesThanItDelivers()
 {
-    constexpr double highestDisplayRate = 1000.0 / 26 + 1; // a report may contain one image more
+    constexpr double kHighestDisplayRate = 1000.0 / 26 + 1; // a report may contain one image more
     RunningStream running;
     int deliveredBefore = 0;
     int deliveredAfter = 0;
@@ -336,7 +336,7 @@ void DispThreadPaceTest::fastCameraShowsFewerImagesThanItDelivers()
         deliveredAfter = feeder.delivered();
     }
     const RunningStream::Rates rates = running.rates().at(1);
-    QVERIFY2(rates.display <= highestDisplayRate, qPrintable(QString::number(rates.display)));
+    QVERIFY2(rates.display <= kHighestDisplayRate, qPrintable(QString::number(rates.display)));
     QVERIFY(rates.display > 0);
     QVERIFY2(rates.capture > rates.display, qPrintable(QString::number(rates.capture)));
     // A report covers slightly more than 2 seconds, and the counts were taken slightly after the reports.
@@ -346,16 +346,16 @@ void DispThreadPaceTest::fastCameraShowsFewerImagesThanItDelivers()
 
 void DispThreadPaceTest::stoppedCameraShowsZeroAndKeepsTheImage()
 {
-    constexpr int delivered = 10;
+    constexpr int kDelivered = 10;
     RunningStream running;
     const ShownImages shown(running.driver().window(), ShownImages::Keep::Last);
-    for (std::uint64_t number = 1; number <= delivered; ++number)
+    for (std::uint64_t number = 1; number <= kDelivered; ++number)
         QVERIFY(scripted::deliverImage(number, 0x40));
     QVERIFY(running.waitForReports(2));
 
     // The known count gives the period of the report, which is in whole milliseconds.
     const RunningStream::Rates first = running.rates().at(0);
-    const double milliseconds = delivered * 1000.0 / first.capture;
+    const double milliseconds = kDelivered * 1000.0 / first.capture;
     QVERIFY(milliseconds > 2000.5);
     QVERIFY(std::abs(milliseconds - std::round(milliseconds)) < 1e-6);
     QVERIFY(first.imagesBefore > 0);
@@ -374,7 +374,7 @@ void DispThreadPaceTest::nothingIsReportedWhileNotAcquiring()
 {
     // The thread already runs while the stream is opened. Here opening takes longer than a report period; the absence
     // of a report can only be shown by waiting.
-    constexpr int longerThanAReportMs = 2300;
+    constexpr int kLongerThanAReportMs = 2300;
     std::atomic<int> reports{0};
     int reportsWhileOpening = -1;
     WindowDriver driver;
@@ -383,7 +383,7 @@ void DispThreadPaceTest::nothingIsReportedWhileNotAcquiring()
         auto* const thread = driver.window().findChild<DispThread*>();
         connect(
             thread, &DispThread::dispFps, thread, [&] { ++reports; }, Qt::DirectConnection);
-        QTest::qSleep(longerThanAReportMs);
+        QTest::qSleep(kLongerThanAReportMs);
         reportsWhileOpening = reports;
     });
     driver.start();

@@ -65,7 +65,7 @@ void DispThreadTest::livesWhileTheStreamIsOpen()
 void DispThreadTest::imageIsLockedConvertedAndUnlocked()
 {
     RunningStream running;
-    scripted::setImageFormat(64, 48, scripted::bayerRG8);
+    scripted::setImageFormat(64, 48, scripted::kBayerRG8);
     QVERIFY(scripted::deliverImage(1));
     QTRY_COMPARE(conversions(), 1);
     QTRY_COMPARE(scripted::lockedBuffers(), 0);

@@ -324,7 +324,7 @@ void GraphicsItemsTest::lineItemHeadStrokes_data()
 void GraphicsItemsTest::lineItemHeadStrokes()
 {
     QFETCH(QLineF, line);
-    constexpr double degree = M_PI / 180;
+    constexpr double kDegree = M_PI / 180;
     LineGraphicsItem item;
     item.setLine(line);
     NotingDevice device;
@@ -332,7 +332,7 @@ void GraphicsItemsTest::lineItemHeadStrokes()
     for (const int arm : {1, 2}) {
         const QLineF stroke = device.engine.strokes.at(arm).line;
         // Counter-clockwise on a screen whose y grows downward.
-        const double angle = std::atan2(-line.dy(), line.dx()) + (arm == 1 ? 32 : -32) * degree;
+        const double angle = std::atan2(-line.dy(), line.dx()) + (arm == 1 ? 32 : -32) * kDegree;
         QCOMPARE(stroke.p1(), line.p1());
         QVERIFY(std::abs(stroke.x2() - (line.x1() + 12 * std::cos(angle))) < 1e-6);
         QVERIFY(std::abs(stroke.y2() - (line.y1() - 12 * std::sin(angle))) < 1e-6);

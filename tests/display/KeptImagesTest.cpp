@@ -101,13 +101,13 @@ void KeptImagesTest::imageOfAnotherFormatOrSizeIsCopied()
 
 void KeptImagesTest::linePaddingIsNotCopied()
 {
-    constexpr int left = 2;
+    constexpr int kLeft = 2;
     const QImage whole = pattern({kSize.width() + 5, kSize.height()}, 0);
-    const QImage part(whole.constBits() + left * sizeof(QRgb), kSize.width(), kSize.height(), whole.bytesPerLine(),
+    const QImage part(whole.constBits() + kLeft * sizeof(QRgb), kSize.width(), kSize.height(), whole.bytesPerLine(),
                       whole.format());
     KeptImages kept;
     for (int i = 0; i < 4; ++i)
-        QCOMPARE(kept.copyOf(part), whole.copy(QRect(QPoint(left, 0), kSize)));
+        QCOMPARE(kept.copyOf(part), whole.copy(QRect(QPoint(kLeft, 0), kSize)));
 }
 
 void KeptImagesTest::copyOfANullImageIsNull()

@@ -144,9 +144,9 @@ bool EndToEndTest::open(Camera camera)
 
 bool EndToEndTest::selects(Camera row)
 {
-    constexpr int clearOfTheText = 10;
+    constexpr int kClearOfTheText = 10;
     const QRect place = placeOfRow(row);
-    const QPoint end = kList.topLeft() + QPoint(place.right() - clearOfTheText, place.center().y());
+    const QPoint end = kList.topLeft() + QPoint(place.right() - kClearOfTheText, place.center().y());
     return QTest::qWaitFor(
         [&] {
             const auto dialog = desktop.window(kDialog);

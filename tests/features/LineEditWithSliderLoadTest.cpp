@@ -234,8 +234,8 @@ void LineEditWithSliderLoadTest::emptyRangeIsFixed()
 
 void LineEditWithSliderLoadTest::extremes_data()
 {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
     QTest::addColumn<NodeSpec>("spec");
     const auto row = [](const char* name, const NodeSpec& spec) {
         QTest::newRow(name) << features::linear(spec);
@@ -247,13 +247,13 @@ void LineEditWithSliderLoadTest::extremes_data()
     row("increment 0", features::integer("Extreme", 5, 0, 100, 0));
     row("negative increment", features::integer("Extreme", 5, 0, 100, -3));
     row("smallest increment", features::integer("Extreme", 5, INT64_MIN, INT64_MAX, INT64_MIN));
-    row("infinite", features::real("Extreme", infinity, -infinity, infinity));
+    row("infinite", features::real("Extreme", kInfinity, -kInfinity, kInfinity));
     row("widest", features::real("Extreme", 1, -1.7e308, 1.7e308));
-    row("no number", features::real("Extreme", notANumber, notANumber, notANumber));
-    row("no number as value", features::real("Extreme", notANumber, 0, 1));
+    row("no number", features::real("Extreme", kNotANumber, kNotANumber, kNotANumber));
+    row("no number as value", features::real("Extreme", kNotANumber, 0, 1));
     NodeSpec stepped = features::real("Extreme", 1, 0, 100);
     stepped.floatHasInc = 1;
-    for (const double increment : {0.0, -0.5, infinity, notANumber, 1e-300}) {
+    for (const double increment : {0.0, -0.5, kInfinity, kNotANumber, 1e-300}) {
         stepped.floatInc = increment;
         row(qPrintable(QString("float increment %1").arg(increment)), stepped);
     }

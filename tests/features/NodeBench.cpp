@@ -79,12 +79,12 @@ scripted::NodeSpec stringNode(const std::string& value, const std::string& name)
 
 scripted::NodeSpec enumNode(const std::vector<Orvo::NodeAccessMode>& entries, const std::string& name)
 {
-    static constexpr std::array names{"First", "Second", "Third", "Fourth", "Fifth"};
+    static constexpr std::array kNames{"First", "Second", "Third", "Fourth", "Fifth"};
     scripted::NodeSpec spec = nodeOf(Orvo::NODE_TYPE_ENUMERATION, name);
     for (const Orvo::NodeAccessMode access : entries) {
         const std::size_t index = spec.entries.size();
         const auto number = static_cast<std::int64_t>(10 * (index + 1));
-        spec.entries.push_back(scripted::enumEntry(names.at(index), number, access));
+        spec.entries.push_back(scripted::enumEntry(kNames.at(index), number, access));
     }
     spec.intValue = 10;
     return spec;

@@ -11,8 +11,8 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
-constexpr NodeAccessMode rw = NODE_ACCESS_MODE_RW;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RW = NODE_ACCESS_MODE_RW;
 
 class NodeItemChoicesTest : public QObject {
     Q_OBJECT
@@ -34,7 +34,7 @@ private slots:
 
 void NodeItemChoicesTest::enumInteger()
 {
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     QCOMPARE(item->getEnumIntValue(), 10L);
     scripted::changeNode("Node", [](scripted::NodeSpec& spec) { spec.intValue = INT64_MIN; });
@@ -44,7 +44,7 @@ void NodeItemChoicesTest::enumInteger()
 
 void NodeItemChoicesTest::enumIntegerFails()
 {
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     scripted::failAlways("Nd_GetEnumIntValue", CAM_API_STS_TIMEOUT);
     QCOMPARE(item->getEnumIntValue(), 0L);
@@ -71,18 +71,18 @@ void NodeItemChoicesTest::choicesByAccess_data()
 {
     QTest::addColumn<std::vector<NodeAccessMode>>("entries");
     QTest::addColumn<QStringList>("choices");
-    constexpr NodeAccessMode ni = NODE_ACCESS_MODE_NI;
-    constexpr NodeAccessMode na = NODE_ACCESS_MODE_NA;
-    constexpr NodeAccessMode wo = NODE_ACCESS_MODE_WO;
+    constexpr NodeAccessMode NI = NODE_ACCESS_MODE_NI;
+    constexpr NodeAccessMode NA = NODE_ACCESS_MODE_NA;
+    constexpr NodeAccessMode WO = NODE_ACCESS_MODE_WO;
     using Entries = std::vector<NodeAccessMode>;
     QTest::newRow("none") << Entries{} << QStringList();
-    QTest::newRow("second entry not available") << Entries{ro, na, ro} << QStringList{"First", "Third"};
-    QTest::newRow("not implemented") << Entries{ni, ro} << QStringList{"Second"};
-    QTest::newRow("write-only is listed") << Entries{wo, ro} << QStringList{"First", "Second"};
-    QTest::newRow("read-write is not listed") << Entries{rw, ro} << QStringList{"Second"};
+    QTest::newRow("second entry not available") << Entries{RO, NA, RO} << QStringList{"First", "Third"};
+    QTest::newRow("not implemented") << Entries{NI, RO} << QStringList{"Second"};
+    QTest::newRow("write-only is listed") << Entries{WO, RO} << QStringList{"First", "Second"};
+    QTest::newRow("read-write is not listed") << Entries{RW, RO} << QStringList{"Second"};
     QTest::newRow("unknown access is not listed")
-        << Entries{static_cast<NodeAccessMode>(5), ro} << QStringList{"Second"};
-    QTest::newRow("no entry is selectable") << Entries{na, ni, rw} << QStringList();
+        << Entries{static_cast<NodeAccessMode>(5), RO} << QStringList{"Second"};
+    QTest::newRow("no entry is selectable") << Entries{NA, NI, RW} << QStringList();
 }
 
 void NodeItemChoicesTest::choicesByAccess()
@@ -94,13 +94,13 @@ void NodeItemChoicesTest::choicesByAccess()
 
 void NodeItemChoicesTest::choicesCallByCall()
 {
-    NodeBench bench({enumNode({ro, NODE_ACCESS_MODE_NA})});
+    NodeBench bench({enumNode({RO, NODE_ACCESS_MODE_NA})});
     const auto item = bench.item();
     item->getItemsValue();
     QCOMPARE(NodeBench::calls(), QStringList({"Nd_GetNumOfEnumEntries(out)", "Nd_GetEnumEntryByIndex(0, out)",
                                               "Nd_GetAccessMode(out)", "Nd_GetEnumEntryStrValue(out, out)",
                                               "Nd_GetEnumEntryByIndex(1, out)", "Nd_GetAccessMode(out)"}));
-    QCOMPARE(item->getAccessMode(), rw); // reading an entry's access mode keeps that of the node
+    QCOMPARE(item->getAccessMode(), RW); // reading an entry's access mode keeps that of the node
 }
 
 void NodeItemChoicesTest::choicesFail_data()
@@ -121,7 +121,7 @@ void NodeItemChoicesTest::choicesFail()
 {
     QFETCH(QString, operation);
     QFETCH(int, nth);
-    NodeBench bench({enumNode({ro, ro, ro})});
+    NodeBench bench({enumNode({RO, RO, RO})});
     const auto item = bench.item();
     scripted::failCall(operation.toStdString(), CAM_API_STS_GENICAM_ERR, nth);
     QCOMPARE(item->getItemsValue(), QStringList());
@@ -142,7 +142,7 @@ void NodeItemChoicesTest::choicesOfOtherTypes()
 
 void NodeItemChoicesTest::choicesVanish()
 {
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     QCOMPARE(item->getItemsValue(), QStringList({"First", "Second"}));
     scripted::changeNode("Node", [](scripted::NodeSpec& spec) { spec.entries[1].access = NODE_ACCESS_MODE_NA; });

@@ -13,7 +13,7 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
 
 class NodeItemEditorsTest : public QObject {
     Q_OBJECT
@@ -90,7 +90,7 @@ void NodeItemEditorsTest::slotsIgnoreEditorsOfAnotherKind()
 void NodeItemEditorsTest::comboWritesItsChoice()
 {
     // The second entry is not listed, so combo box index and entry index differ.
-    NodeBench bench({enumNode({ro, NODE_ACCESS_MODE_NA, ro})});
+    NodeBench bench({enumNode({RO, NODE_ACCESS_MODE_NA, RO})});
     const auto item = bench.item();
     QComboBox editor;
     editor.addItems(item->getItemsValue());
@@ -124,7 +124,7 @@ void NodeItemEditorsTest::comboOfABoolean()
 
 void NodeItemEditorsTest::comboWithTheSameIndexWritesNothing()
 {
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     QComboBox editor;
     editor.addItems({"First", "Second"});
@@ -137,7 +137,7 @@ void NodeItemEditorsTest::comboWithTheSameIndexWritesNothing()
 
 void NodeItemEditorsTest::comboWhoseWriteFails()
 {
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     QComboBox editor;
     editor.addItems({"First", "Second"});
@@ -153,7 +153,7 @@ void NodeItemEditorsTest::comboWhoseWriteFails()
 void NodeItemEditorsTest::comboIsReloadedDuringItsWrite()
 {
     // The write changes the cell, which reloads the editor: the box is cleared during the write.
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     QComboBox editor;
     editor.addItems({"First", "Second"});
@@ -183,7 +183,7 @@ void NodeItemEditorsTest::comboIndexIsStoredForComboEditorsOnly()
 
 void NodeItemEditorsTest::destroyedEditor()
 {
-    NodeBench bench({integerNode(5), enumNode({ro}, "Enumeration")});
+    NodeBench bench({integerNode(5), enumNode({RO}, "Enumeration")});
     const auto integer = bench.item("Node");
     const auto enumeration = bench.item("Enumeration");
     {

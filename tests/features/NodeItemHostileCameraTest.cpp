@@ -13,7 +13,7 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
 
 class NodeItemHostileCameraTest : public QObject {
     Q_OBJECT
@@ -92,7 +92,7 @@ void NodeItemHostileCameraTest::absurdSizes()
 
 void NodeItemHostileCameraTest::enumerationOfSizeZero()
 {
-    NodeBench bench({enumNode({ro}), stringNode("old", "Text")}, OpeLogRead);
+    NodeBench bench({enumNode({RO}), stringNode("old", "Text")}, OpeLogRead);
     const auto enumeration = bench.item("Node");
     scripted::failCall("Nd_GetEnumStrValue", CAM_API_STS_SUCCESS); // returns success, leaves the size 0
     QCOMPARE(enumeration->getNodeValue(false, true), QString("First"));
@@ -113,7 +113,7 @@ void NodeItemHostileCameraTest::enumerationOfSizeZero()
 
 void NodeItemHostileCameraTest::emptyEntryNameIsAValue()
 {
-    scripted::NodeSpec nameless = enumNode({ro, ro});
+    scripted::NodeSpec nameless = enumNode({RO, RO});
     nameless.entries.front().name.clear();
     NodeBench bench({nameless}, OpeLogRead);
     const auto enumeration = bench.item("Node");
@@ -185,19 +185,19 @@ void NodeItemHostileCameraTest::extremeIntegers()
 
 void NodeItemHostileCameraTest::extremeFloats()
 {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     scripted::NodeSpec spec = floatNode(std::numeric_limits<double>::quiet_NaN());
-    spec.floatMin = -infinity;
-    spec.floatMax = infinity;
+    spec.floatMin = -kInfinity;
+    spec.floatMax = kInfinity;
     spec.precision = INT64_MAX;
     NodeBench bench({spec});
     const auto item = bench.item();
     item->updateVals(true);
     QCOMPARE(item->getNodeValue(false, true), QString("nan"));
     QVERIFY(std::isnan(item->getValFloat(true)));
-    QCOMPARE(item->getMinFloat(), -infinity);
-    QCOMPARE(item->getMaxFloat(), infinity);
-    scripted::changeNode("Node", [](scripted::NodeSpec& node) { node.floatValue = -infinity; });
+    QCOMPARE(item->getMinFloat(), -kInfinity);
+    QCOMPARE(item->getMaxFloat(), kInfinity);
+    scripted::changeNode("Node", [](scripted::NodeSpec& node) { node.floatValue = -kInfinity; });
     QCOMPARE(item->getNodeValue(false, true), QString("-inf"));
     scripted::changeNode("Node", [](scripted::NodeSpec& node) { node.floatValue = 1e308; });
     QVERIFY(item->getNodeValue(false, true).size() > 308);

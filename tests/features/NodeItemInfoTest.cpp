@@ -11,7 +11,7 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
 
 class NodeItemInfoTest : public QObject {
     Q_OBJECT
@@ -150,7 +150,7 @@ void NodeItemInfoTest::enumeration()
 
 void NodeItemInfoTest::enumerationThatCannotBeRead()
 {
-    NodeBench bench({with(NODE_ACCESS_MODE_NA, enumNode({ro})), enumNode({ro}, "Other"), enumNode({}, "Empty")});
+    NodeBench bench({with(NODE_ACCESS_MODE_NA, enumNode({RO})), enumNode({RO}, "Other"), enumNode({}, "Empty")});
     QCOMPARE(bench.item("Node")->getAdditionalInfo(), QString("Current value is == Not Available == (0)"));
     const auto other = bench.item("Other");
     scripted::failAlways("Nd_GetEnumIntValue", CAM_API_STS_TIMEOUT);

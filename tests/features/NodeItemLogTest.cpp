@@ -15,7 +15,7 @@ namespace {
 using namespace Orvo;
 using OperationLog::Fragment;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
 
 const QString lookup = "status = Orvo::Nd_GetNode(hCam, \"Node\", &hNode);\n";
 
@@ -62,33 +62,35 @@ void NodeItemLogTest::levels_data()
     const auto type = [](const char* text) {
         return [text](GenAPINodeItem& item) { item.setNodeValue(QString(text)); };
     };
-    constexpr auto failed = "Failed!! Status code: 0x00000805.\n";
+    constexpr auto kFailed = "Failed!! Status code: 0x00000805.\n";
     const scripted::NodeSpec integer = integerNode(5);
     const scripted::NodeSpec boolean = nodeOf(NODE_TYPE_BOOLEAN);
     const scripted::NodeSpec command = nodeOf(NODE_TYPE_COMMAND);
-    const scripted::NodeSpec enumeration = enumNode({ro, ro});
+    const scripted::NodeSpec enumeration = enumNode({RO, RO});
 
-    row("integer read", integer, "Nd_GetIntValue", 2, OperationLog::text(Fragment::IntegerRead), failed, read);
+    row("integer read", integer, "Nd_GetIntValue", 2, OperationLog::text(Fragment::IntegerRead), kFailed, read);
     row("float read never tells a failure", floatNode(5), "Nd_GetFloatValue", 2,
         OperationLog::text(Fragment::FloatRead), "", read);
-    row("boolean read", boolean, "Nd_GetBoolValue", 2, OperationLog::text(Fragment::BooleanRead), failed, read);
-    row("string read", stringNode("text"), "Nd_GetStrValue", 2, OperationLog::text(Fragment::StringRead), failed, read);
-    row("enumeration read", enumeration, "Nd_GetEnumStrValue", 2, OperationLog::text(Fragment::EnumRead), failed, read);
+    row("boolean read", boolean, "Nd_GetBoolValue", 2, OperationLog::text(Fragment::BooleanRead), kFailed, read);
+    row("string read", stringNode("text"), "Nd_GetStrValue", 2, OperationLog::text(Fragment::StringRead), kFailed,
+        read);
+    row("enumeration read", enumeration, "Nd_GetEnumStrValue", 2, OperationLog::text(Fragment::EnumRead), kFailed,
+        read);
     row("enumeration integer read", enumeration, "Nd_GetEnumIntValue", 2, OperationLog::text(Fragment::EnumIntegerRead),
-        failed, [](GenAPINodeItem& item) { item.getEnumIntValue(); });
+        kFailed, [](GenAPINodeItem& item) { item.getEnumIntValue(); });
 
-    row("integer from text", integer, "Nd_SetIntValue", 1, "status = Orvo::Nd_SetIntValue(hcam, hNode, 7);\n", failed,
+    row("integer from text", integer, "Nd_SetIntValue", 1, "status = Orvo::Nd_SetIntValue(hcam, hNode, 7);\n", kFailed,
         type("7 px"));
     row("boolean from text", boolean, "Nd_SetBoolValue", 1, "status = Orvo::Nd_SetBoolValue(hCam, hNode, true);\n",
-        failed, type("YES"));
-    row("command from text", command, "Nd_CmdExecute", 1, "status = Orvo::Nd_CmdExecute'hCam, hNode);\n", failed,
+        kFailed, type("YES"));
+    row("command from text", command, "Nd_CmdExecute", 1, "status = Orvo::Nd_CmdExecute'hCam, hNode);\n", kFailed,
         type("1"));
     row("float from text", floatNode(5), "Nd_SetFloatValue", 1, "status = Orvo::Nd_SetFloatValue(hCam, hNode, 1.50);\n",
-        failed, type("1.50 us"));
+        kFailed, type("1.50 us"));
     row("string from text", stringNode("old"), "Nd_SetStrValue", 1,
-        "status = Orvo::Nd_SetStrValue(hCam, hNode, \"new text\");\n", failed, type("new text"));
+        "status = Orvo::Nd_SetStrValue(hCam, hNode, \"new text\");\n", kFailed, type("new text"));
     row("enumeration from text", enumeration, "Nd_SetEnumStrValue", 1,
-        "status = Orvo::Nd_SetEnumStrValue(hCam, hNode, \"Second\");\n", failed, type("Second"));
+        "status = Orvo::Nd_SetEnumStrValue(hCam, hNode, \"Second\");\n", kFailed, type("Second"));
 
     row("float from a number is not told when it fails", floatNode(5), "Nd_SetFloatValue", 1,
         "status = Orvo::Nd_SetFloatValue(hCam, hNode, 1.5);\n", "-",
@@ -148,7 +150,7 @@ void NodeItemLogTest::failedReadLogsItsStatus()
 void NodeItemLogTest::failedEntryRead()
 {
     // An enumeration entry has no fragment of its own: only its failure is logged.
-    NodeBench bench({enumNode({ro})}, OpeLogRead);
+    NodeBench bench({enumNode({RO})}, OpeLogRead);
     const auto item = bench.item("EnumEntry_Node_First");
     item->getNodeValue(true, true);
     QCOMPARE(bench.log, QStringList());
@@ -223,7 +225,7 @@ void NodeItemLogTest::floatByNumberInDefaultPrecision()
 void NodeItemLogTest::numberWriteLogsBeforeItsRead()
 {
     for (int level = 0; level <= 3; ++level) {
-        NodeBench bench({integerNode(5), enumNode({ro, ro}, "Mode")}, level);
+        NodeBench bench({integerNode(5), enumNode({RO, RO}, "Mode")}, level);
         const QString integerWrite = lookup + "status = Orvo::Nd_SetIntValue(hcam, hNode, -7);\n";
         QStringList expected;
         if (level >= 1)
@@ -358,7 +360,7 @@ void NodeItemLogTest::appendFollowsTheLevel()
 void NodeItemLogTest::itemWithoutAViewLogsNothing()
 {
     NodeBench bench(
-        {integerNode(5), nodeOf(NODE_TYPE_COMMAND, "Command"), enumNode({ro}, "TriggerMode"), floatNode(5, "Float")},
+        {integerNode(5), nodeOf(NODE_TYPE_COMMAND, "Command"), enumNode({RO}, "TriggerMode"), floatNode(5, "Float")},
         OpeLogRange);
     for (const char* name : {"Node", "Command", "TriggerMode", "Float"}) {
         GenAPINodeItem item(bench.camera(), bench.handle(name), 0, nullptr, nullptr);
@@ -392,7 +394,7 @@ void NodeItemLogTest::receiverMayChangeTheText()
 void NodeItemLogTest::additionalInfoLogsItsRead()
 {
     for (int level = 0; level <= 3; ++level) {
-        NodeBench bench({enumNode({ro})}, level);
+        NodeBench bench({enumNode({RO})}, level);
         const auto item = bench.item();
         item->getAdditionalInfo();
         QCOMPARE(bench.log.size(), level >= 2 ? 1 : 0); // the text is cached, the number is read

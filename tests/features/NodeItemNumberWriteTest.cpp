@@ -11,7 +11,7 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
 
 class NodeItemNumberWriteTest : public QObject {
     Q_OBJECT
@@ -76,7 +76,7 @@ void NodeItemNumberWriteTest::integerByNumberFails()
 
 void NodeItemNumberWriteTest::enumerationByNumber()
 {
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     QCOMPARE(item->setNodeValue(20L), 0);
     QCOMPARE(NodeBench::calls(), QStringList({"Nd_SetEnumIntValue(20, true)", "Nd_GetEnumStrValue(null, out)",
@@ -86,7 +86,7 @@ void NodeItemNumberWriteTest::enumerationByNumber()
 
 void NodeItemNumberWriteTest::enumerationByNumberFails()
 {
-    NodeBench bench({enumNode({ro, ro})});
+    NodeBench bench({enumNode({RO, RO})});
     const auto item = bench.item();
     QCOMPARE(item->setNodeValue(99L), 13);
     QCOMPARE(NodeBench::calls(), QStringList{"Nd_SetEnumIntValue(99, true)"});
@@ -146,11 +146,11 @@ void NodeItemNumberWriteTest::floatByNumberInvalidatesTheCache()
 
 void NodeItemNumberWriteTest::floatByNumberFails()
 {
-    constexpr double values[] = {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
-                                 -std::numeric_limits<double>::infinity()};
+    constexpr double kValues[] = {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                                  -std::numeric_limits<double>::infinity()};
     NodeBench bench({floatNode(5)});
     const auto item = bench.item();
-    for (const double value : values) {
+    for (const double value : kValues) {
         scripted::clearCalls();
         QCOMPARE(item->setNodeValue(value), 13);
         QCOMPARE(NodeBench::calls().size(), 1);

@@ -177,13 +177,13 @@ void NodeItemPropertiesTest::validFloats_data()
     QTest::addColumn<double>("maximum");
     QTest::addColumn<double>("increment"); // NaN: none
     QTest::addColumn<double>("expected");
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    QTest::newRow("without increment inside") << 3.14159 << 0.0 << 10.0 << none << 3.14159;
-    QTest::newRow("without increment below") << -1.0 << 0.0 << 10.0 << none << 0.0;
-    QTest::newRow("without increment above") << 11.0 << 0.0 << 10.0 << none << 10.0;
-    QTest::newRow("infinity") << infinity << 0.0 << 10.0 << none << 10.0;
-    QTest::newRow("minus infinity") << -infinity << 0.0 << 10.0 << none << 0.0;
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    QTest::newRow("without increment inside") << 3.14159 << 0.0 << 10.0 << kNone << 3.14159;
+    QTest::newRow("without increment below") << -1.0 << 0.0 << 10.0 << kNone << 0.0;
+    QTest::newRow("without increment above") << 11.0 << 0.0 << 10.0 << kNone << 10.0;
+    QTest::newRow("infinity") << kInfinity << 0.0 << 10.0 << kNone << 10.0;
+    QTest::newRow("minus infinity") << -kInfinity << 0.0 << 10.0 << kNone << 0.0;
     QTest::newRow("rounds down") << 1.2 << 0.0 << 10.0 << 0.5 << 1.0;
     QTest::newRow("half goes up") << 1.25 << 0.0 << 10.0 << 0.5 << 1.5;
     QTest::newRow("steps count from the minimum") << 2.3 << 0.25 << 10.0 << 0.5 << 2.25;
@@ -193,8 +193,8 @@ void NodeItemPropertiesTest::validFloats_data()
     QTest::newRow("the last step of 32 bits") << 2147483647.0 << 0.0 << 1e12 << 1.0 << 2147483647.0;
     QTest::newRow("a step beyond 32 bits") << 2147483648.0 << 0.0 << 1e12 << 1.0 << -2147483648.0;
     QTest::newRow("far beyond 32 bits") << 1e12 << 100.0 << 1e12 << 0.5 << -2147483648.0 * 0.5 + 100.0;
-    QTest::newRow("infinity in steps") << infinity << 0.0 << 10.0 << 1.0 << -2147483648.0;
-    QTest::newRow("maximum below the minimum") << 7.0 << 5.0 << 3.0 << none << 3.0;
+    QTest::newRow("infinity in steps") << kInfinity << 0.0 << 10.0 << 1.0 << -2147483648.0;
+    QTest::newRow("maximum below the minimum") << 7.0 << 5.0 << 3.0 << kNone << 3.0;
 }
 
 void NodeItemPropertiesTest::validFloats()

@@ -9,8 +9,8 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
-constexpr NodeAccessMode rw = NODE_ACCESS_MODE_RW;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RW = NODE_ACCESS_MODE_RW;
 
 class NodeItemRangeTest : public QObject {
     Q_OBJECT
@@ -211,13 +211,13 @@ void NodeItemRangeTest::rangeFailuresAreNotStored()
 
 void NodeItemRangeTest::unpluggedCamera()
 {
-    NodeBench bench({exposure(), enumNode({ro}, "Mode")});
+    NodeBench bench({exposure(), enumNode({RO}, "Mode")});
     const auto real = bench.item("ExposureTime");
     const auto enumeration = bench.item("Mode");
     scripted::unplug();
     real->updateVals(true);
     enumeration->updateVals(true);
-    QCOMPARE(real->getAccessMode(), rw); // unchanged
+    QCOMPARE(real->getAccessMode(), RW); // unchanged
     QCOMPARE(real->data(Qt::EditRole), QVariant(QString("12.35 us")));
     QCOMPARE(enumeration->getItemsValue(), QStringList());
     QCOMPARE(enumeration->getEnumIntValue(), 0L);

@@ -9,8 +9,8 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
-constexpr NodeAccessMode rw = NODE_ACCESS_MODE_RW;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RW = NODE_ACCESS_MODE_RW;
 
 class NodeItemReadTest : public QObject {
     Q_OBJECT
@@ -42,8 +42,8 @@ void NodeItemReadTest::valueTexts_data()
     QTest::addColumn<scripted::NodeSpec>("node");
     QTest::addColumn<QString>("text");
     const auto row = [](const char* name, const scripted::NodeSpec& spec, const char* text) {
-        QTest::addRow("%s, read-write", name) << with(rw, spec) << QString::fromUtf8(text);
-        QTest::addRow("%s, read-only", name) << with(ro, spec) << QString::fromUtf8(text);
+        QTest::addRow("%s, read-write", name) << with(RW, spec) << QString::fromUtf8(text);
+        QTest::addRow("%s, read-only", name) << with(RO, spec) << QString::fromUtf8(text);
     };
     scripted::NodeSpec on = nodeOf(NODE_TYPE_BOOLEAN);
     on.boolValue = 1;
@@ -61,7 +61,7 @@ void NodeItemReadTest::valueTexts_data()
     row("empty string", stringNode(""), "");
     row("string with markup and place markers", stringNode("<b>%1</b> & %2"), "<b>%1</b> & %2");
     row("string beyond ASCII", stringNode("gr\xC3\xBC\xC3\x9F"), "grüß");
-    row("enumeration", enumNode({ro, ro}), "First");
+    row("enumeration", enumNode({RO, RO}), "First");
 }
 
 void NodeItemReadTest::valueTexts()
@@ -118,7 +118,7 @@ void NodeItemReadTest::writeOnlyNodeWithUnit()
 
 void NodeItemReadTest::commandNode()
 {
-    for (const NodeAccessMode access : {ro, rw}) {
+    for (const NodeAccessMode access : {RO, RW}) {
         NodeBench bench({with(access, nodeOf(NODE_TYPE_COMMAND))}, OpeLogRange);
         const auto item = bench.item();
         QCOMPARE(item->getNodeValue(true, true), QString("== Command node =="));
@@ -136,7 +136,7 @@ void NodeItemReadTest::commandNode()
 
 void NodeItemReadTest::enumEntry()
 {
-    NodeBench bench({enumNode({ro, ro})}, OpeLogRead);
+    NodeBench bench({enumNode({RO, RO})}, OpeLogRead);
     const auto item = bench.item("EnumEntry_Node_Second");
     QCOMPARE(item->getNodeType(), NODE_TYPE_ENUM_ENTRY);
     QCOMPARE(item->getNodeValue(true, true), QString("Second"));
@@ -168,7 +168,7 @@ void NodeItemReadTest::typesWithoutValue()
 std::vector<scripted::NodeSpec> oneOfEachType()
 {
     return {integerNode(1, "Integer"), nodeOf(NODE_TYPE_BOOLEAN, "Boolean"), floatNode(1, "Float"),
-            stringNode("text", "String"), enumNode({ro}, "Enumeration")};
+            stringNode("text", "String"), enumNode({RO}, "Enumeration")};
 }
 
 void NodeItemReadTest::cachedReadsMakeNoCalls_data()

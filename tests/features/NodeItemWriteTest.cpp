@@ -9,7 +9,7 @@ namespace {
 
 using namespace Orvo;
 
-constexpr NodeAccessMode ro = NODE_ACCESS_MODE_RO;
+constexpr NodeAccessMode RO = NODE_ACCESS_MODE_RO;
 
 class NodeItemWriteTest : public QObject {
     Q_OBJECT
@@ -99,7 +99,7 @@ void NodeItemWriteTest::texts_data()
     row("string with markup", stringNode("old"), " <b>%1</b> & %2 ", written("Nd_SetStrValue", "\" <b>%1</b> & %2 \""),
         " <b>%1</b> & %2 ");
 
-    row("enumeration", enumNode({ro, ro}), "Second", written("Nd_SetEnumStrValue", "\"Second\""), "Second");
+    row("enumeration", enumNode({RO, RO}), "Second", written("Nd_SetEnumStrValue", "\"Second\""), "Second");
 }
 
 void NodeItemWriteTest::texts()
@@ -182,7 +182,7 @@ void NodeItemWriteTest::notWritable()
     QFETCH(int, access);
     const auto mode = static_cast<NodeAccessMode>(access);
     NodeBench bench({with(mode, integerNode(5, "TriggerMode")), with(mode, floatNode(5, "Float")),
-                     with(mode, enumNode({ro}, "Enumeration")), with(mode, nodeOf(NODE_TYPE_CATEGORY, "Category"))},
+                     with(mode, enumNode({RO}, "Enumeration")), with(mode, nodeOf(NODE_TYPE_CATEGORY, "Category"))},
                     OpeLogRange);
     for (const char* name : {"TriggerMode", "Float", "Enumeration", "Category"}) {
         const auto item = bench.item(name);
@@ -244,7 +244,7 @@ void NodeItemWriteTest::failedWrite_data()
     row(nodeOf(NODE_TYPE_BOOLEAN), "true", "Nd_SetBoolValue");
     row(floatNode(5), "31", "Nd_SetFloatValue");
     row(stringNode("old"), "new", "Nd_SetStrValue");
-    row(enumNode({ro, ro}), "Second", "Nd_SetEnumStrValue");
+    row(enumNode({RO, RO}), "Second", "Nd_SetEnumStrValue");
     row(nodeOf(NODE_TYPE_COMMAND), "1", "Nd_CmdExecute");
 }
 
@@ -394,7 +394,7 @@ void NodeItemWriteTest::triggerNodes()
 {
     QFETCH(QString, name);
     QFETCH(int, checks);
-    NodeBench bench({enumNode({ro, ro}, name.toStdString())}, OpeLogWrite);
+    NodeBench bench({enumNode({RO, RO}, name.toStdString())}, OpeLogWrite);
     const auto item = bench.item();
     QCOMPARE(item->setNodeValue(QString("Second")), 0);
     QCOMPARE(bench.triggerChecks, checks);
@@ -415,7 +415,7 @@ void NodeItemWriteTest::triggerNodes()
 
 void NodeItemWriteTest::triggerNodesByNumberCheckNothing()
 {
-    NodeBench bench({enumNode({ro, ro}, "TriggerMode")});
+    NodeBench bench({enumNode({RO, RO}, "TriggerMode")});
     QCOMPARE(bench.item()->setNodeValue(20L), 0);
     QCOMPARE(bench.triggerChecks, 0);
 }

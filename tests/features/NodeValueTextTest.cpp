@@ -11,8 +11,8 @@ namespace {
 
 using namespace Orvo;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
 class NodeValueTextTest : public QObject {
     Q_OBJECT
@@ -91,9 +91,9 @@ void NodeValueTextTest::floats_data()
     row("automatic, large", 1234567.0, 'g', 3, "1.23e+06");
     row("scientific", 12.3456, 'e', 2, "1.23e+01");
     row("negative", -0.005, 'f', 2, "-0.01");
-    row("infinity", infinity, 'f', 2, "inf");
-    row("minus infinity", -infinity, 'f', 2, "-inf");
-    row("NaN", notANumber, 'f', 2, "nan");
+    row("infinity", kInfinity, 'f', 2, "inf");
+    row("minus infinity", -kInfinity, 'f', 2, "-inf");
+    row("NaN", kNotANumber, 'f', 2, "nan");
     row("negative precision", 1.0, 'f', -5, "1.000000");
     row("least precision", 1.0, 'f', INT64_MIN, "1.000000");
 }

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
 class NumberConversionTest : public QObject {
     Q_OBJECT
@@ -42,9 +42,9 @@ void NumberConversionTest::toInt_data()
     QTest::newRow("below") << -2147483649.0 << INT_MIN;
     QTest::newRow("far above") << 1e300 << INT_MIN;
     QTest::newRow("far below") << -1e300 << INT_MIN;
-    QTest::newRow("infinity") << infinity << INT_MIN;
-    QTest::newRow("minus infinity") << -infinity << INT_MIN;
-    QTest::newRow("NaN") << notANumber << INT_MIN;
+    QTest::newRow("infinity") << kInfinity << INT_MIN;
+    QTest::newRow("minus infinity") << -kInfinity << INT_MIN;
+    QTest::newRow("NaN") << kNotANumber << INT_MIN;
 }
 
 void NumberConversionTest::toInt()
@@ -57,15 +57,15 @@ void NumberConversionTest::toInt64_data()
 {
     QTest::addColumn<double>("value");
     QTest::addColumn<qlonglong>("expected");
-    constexpr qlonglong least = INT64_MIN;
+    constexpr qlonglong kLeast = INT64_MIN;
     QTest::newRow("truncates downward") << 1e10 + 0.75 << 10000000000LL;
     QTest::newRow("truncates upward") << -1e10 - 0.75 << -10000000000LL;
     QTest::newRow("largest double below") << 9223372036854774784.0 << 9223372036854774784LL;
-    QTest::newRow("above") << 9223372036854775808.0 << least;
-    QTest::newRow("least") << -9223372036854775808.0 << least;
-    QTest::newRow("below") << -9223372036854777856.0 << least;
-    QTest::newRow("infinity") << infinity << least;
-    QTest::newRow("NaN") << notANumber << least;
+    QTest::newRow("above") << 9223372036854775808.0 << kLeast;
+    QTest::newRow("least") << -9223372036854775808.0 << kLeast;
+    QTest::newRow("below") << -9223372036854777856.0 << kLeast;
+    QTest::newRow("infinity") << kInfinity << kLeast;
+    QTest::newRow("NaN") << kNotANumber << kLeast;
 }
 
 void NumberConversionTest::toInt64()
@@ -85,8 +85,8 @@ void NumberConversionTest::snap_data()
                         qlonglong expected) {
         QTest::newRow(name) << value << minimum << maximum << increment << expected;
     };
-    constexpr qlonglong least = INT64_MIN;
-    constexpr qlonglong most = INT64_MAX;
+    constexpr qlonglong kLeast = INT64_MIN;
+    constexpr qlonglong kMost = INT64_MAX;
     row("below half", 5, 0, 10, 4, 4);
     row("half goes up", 6, 0, 10, 4, 8);
     row("the maximum comes after rounding", 11, 0, 10, 4, 10);
@@ -104,18 +104,18 @@ void NumberConversionTest::snap_data()
     row("increment beyond the range, above half", 10, 0, 10, 15, 10);
     row("fixed value", 7, 3, 3, 1, 3);
     row("maximum below the minimum", 7, 5, 3, 1, 3);
-    row("whole range, half goes up", least + 2, least, most, 4, least + 4);
-    row("whole range, no room for the last step", most, least, most, 1000, most);
-    row("whole range, widest step, at the maximum", most, least, most, most, most - 1);
-    row("whole range, least", least, least, most, 1, least);
-    row("whole range, most", most, least, most, 1, most);
-    row("whole range, zero", 0, least, most, 1, 0);
-    row("whole range, widest step, below half", most / 2 - 1, least, most, most, -1);
-    row("whole range, widest step, half", most / 2, least, most, most, most - 1);
-    row("whole range, last step beyond the maximum", most, least, most, 1LL << 62, most);
-    row("whole range, negative increment", 12345, least, most, least, 12345);
-    row("upper half", most - 1, 0, most, 2, most - 1);
-    row("upper half, half a step goes up to the maximum", most, 0, most, 2, most);
+    row("whole range, half goes up", kLeast + 2, kLeast, kMost, 4, kLeast + 4);
+    row("whole range, no room for the last step", kMost, kLeast, kMost, 1000, kMost);
+    row("whole range, widest step, at the maximum", kMost, kLeast, kMost, kMost, kMost - 1);
+    row("whole range, least", kLeast, kLeast, kMost, 1, kLeast);
+    row("whole range, most", kMost, kLeast, kMost, 1, kMost);
+    row("whole range, zero", 0, kLeast, kMost, 1, 0);
+    row("whole range, widest step, below half", kMost / 2 - 1, kLeast, kMost, kMost, -1);
+    row("whole range, widest step, half", kMost / 2, kLeast, kMost, kMost, kMost - 1);
+    row("whole range, last step beyond the maximum", kMost, kLeast, kMost, 1LL << 62, kMost);
+    row("whole range, negative increment", 12345, kLeast, kMost, kLeast, 12345);
+    row("upper half", kMost - 1, 0, kMost, 2, kMost - 1);
+    row("upper half, half a step goes up to the maximum", kMost, 0, kMost, 2, kMost);
 }
 
 void NumberConversionTest::snap()

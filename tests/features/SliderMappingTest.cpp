@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr double inf = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr int wrapped = INT_MIN; // the result for positions beyond 32 bits
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr int kWrapped = INT_MIN; // the result for positions beyond 32 bits
 
 SliderMapping ofInts(std::int64_t minimum, std::int64_t maximum, std::int64_t increment = 1)
 {
@@ -79,7 +79,7 @@ void SliderMappingTest::intLinear_data()
     QTest::addColumn<int>("sliderMaximum");
     QTest::addColumn<int>("position");
 
-    constexpr qint64 two31 = qint64{1} << 31;
+    constexpr qint64 kTwo31 = qint64{1} << 31;
     const auto row = [](const char* name, qint64 minimum, qint64 maximum, qint64 value, double scale, int sliderMinimum,
                         int sliderMaximum, int position) {
         QTest::newRow(name) << minimum << maximum << value << scale << sliderMinimum << sliderMaximum << position;
@@ -91,15 +91,15 @@ void SliderMappingTest::intLinear_data()
     row("one more than 24 bits", 0, 16777217, 1009, 0.1, 0, 1677721, 100);
     row("0 to 2^30", 0, 1073741824, 536870912, 0.01, 0, 10737418, 5368709);
     row("minimum is scaled too", -1073741824, 0, -1000, 0.01, -10737418, 0, -10);
-    row("0 to 2^31 - 1", 0, two31 - 1, 12345, 0.001, 0, 2147483, 12);
-    row("0 to 2^31", 0, two31, 5, 1, 0, wrapped, 5);
-    row("0 to 2^40", 0, qint64{1} << 40, 5, 1, 0, wrapped, 5);
-    row("2^40 within 0 to 2^40", 0, qint64{1} << 40, qint64{1} << 40, 1, 0, wrapped, wrapped);
-    row("narrow but far out", qint64{1} << 40, (qint64{1} << 40) + 100, 0, 1, wrapped, wrapped, 0);
-    row("all of 64 bits", INT64_MIN, INT64_MAX, 0, 1, wrapped, wrapped, 0);
-    row("the largest", INT64_MIN, INT64_MAX, INT64_MAX, 1, wrapped, wrapped, wrapped);
-    row("the smallest", INT64_MIN, INT64_MAX, INT64_MIN, 1, wrapped, wrapped, wrapped);
-    row("span beyond 63 bits", -2, INT64_MAX, 7, 1, -2, wrapped, 7);
+    row("0 to 2^31 - 1", 0, kTwo31 - 1, 12345, 0.001, 0, 2147483, 12);
+    row("0 to 2^31", 0, kTwo31, 5, 1, 0, kWrapped, 5);
+    row("0 to 2^40", 0, qint64{1} << 40, 5, 1, 0, kWrapped, 5);
+    row("2^40 within 0 to 2^40", 0, qint64{1} << 40, qint64{1} << 40, 1, 0, kWrapped, kWrapped);
+    row("narrow but far out", qint64{1} << 40, (qint64{1} << 40) + 100, 0, 1, kWrapped, kWrapped, 0);
+    row("all of 64 bits", INT64_MIN, INT64_MAX, 0, 1, kWrapped, kWrapped, 0);
+    row("the largest", INT64_MIN, INT64_MAX, INT64_MAX, 1, kWrapped, kWrapped, kWrapped);
+    row("the smallest", INT64_MIN, INT64_MAX, INT64_MIN, 1, kWrapped, kWrapped, kWrapped);
+    row("span beyond 63 bits", -2, INT64_MAX, 7, 1, -2, kWrapped, 7);
     row("fixed", 7, 7, 7, 1, 7, 7, 7);
     row("fixed, with another value", 7, 7, 9, 1, 7, 7, 7);
     row("upside down", 9, 3, 5, 1, 9, 9, 9);
@@ -148,9 +148,9 @@ void SliderMappingTest::intLog_data()
         10000);
     // Adding 1 is lost in rounding next to 2^63, so this is the logarithm of zero.
     row("start of 64 bits", INT64_MIN, INT64_MAX, INT64_MIN, std::pow(2.0, 63), std::log(std::pow(2.0, 64)), 10000,
-        wrapped);
-    row("too far out for a double", (qint64{1} << 62), (qint64{1} << 62) + 1, qint64{1} << 62, -std::pow(2.0, 62), -inf,
-        10000, wrapped);
+        kWrapped);
+    row("too far out for a double", (qint64{1} << 62), (qint64{1} << 62) + 1, qint64{1} << 62, -std::pow(2.0, 62),
+        -kInf, 10000, kWrapped);
     row("fixed", 7, 7, 7, 0, 0, 0, 0);
     row("upside down", 9, 3, 5, 0, 0, 0, 0);
 }
@@ -196,17 +196,17 @@ void SliderMappingTest::floatLinear_data()
     row("at most seven multiplications", 0, 1e-9, 1e-9, 1e7, 0, 0, 0);
     row("the seventh is enough", 0, 3e-5, 2e-5, 1e7, 0, 300, 200);
     // A span beyond 32 bits turns negative, which looks like a small one.
-    row("0 to 3e9", 0, 3e9, 100, 1e7, 0, wrapped, 1000000000);
-    row("widest", -1e300, 1e300, 0, 1e7, wrapped, wrapped, 0);
-    row("infinite", -inf, inf, 2, 1e7, wrapped, wrapped, 20000000);
-    row("infinite value", -inf, inf, inf, 1e7, wrapped, wrapped, wrapped);
-    row("span beyond double", -1.7e308, 1.7e308, 1, 1e7, wrapped, wrapped, 10000000);
-    row("no number as value", 0, 1, nan, 1000, 0, 1000, wrapped);
-    row("no number as minimum", nan, 1, 0.5, 1, wrapped, wrapped, wrapped);
-    row("no number as maximum", 3, nan, 0.5, 1, 3, 3, 3);
+    row("0 to 3e9", 0, 3e9, 100, 1e7, 0, kWrapped, 1000000000);
+    row("widest", -1e300, 1e300, 0, 1e7, kWrapped, kWrapped, 0);
+    row("infinite", -kInf, kInf, 2, 1e7, kWrapped, kWrapped, 20000000);
+    row("infinite value", -kInf, kInf, kInf, 1e7, kWrapped, kWrapped, kWrapped);
+    row("span beyond double", -1.7e308, 1.7e308, 1, 1e7, kWrapped, kWrapped, 10000000);
+    row("no number as value", 0, 1, kNan, 1000, 0, 1000, kWrapped);
+    row("no number as minimum", kNan, 1, 0.5, 1, kWrapped, kWrapped, kWrapped);
+    row("no number as maximum", 3, kNan, 0.5, 1, 3, 3, 3);
     row("fixed", 5.5, 5.5, 5.5, 1, 5, 5, 5);
     row("upside down", 9, 3, 5, 1, 9, 9, 9);
-    row("fixed beyond 32 bits", 1e10, 1e10, 1e10, 1, wrapped, wrapped, wrapped);
+    row("fixed beyond 32 bits", 1e10, 1e10, 1e10, 1, kWrapped, kWrapped, kWrapped);
 }
 
 void SliderMappingTest::floatLinear()
@@ -252,13 +252,13 @@ void SliderMappingTest::floatLog_data()
     row("exposure time, too short", 10, 1000000, 0, 1, -9, std::log(999991.0), 10000, 0);
     // A span beyond 32 bits turns negative, which looks like a small one.
     row("0 to 3e9", 0, 3e9, 3e9, 1e7, 1, std::log(3e16 + 1), 10000, 10000);
-    row("no number as value", 10, 1000000, nan, 1, -9, std::log(999991.0), 10000, wrapped);
-    row("infinite maximum", 0, inf, 5, 1e7, 1, inf, 10000, 0);
-    row("infinite value", 0, inf, inf, 1e7, 1, inf, 10000, wrapped);
+    row("no number as value", 10, 1000000, kNan, 1, -9, std::log(999991.0), 10000, kWrapped);
+    row("infinite maximum", 0, kInf, 5, 1e7, 1, kInf, 10000, 0);
+    row("infinite value", 0, kInf, kInf, 1e7, 1, kInf, 10000, kWrapped);
     row("fixed", 5.5, 5.5, 5.5, 1, 0, 0, 0, 0);
     row("upside down", 9, 3, 5, 1, 0, 0, 0, 0);
-    row("no number as minimum", nan, 1, 0.5, 1, 0, 0, 0, 0);
-    row("no number as maximum", 3, nan, 0.5, 1, 0, 0, 0, 0);
+    row("no number as minimum", kNan, 1, 0.5, 1, 0, 0, 0, 0);
+    row("no number as maximum", 3, kNan, 0.5, 1, 0, 0, 0, 0);
 }
 
 void SliderMappingTest::floatLog()
@@ -308,7 +308,7 @@ void SliderMappingTest::valuesAreClampedBeforeTheyAreMapped()
 
     SliderMapping floats = ofFloats(-1, 1);
     static_cast<void>(loadFloatLinear(floats, 0));
-    QCOMPARE(floatToPosition(floats, false, -inf), -1000);
+    QCOMPARE(floatToPosition(floats, false, -kInf), -1000);
     QCOMPARE(floatToPosition(floats, false, 0.5), 500);
     QCOMPARE(floatToPosition(floats, false, 1e9), 1000);
 
@@ -323,7 +323,7 @@ void SliderMappingTest::valuesAreClampedBeforeTheyAreMapped()
 void SliderMappingTest::logRangeOfZeroIsPositionOne()
 {
     QCOMPARE(intToPosition(ofInts(0, 100), true, 50), 1);
-    QCOMPARE(floatToPosition(ofFloats(0, 100), true, 50), wrapped);
+    QCOMPARE(floatToPosition(ofFloats(0, 100), true, 50), kWrapped);
 }
 
 void SliderMappingTest::intOfPosition_data()
@@ -344,8 +344,8 @@ void SliderMappingTest::intOfPosition_data()
     row("linear, on a step", false, 0, 100, 16, 37, 32);
     row("linear, scaled", false, 0, 1073741824, 1, 5368709, 536870900);
     row("linear, beyond the maximum", false, 0, 100, 1, 101, 100);
-    row("linear, wrapped slider", false, 0, qint64{1} << 40, 1, wrapped, 0);
-    row("linear, 64 bits", false, INT64_MIN, INT64_MAX, 1, wrapped, INT_MIN);
+    row("linear, wrapped slider", false, 0, qint64{1} << 40, 1, kWrapped, 0);
+    row("linear, 64 bits", false, INT64_MIN, INT64_MAX, 1, kWrapped, INT_MIN);
     row("linear, fixed", false, 7, 7, 1, 7, 7);
     row("logarithmic, start", true, 1, 1000000, 1, 0, 1);
     row("logarithmic, middle", true, 1, 1000000, 1, 5000, 999); // truncated
@@ -383,16 +383,16 @@ void SliderMappingTest::floatOfPosition_data()
     QTest::newRow("linear, scaled down") << false << 0.0 << 1e8 << 5000000 << 5e7;
     QTest::newRow("linear, beyond the maximum") << false << 0.0 << 1.0 << 1001 << 1.0;
     QTest::newRow("linear, below the minimum") << false << 0.0 << 1.0 << -1 << 0.0;
-    QTest::newRow("linear, wrapped slider") << false << 0.0 << 3e9 << wrapped << 0.0;
-    QTest::newRow("linear, infinite") << false << -inf << inf << 20000000 << 2.0;
+    QTest::newRow("linear, wrapped slider") << false << 0.0 << 3e9 << kWrapped << 0.0;
+    QTest::newRow("linear, infinite") << false << -kInf << kInf << 20000000 << 2.0;
     QTest::newRow("linear, fixed") << false << 5.5 << 5.5 << 5 << 5.5;
     QTest::newRow("logarithmic, start") << true << 10.0 << 1e6 << 0 << 10.0;
     QTest::newRow("logarithmic, middle") << true << 10.0 << 1e6 << 5000 << std::sqrt(999991.0) + 9;
     QTest::newRow("logarithmic, end") << true << 10.0 << 1e6 << 10000 << 1e6;
     QTest::newRow("logarithmic, 0 to 1") << true << 0.0 << 1.0 << 5000 << (std::sqrt(10000001.0) - 1) / 1e7;
     QTest::newRow("logarithmic, fixed") << true << 5.5 << 5.5 << 0 << 5.5;
-    QTest::newRow("logarithmic, infinite maximum") << true << 0.0 << inf << 5000 << inf;
-    QTest::newRow("logarithmic, infinite maximum, start") << true << 0.0 << inf << 0 << 0.0;
+    QTest::newRow("logarithmic, infinite maximum") << true << 0.0 << kInf << 5000 << kInf;
+    QTest::newRow("logarithmic, infinite maximum, start") << true << 0.0 << kInf << 0 << 0.0;
 }
 
 void SliderMappingTest::floatOfPosition()
@@ -455,14 +455,14 @@ void SliderMappingTest::validFloatTable_data()
     row("increment 2, above the maximum", true, 0, 15, 2, 10, 15);
     row("increment 0", true, 0, 10, 0, 3.3, 3);
     row("negative increment", true, 0, 10, -0.5, 3.3, 3);
-    row("increment that is no number", true, 0, 10, nan, 3.3, 3);
+    row("increment that is no number", true, 0, 10, kNan, 3.3, 3);
     row("steps beyond 32 bits", true, 0, 1e10, 0.5, 1e10, -536870912);
-    row("no number", false, 2, 10, 0, nan, 2);
-    row("no number, with increment", true, 2, 10, 1, nan, 2);
-    row("infinite", false, 0, inf, 0, inf, inf);
-    row("infinite, below", false, -inf, inf, 0, -inf, -inf);
-    row("infinite, above", false, 0, 10, 0, inf, 10);
-    row("no number as range", false, nan, nan, 0, 3.3, 3.3);
+    row("no number", false, 2, 10, 0, kNan, 2);
+    row("no number, with increment", true, 2, 10, 1, kNan, 2);
+    row("infinite", false, 0, kInf, 0, kInf, kInf);
+    row("infinite, below", false, -kInf, kInf, 0, -kInf, -kInf);
+    row("infinite, above", false, 0, 10, 0, kInf, 10);
+    row("no number as range", false, kNan, kNan, 0, 3.3, 3.3);
     row("fixed", false, 7, 7, 0, 9, 7);
     row("upside down", false, 9, 3, 0, 5, 3);
 }

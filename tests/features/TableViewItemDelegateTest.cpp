@@ -331,8 +331,8 @@ void TableViewItemDelegateTest::spinBoxIsLoaded()
 
 void TableViewItemDelegateTest::spinBoxTakesTheLow32Bits()
 {
-    constexpr std::int64_t high = std::int64_t{1} << 32;
-    EditorBench bench({features::integer("Number", 36, high + 4, 3 * high + 1000, high + 8)});
+    constexpr std::int64_t kHigh = std::int64_t{1} << 32;
+    EditorBench bench({features::integer("Number", 36, kHigh + 4, 3 * kHigh + 1000, kHigh + 8)});
     setKind(bench, "Number", EditorSpinBox);
     const auto spinBox = load<QSpinBox>(bench, "Number");
     QCOMPARE(spinBox->minimum(), 4);

@@ -43,8 +43,8 @@ QByteArray property(Display* display, Window window, const char* name, Atom want
     unsigned long items = 0;
     unsigned long rest = 0;
     unsigned char* data = nullptr;
-    constexpr long longest = 0x100000;
-    if (XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, longest, False, wantedType, &type,
+    constexpr long kLongest = 0x100000;
+    if (XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, kLongest, False, wantedType, &type,
                            &format, &items, &rest, &data) != Success ||
         !data) {
         return {};

@@ -85,8 +85,8 @@ struct CameraSpec {
 void setCameras(std::vector<CameraSpec> cameras);
 
 /// Pixel formats of the default camera; the first is the current one.
-constexpr std::uint32_t bayerRG8 = 0x01080009;
-constexpr std::uint32_t mono8 = 0x01080001;
+constexpr std::uint32_t kBayerRG8 = 0x01080009;
+constexpr std::uint32_t kMono8 = 0x01080001;
 
 /// Sets the results of the utility operations. The nodes Width, Height, PixelFormat, TriggerMode and TriggerSource
 /// follow if they exist; writing one of them changes the results. `flag` is the trigger mode byte; any but 0 means on.

@@ -400,16 +400,16 @@ TEST_F(ScriptedCamera, imageFormatAndNodesStayInStep)
 
 TEST_F(ScriptedCamera, walksTwentyThousandNodes)
 {
-    constexpr std::int64_t categories = 200;
-    constexpr std::int64_t perCategory = 100;
+    constexpr std::int64_t kCategories = 200;
+    constexpr std::int64_t kPerCategory = 100;
     std::vector<scripted::NodeSpec> nodes{scripted::category("Root", {"Nowhere"})};
-    for (std::int64_t c = 0; c < categories; ++c) {
+    for (std::int64_t c = 0; c < kCategories; ++c) {
         scripted::NodeSpec category = scripted::category("Category" + std::to_string(c), {});
-        for (std::int64_t i = 0; i < perCategory; ++i) {
-            category.features.push_back("Feature" + std::to_string(c * perCategory + i));
+        for (std::int64_t i = 0; i < kPerCategory; ++i) {
+            category.features.push_back("Feature" + std::to_string(c * kPerCategory + i));
             scripted::NodeSpec feature;
             feature.name = category.features.back();
-            feature.intValue = c * perCategory + i;
+            feature.intValue = c * kPerCategory + i;
             nodes.push_back(feature);
         }
         nodes.front().features.push_back(category.name);
@@ -425,20 +425,20 @@ TEST_F(ScriptedCamera, walksTwentyThousandNodes)
     EXPECT_EQ(child, 0U);
     scripted::clearCalls();
     std::int64_t sum = 0;
-    for (std::uint32_t c = 1; c <= categories; ++c) {
+    for (std::uint32_t c = 1; c <= kCategories; ++c) {
         CAM_NODE_HANDLE category = 0;
         ASSERT_EQ(Nd_GetFeatureByIndex(camera, root, c, &category), 0U);
-        for (std::uint32_t i = 0; i < perCategory; ++i) {
+        for (std::uint32_t i = 0; i < kPerCategory; ++i) {
             std::int64_t value = 0;
             ASSERT_EQ(Nd_GetFeatureByIndex(camera, category, i, &child), 0U);
             ASSERT_EQ(Nd_GetIntValue(camera, child, &value), 0U);
             sum += value;
         }
     }
-    constexpr std::int64_t all = categories * perCategory;
-    EXPECT_EQ(sum, all * (all - 1) / 2);
-    EXPECT_EQ(scripted::count("Nd_GetIntValue"), all);
-    EXPECT_EQ(scripted::count("Nd_GetFeatureByIndex"), all + categories);
+    constexpr std::int64_t kAll = kCategories * kPerCategory;
+    EXPECT_EQ(sum, kAll * (kAll - 1) / 2);
+    EXPECT_EQ(scripted::count("Nd_GetIntValue"), kAll);
+    EXPECT_EQ(scripted::count("Nd_GetFeatureByIndex"), kAll + kCategories);
 
     Cam_Close(camera);
     ASSERT_EQ(Cam_Open(0, &camera, signal, 1, nullptr, 1), 0U);

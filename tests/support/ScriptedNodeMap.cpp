@@ -42,13 +42,13 @@ void NodeMap::resolveFeatures(Node& category)
 std::size_t NodeMap::find(const std::string& name) const
 {
     const auto found = m_byName.find(name);
-    return found == m_byName.end() ? none : found->second;
+    return found == m_byName.end() ? kNone : found->second;
 }
 
 NodeSpec NodeMap::get(const std::string& name) const
 {
     const std::size_t index = find(name);
-    if (index == none)
+    if (index == kNone)
         throw std::out_of_range("no scripted node " + name);
     const Node& node = m_nodes[index];
     NodeSpec spec = node.spec;
@@ -77,14 +77,14 @@ std::size_t NodeMap::entryByValue(const Node& enumeration, std::int64_t value) c
 {
     const auto found = std::find_if(enumeration.children.begin(), enumeration.children.end(),
                                     [&](std::size_t entry) { return m_nodes[entry].spec.intValue == value; });
-    return found == enumeration.children.end() ? none : *found;
+    return found == enumeration.children.end() ? kNone : *found;
 }
 
 std::size_t NodeMap::entryByName(const Node& enumeration, const std::string& name) const
 {
     const auto found = std::find_if(enumeration.children.begin(), enumeration.children.end(),
                                     [&](std::size_t entry) { return m_nodes[entry].spec.name == name; });
-    return found == enumeration.children.end() ? none : *found;
+    return found == enumeration.children.end() ? kNone : *found;
 }
 
 } // namespace scripted

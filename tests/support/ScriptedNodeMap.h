@@ -14,12 +14,12 @@ namespace scripted {
 /// The nodes of a camera, enumeration entries included, each found by index or name in constant time.
 class NodeMap {
 public:
-    static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
+    static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
     struct Node {
         NodeSpec spec;                     // without entries, which are separate nodes
         std::string fullName;              // of an entry: unique, includes its enumeration's name
-        std::vector<std::size_t> children; // of a category: its features (`none` for unknown names); of an
+        std::vector<std::size_t> children; // of a category: its features (`kNone` for unknown names); of an
                                            // enumeration: its entries
     };
 
@@ -36,7 +36,7 @@ public:
     /// The number of entries of an enumeration must not change.
     void change(const std::string& name, const std::function<void(NodeSpec&)>& change);
 
-    /// The entry of an enumeration with that value or symbolic name, or `none`.
+    /// The entry of an enumeration with that value or symbolic name, or `kNone`.
     [[nodiscard]] std::size_t entryByValue(const Node& enumeration, std::int64_t value) const;
     [[nodiscard]] std::size_t entryByName(const Node& enumeration, const std::string& name) const;
 

@@ -27,13 +27,13 @@ bool accepts(const NodeSpec& spec, std::int64_t value)
 
 bool accepts(const NodeSpec& spec, double value)
 {
-    constexpr double tolerance = 1e-6; // of a step
+    constexpr double kTolerance = 1e-6; // of a step
     if (std::isnan(value) || value < spec.floatMin || value > spec.floatMax)
         return false;
     if (spec.floatHasInc == 0 || spec.floatInc <= 0)
         return true;
     const double steps = (value - spec.floatMin) / spec.floatInc;
-    return std::abs(steps - std::round(steps)) <= tolerance;
+    return std::abs(steps - std::round(steps)) <= kTolerance;
 }
 
 /// Checks type and access, then lets `assign(Node&)` accept or refuse the value.
@@ -56,7 +56,7 @@ CAM_API_STATUS write(const char* operation, Orvo::CAM_HANDLE camera, Orvo::CAM_N
 
 bool choose(Node& enumeration, std::size_t entry)
 {
-    if (entry == NodeMap::none || isUnavailable(world().nodes.at(entry).spec.access))
+    if (entry == NodeMap::kNone || isUnavailable(world().nodes.at(entry).spec.access))
         return false;
     enumeration.spec.intValue = world().nodes.at(entry).spec.intValue;
     return true;

@@ -76,7 +76,7 @@ CAM_API_STATUS childByIndex(const char* operation, Orvo::CAM_HANDLE camera, Orvo
                         if (child == nullptr || found.spec.type != type || index >= found.children.size())
                             return Orvo::CAM_API_STS_INVALID_PARAMETER;
                         const std::size_t position = found.children[index];
-                        *child = position == NodeMap::none ? 0 : world().nodeHandleBase + position + 1;
+                        *child = position == NodeMap::kNone ? 0 : world().nodeHandleBase + position + 1;
                         return *child == 0 ? Orvo::CAM_API_STS_NOT_FOUND : Orvo::CAM_API_STS_SUCCESS;
                     });
 }
@@ -105,7 +105,7 @@ CAM_API_STATUS Nd_GetNode(CAM_HANDLE camera, const char* name, CAM_NODE_HANDLE* 
         if (name == nullptr || node == nullptr)
             return CAM_API_STS_INVALID_PARAMETER;
         const std::size_t index = world().nodes.find(name);
-        *node = index == NodeMap::none ? 0 : world().nodeHandleBase + index + 1;
+        *node = index == NodeMap::kNone ? 0 : world().nodeHandleBase + index + 1;
         return *node == 0 ? CAM_API_STS_NOT_FOUND : CAM_API_STS_SUCCESS;
     });
 }
@@ -269,7 +269,7 @@ CAM_API_STATUS Nd_GetEnumStrValue(CAM_HANDLE camera, CAM_NODE_HANDLE node, char*
                         if (const CAM_API_STATUS status = checkReadable(found))
                             return status;
                         const std::size_t entry = world().nodes.entryByValue(found, found.spec.intValue);
-                        if (entry == NodeMap::none)
+                        if (entry == NodeMap::kNone)
                             return CAM_API_STS_GENICAM_ERR;
                         return giveText(world().nodes.at(entry).spec.name, buffer, size);
                     });

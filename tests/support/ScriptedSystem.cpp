@@ -7,7 +7,7 @@ using namespace scripted;
 
 namespace {
 
-constexpr std::uint32_t waitWithoutEnd = 0xFFFFFFFF;
+constexpr std::uint32_t kWaitWithoutEnd = 0xFFFFFFFF;
 
 Orvo::CAM_API_STATUS uninitialised()
 {
@@ -180,7 +180,7 @@ CAM_API_STATUS Sys_WaitForSignal(CAM_SIGNAL_HANDLE signal, std::uint32_t timeout
         const auto decided = [&] { return closed() || world().signals[signal]; };
         if (const CAM_API_STATUS status = uninitialised())
             return status;
-        if (timeoutMs == waitWithoutEnd) {
+        if (timeoutMs == kWaitWithoutEnd) {
             world().changed.wait(lock, decided);
         } else if (!decided()) {
             world().changed.wait_for(lock, std::chrono::milliseconds(timeoutMs), decided);
@@ -233,7 +233,7 @@ CAM_API_STATUS Cam_Open(std::uint32_t cameraIndex, CAM_HANDLE* camera, CAM_SIGNA
             if (removalSignal != 0)
                 w.signals[removalSignal] = false;
             w.camera = {++w.lastCamera, index, cameraIndex, removalSignal, false};
-            w.nodeHandleBase += nodeHandlesPerOpening;
+            w.nodeHandleBase += kNodeHandlesPerOpening;
             *camera = w.camera.handle;
             return CAM_API_STS_SUCCESS;
         });

@@ -26,7 +26,7 @@ struct Follower {
     void (*follow)(ImageFormat& format, std::uint32_t value);
 };
 
-constexpr std::array<Follower, 5> followers = {{
+constexpr std::array<Follower, 5> kFollowers = {{
     {"Width", [](ImageFormat& format, std::uint32_t value) { format.width = value; }},
     {"Height", [](ImageFormat& format, std::uint32_t value) { format.height = value; }},
     {"PixelFormat", [](ImageFormat& format, std::uint32_t value) { format.pixelFormat = value; }},
@@ -39,10 +39,10 @@ void leadNode(const char* name, std::int64_t value)
 {
     NodeMap& nodes = world().nodes;
     const std::size_t index = nodes.find(name);
-    if (index == NodeMap::none)
+    if (index == NodeMap::kNone)
         return;
     NodeMap::Node& node = nodes.at(index);
-    if (node.spec.type != Orvo::NODE_TYPE_ENUMERATION || nodes.entryByValue(node, value) != NodeMap::none)
+    if (node.spec.type != Orvo::NODE_TYPE_ENUMERATION || nodes.entryByValue(node, value) != NodeMap::kNone)
         node.spec.intValue = value;
 }
 
@@ -84,7 +84,7 @@ void onConvImage(std::function<void(void*, const void*, std::uint32_t, std::uint
 
 void followNode(const NodeMap::Node& node)
 {
-    for (const Follower& follower : followers) {
+    for (const Follower& follower : kFollowers) {
         if (follower.node == node.spec.name)
             follower.follow(world().format, static_cast<std::uint32_t>(node.spec.intValue));
     }
@@ -157,7 +157,7 @@ CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE camera)
         if (const CAM_API_STATUS status = world().checkCamera(camera))
             return status;
         const std::size_t command = world().nodes.find("TriggerSoftware");
-        if (command != NodeMap::none)
+        if (command != NodeMap::kNone)
             ++world().nodes.at(command).spec.executed;
         return CAM_API_STS_SUCCESS;
     });

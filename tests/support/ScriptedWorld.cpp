@@ -9,7 +9,7 @@ namespace scripted {
 namespace {
 
 // Polled by the display thread every few milliseconds; the number of calls depends on the machine.
-constexpr std::array<std::string_view, 5> polling = {
+constexpr std::array<std::string_view, 5> kPolling = {
     "Sys_WaitForSignal", "Strm_GetCurrentBufferIndex", "Strm_LockBuffer", "Strm_UnlockBuffer", "ConvImage",
 };
 
@@ -199,7 +199,7 @@ std::vector<std::string> callNames()
 {
     std::vector<std::string> names;
     for (const Call& call : calls()) {
-        if (std::find(polling.begin(), polling.end(), call.operation) == polling.end())
+        if (std::find(kPolling.begin(), kPolling.end(), call.operation) == kPolling.end())
             names.push_back(call.operation);
     }
     return names;

@@ -17,7 +17,7 @@
 
 namespace scripted {
 
-constexpr Orvo::CAM_NODE_HANDLE nodeHandlesPerOpening = 1000000;
+constexpr Orvo::CAM_NODE_HANDLE kNodeHandlesPerOpening = 1000000;
 
 struct AttachedCamera {
     CameraSpec spec;
@@ -62,7 +62,7 @@ struct Stream {
 struct ImageFormat {
     std::uint32_t width = 64;
     std::uint32_t height = 48;
-    std::uint32_t pixelFormat = bayerRG8;
+    std::uint32_t pixelFormat = kBayerRG8;
     std::uint8_t triggerFlag = 0;
     std::uint32_t triggerSource = 0;
 

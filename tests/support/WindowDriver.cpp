@@ -83,10 +83,10 @@ void WindowDriver::open(const std::function<void(DiscoveryDlg&)>& user, const ch
 
 bool WindowDriver::openModel(const QString& model, const std::function<void()>& chosen)
 {
-    constexpr int modelColumn = 1;
+    constexpr int kModelColumn = 1;
     open([&](DiscoveryDlg& dialog) {
         auto* const list = dialog.findChild<QTreeWidget*>("discoveryWidget");
-        const auto found = list->findItems(model, Qt::MatchExactly, modelColumn);
+        const auto found = list->findItems(model, Qt::MatchExactly, kModelColumn);
         if (found.isEmpty()) {
             dialog.reject();
             return;

@@ -82,7 +82,7 @@ void Tour::editors(const QString& suffix)
         const char* name;
         const char* feature;
     };
-    constexpr Stop stops[] = {
+    constexpr Stop kStops[] = {
         {"line-edit", "DeviceUserID"},
         {"slider", "Width"},
         {"slider-logarithmic", "ExposureTime"},
@@ -96,7 +96,7 @@ void Tour::editors(const QString& suffix)
         {"markup", "StringMarkup"},
     };
     FeatureHand hand(m_driver->window());
-    for (const Stop& stop : stops) {
+    for (const Stop& stop : kStops) {
         hand.clickValue(stop.feature);
         picture(QString("editor-%1%2").arg(stop.name, suffix));
     }

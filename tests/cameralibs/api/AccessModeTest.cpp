@@ -1,4 +1,4 @@
-#include "DescribedCamera.h"
+#include "tests/cameralibs/api/DescribedCamera.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

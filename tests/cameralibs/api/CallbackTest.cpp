@@ -1,6 +1,6 @@
-#include "CameraFixture.h"
-#include "StreamRecorder.h"
-#include "WaitingCall.h"
+#include "tests/cameralibs/api/CameraFixture.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
+#include "tests/cameralibs/api/WaitingCall.h"
 
 #include <array>
 #include <atomic>

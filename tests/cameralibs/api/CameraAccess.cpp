@@ -1,4 +1,4 @@
-#include "CameraAccess.h"
+#include "tests/cameralibs/api/CameraAccess.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CameraAccess.h"
+#include "tests/cameralibs/api/CameraAccess.h"
 
 #include "camera/OrvoCamApi.h"
 

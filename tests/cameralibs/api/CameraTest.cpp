@@ -1,5 +1,5 @@
-#include "CameraFixture.h"
-#include "DescribedCamera.h"
+#include "tests/cameralibs/api/CameraFixture.h"
+#include "tests/cameralibs/api/DescribedCamera.h"
 
 #include <cstring>
 

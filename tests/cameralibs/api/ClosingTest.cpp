@@ -1,7 +1,7 @@
 // One thread closes objects while another one uses them.
 
-#include "CameraFixture.h"
-#include "StreamRecorder.h"
+#include "tests/cameralibs/api/CameraFixture.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 
 #include "tests/cameralibs/devices/DescriptionText.h"
 

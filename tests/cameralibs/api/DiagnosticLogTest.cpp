@@ -1,9 +1,9 @@
 // The lines that ORVO_CAMERA_LOG writes to standard error.
 
-#include "CameraFixture.h"
-#include "DescribedCamera.h"
-#include "MemoryLimit.h"
-#include "StreamRecorder.h"
+#include "tests/cameralibs/api/CameraFixture.h"
+#include "tests/cameralibs/api/DescribedCamera.h"
+#include "tests/cameralibs/api/MemoryLimit.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 
 #include <pthread.h>
 

@@ -1,8 +1,8 @@
 // Descriptions whose evaluation takes much time or memory. Times are processor times of the thread, with a margin for
 // machines that are many times slower or faster.
 
-#include "DescribedCamera.h"
-#include "MemoryLimit.h"
+#include "tests/cameralibs/api/DescribedCamera.h"
+#include "tests/cameralibs/api/MemoryLimit.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "FailingAllocations.h"
+#include "tests/cameralibs/api/FailingAllocations.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-#include "CameraFixture.h"
-#include "StreamRecorder.h"
+#include "tests/cameralibs/api/CameraFixture.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 
 #include <numeric>
 #include <thread>

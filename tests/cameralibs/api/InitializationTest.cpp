@@ -1,4 +1,4 @@
-#include "CameraFixture.h"
+#include "tests/cameralibs/api/CameraFixture.h"
 
 #include <atomic>
 #include <cstdlib>

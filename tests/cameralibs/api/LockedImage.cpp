@@ -1,4 +1,4 @@
-#include "LockedImage.h"
+#include "tests/cameralibs/api/LockedImage.h"
 
 #include <gtest/gtest.h>
 

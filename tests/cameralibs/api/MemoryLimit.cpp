@@ -1,4 +1,4 @@
-#include "MemoryLimit.h"
+#include "tests/cameralibs/api/MemoryLimit.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

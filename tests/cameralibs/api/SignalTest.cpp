@@ -1,5 +1,5 @@
-#include "CameraFixture.h"
-#include "WaitingCall.h"
+#include "tests/cameralibs/api/CameraFixture.h"
+#include "tests/cameralibs/api/WaitingCall.h"
 
 #include <array>
 #include <future>

@@ -1,8 +1,8 @@
 // The memory of an image is large enough for readers that rely on values that the library has reported.
 
-#include "DescribedCamera.h"
-#include "LockedImage.h"
-#include "StreamRecorder.h"
+#include "tests/cameralibs/api/DescribedCamera.h"
+#include "tests/cameralibs/api/LockedImage.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 
 #include "camera/OrvoCamUtl.h"
 

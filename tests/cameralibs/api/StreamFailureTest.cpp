@@ -1,7 +1,7 @@
 // The state after a stream fails to start or stop.
 
-#include "DescribedCamera.h"
-#include "MemoryLimit.h"
+#include "tests/cameralibs/api/DescribedCamera.h"
+#include "tests/cameralibs/api/MemoryLimit.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "StreamRecorder.h"
+#include "tests/cameralibs/api/StreamRecorder.h"
 
-#include "CameraAccess.h"
+#include "tests/cameralibs/api/CameraAccess.h"
 
 #include <gtest/gtest.h>
 

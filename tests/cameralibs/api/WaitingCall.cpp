@@ -1,6 +1,6 @@
-#include "WaitingCall.h"
+#include "tests/cameralibs/api/WaitingCall.h"
 
-#include "CameraAccess.h"
+#include "tests/cameralibs/api/CameraAccess.h"
 
 #include <gtest/gtest.h>
 

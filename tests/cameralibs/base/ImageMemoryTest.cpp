@@ -81,10 +81,10 @@ TEST(ImageMemoryTest, UntouchedMemoryTakesNoPages)
 
 TEST(ImageMemoryTest, AbsurdSizesAreRefused)
 {
-    constexpr auto all = std::numeric_limits<std::size_t>::max();
-    EXPECT_THROW(ImageMemory(1, all), std::bad_alloc);
-    EXPECT_THROW(ImageMemory(1, all / 2), std::bad_alloc);
-    EXPECT_THROW(ImageMemory(all / 2, 4096), std::bad_alloc);
+    constexpr auto kAll = std::numeric_limits<std::size_t>::max();
+    EXPECT_THROW(ImageMemory(1, kAll), std::bad_alloc);
+    EXPECT_THROW(ImageMemory(1, kAll / 2), std::bad_alloc);
+    EXPECT_THROW(ImageMemory(kAll / 2, 4096), std::bad_alloc);
     EXPECT_THROW(ImageMemory(1024, std::size_t{1} << 40), std::bad_alloc) << "larger than any address space";
 }
 

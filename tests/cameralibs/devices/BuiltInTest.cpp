@@ -1,4 +1,4 @@
-#include "BuiltInTest.h"
+#include "tests/cameralibs/devices/BuiltInTest.h"
 
 #include <map>
 #include <memory>

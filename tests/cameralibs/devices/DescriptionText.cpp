@@ -1,4 +1,4 @@
-#include "DescriptionText.h"
+#include "tests/cameralibs/devices/DescriptionText.h"
 
 #include <gtest/gtest.h>
 

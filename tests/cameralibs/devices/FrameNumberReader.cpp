@@ -1,4 +1,4 @@
-#include "FrameNumberReader.h"
+#include "tests/cameralibs/devices/FrameNumberReader.h"
 
 #include "camera/OrvoCamUtl.h"
 

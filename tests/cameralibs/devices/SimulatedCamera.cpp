@@ -1,4 +1,4 @@
-#include "SimulatedCamera.h"
+#include "tests/cameralibs/devices/SimulatedCamera.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "GigeFixture.h"
+#include "tests/cameralibs/transport/GigeFixture.h"
 
 #include <cstdlib>
 #include <filesystem>

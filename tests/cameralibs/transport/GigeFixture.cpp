@@ -1,4 +1,4 @@
-#include "GigeFixture.h"
+#include "tests/cameralibs/transport/GigeFixture.h"
 
 using namespace Orvo;
 

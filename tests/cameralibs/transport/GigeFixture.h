@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ChildProcess.h"
+#include "tests/cameralibs/transport/ChildProcess.h"
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/StreamRecorder.h"

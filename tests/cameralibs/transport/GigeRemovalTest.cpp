@@ -1,4 +1,4 @@
-#include "GigeFixture.h"
+#include "tests/cameralibs/transport/GigeFixture.h"
 
 #include "tests/cameralibs/api/WaitingCall.h"
 #include "tests/cameralibs/devices/transport/Transports.h"

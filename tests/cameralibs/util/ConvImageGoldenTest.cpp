@@ -82,13 +82,13 @@ TEST(ConvImageGolden, MonoPairsArePaddedPerRow)
 }
 
 // All pixels are 100, except one of 116: each filter changes a pixel by its weight in sixteenths.
-constexpr int level = 100;
-constexpr std::uint32_t side = 9;
+constexpr int kLevel = 100;
+constexpr std::uint32_t kSide = 9;
 
-std::vector<std::uint8_t> levelWithPeak(std::size_t x, std::size_t y, std::uint8_t peak = level + 16)
+std::vector<std::uint8_t> levelWithPeak(std::size_t x, std::size_t y, std::uint8_t peak = kLevel + 16)
 {
-    std::vector<std::uint8_t> mosaic(std::size_t{side} * side, std::uint8_t{level});
-    mosaic[y * side + x] = peak;
+    std::vector<std::uint8_t> mosaic(std::size_t{kSide} * kSide, std::uint8_t{kLevel});
+    mosaic[y * kSide + x] = peak;
     return mosaic;
 }
 
@@ -98,9 +98,9 @@ std::map<std::pair<int, int>, Bgr> changes(const std::vector<Bgr>& pixels)
     std::map<std::pair<int, int>, Bgr> result;
     for (int i = 0; i < static_cast<int>(pixels.size()); ++i) {
         const Bgr& pixel = pixels[static_cast<std::size_t>(i)];
-        if (!(pixel == gray(level))) {
-            const int width = static_cast<int>(side);
-            result[{i % width, i / width}] = {pixel.blue - level, pixel.green - level, pixel.red - level};
+        if (!(pixel == gray(kLevel))) {
+            const int width = static_cast<int>(kSide);
+            result[{i % width, i / width}] = {pixel.blue - kLevel, pixel.green - kLevel, pixel.red - kLevel};
         }
     }
     return result;
@@ -142,41 +142,41 @@ constexpr std::uint32_t kBayerBg8 = 0x0108000B;
 
 TEST(ConvImageGolden, BayerWeightsOfRedAndBlue)
 {
-    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(4, 4), side, side)), aroundRed(4, 4));
-    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(5, 4), side, side)), aroundRed(5, 4));
-    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(4, 5), side, side)), aroundRed(4, 5));
-    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(5, 5), side, side)), aroundRed(5, 5));
+    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(4, 4), kSide, kSide)), aroundRed(4, 4));
+    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(5, 4), kSide, kSide)), aroundRed(5, 4));
+    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(4, 5), kSide, kSide)), aroundRed(4, 5));
+    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(5, 5), kSide, kSide)), aroundRed(5, 5));
 
-    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(4, 4), side, side)), redAndBlueSwapped(aroundRed(4, 4)));
-    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(5, 4), side, side)), redAndBlueSwapped(aroundRed(5, 4)));
-    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(4, 5), side, side)), redAndBlueSwapped(aroundRed(4, 5)));
-    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(5, 5), side, side)), redAndBlueSwapped(aroundRed(5, 5)));
+    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(4, 4), kSide, kSide)), redAndBlueSwapped(aroundRed(4, 4)));
+    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(5, 4), kSide, kSide)), redAndBlueSwapped(aroundRed(5, 4)));
+    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(4, 5), kSide, kSide)), redAndBlueSwapped(aroundRed(4, 5)));
+    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(5, 5), kSide, kSide)), redAndBlueSwapped(aroundRed(5, 5)));
 }
 
 TEST(ConvImageGolden, BayerWeightsOfGreen)
 {
-    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(5, 4), side, side)), aroundGreenOfRedRow(5, 4));
-    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(4, 4), side, side)), aroundGreenOfRedRow(4, 4));
-    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(4, 4), side, side)),
+    EXPECT_EQ(changes(convert(kBayerRg8, levelWithPeak(5, 4), kSide, kSide)), aroundGreenOfRedRow(5, 4));
+    EXPECT_EQ(changes(convert(kBayerGr8, levelWithPeak(4, 4), kSide, kSide)), aroundGreenOfRedRow(4, 4));
+    EXPECT_EQ(changes(convert(kBayerGb8, levelWithPeak(4, 4), kSide, kSide)),
               redAndBlueSwapped(aroundGreenOfRedRow(4, 4)));
-    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(5, 4), side, side)),
+    EXPECT_EQ(changes(convert(kBayerBg8, levelWithPeak(5, 4), kSide, kSide)),
               redAndBlueSwapped(aroundGreenOfRedRow(5, 4)));
 }
 
 TEST(ConvImageGolden, BayerIsMirroredWithoutItsEdge)
 {
     // Mirrored, the blue pixel at 1, 1 is beside the corner on every side.
-    const auto pixels = convert(kBayerRg8, levelWithPeak(1, 1), side, side);
-    EXPECT_EQ(pixels[0], (Bgr{level + 16, level, level}));
-    EXPECT_EQ(pixels[1], (Bgr{level + 16, level, level}));
-    EXPECT_EQ(pixels[side], (Bgr{level + 16, level, level}));
-    EXPECT_EQ(pixels[side + 1], (Bgr{level + 16, level + 8 - 2 * 2, level + 12 - 2 * 3}));
+    const auto pixels = convert(kBayerRg8, levelWithPeak(1, 1), kSide, kSide);
+    EXPECT_EQ(pixels[0], (Bgr{kLevel + 16, kLevel, kLevel}));
+    EXPECT_EQ(pixels[1], (Bgr{kLevel + 16, kLevel, kLevel}));
+    EXPECT_EQ(pixels[kSide], (Bgr{kLevel + 16, kLevel, kLevel}));
+    EXPECT_EQ(pixels[kSide + 1], (Bgr{kLevel + 16, kLevel + 8 - 2 * 2, kLevel + 12 - 2 * 3}));
     // The red pixel in the corner is not duplicated.
-    const auto corner = convert(kBayerRg8, levelWithPeak(0, 0), side, side);
-    EXPECT_EQ(corner[0], (Bgr{level + 12, level + 8, level + 16}));
-    EXPECT_EQ(corner[1], (Bgr{level, level, level + 8}));
-    EXPECT_EQ(corner[2], (Bgr{level - 3, level - 2, level}));
-    EXPECT_EQ(corner[side + 1], (Bgr{level, level, level + 4}));
+    const auto corner = convert(kBayerRg8, levelWithPeak(0, 0), kSide, kSide);
+    EXPECT_EQ(corner[0], (Bgr{kLevel + 12, kLevel + 8, kLevel + 16}));
+    EXPECT_EQ(corner[1], (Bgr{kLevel, kLevel, kLevel + 8}));
+    EXPECT_EQ(corner[2], (Bgr{kLevel - 3, kLevel - 2, kLevel}));
+    EXPECT_EQ(corner[kSide + 1], (Bgr{kLevel, kLevel, kLevel + 4}));
 }
 
 TEST(ConvImageGolden, BayerOfOnePixelRepeatsIt)
@@ -192,18 +192,18 @@ TEST(ConvImageGolden, BayerOfOnePixelRepeatsIt)
 TEST(ConvImageGolden, BayerIsRoundedAndClamped)
 {
     // A peak of one level: eight sixteenths are rounded up, four down; negative ones are rounded to zero.
-    const auto pixels = convert(kBayerRg8, levelWithPeak(4, 4, level + 1), side, side);
-    EXPECT_EQ(pixels[4 * side + 4], (Bgr{level + 1, level + 1, level + 1}));
-    EXPECT_EQ(pixels[4 * side + 3], (Bgr{level, level, level + 1}));
-    EXPECT_EQ(pixels[3 * side + 3], gray(level));
-    EXPECT_EQ(pixels[4 * side + 2], gray(level));
+    const auto pixels = convert(kBayerRg8, levelWithPeak(4, 4, kLevel + 1), kSide, kSide);
+    EXPECT_EQ(pixels[4 * kSide + 4], (Bgr{kLevel + 1, kLevel + 1, kLevel + 1}));
+    EXPECT_EQ(pixels[4 * kSide + 3], (Bgr{kLevel, kLevel, kLevel + 1}));
+    EXPECT_EQ(pixels[3 * kSide + 3], gray(kLevel));
+    EXPECT_EQ(pixels[4 * kSide + 2], gray(kLevel));
 
-    std::vector<std::uint8_t> mosaic(std::size_t{side} * side, 0);
-    mosaic[4 * side + 4] = 255;
-    EXPECT_EQ(convert(kBayerRg8, mosaic, side, side)[4 * side + 2], gray(0));
+    std::vector<std::uint8_t> mosaic(std::size_t{kSide} * kSide, 0);
+    mosaic[4 * kSide + 4] = 255;
+    EXPECT_EQ(convert(kBayerRg8, mosaic, kSide, kSide)[4 * kSide + 2], gray(0));
     for (std::uint8_t& pixel : mosaic)
         pixel = static_cast<std::uint8_t>(255 - pixel);
-    EXPECT_EQ(convert(kBayerRg8, mosaic, side, side)[4 * side + 2], gray(255));
+    EXPECT_EQ(convert(kBayerRg8, mosaic, kSide, kSide)[4 * kSide + 2], gray(255));
 }
 
 TEST(ConvImageGolden, Rgb)
@@ -252,52 +252,53 @@ TEST(ConvImageGolden, YCbCrRangesAndMatrices)
 // With neutral chroma a pixel is as gray as its Y.
 TEST(ConvImageGolden, YCbCrOrdersOfLuma)
 {
-    constexpr std::uint8_t n = 128;
+    constexpr std::uint8_t kN = 128;
     const auto grays = [](int first) { return ElementsAre(gray(first), gray(first + 1)); };
-    EXPECT_THAT(convert(0x02100032, {10, n, 11, n}, 2, 1), grays(10));       // YUV422_8
-    EXPECT_THAT(convert(0x0210001F, {n, 10, n, 11}, 2, 1), grays(10));       // YUV422_8_UYVY
-    EXPECT_THAT(convert(0x0210003B, {10, n, 11, n}, 2, 1), grays(10));       // YCbCr422_8
-    EXPECT_THAT(convert(0x02100043, {n, 10, n, 11}, 2, 1), grays(10));       // YCbCr422_8_CbYCrY
-    EXPECT_THAT(convert(0x02180020, {n, 10, n, n, 11, n}, 2, 1), grays(10)); // YUV8_UYV
-    EXPECT_THAT(convert(0x0218003A, {n, 10, n, n, 11, n}, 2, 1), grays(10)); // YCbCr8_CbYCr
+    EXPECT_THAT(convert(0x02100032, {10, kN, 11, kN}, 2, 1), grays(10));         // YUV422_8
+    EXPECT_THAT(convert(0x0210001F, {kN, 10, kN, 11}, 2, 1), grays(10));         // YUV422_8_UYVY
+    EXPECT_THAT(convert(0x0210003B, {10, kN, 11, kN}, 2, 1), grays(10));         // YCbCr422_8
+    EXPECT_THAT(convert(0x02100043, {kN, 10, kN, 11}, 2, 1), grays(10));         // YCbCr422_8_CbYCrY
+    EXPECT_THAT(convert(0x02180020, {kN, 10, kN, kN, 11, kN}, 2, 1), grays(10)); // YUV8_UYV
+    EXPECT_THAT(convert(0x0218003A, {kN, 10, kN, kN, 11, kN}, 2, 1), grays(10)); // YCbCr8_CbYCr
     const auto four = ElementsAre(gray(10), gray(11), gray(12), gray(13));
-    EXPECT_THAT(convert(0x020C001E, {n, 10, 11, n, 12, 13}, 4, 1), four);       // YUV411_8_UYYVYY
-    EXPECT_THAT(convert(0x020C003C, {n, 10, 11, n, 12, 13}, 4, 1), four);       // YCbCr411_8_CbYYCrYY
-    EXPECT_THAT(convert(0x020C005A, {10, 11, n, 12, 13, n}, 4, 1), four);       // YCbCr411_8
-    EXPECT_THAT(convert(0x020C0112, {10, 11, 12, 13, n, n}, 2, 2), four);       // YCbCr420_8_YY_CbCr_Semiplanar
-    EXPECT_THAT(convert(0x02100113, {10, 11, 12, 13, n, n, n, n}, 2, 2), four); // YCbCr422_8_YY_CbCr_Semiplanar
+    EXPECT_THAT(convert(0x020C001E, {kN, 10, 11, kN, 12, 13}, 4, 1), four);         // YUV411_8_UYYVYY
+    EXPECT_THAT(convert(0x020C003C, {kN, 10, 11, kN, 12, 13}, 4, 1), four);         // YCbCr411_8_CbYYCrYY
+    EXPECT_THAT(convert(0x020C005A, {10, 11, kN, 12, 13, kN}, 4, 1), four);         // YCbCr411_8
+    EXPECT_THAT(convert(0x020C0112, {10, 11, 12, 13, kN, kN}, 2, 2), four);         // YCbCr420_8_YY_CbCr_Semiplanar
+    EXPECT_THAT(convert(0x02100113, {10, 11, 12, 13, kN, kN, kN, kN}, 2, 2), four); // YCbCr422_8_YY_CbCr_Semiplanar
 }
 
 // Y 128, Cb 108, Cr 148 is reddish, the reverse bluish.
 TEST(ConvImageGolden, YCbCrOrdersOfChroma)
 {
-    constexpr std::uint8_t y = 128;
-    constexpr std::uint8_t cb = 108;
-    constexpr std::uint8_t cr = 148;
+    constexpr std::uint8_t kY = 128;
+    constexpr std::uint8_t kCb = 108;
+    constexpr std::uint8_t kCr = 148;
     const auto reddish = Each(near(92.6, 120.6, 156.0));
-    EXPECT_THAT(convert(0x02100032, {y, cb, y, cr}, 2, 1), reddish);       // YUV422_8
-    EXPECT_THAT(convert(0x0210001F, {cb, y, cr, y}, 2, 1), reddish);       // YUV422_8_UYVY
-    EXPECT_THAT(convert(0x0210003B, {y, cb, y, cr}, 2, 1), reddish);       // YCbCr422_8
-    EXPECT_THAT(convert(0x02100043, {cb, y, cr, y}, 2, 1), reddish);       // YCbCr422_8_CbYCrY
-    EXPECT_THAT(convert(0x02180020, {cb, y, cr}, 1, 1), reddish);          // YUV8_UYV
-    EXPECT_THAT(convert(0x020C001E, {cb, y, y, cr, y, y}, 4, 1), reddish); // YUV411_8_UYYVYY
-    EXPECT_THAT(convert(0x020C005A, {y, y, cb, y, y, cr}, 4, 1), reddish); // YCbCr411_8
-    EXPECT_THAT(convert(0x020C0112, {y, y, y, y, cb, cr}, 2, 2), reddish); // YCbCr420_8_YY_CbCr_Semiplanar
-    EXPECT_THAT(convert(0x020C0114, {y, y, y, y, cr, cb}, 2, 2), reddish); // YCbCr420_8_YY_CrCb_Semiplanar
-    EXPECT_THAT(convert(0x02100113, {y, y, cb, cr}, 2, 1), reddish);       // YCbCr422_8_YY_CbCr_Semiplanar
-    EXPECT_THAT(convert(0x02100115, {y, y, cr, cb}, 2, 1), reddish);       // YCbCr422_8_YY_CrCb_Semiplanar
+    EXPECT_THAT(convert(0x02100032, {kY, kCb, kY, kCr}, 2, 1), reddish);         // YUV422_8
+    EXPECT_THAT(convert(0x0210001F, {kCb, kY, kCr, kY}, 2, 1), reddish);         // YUV422_8_UYVY
+    EXPECT_THAT(convert(0x0210003B, {kY, kCb, kY, kCr}, 2, 1), reddish);         // YCbCr422_8
+    EXPECT_THAT(convert(0x02100043, {kCb, kY, kCr, kY}, 2, 1), reddish);         // YCbCr422_8_CbYCrY
+    EXPECT_THAT(convert(0x02180020, {kCb, kY, kCr}, 1, 1), reddish);             // YUV8_UYV
+    EXPECT_THAT(convert(0x020C001E, {kCb, kY, kY, kCr, kY, kY}, 4, 1), reddish); // YUV411_8_UYYVYY
+    EXPECT_THAT(convert(0x020C005A, {kY, kY, kCb, kY, kY, kCr}, 4, 1), reddish); // YCbCr411_8
+    EXPECT_THAT(convert(0x020C0112, {kY, kY, kY, kY, kCb, kCr}, 2, 2), reddish); // YCbCr420_8_YY_CbCr_Semiplanar
+    EXPECT_THAT(convert(0x020C0114, {kY, kY, kY, kY, kCr, kCb}, 2, 2), reddish); // YCbCr420_8_YY_CrCb_Semiplanar
+    EXPECT_THAT(convert(0x02100113, {kY, kY, kCb, kCr}, 2, 1), reddish);         // YCbCr422_8_YY_CbCr_Semiplanar
+    EXPECT_THAT(convert(0x02100115, {kY, kY, kCr, kCb}, 2, 1), reddish);         // YCbCr422_8_YY_CrCb_Semiplanar
     // YCbCr422_10: the lower two bits are dropped first.
     EXPECT_THAT(convert(0x02200065, {0x03, 0x02, 0xB3, 0x01, 0x03, 0x02, 0x53, 0x02}, 2, 1), reddish);
 }
 
 TEST(ConvImageGolden, YCbCrGroupsArePaddedPerRow)
 {
-    constexpr std::uint8_t n = 128;
+    constexpr std::uint8_t kN = 128;
     // YUV422_8, three pixels wide
-    EXPECT_THAT(convert(0x02100032, {1, n, 2, n, 3, n, 99, n, 4, n, 5, n, 6, n, 99, n}, 3, 2),
+    EXPECT_THAT(convert(0x02100032, {1, kN, 2, kN, 3, kN, 99, kN, 4, kN, 5, kN, 6, kN, 99, kN}, 3, 2),
                 ElementsAre(gray(1), gray(2), gray(3), gray(4), gray(5), gray(6)));
     // YUV411_8_UYYVYY, one pixel wide
-    EXPECT_THAT(convert(0x020C001E, {n, 1, 99, n, 99, 99, n, 2, 99, n, 99, 99}, 1, 2), ElementsAre(gray(1), gray(2)));
+    EXPECT_THAT(convert(0x020C001E, {kN, 1, 99, kN, 99, 99, kN, 2, 99, kN, 99, 99}, 1, 2),
+                ElementsAre(gray(1), gray(2)));
     // YCbCr422_10p, one pixel wide: 4 x 10 bits a row; Y 4, Cb 512, Y 1023, Cr 512, then Y 8.
     EXPECT_THAT(convert(0x02140087, {0x04, 0x00, 0xF8, 0x3F, 0x80, 0x08, 0x00, 0xF8, 0x3F, 0x80}, 1, 2),
                 ElementsAre(gray(1), gray(2)));

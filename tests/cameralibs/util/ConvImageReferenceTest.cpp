@@ -22,7 +22,7 @@ struct Size {
 };
 
 // The last ones are wider than the pieces that the library converts at a time.
-constexpr Size sizes[] = {
+constexpr Size kSizes[] = {
     {1, 1}, {1, 2}, {2, 1},  {2, 2},  {3, 1},  {1, 3},  {3, 3},   {4, 1},    {5, 7},    {7, 5},
     {8, 3}, {9, 2}, {16, 2}, {17, 3}, {33, 9}, {35, 4}, {64, 48}, {2047, 2}, {2049, 3}, {4099, 5},
 };
@@ -75,7 +75,7 @@ protected:
 
 TEST_P(ConvImageReference, EveryPixelAtEverySize)
 {
-    for (const Size size : sizes) {
+    for (const Size size : kSizes) {
         check(GetParam(), size, Content::Random);
         if (HasFatalFailure())
             return;

@@ -133,19 +133,19 @@ TEST_F(ConvImageStatus, SourceAndDestinationNeedNoAlignment)
 
 TEST_F(ConvImageStatus, EightConcurrentThreadsGiveTheSameResult)
 {
-    constexpr std::uint32_t width = 70;
-    constexpr std::uint32_t height = 21;
-    constexpr std::size_t bytes = std::size_t{width} * height * 4;
-    std::vector<std::uint8_t> source(std::size_t{width} * height * 8);
+    constexpr std::uint32_t kWidth = 70;
+    constexpr std::uint32_t kHeight = 21;
+    constexpr std::size_t kBytes = std::size_t{kWidth} * kHeight * 4;
+    std::vector<std::uint8_t> source(std::size_t{kWidth} * kHeight * 8);
     for (std::size_t i = 0; i < source.size(); ++i)
         source[i] = static_cast<std::uint8_t>(i * i / 7);
     const auto convertAll = [&source](std::size_t start) {
-        std::vector<std::uint8_t> results(bytes * kPfncFormats.size());
+        std::vector<std::uint8_t> results(kBytes * kPfncFormats.size());
         for (std::size_t i = 0; i < kPfncFormats.size(); ++i) {
             const std::size_t format = (start + i) % kPfncFormats.size();
             EXPECT_EQ(Orvo::PrepareLUT(), 0U);
-            EXPECT_EQ(Orvo::ConvImage(0, kPfncFormats[format].value, 1, results.data() + format * bytes, source.data(),
-                                      width, height),
+            EXPECT_EQ(Orvo::ConvImage(0, kPfncFormats[format].value, 1, results.data() + format * kBytes, source.data(),
+                                      kWidth, kHeight),
                       0U);
         }
         return results;

@@ -125,12 +125,12 @@ class ConvImageBayerTargets : public ConvImageTargets {};
 
 TEST_P(ConvImageBayerTargets, GiveTheSameForExtremeSums)
 {
-    constexpr std::uint32_t height = 22;
+    constexpr std::uint32_t kHeight = 22;
     for (const Filter& filter : kFilters) {
         for (const char largest : {'+', '-'}) {
             for (const std::uint32_t width : {37U, 143U, 144U, 198U}) {
-                check(width, height, [&](const Bytes& source) {
-                    for (std::uint32_t i = 0; i < width * height; ++i) {
+                check(width, kHeight, [&](const Bytes& source) {
+                    for (std::uint32_t i = 0; i < width * kHeight; ++i) {
                         const char weight = filter[i / width % filter.size()][i % width % filter.size()];
                         source.begin()[i] = weight == largest ? 255 : 0;
                     }

@@ -35,11 +35,11 @@ TEST_P(ImageBytes, EqualTheReferenceAndConversionsReadNoMore)
 
 TEST_P(ImageBytes, DoNotOverflowForTheLargestImages)
 {
-    constexpr std::uint32_t largest = std::numeric_limits<std::uint32_t>::max();
-    const std::uint64_t bytes = cameralibs::imageBytes(GetParam().value, largest, largest);
-    EXPECT_GE(bytes, std::uint64_t{largest} * largest);
-    EXPECT_GE(cameralibs::imageBytes(GetParam().value, largest, 1), largest);
-    EXPECT_GE(cameralibs::imageBytes(GetParam().value, 1, largest), largest);
+    constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
+    const std::uint64_t bytes = cameralibs::imageBytes(GetParam().value, kLargest, kLargest);
+    EXPECT_GE(bytes, std::uint64_t{kLargest} * kLargest);
+    EXPECT_GE(cameralibs::imageBytes(GetParam().value, kLargest, 1), kLargest);
+    EXPECT_GE(cameralibs::imageBytes(GetParam().value, 1, kLargest), kLargest);
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, ImageBytes, testing::ValuesIn(kPfncFormats),

@@ -2,7 +2,7 @@
 // program. Only allocations of C++ fail here. GLib, which writes the lines of the diagnostic log, ends the process
 // where it gets no memory itself.
 
-#include "Transports.h"
+#include "tests/cameralibs/devices/transport/Transports.h"
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/FailingAllocations.h"

@@ -1,7 +1,7 @@
 // How the library handles a compromised transport. Whatever it sends, each operation ends in time with a valid status,
 // nothing is written or read beyond a buffer, and the next camera opens.
 
-#include "Transports.h"
+#include "tests/cameralibs/devices/transport/Transports.h"
 
 #include "tests/cameralibs/api/CameraAccess.h"
 #include "tests/cameralibs/api/StreamRecorder.h"

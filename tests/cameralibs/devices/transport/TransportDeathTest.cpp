@@ -1,7 +1,7 @@
 // The transport dies or hangs at every step of a session. For the program that is a camera that was unplugged: the
 // removal signal, status 19, and it can be opened again.
 
-#include "Transports.h"
+#include "tests/cameralibs/devices/transport/Transports.h"
 
 #include "tests/cameralibs/transport/usb/UsbFixture.h"
 

@@ -1,6 +1,6 @@
 // How the library starts and ends its transports, in programs of every kind.
 
-#include "Transports.h"
+#include "tests/cameralibs/devices/transport/Transports.h"
 
 #include "tests/cameralibs/transport/usb/UsbFixture.h"
 

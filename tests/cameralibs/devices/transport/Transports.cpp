@@ -1,4 +1,4 @@
-#include "Transports.h"
+#include "tests/cameralibs/devices/transport/Transports.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,5 +1,5 @@
-#include "Lies.h"
-#include "Slowness.h"
+#include "tests/cameralibs/transport/gige/Lies.h"
+#include "tests/cameralibs/transport/gige/Slowness.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "CameraMemory.h"
+#include "tests/cameralibs/transport/gige/CameraMemory.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
-#include "GigeCamera.h"
-#include "ZipFile.h"
+#include "tests/cameralibs/transport/gige/GigeCamera.h"
+#include "tests/cameralibs/transport/gige/ZipFile.h"
 
 #include <poll.h>
 

@@ -1,4 +1,4 @@
-#include "GigeDeviceFixture.h"
+#include "tests/cameralibs/transport/gige/GigeDeviceFixture.h"
 
 using namespace Orvo;
 

@@ -1,6 +1,6 @@
 // The library with the GigE Vision camera of the tests, which behaves correctly here.
 
-#include "GigeDeviceFixture.h"
+#include "tests/cameralibs/transport/gige/GigeDeviceFixture.h"
 
 #include "tests/cameralibs/api/LockedImage.h"
 #include "tests/cameralibs/devices/transport/Transports.h"

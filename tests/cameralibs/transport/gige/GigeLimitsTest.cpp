@@ -1,6 +1,6 @@
 // Time limits for a camera that is slow, that sends pending acknowledgements or that does not answer at all.
 
-#include "GigeDeviceFixture.h"
+#include "tests/cameralibs/transport/gige/GigeDeviceFixture.h"
 
 #include <chrono>
 #include <functional>

@@ -1,7 +1,7 @@
 // The transport of a GigE Vision camera is killed, crashes or hangs in each step of a session. The program sees a
 // camera that was unplugged, and can use it again as soon as the camera has missed the heartbeat.
 
-#include "GigeDeviceFixture.h"
+#include "tests/cameralibs/transport/gige/GigeDeviceFixture.h"
 
 #include "tests/cameralibs/api/WaitingCall.h"
 #include "tests/cameralibs/devices/transport/Transports.h"

@@ -1,4 +1,4 @@
-#include "Liar.h"
+#include "tests/cameralibs/transport/gige/Liar.h"
 
 #include <stdexcept>
 #include <utility>

@@ -1,5 +1,5 @@
-#include "Lies.h"
-#include "ZipFile.h"
+#include "tests/cameralibs/transport/gige/Lies.h"
+#include "tests/cameralibs/transport/gige/ZipFile.h"
 
 #include <algorithm>
 #include <sstream>

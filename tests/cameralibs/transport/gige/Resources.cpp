@@ -1,4 +1,4 @@
-#include "Resources.h"
+#include "tests/cameralibs/transport/gige/Resources.h"
 
 #include <malloc.h>
 #include <unistd.h>

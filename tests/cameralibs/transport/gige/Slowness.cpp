@@ -1,4 +1,4 @@
-#include "Slowness.h"
+#include "tests/cameralibs/transport/gige/Slowness.h"
 
 namespace gige {
 

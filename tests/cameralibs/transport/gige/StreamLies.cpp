@@ -1,4 +1,4 @@
-#include "Lies.h"
+#include "tests/cameralibs/transport/gige/Lies.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "UdpSocket.h"
+#include "tests/cameralibs/transport/gige/UdpSocket.h"
 
 #include <arpa/inet.h>
 #include <sys/socket.h>

@@ -1,4 +1,4 @@
-#include "Watched.h"
+#include "tests/cameralibs/transport/gige/Watched.h"
 
 #include "camera/StatusName.h"
 

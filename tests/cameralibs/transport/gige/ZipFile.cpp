@@ -1,4 +1,4 @@
-#include "ZipFile.h"
+#include "tests/cameralibs/transport/gige/ZipFile.h"
 
 #include <zlib.h>
 
