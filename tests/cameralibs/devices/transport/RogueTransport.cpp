@@ -6,6 +6,7 @@
 #include "camera/OrvoCamApi.h"
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -316,5 +318,7 @@ private:
 
 int main()
 {
+    // A flood must not outlive a test that is killed.
+    (void)::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0);
     return Rogue().run();
 }
