@@ -193,6 +193,19 @@ TEST_F(TransportRequestsTest, EndsAfterTellingItsBuildToALibraryOfAnother)
     EXPECT_TRUE(ends());
 }
 
+TEST_F(TransportRequestsTest, AnyLogLevelIsAccepted)
+{
+    for (const std::uint32_t level : {3U, 4U, 5U, 0x7fffffffU, 0xffffffffU}) {
+        start();
+        Hello hello = helloOf(ORVO_TRANSPORT_BUILD);
+        hello.log = level;
+        ASSERT_TRUE(m_control.send(Kind::hello, hello));
+        EXPECT_NE(reply(Kind::hello), nullptr) << level;
+        ASSERT_TRUE(m_control.send(Kind::enumerate, Enumerate{0, 0}));
+        EXPECT_EQ(status(), 0U) << level;
+    }
+}
+
 TEST_F(TransportRequestsTest, EndsOnRequestsBeforeAHello)
 {
     const std::function<bool()> requests[] = {
