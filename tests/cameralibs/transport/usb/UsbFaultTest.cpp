@@ -7,6 +7,7 @@
 #include "tests/cameralibs/api/MemoryLimit.h"
 
 #include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <cstdlib>
 #include <iterator>
@@ -36,7 +37,7 @@ struct Row {
     Before before;
     int times;
     CAM_API_STATUS status; ///< of a search: how many cameras are listed; of an image: its own
-    const char* log = "";  ///< contained in the log
+    const char* log = "";  ///< contained in the log, in any case: versions of Aravis differ in their capitals
 };
 
 const Row kRows[] = {
@@ -155,6 +156,13 @@ std::chrono::seconds limitOf(Before before)
     default:
         return std::chrono::seconds(10) + kBusy;
     }
+}
+
+[[nodiscard]] std::string inLowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
+    return text;
 }
 
 /// A row, and the mode of the stream.
@@ -285,7 +293,7 @@ TEST_P(UsbFaultTest, StatusAndLogTellOfIt)
     if (!asynchronous || row.before == Before::start) {
         EXPECT_EQ(status, row.status) << log;
         // With sanitizers, transports write to standard error by themselves.
-        EXPECT_THAT(log, ::testing::HasSubstr(MemoryLimit::kPossible ? row.log : ""));
+        EXPECT_THAT(inLowerCase(log), ::testing::HasSubstr(inLowerCase(MemoryLimit::kPossible ? row.log : "")));
     }
 
     usb::unplug();
