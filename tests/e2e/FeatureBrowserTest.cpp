@@ -11,6 +11,7 @@
 
 #include <QLabel>
 #include <QSet>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -71,6 +72,7 @@ private slots:
     void lineScanImage();
     void everyFeatureCanBeClicked_data();
     void everyFeatureCanBeClicked();
+    void toolTipIsNoEditor();
 
 private:
     void open(const QString& model);
@@ -358,6 +360,16 @@ void FeatureBrowserTest::everyFeatureCanBeClicked()
     driver->close();
     QVERIFY(driver->enabled("actionOpen"));
     QCOMPARE(errors(), QStringList());
+}
+
+// On a busy machine, one shows while other tests look for editors.
+void FeatureBrowserTest::toolTipIsNoEditor()
+{
+    open("SIM-C1920");
+    QWidget* const viewport = hand->table().viewport();
+    QToolTip::showText(viewport->mapToGlobal(viewport->rect().center()), "PixelFormat", viewport);
+    QTRY_VERIFY_WITH_TIMEOUT(QToolTip::isVisible(), kPatienceMs);
+    QVERIFY(!openEditor(hand->table()));
 }
 
 } // namespace

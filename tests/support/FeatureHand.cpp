@@ -43,8 +43,9 @@ template <typename Editor> Editor* as(QWidget* editor, const QString& name)
 QWidget* openEditor(const QTableView& table)
 {
     const auto children = table.viewport()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-    const auto shown =
-        std::find_if(children.begin(), children.end(), [](QWidget* child) { return !child->isHidden(); });
+    // A tool tip is a child of the viewport, too, but has a window of its own.
+    const auto shown = std::find_if(children.begin(), children.end(),
+                                    [](QWidget* child) { return !child->isHidden() && !child->isWindow(); });
     return shown == children.end() ? nullptr : *shown;
 }
 
