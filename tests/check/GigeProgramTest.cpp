@@ -148,7 +148,7 @@ TEST_F(GigeProgramTest, ProgramThatControlsTheCameraIsNamed)
     ProgramRun found;
     for (int i = 0; i < 10 && found.output.find("camera_holder") == std::string::npos; ++i)
         found = runCheck("--json");
-    EXPECT_EQ(found.status, 1) << found.output;
+    EXPECT_NE(found.status, 0) << found.output; // 2 on a machine without USB
     EXPECT_THAT(found.linesOf("open"), ElementsAre(Says("wrong", "another program controls it (2052")));
     EXPECT_THAT(found.linesOf("open"), ElementsAre(Says("wrong", "camera_holder (process ")))
         << "beside the programs of other tests";

@@ -39,25 +39,29 @@ public:
     NetworkProgramTest& operator=(const NetworkProgramTest&) = delete;
 
 protected:
-    NetworkProgramTest()
-    {
-        shell("ip link add cam0 type veth peer name cam1");
-        m_camera = std::make_unique<ChildProcess>(
-            std::vector<std::string>{"unshare", "--net", "sh", "-c",
-                                     "echo $$; until ip link set cam1 up 2>/dev/null; do sleep 0.05; done;"
-                                     "ip address add 192.168.5.20/24 dev cam1; ip address add 192.168.5.21/24 dev cam1;"
-                                     "ip route add default dev cam1;"
-                                     "exec " GIGE_CAMERA " --address 192.168.5.20 --foreign-address 192.168.5.21"});
-        // Its process is in a network of its own from then on.
-        shell("ip link set cam1 netns " + m_camera->readLine());
-        shell("ip link set cam0 up && ip address add 192.168.5.1/24 dev cam0");
-        EXPECT_EQ(m_camera->readLine(), "honest");
-    }
+    NetworkProgramTest() = default;
     ~NetworkProgramTest() override
     {
         m_camera.reset();
         // The pair goes with the camera's network, which the kernel takes down when it likes.
         shell("ip link del cam0 2>/dev/null || true");
+    }
+
+    void SetUp() override
+    {
+        ASSERT_NO_FATAL_FAILURE(shell("ip link add cam0 type veth peer name cam1"));
+        // Tells the number that its process has in /proc, which may belong to another namespace of processes.
+        m_camera = std::make_unique<ChildProcess>(
+            std::vector<std::string>{"unshare", "--net", "sh", "-c",
+                                     "read -r number rest </proc/self/stat; echo $number;"
+                                     "until ip link set cam1 up 2>/dev/null; do sleep 0.05; done;"
+                                     "ip address add 192.168.5.20/24 dev cam1; ip address add 192.168.5.21/24 dev cam1;"
+                                     "ip route add default dev cam1;"
+                                     "exec " GIGE_CAMERA " --address 192.168.5.20 --foreign-address 192.168.5.21"});
+        // Its process is in a network of its own from then on.
+        ASSERT_NO_FATAL_FAILURE(shell("ip link set cam1 netns /proc/" + m_camera->readLine() + "/ns/net"));
+        ASSERT_NO_FATAL_FAILURE(shell("ip link set cam0 up && ip address add 192.168.5.1/24 dev cam0"));
+        ASSERT_EQ(m_camera->readLine(), "honest");
     }
 
     /// A busy machine may miss an answer.
