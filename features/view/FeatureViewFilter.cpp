@@ -40,6 +40,15 @@ const LevelPattern& patternOf(int level)
     return kLevelPatterns[0];
 }
 
+bool isBeingPainted(const QWidget& widget)
+{
+    for (const QWidget* painted = &widget; painted != nullptr; painted = painted->parentWidget()) {
+        if (painted->testAttribute(Qt::WA_WState_InPaintEvent))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 /// The longest texts of a column. One of them is the widest, and counting characters is faster than measuring all
@@ -226,7 +235,7 @@ void FeatureView::updateAllFeatures(bool force)
     m_reReading = false;
     // A table that is being painted may lay itself out, which hides an editor; that commits and gets here.
     QWidget& viewport = *m_tableView.viewport();
-    if (viewport.testAttribute(Qt::WA_WState_InPaintEvent))
+    if (isBeingPainted(viewport))
         viewport.update();
     else
         viewport.repaint();

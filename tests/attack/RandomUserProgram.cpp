@@ -11,12 +11,15 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QMutex>
+#include <QMutexLocker>
 #include <QProcess>
 #include <QRegularExpression>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -31,18 +34,53 @@ struct Task {
     bool judgesStalls = false;
 };
 
+/// What Qt warns of is wrong, too: for example, a widget that is painted while it is painted.
+class QtWarnings {
+public:
+    QtWarnings() { qInstallMessageHandler(&QtWarnings::receive); }
+    ~QtWarnings() { qInstallMessageHandler(nullptr); }
+    Q_DISABLE_COPY_MOVE(QtWarnings)
+
+    [[nodiscard]] static QStringList take()
+    {
+        const QMutexLocker lock(&mutex());
+        return std::exchange(lines(), {});
+    }
+
+private:
+    static void receive(QtMsgType type, const QMessageLogContext&, const QString& text)
+    {
+        const QMutexLocker lock(&mutex());
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+        // The platform without a screen lacks a few things.
+        if (type != QtDebugMsg && type != QtInfoMsg && !text.startsWith("This plugin does not support "))
+            lines() << "Qt: " + text;
+    }
+    static QMutex& mutex()
+    {
+        static QMutex mutex;
+        return mutex;
+    }
+    static QStringList& lines()
+    {
+        static QStringList lines;
+        return lines;
+    }
+};
+
 /// In the process of the user: what was found, to standard output; the exit status.
 int perform(const Task& task)
 {
+    const QtWarnings warnings;
     RandomUser user(task.seed, task.prints, task.judgesStalls);
     for (const int number : task.actions) {
-        const QStringList wrong = user.act(number);
+        const QStringList wrong = user.act(number) + QtWarnings::take();
         if (!wrong.isEmpty()) {
             std::printf("after action %d: %s\n", number, qPrintable(wrong.join("\n  ")));
             return kFound;
         }
     }
-    const QStringList wrong = user.finish();
+    const QStringList wrong = user.finish() + QtWarnings::take();
     for (const QString& line : wrong)
         std::printf("at the end: %s\n", qPrintable(line));
     return wrong.isEmpty() ? EXIT_SUCCESS : kFound;

@@ -38,25 +38,32 @@ protected:
     }
 };
 
-/// Updates all features within the first paint event of the table, as an editor does that the table hides while it lays
+/// Updates all features within the first paint event of a widget, as an editor does that the table hides while it lays
 /// itself out for a paint event.
 class UpdateWhilePainting : public QObject {
 public:
-    explicit UpdateWhilePainting(FeatureTable& features)
+    UpdateWhilePainting(FeatureTable& features, QWidget& painted)
         : m_view(features.view())
+        , m_painted(painted)
     {
+        painted.installEventFilter(this);
         features.table().viewport()->installEventFilter(this);
     }
-    int started = 0;
-    int nested = 0;
+    int updates = 0;
+    int nestedPaints = 0; ///< of the table's viewport
+    int laterPaints = 0;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() != QEvent::Paint)
             return QObject::eventFilter(watched, event);
-        nested += m_updating ? 1 : 0;
-        if (started++ == 0) {
+        if (m_updating)
+            ++nestedPaints;
+        else if (updates > 0)
+            ++laterPaints;
+        if (watched == &m_painted && updates == 0) {
+            ++updates;
             m_updating = true;
             m_view.updateAllFeatures();
             m_updating = false;
@@ -66,6 +73,7 @@ protected:
 
 private:
     FeatureView& m_view;
+    QWidget& m_painted;
     bool m_updating = false;
 };
 
@@ -90,6 +98,7 @@ private slots:
     void emitsDataChangedOncePerChange();
     void emitsNoDataChangedWithoutAChange();
     void repaintsImmediately();
+    void anUpdateWhilePaintingRepaintsAfterwards_data();
     void anUpdateWhilePaintingRepaintsAfterwards();
     void withoutAnUpdateNothingIsRepainted();
 
@@ -261,15 +270,27 @@ void FeatureViewUpdateTest::repaintsImmediately()
     QCOMPARE(paints.count, 1);
 }
 
+void FeatureViewUpdateTest::anUpdateWhilePaintingRepaintsAfterwards_data()
+{
+    QTest::addColumn<QString>("painted");
+    for (const char* const painted : {"viewport", "table", "browser"})
+        QTest::newRow(painted) << painted;
+}
+
 void FeatureViewUpdateTest::anUpdateWhilePaintingRepaintsAfterwards()
 {
+    QFETCH(QString, painted);
     FeatureTable features(threeRows());
     features.show();
     QCoreApplication::processEvents();
-    const UpdateWhilePainting paints(features);
-    features.table().viewport()->repaint();
-    QCOMPARE(paints.nested, 0);
-    QTRY_VERIFY(paints.started > 1);
+    QWidget* const widget = painted == "viewport" ? features.table().viewport()
+                            : painted == "table"  ? static_cast<QWidget*>(&features.table())
+                                                  : &features.view();
+    const UpdateWhilePainting paints(features, *widget);
+    widget->repaint();
+    QCOMPARE(paints.updates, 1);
+    QCOMPARE(paints.nestedPaints, 0);
+    QTRY_VERIFY(paints.laterPaints > 0);
 }
 
 void FeatureViewUpdateTest::withoutAnUpdateNothingIsRepainted()
