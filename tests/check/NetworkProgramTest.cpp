@@ -96,7 +96,7 @@ TEST_F(NetworkProgramTest, CameraInAnotherNetworkIsFound)
     const ProgramRun found = runUntilListed();
     EXPECT_THAT(found.linesOf("address"),
                 ElementsAre(Says("wrong", "GV-Test", "192.168.5.20 is outside the network of cam0")));
-    EXPECT_EQ(found.status, 1);
+    EXPECT_NE(found.status, 0); // 2 on a machine without USB
 
     shell("sysctl --quiet --write net.ipv4.conf.cam0.rp_filter=1");
     const ProgramRun strict = runCheck("--json");
