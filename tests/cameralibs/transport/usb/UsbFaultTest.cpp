@@ -252,9 +252,16 @@ protected:
     [[nodiscard]] CAM_API_STATUS imageStatus()
     {
         const auto over = [this] { return Sys_WaitForSignal(m_signal, 0) == kGood || !m_recorder.errors().empty(); };
-        EXPECT_TRUE(becomes([&] { return over() || usb::faultsShown() > 0; }));
-        const std::size_t images = m_recorder.imageCount();
-        EXPECT_TRUE(becomes([&] { return over() || m_recorder.imageCount() >= images + 10; }));
+        const Row& row = GetParam().row;
+        // A busy program may have no buffer for the only image with the fault.
+        const int tries = row.times == kOnce && row.status != kGood ? 10 : 1;
+        for (int i = 0; i < tries && !over(); ++i) {
+            if (i > 0)
+                (void)usb::setFault(row.fault, row.times);
+            EXPECT_TRUE(becomes([&] { return over() || usb::faultsShown() > 0; }));
+            const std::size_t images = m_recorder.imageCount();
+            EXPECT_TRUE(becomes([&] { return over() || m_recorder.imageCount() >= images + 10; }));
+        }
         if (Sys_WaitForSignal(m_signal, 0) == kGood)
             return kGone;
         const auto errors = m_recorder.errors();
