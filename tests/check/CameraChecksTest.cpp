@@ -25,6 +25,14 @@ View viewAfter(CAM_API_STATUS opened)
     return viewOf(camera);
 }
 
+/// What is said of a camera outside the network of its interface.
+Lines linesAbout(std::uint32_t address, std::uint32_t mask)
+{
+    Camera camera = workingCamera("G1", address);
+    camera.answer->mask = mask;
+    return checkAddresses(viewOf(camera));
+}
+
 /// 50 images of 1 MB in 2 s.
 StreamResult goodStream()
 {
@@ -94,9 +102,7 @@ TEST(CameraChecksTest, CameraThatOnlyAnswersIsWrong)
 TEST(CameraChecksTest, AddressOutsideTheNetworkIsWrong)
 {
     const auto cureOf = [](std::uint32_t address, std::uint32_t mask) {
-        Camera camera = workingCamera("G1", address);
-        camera.answer->mask = mask;
-        const Lines lines = checkAddresses(viewOf(camera));
+        const Lines lines = linesAbout(address, mask);
         EXPECT_THAT(lines, ElementsAre(IsLine(Severity::wrong, "is outside the network of enp3s0", "")));
         return lines.empty() ? std::string() : lines.front().cure;
     };
@@ -108,6 +114,42 @@ TEST(CameraChecksTest, AddressOutsideTheNetworkIsWrong)
     EXPECT_THAT(cureOf(0x0a000014, 0xff00ff00), HasSubstr("10.0.0.10/24 ")) << "a mask with gaps";
     EXPECT_THAT(cureOf(0x0a000014, 0xffffffff), HasSubstr("10.0.0.10/24 "));
     EXPECT_THAT(cureOf(0x0a000014, 0), HasSubstr("10.0.0.10/24 "));
+}
+
+TEST(CameraChecksTest, OwnAddressIsSuggestedForPrivateNetworksOnly)
+{
+    const auto isSuggestedFor = [](std::uint32_t address) {
+        const Lines lines = linesAbout(address, 0xffffff00);
+        EXPECT_THAT(lines,
+                    ElementsAre(IsLine(Severity::wrong, "is outside the network", "of the interface's network")));
+        return !lines.empty() && lines.front().cure.find("ip address add") != std::string::npos;
+    };
+    struct Network {
+        std::uint32_t first;
+        std::uint32_t last;
+    };
+    // RFC 1918 and RFC 3927.
+    constexpr Network kPrivate[] = {
+        {0x0a000000, 0x0affffff}, {0xac100000, 0xac1fffff}, {0xc0a80000, 0xc0a8ffff}, {0xa9fe0000, 0xa9feffff}};
+    for (const Network& network : kPrivate) {
+        EXPECT_FALSE(isSuggestedFor(network.first - 1)) << textOf(network.first - 1);
+        EXPECT_TRUE(isSuggestedFor(network.first)) << textOf(network.first);
+        EXPECT_TRUE(isSuggestedFor(network.last)) << textOf(network.last);
+        EXPECT_FALSE(isSuggestedFor(network.last + 1)) << textOf(network.last + 1);
+    }
+}
+
+TEST(CameraChecksTest, SuggestedAddressIsInTheCamerasNetworkUnlessThatIsUnusual)
+{
+    const auto isSuggested = [](const char* own, std::uint32_t mask) {
+        EXPECT_THAT(linesAbout(0x0a141e28, mask), ElementsAre(IsLine(Severity::wrong, "10.20.30.40 is outside", own)));
+    };
+    isSuggested(" 10.20.30.10/24 ", 0xfffe0000);
+    isSuggested(" 10.20.0.10/16 ", 0xffff0000);
+    isSuggested(" 10.20.0.10/17 ", 0xffff8000);
+    isSuggested(" 10.20.30.10/24 ", 0xffffff00);
+    isSuggested(" 10.20.30.42/28 ", 0xfffffff0);
+    isSuggested(" 10.20.30.10/24 ", 0xfffffff8);
 }
 
 TEST(CameraChecksTest, AddressThatIsMissingOrTakenIsWrong)
