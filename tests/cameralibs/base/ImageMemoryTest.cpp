@@ -72,6 +72,26 @@ TEST(ImageMemoryTest, DescriptorIsClosedOnExecAndWithTheMemory)
     EXPECT_EQ(::fcntl(descriptor, F_GETFD), -1);
 }
 
+TEST(ImageMemoryTest, StandardDescriptorsThatAreClosedAreNotUsed)
+{
+    for (int standard = STDIN_FILENO; standard <= STDERR_FILENO; ++standard) {
+        const int kept = ::fcntl(standard, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        ASSERT_GT(kept, STDERR_FILENO);
+        ::close(standard);
+        int descriptor = -1;
+        bool stillClosed = false;
+        {
+            const ImageMemory memory(1, 1);
+            descriptor = memory.descriptor();
+            stillClosed = ::fcntl(standard, F_GETFD) == -1;
+        }
+        ::dup2(kept, standard);
+        ::close(kept);
+        EXPECT_GT(descriptor, STDERR_FILENO) << standard;
+        EXPECT_TRUE(stillClosed) << standard;
+    }
+}
+
 TEST(ImageMemoryTest, UntouchedMemoryTakesNoPages)
 {
     const ImageMemory memory(16, std::size_t{1} << 32); // more than the machine has
