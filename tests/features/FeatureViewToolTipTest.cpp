@@ -34,6 +34,8 @@ private slots:
     void toolTipsAreShownVerbatim();
     void aVeryLongToolTipIsTruncated_data();
     void aVeryLongToolTipIsTruncated();
+    void toolTipsWithLongLinesAreWrapped_data();
+    void toolTipsWithLongLinesAreWrapped();
 };
 
 void FeatureViewToolTipTest::toolTipsAreShownVerbatim()
@@ -78,6 +80,34 @@ void FeatureViewToolTipTest::aVeryLongToolTipIsTruncated()
     const QModelIndex cell = features.cell("A");
     QTEST(toolTipAt(features.table(), features.table().visualRect(cell).center()), "expected");
     QCOMPARE(cell.data(Qt::ToolTipRole).toString(), text); // untruncated
+}
+
+void FeatureViewToolTipTest::toolTipsWithLongLinesAreWrapped_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("wrapped");
+    const QString words80 = QString("nine and ").repeated(8) + "the last";
+    QTest::newRow("a short line") << "three short words" << false;
+    QTest::newRow("80 characters") << words80 << false;
+    QTest::newRow("81") << words80 + "." << true;
+    QTest::newRow("80 in each line") << words80 + "\n" + words80 + QChar(QChar::LineSeparator) + words80 << false;
+    QTest::newRow("81 in the second line") << "short\n" + words80 + "." << true;
+}
+
+void FeatureViewToolTipTest::toolTipsWithLongLinesAreWrapped()
+{
+    QFETCH(QString, text);
+    NodeSpec node = feature("A");
+    node.toolTip = text.toStdString();
+    FeatureTable features({category("Root", {"A"}), node});
+    features.show();
+    features.view().selectSortAtoZ();
+    toolTipAt(features.table(), features.table().visualRect(features.cell("A")).center());
+    QTextDocument document;
+    document.setHtml(QToolTip::text());
+    const qreal before = document.idealWidth();
+    document.setTextWidth(1);
+    QTEST(document.idealWidth() < before, "wrapped");
 }
 
 } // namespace
