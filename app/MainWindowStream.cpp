@@ -14,6 +14,8 @@
 
 #include <QMutexLocker>
 
+#include <array>
+
 namespace {
 
 constexpr std::uint32_t kBufferCount = 8;
@@ -31,11 +33,6 @@ QString rateText(double rate)
 
 bool MainWindow::get_camera_parameter(bool* changed)
 {
-    // Deliberately kept when the camera is closed: another camera with the same size and format is not a change.
-    static std::uint32_t lastWidth = 0;
-    static std::uint32_t lastHeight = 0;
-    static std::uint32_t lastPixelFormat = 0;
-
     *changed = false;
     if (!cameraOpened)
         return false;
@@ -56,14 +53,11 @@ bool MainWindow::get_camera_parameter(bool* changed)
         return false;
     }
 
-    const auto remember = [changed](std::uint32_t& last, std::uint32_t now) {
-        if (last != now)
-            *changed = true;
-        last = now;
-    };
-    remember(lastWidth, width);
-    remember(lastHeight, height);
-    remember(lastPixelFormat, pixelFormat);
+    // Deliberately kept when the camera is closed: another camera with the same size and format is not a change.
+    static std::array<std::uint32_t, 3> last{};
+    const std::array now{width, height, pixelFormat};
+    *changed = now != last;
+    last = now;
     return true;
 }
 
