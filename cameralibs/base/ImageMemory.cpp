@@ -28,10 +28,11 @@ void setGapsUsable([[maybe_unused]] const ImageMemory& memory, [[maybe_unused]] 
     for (std::size_t i = 0; i < memory.count(); ++i) {
         std::uint8_t* const gap = memory.data(i) + memory.bytesOfEach();
         std::uint8_t* const next = memory.data(i + 1);
-        if (usable)
+        if (usable) {
             __asan_unpoison_memory_region(gap, static_cast<std::size_t>(next - gap));
-        else
+        } else {
             __asan_poison_memory_region(gap, static_cast<std::size_t>(next - gap));
+        }
     }
 #endif
 }

@@ -86,9 +86,9 @@ bool Channel::send(Kind kind, const void* body, std::size_t bodySize, std::strin
         std::memcpy(CMSG_DATA(rights), &descriptor, sizeof descriptor);
     }
     ssize_t sent = -1;
-    do
+    do {
         sent = ::sendmsg(m_socket.get(), &message, MSG_NOSIGNAL | flags);
-    while (sent < 0 && errno == EINTR);
+    } while (sent < 0 && errno == EINTR);
     return sent >= 0;
 }
 

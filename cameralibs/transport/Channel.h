@@ -55,7 +55,7 @@ public:
     template <class Body> [[nodiscard]] std::optional<Body> body(Kind kind) const
     {
         static_assert(std::is_trivially_copyable_v<Body>);
-        Body body;
+        Body body{};
         if (m_header.kind != kind || !copyBody(&body, sizeof body))
             return {};
         return body;

@@ -235,10 +235,11 @@ void FeatureView::updateAllFeatures(bool force)
     m_reReading = false;
     // A table that is being painted may lay itself out, which hides an editor; that commits and gets here.
     QWidget& viewport = *m_tableView.viewport();
-    if (isBeingPainted(viewport))
+    if (isBeingPainted(viewport)) {
         viewport.update();
-    else
+    } else {
         viewport.repaint();
+    }
 
     const QModelIndex current = m_tableView.currentIndex();
     if (current.isValid())

@@ -35,10 +35,11 @@ void DialogUser::timerEvent(QTimerEvent* event)
     }
     const bool enough = ++m_turns > kPatience;
     if (popup) {
-        if (enough || draw(3) == 0)
+        if (enough || draw(3) == 0) {
             popup->close();
-        else
+        } else {
             press(*popup, draw(2) == 0 ? Qt::Key_Down : Qt::Key_Return);
+        }
     } else if (auto* const discovery = qobject_cast<DiscoveryDlg*>(modal)) {
         actIn(*discovery, enough);
     } else if (auto* const file = qobject_cast<QFileDialog*>(modal)) {

@@ -338,10 +338,11 @@ int main(int argc, char** argv)
     Matrix matrix;
     if (!matrix.prepare())
         return EXIT_FAILURE;
-    if (argc == 4)
+    if (argc == 4) {
         matrix.runCase(
             {argv[1], std::atoi(argv[2]), static_cast<Orvo::CAM_API_STATUS>(std::strtoul(argv[3], nullptr, 10))});
-    else
+    } else {
         matrix.runAll(argc == 2 && std::string(argv[1]) == "--all");
+    }
     return matrix.report() ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -302,10 +302,11 @@ void RandomUser::fail()
     const Orvo::CAM_API_STATUS status = pick(statuses);
     const int nth = static_cast<int>(draw(10));
     say(QString("%1, call %2, status %3").arg(operation).arg(nth).arg(status));
-    if (nth == 0)
+    if (nth == 0) {
         scripted::failAlways(operation, status);
-    else
+    } else {
         scripted::failCall(operation, status, nth);
+    }
 }
 
 void RandomUser::heal()

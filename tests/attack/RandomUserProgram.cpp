@@ -151,10 +151,11 @@ std::vector<int> shrink(Task task)
             const auto left = static_cast<std::ptrdiff_t>(std::min(block, shorter.actions.size() - at));
             shorter.actions.erase(begin, begin + left);
             ++trials;
-            if (!shorter.actions.empty() && !Trial(shorter, kTrialMs).passed())
+            if (!shorter.actions.empty() && !Trial(shorter, kTrialMs).passed()) {
                 task.actions = shorter.actions;
-            else
+            } else {
                 at += block;
+            }
         }
     }
     return task.actions;

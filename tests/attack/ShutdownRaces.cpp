@@ -134,16 +134,18 @@ void Races::begin()
         wrong("the camera does not open");
     if (!m_session->trigger("actionStart"))
         wrong("the stream does not start");
-    if (auto* const editor = qobject_cast<QLineEdit*>(m_session->editor("Label")))
+    if (auto* const editor = qobject_cast<QLineEdit*>(m_session->editor("Label"))) {
         editor->setText("not committed");
-    else
+    } else {
         wrong("no editor");
+    }
     // Either the events are handled, and images are shown; or they are not, and images wait.
     const std::uint32_t ms = draw(40);
-    if (draw(2) == 0)
+    if (draw(2) == 0) {
         QTest::qWait(static_cast<int>(ms));
-    else
+    } else {
         sleepUs(1000 * ms);
+    }
     if (draw(4) == 0)
         m_session->features()->updateAllFeatures(true);
 }

@@ -58,10 +58,11 @@ protected:
     {
         if (event->type() != QEvent::Paint)
             return QObject::eventFilter(watched, event);
-        if (m_updating)
+        if (m_updating) {
             ++nestedPaints;
-        else if (updates > 0)
+        } else if (updates > 0) {
             ++laterPaints;
+        }
         if (watched == &m_painted && updates == 0) {
             ++updates;
             m_updating = true;

@@ -124,9 +124,9 @@ std::optional<siginfo_t> waitFor(const Descriptor& process, int milliseconds)
 {
     pollfd end{process.get(), POLLIN, 0};
     int ready = -1;
-    do
+    do {
         ready = ::poll(&end, 1, milliseconds);
-    while (ready < 0 && errno == EINTR);
+    } while (ready < 0 && errno == EINTR);
     if (ready <= 0)
         return {};
     siginfo_t how{};

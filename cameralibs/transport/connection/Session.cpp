@@ -60,9 +60,9 @@ void Session::run()
 void Session::watchLibrary()
 {
     pollfd watched{m_events.descriptor(), POLLIN, 0};
-    do
+    do {
         m_events.sendOrDrop(Kind::alive);
-    while (::poll(&watched, 1, static_cast<int>(kAlivePeriod.count())) <= 0);
+    } while (::poll(&watched, 1, static_cast<int>(kAlivePeriod.count())) <= 0);
     m_control.shutDown();
     std::this_thread::sleep_for(kClosingLimit);
     ::_exit(1);

@@ -217,9 +217,9 @@ private:
             setText(camera.id, std::to_string(i));
         const bool endless = lie() == "same camera for ever";
         bool sent = true;
-        do
+        do {
             sent = m_control.send(Kind::listed, camera);
-        while (sent && endless);
+        } while (sent && endless);
         if (lie() != "slow search")
             done();
     }
@@ -250,9 +250,10 @@ private:
     {
         const std::array<std::uint32_t, 3> registers = {kWidth, kHeight, kWidth * kHeight};
         std::string bytes(read.size, '\0');
-        if (read.address < sizeof registers)
+        if (read.address < sizeof registers) {
             std::memcpy(bytes.data(), reinterpret_cast<const char*>(registers.data()) + read.address,
                         std::min<std::size_t>(read.size, sizeof registers - read.address));
+        }
         if (lie() == "no answer")
             return;
         if (lie() == "short read") {

@@ -163,7 +163,7 @@ int sendCommand(LockedBus& bus, const Device& device, const Bytes& command)
         return 0;
     Port& port = portOf(bus, device);
     Exchange exchange{command, {}};
-    const AnswerFault* const fault = bus.fault<AnswerFault>(device.port);
+    const auto* const fault = bus.fault<AnswerFault>(device.port);
     exchange.answers.push_back({bus.camera(device.port).execute(command)});
     if (fault != nullptr) {
         (*fault)(exchange);
@@ -248,7 +248,7 @@ void distort(LockedBus& bus, const Device& device, StreamTransfer& transfer)
 /// Shows the fault in what the camera has just sent. True where the transfer takes place.
 bool spoil(LockedBus& bus, const Device& device, StreamTransfer& transfer)
 {
-    const StreamFault* const fault = bus.fault<StreamFault>(device.port);
+    const auto* const fault = bus.fault<StreamFault>(device.port);
     if (fault == nullptr)
         return true;
     (*fault)(transfer);
@@ -449,7 +449,7 @@ int libusb_open(Device* device, Handle** handle)
     LockedBus bus;
     if (!isPresent(bus, *device))
         return kNoDevice;
-    if (const SystemFault* const fault = bus.fault<SystemFault>(device->port); fault != nullptr && fault->open != 0) {
+    if (const auto* const fault = bus.fault<SystemFault>(device->port); fault != nullptr && fault->open != 0) {
         bus.countFault();
         return fault->open;
     }
@@ -482,7 +482,7 @@ int libusb_set_auto_detach_kernel_driver(Handle*, int)
 int libusb_claim_interface(Handle* handle, int)
 {
     LockedBus bus;
-    const SystemFault* const fault = bus.fault<SystemFault>(handle->device->port);
+    const auto* const fault = bus.fault<SystemFault>(handle->device->port);
     if (fault == nullptr || fault->claim == 0)
         return 0;
     bus.countFault();
