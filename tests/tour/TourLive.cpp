@@ -127,7 +127,8 @@ void Tour::saveInVain()
             modal.close();
         }
     });
-    if (!came || m_driver->log() != QStringList("Cannot save a file."))
+    // A slow machine logs busy buffers, too.
+    if (!came || !m_driver->log().contains("Cannot save a file."))
         endTour("saving a picture in an unknown format did not fail as expected");
     picture("save-failed-log");
     m_driver->clearLog();
