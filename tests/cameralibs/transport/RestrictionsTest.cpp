@@ -151,6 +151,7 @@ const Forbidden kForbidden[] = {
     {"kill", [] { return ::syscall(SYS_kill, ::getppid(), 0); }},
     {"tkill", [] { return ::syscall(SYS_tkill, ::getppid(), 0); }},
     {"tgkill", [] { return ::syscall(SYS_tgkill, ::getppid(), ::getppid(), 0); }},
+    {"tgkill, thread of this process", [] { return ::syscall(SYS_tgkill, ::getppid(), ::getpid(), 0); }},
     {"pidfd_open", [] { return ::syscall(SYS_pidfd_open, ::getppid(), 0); }},
     {"F_SETOWN", [] { return ::syscall(SYS_fcntl, STDERR_FILENO, F_SETOWN, 0); }},
     {"F_SETOWN, upper half set", [] { return ::syscall(SYS_fcntl, STDERR_FILENO, kUpperHalf | F_SETOWN, 0); }},
@@ -293,10 +294,39 @@ TEST(Restrictions, NetworkIsReached)
         EXPECT_TRUE(restricted([&] { return ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, protocol) >= 0; }));
 }
 
-// The request reaches the kernel, which has no such device behind this descriptor.
-TEST(Restrictions, UsbDevicesAreControlled)
+// The requests reach the kernel, which has nothing behind this descriptor.
+TEST(Restrictions, UsbDevicesInterfacesAndDescriptorsAreControlled)
 {
-    EXPECT_TRUE(restricted([] { return refused(::ioctl(-1, USBDEVFS_SUBMITURB, nullptr), EBADF); }));
+    constexpr unsigned long kRequests[] = {
+        USBDEVFS_SUBMITURB, USBDEVFS_REAPURB, FIONREAD,     FIONBIO,     FIOCLEX,        FIONCLEX,       TCGETS,
+        SIOCGIFNAME,        SIOCGIFCONF,      SIOCGIFFLAGS, SIOCGIFADDR, SIOCGIFBRDADDR, SIOCGIFNETMASK, SIOCGIFMTU,
+        SIOCGIFHWADDR,      SIOCGIFINDEX};
+    for (const unsigned long request : kRequests)
+        EXPECT_TRUE(restricted([&] { return refused(::ioctl(-1, request, nullptr), EBADF); })) << request;
+    for (const int command : {F_DUPFD, F_DUPFD_CLOEXEC, F_GETFD, F_SETFD, F_GETFL, F_SETFL, F_GET_SEALS})
+        EXPECT_TRUE(restricted([&] { return refused(::fcntl(-1, command, 77), EBADF); })) << command;
+}
+
+TEST(Restrictions, ThreadsAreNamedAndLimitsAreRead)
+{
+    EXPECT_TRUE(restricted([] {
+        std::array<char, 16> name{};
+        return ::prctl(PR_SET_NAME, "probe") == 0 && ::prctl(PR_GET_NAME, name.data()) == 0 &&
+               name.data() == std::string("probe");
+    }));
+    EXPECT_TRUE(restricted([] {
+        rlimit limit{};
+        return ::getrlimit(RLIMIT_NOFILE, &limit) == 0;
+    }));
+}
+
+TEST(Restrictions, EveryThreadMaySignalItself)
+{
+    EXPECT_TRUE(restricted([] {
+        long result = -1;
+        std::thread([&] { result = ::syscall(SYS_tgkill, ::getpid(), ::gettid(), 0); }).join();
+        return result == 0;
+    }));
 }
 
 TEST(Restrictions, AbortIsAllowed)
