@@ -129,6 +129,24 @@ TEST(FirewallTest, JumpsAreFollowed)
         << "in circles";
 }
 
+TEST(FirewallTest, GotoDoesNotComeBack)
+{
+    const auto to = [](const std::string& kind) { return rule("{\"" + kind + R"(": {"target": "cameras"}})"); };
+    EXPECT_EQ(passage(input("drop"), to("goto"), chain("cameras", ""), rule(kAccept, "cameras")), Passage::accepted);
+    EXPECT_EQ(passage(input("drop"), to("goto"), chain("cameras", ""), rule(kAccept)), Passage::dropped);
+    EXPECT_EQ(passage(input("drop"), to("jump"), chain("cameras", ""), rule(kAccept)), Passage::accepted);
+}
+
+TEST(FirewallTest, RulesWithoutAVerdictDecideNothing)
+{
+    const std::string limit = R"({"limit": {"rate": 3, "burst": 10, "per": "minute"}})";
+    const std::string log = R"({"log": {"prefix": "[blocked] "}})";
+    EXPECT_EQ(passage(input("accept"), rule(log)), Passage::accepted);
+    EXPECT_EQ(passage(input("accept"), rule(limit + "," + log)), Passage::accepted);
+    EXPECT_EQ(passage(input("drop"), rule(limit + "," + log), rule(kAccept)), Passage::accepted);
+    EXPECT_EQ(passage(input("drop"), rule(limit + "," + kAccept)), Passage::unknown) << "some packets pass";
+}
+
 TEST(FirewallTest, WhatIsNotUnderstoodIsUnknown)
 {
     const std::string from = match(payload("ip", "saddr"), R"("192.168.5.20")");
