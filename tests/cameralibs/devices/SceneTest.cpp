@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <set>
+#include <string>
+#include <tuple>
 #include <vector>
 
 using namespace cameralibs::simulated;
@@ -70,6 +73,27 @@ TEST_F(SceneTest, PatchesAreSeparatedByDarkGaps)
             EXPECT_GT(level(left + 55, top + 55), 12);
         }
     }
+}
+
+TEST_F(SceneTest, ChartHasEighteenColoursAndSixGreysThatGetDarker)
+{
+    const auto patch = [this](int column, int row) { return at(80 + 110 * column + 55, 180 + 110 * row + 55); };
+    std::set<std::tuple<int, int, int>> different;
+    for (int column = 0; column < 6; ++column) {
+        for (int row = 0; row < 3; ++row) {
+            const Sample colour = patch(column, row);
+            const auto [least, greatest] = std::minmax({colour.red, colour.green, colour.blue});
+            EXPECT_GE(greatest - least, 32 * 16) << column << ", " << row;
+            different.emplace(colour.red / 16, colour.green / 16, colour.blue / 16);
+        }
+        const Sample grey = patch(column, 3);
+        EXPECT_EQ(grey.red, grey.green) << column;
+        EXPECT_EQ(grey.blue, grey.green) << column;
+        if (column > 0) {
+            EXPECT_LE(grey.green, patch(column - 1, 3).green - 32 * 16) << column;
+        }
+    }
+    EXPECT_EQ(different.size(), 18U);
 }
 
 TEST_F(SceneTest, TwelveGreyStepsReachFromBlackToWhite)
