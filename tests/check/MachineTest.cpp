@@ -4,6 +4,13 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <vector>
+
+#include <grp.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 using namespace check;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -54,6 +61,34 @@ TEST(MachineTest, LimitsAreRead)
     EXPECT_EQ(machine.receiveBuffer, 212'992);
     EXPECT_TRUE(machine.receiveBufferSetHere);
     EXPECT_TRUE(machine.udevRule);
+}
+
+TEST(MachineTest, UserIsInPlugdevByAnyGroup)
+{
+    const group* const plugdev = ::getgrnam("plugdev");
+    if (plugdev == nullptr || ::geteuid() != 0)
+        GTEST_SKIP() << "needs root and the group";
+    const gid_t wanted = plugdev->gr_gid;
+    const gid_t other = wanted + 1;
+    // The findings of a process with these groups: 0 or 1; another value if it may not change them.
+    const auto inPlugdev = [](gid_t own, const std::vector<gid_t>& more) {
+        const MadeUpRoot root;
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (::setgroups(more.size(), more.data()) != 0 || ::setegid(own) != 0)
+                ::_exit(2);
+            ::_exit(readMachine(SystemFiles(root.path())).inPlugdev ? 1 : 0);
+        }
+        int status = -1;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    };
+    if (inPlugdev(other, {}) == 2)
+        GTEST_SKIP() << "this root cannot change its groups";
+    EXPECT_EQ(inPlugdev(other, {}), 0);
+    EXPECT_EQ(inPlugdev(other, {other}), 0);
+    EXPECT_EQ(inPlugdev(wanted, {}), 1);
+    EXPECT_EQ(inPlugdev(other, {other, wanted}), 1);
 }
 
 TEST(MachineTest, MachineHasNoUsbIfSysHasNoSuchBus)
