@@ -3,7 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <future>
+#include <string>
 #include <vector>
+
+#include <fcntl.h>
+#include <sys/socket.h>
 
 using namespace check;
 
@@ -33,6 +39,30 @@ std::vector<std::uint8_t> goodAnswer()
 std::optional<GigeAnswer> parsed(const std::vector<std::uint8_t>& bytes)
 {
     return answerIn(bytes.data(), bytes.size(), kId);
+}
+
+/// The UDP sockets of this process.
+std::vector<int> udpSockets()
+{
+    std::vector<int> sockets;
+    for (int descriptor = 0; descriptor < 256; ++descriptor) {
+        int domain = 0;
+        int type = 0;
+        socklen_t size = sizeof domain;
+        if (::getsockopt(descriptor, SOL_SOCKET, SO_DOMAIN, &domain, &size) == 0 && domain == AF_INET &&
+            ::getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_DGRAM)
+            sockets.push_back(descriptor);
+    }
+    return sockets;
+}
+
+/// Nothing can be sent on it.
+Interface missingInterface()
+{
+    Interface missing;
+    missing.name = "missing0";
+    missing.up = true;
+    return missing;
 }
 
 } // namespace
@@ -67,13 +97,26 @@ TEST(GigeSearchTest, EverythingElseIsNoAnswer)
 
 TEST(GigeSearchTest, InterfaceOnWhichNothingCanBeSentIsTold)
 {
-    Interface missing;
-    missing.name = "missing0";
-    missing.up = true;
     Interface off;
     off.name = "off0";
-    const GigeSearch search = searchGige({missing, off});
+    const GigeSearch search = searchGige({missingInterface(), off});
     ASSERT_EQ(search.silent.size(), 1U) << "nobody expects a search on an interface that is switched off";
     EXPECT_EQ(search.silent[0].name, "missing0");
     EXPECT_EQ(search.silent[0].reason, "No such device");
+}
+
+// A packet with a wrong checksum wakes the search, but there is nothing to receive.
+TEST(GigeSearchTest, SocketsNeitherBlockNorReachOtherPrograms)
+{
+    const std::vector<Interface> interfaces = {missingInterface()};
+    ASSERT_TRUE(udpSockets().empty());
+    const auto search = std::async(std::launch::async, [&] { return searchGige(interfaces); });
+    std::vector<int> sockets;
+    while (sockets.empty() && search.wait_for(std::chrono::milliseconds(1)) == std::future_status::timeout)
+        sockets = udpSockets();
+    ASSERT_EQ(sockets.size(), 1U);
+    EXPECT_NE(::fcntl(sockets[0], F_GETFL) & O_NONBLOCK, 0);
+    EXPECT_NE(::fcntl(sockets[0], F_GETFD) & FD_CLOEXEC, 0);
+    search.wait();
+    EXPECT_TRUE(udpSockets().empty());
 }
