@@ -82,6 +82,8 @@ private slots:
     void aNewTextIsShownFromItsBeginning();
     void theSameTextKeepsItsScrollPosition();
     void aWideWordIsWrapped();
+    void longWordsBreakAfterAHundredCharacters_data();
+    void longWordsBreakAfterAHundredCharacters();
     void aNewFontUpdatesTheLayout();
 };
 
@@ -239,6 +241,33 @@ void ScrollingLabelTest::aWideWordIsWrapped()
     const int perLine = kWidth / label.fontMetrics().horizontalAdvance('w');
     const int lines = (scrollBar(label).maximum() + label.height()) / label.fontMetrics().lineSpacing();
     QVERIFY2(lines >= 65000 / perLine, qPrintable(QString::number(lines)));
+}
+
+void ScrollingLabelTest::longWordsBreakAfterAHundredCharacters_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+    const auto word = [](int length) { return QString(length, 'w'); };
+    const QString mark(QChar(0x301));
+    const QString pair = QString::fromUcs4(U"\U0001F600", 1);
+    QTest::newRow("letters") << word(150) << word(100) + "\n" + word(50);
+    QTest::newRow("a mark") << word(100) + mark + word(50) << word(100) + mark + "\n" + word(50);
+    QTest::newRow("a surrogate pair") << word(99) + pair + word(50) << word(99) + pair + "\n" + word(50);
+    QTest::newRow("short words") << word(60) + " " + word(60) << word(60) + "\n" + word(60);
+}
+
+void ScrollingLabelTest::longWordsBreakAfterAHundredCharacters()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    ScrollingLabel label(kMostLines);
+    const int width = 110 * label.fontMetrics().horizontalAdvance('w');
+    const auto pictureOf = [&](const QString& shown) {
+        label.showText(shown);
+        label.resize(width, heightOf(3, label));
+        return label.grab().toImage();
+    };
+    QCOMPARE(pictureOf(text), pictureOf(expected));
 }
 
 void ScrollingLabelTest::aNewFontUpdatesTheLayout()
