@@ -123,6 +123,8 @@ void ScrollingLabelTest::sizeHintIsBoundedForAnyText()
     ScrollingLabel label(kMostLines);
     const QSize least = label.minimumSizeHint();
     const int usualWidth = label.sizeHint().width();
+    QVERIFY(usualWidth > least.width());
+    QVERIFY(least.width() > label.fontMetrics().horizontalAdvance("word"));
     label.showText(text);
     QCOMPARE(label.minimumSizeHint(), least);
     QCOMPARE(label.sizeHint(), QSize(usualWidth, heightOf(kMostLines, label)));

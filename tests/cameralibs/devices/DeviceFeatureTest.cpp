@@ -144,6 +144,9 @@ TEST_F(DeviceFeatureTest, CountersCountImages)
     EXPECT_EQ(m_camera.integer("CounterValue"), 5);
     m_camera.setInteger("CounterDuration", 3);
     EXPECT_EQ(m_camera.integer("CounterValue"), 2);
+    m_camera.setInteger("CounterDuration", 1);
+    EXPECT_EQ(m_camera.integer("CounterValue"), 0) << "it ends with every image";
+    m_camera.setInteger("CounterDuration", 1000);
     m_camera.execute("CounterReset");
     EXPECT_EQ(m_camera.integer("CounterValue"), 0);
 }
