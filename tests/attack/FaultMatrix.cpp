@@ -8,7 +8,7 @@
 
 #include "features/view/FeatureView.h"
 #include "tests/attack/Process.h"
-#include "tests/attack/ViewerSession.h"
+#include "tests/attack/ScriptedSession.h"
 #include "tests/attack/WindowModel.h"
 #include "tests/support/Patience.h"
 
@@ -84,12 +84,12 @@ public:
     [[nodiscard]] const std::vector<std::vector<std::string>>& calls() const { return m_calls; }
 
 private:
-    using Step = std::pair<const char*, std::function<bool(ViewerSession&)>>;
+    using Step = std::pair<const char*, std::function<bool(ScriptedSession&)>>;
 
-    void perform(ViewerSession& session, WindowModel& model, const Step& step);
+    void perform(ScriptedSession& session, WindowModel& model, const Step& step);
     [[nodiscard]] bool faultFree() const { return m_fault.operation.empty(); }
     [[nodiscard]] bool failsForever(std::initializer_list<const char*> operations) const;
-    bool unplug(ViewerSession& session, WindowModel& model) const;
+    bool unplug(ScriptedSession& session, WindowModel& model) const;
     void noteCalls();
 
     Fault m_fault;
@@ -106,7 +106,7 @@ bool Session::failsForever(std::initializer_list<const char*> operations) const
                        [this](const char* operation) { return m_fault.operation == operation; });
 }
 
-bool Session::unplug(ViewerSession& session, WindowModel& model) const
+bool Session::unplug(ScriptedSession& session, WindowModel& model) const
 {
     // Only a running stream notices the removal, and only where there is a signal for it.
     const bool noticed = scripted::streaming() && !failsForever({"Sys_WaitForSignal", "Sys_CreateSignal"}) &&
@@ -119,7 +119,7 @@ bool Session::unplug(ViewerSession& session, WindowModel& model) const
     return QTest::qWaitFor([&] { return session.driver().enabled("actionOpen"); }, kPatienceMs);
 }
 
-void Session::perform(ViewerSession& session, WindowModel& model, const Step& step)
+void Session::perform(ScriptedSession& session, WindowModel& model, const Step& step)
 {
     const bool done = step.second(session);
     handleEvents();
@@ -128,7 +128,7 @@ void Session::perform(ViewerSession& session, WindowModel& model, const Step& st
         wrong("it was not possible");
     for (const QString& difference : model.check())
         wrong(difference);
-    for (const QString& row : session.wrongRows(m_valuesComparable))
+    for (const QString& row : session.wrongRows() + (m_valuesComparable ? session.wrongValues() : QStringList()))
         wrong(row);
 }
 
@@ -142,23 +142,23 @@ void Session::noteCalls()
 
 QStringList Session::run()
 {
-    ViewerSession session;
+    ScriptedSession session;
     WindowModel model(session.driver());
     const auto noImages = [this] {
         return failsForever({"Strm_GetCurrentBufferIndex", "Strm_LockBuffer", "GetCamIndexFromCamHandle"}) &&
                scripted::count(m_fault.operation) > kCallsOfOtherThreads;
     };
-    const auto showImage = [&](ViewerSession& s) { return s.showImage(noImages); };
-    const auto trigger = [](const char* action) { return [action](ViewerSession& s) { return s.trigger(action); }; };
+    const auto showImage = [&](ScriptedSession& s) { return s.showImage(noImages); };
+    const auto trigger = [](const char* action) { return [action](ScriptedSession& s) { return s.trigger(action); }; };
     const auto edit = [](const char* feature, const char* text = "") {
-        return [feature, text](ViewerSession& s) { return s.edit(feature, text); };
+        return [feature, text](ScriptedSession& s) { return s.edit(feature, text); };
     };
-    const auto open = [](ViewerSession& s) { return s.open(); };
+    const auto open = [](ScriptedSession& s) { return s.open(); };
 
     const std::vector<Step> steps = {
         {"open", open},
         {"browse",
-         [](ViewerSession& s) {
+         [](ScriptedSession& s) {
              static_cast<void>(s.editor("ImageFormatControl"));
              return s.editor("Label") != nullptr;
          }},
@@ -174,7 +174,7 @@ QStringList Session::run()
         {"start", trigger("actionStart")},
         {"image", showImage},
         {"error in a callback",
-         [&model](ViewerSession&) {
+         [&model](ScriptedSession&) {
              if (!scripted::deliverError(0x2A))
                  return false;
              model.expectCallbackLine("CallBackErrorImage. (status = 0x2A)");
@@ -182,20 +182,20 @@ QStringList Session::run()
          }},
         {"trigger", trigger("actionSoftwareTrigger")},
         {"pause", trigger("actionPause")},
-        {"snapshot", [](ViewerSession& s) { return s.snapshot(); }},
+        {"snapshot", [](ScriptedSession& s) { return s.snapshot(); }},
         {"go on", trigger("actionPause")},
         {"zoom", trigger("actionZoomIn")},
         {"stop", trigger("actionStop")},
         {"start again", trigger("actionStart")},
-        {"unplug", [&](ViewerSession& s) { return unplug(s, model); }},
+        {"unplug", [&](ScriptedSession& s) { return unplug(s, model); }},
         {"plug in and open again",
-         [this, &open](ViewerSession& s) {
+         [this, &open](ScriptedSession& s) {
              m_valuesComparable |= m_fault.call != kEveryCall && scripted::count(m_fault.operation) >= m_fault.call;
              scripted::plugIn();
              return open(s);
          }},
         {"refresh",
-         [](ViewerSession& s) {
+         [](ScriptedSession& s) {
              if (!s.features())
                  return false;
              s.features()->updateAllFeatures(true);

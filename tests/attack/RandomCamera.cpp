@@ -1,6 +1,6 @@
 #include "tests/attack/RandomCamera.h"
 
-#include "tests/attack/ViewerSession.h"
+#include "tests/attack/ScriptedSession.h"
 #include "tests/support/ScriptedCamera.h"
 
 #include <cmath>

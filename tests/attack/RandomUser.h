@@ -3,7 +3,6 @@
 #include "tests/attack/DialogUser.h"
 #include "tests/attack/Process.h"
 #include "tests/attack/ViewerSession.h"
-#include "tests/attack/WindowModel.h"
 
 #include <QPoint>
 #include <QStringList>
@@ -11,17 +10,23 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <map>
+#include <functional>
 #include <memory>
 #include <random>
 #include <vector>
 
 /// A user who does anything, with a camera that does anything. Each action is drawn from the seed and its number alone,
-/// so that any of them can be left out.
+/// so that any of them can be left out. Derived classes bring the camera.
 class RandomUser {
 public:
-    RandomUser(std::uint32_t seed, bool prints, bool judgesStalls);
-    ~RandomUser();
+    struct Options {
+        std::uint32_t seed = 1;
+        bool prints = false;
+        bool judgesStalls = false;
+    };
+
+    explicit RandomUser(const Options& options);
+    virtual ~RandomUser();
     Q_DISABLE_COPY_MOVE(RandomUser)
 
     /// What is wrong after the action with this number.
@@ -29,13 +34,31 @@ public:
     /// Ends the last window.
     [[nodiscard]] QStringList finish();
 
-private:
-    using Action = void (RandomUser::*)();
+protected:
+    struct Action {
+        int weight;
+        const char* name;
+        std::function<void()> perform;
+    };
 
-    void newWindow();
-    QStringList endWindow();
-    [[nodiscard]] QStringList invariants();
+    /// What the user does with the window.
+    [[nodiscard]] std::vector<Action> windowActions();
+    /// What else happens: with the camera, and with its features.
+    [[nodiscard]] virtual std::vector<Action> cameraActions() = 0;
+    /// Precedes every second action without a camera; most actions would find none otherwise.
+    virtual void openCamera() = 0;
 
+    virtual void beforeWindow() {}
+    virtual void afterWindow() {}
+    virtual void endOfWindow() {}
+    /// What should have gone with the last window.
+    [[nodiscard]] virtual QStringList leftovers() { return {}; }
+    /// What is wrong besides what holds with every camera.
+    [[nodiscard]] virtual QStringList wrongState() = 0;
+
+    [[nodiscard]] ViewerSession& session() { return *m_session; }
+    [[nodiscard]] int displayThreads();
+    [[nodiscard]] std::minstd_rand& chance() { return m_random; }
     std::uint32_t draw(std::uint32_t below) { return static_cast<std::uint32_t>(m_random() % below); }
     template <typename T> const T& pick(const std::vector<T>& from)
     {
@@ -43,38 +66,35 @@ private:
     }
     void say(const QString& what)
     {
-        if (m_prints)
+        if (m_options.prints)
             std::printf("    %s\n", qPrintable(what));
     }
+
+private:
+    void newWindow();
+    QStringList endWindow();
+    [[nodiscard]] QStringList invariants();
+
     [[nodiscard]] QWidget* anyWidget();
     [[nodiscard]] static QPoint anyPoint(const QWidget& widget, std::uint32_t random);
-
     void triggerAction();
-    void openCamera();
-    void openHealthyCamera();
     void pressKey();
     void click();
     void turnWheelAnywhere();
     void changeLayout();
     void useTool();
-    void edit();
-    void leaveEditorOpen();
-    void deliver();
-    void changeCamera();
-    void plug();
-    void fail();
-    void heal();
+    void triggerOpen();
     void wait();
 
-    std::uint32_t m_seed;
-    bool m_prints;
-    bool m_judgesStalls;
+    const Options m_options;
     std::minstd_rand m_random;
     QTemporaryDir m_folder;
     DialogUser m_dialogUser{m_folder.path()};
     process::Held m_without;
-    std::unique_ptr<ViewerSession> m_session;
-    std::unique_ptr<WindowModel> m_model;
-    std::uint64_t m_frame = 0;
-    std::map<int, int> m_actionsInState;
+    std::unique_ptr<ViewerSession> m_session; // from the first action on
+    int m_actions[3] = {};                    // without a camera, with one, with a stream
 };
+
+/// The kind of user, which the source of its camera defines: the actions of the quick form, and the user.
+extern const int kQuickActions;
+[[nodiscard]] std::unique_ptr<RandomUser> makeRandomUser(const RandomUser::Options& options);

@@ -1,14 +1,13 @@
-// What the random user does, and what the camera does meanwhile.
+// What a random user does with the window, whatever the camera.
 
-#include "app/MainState.h"
 #include "features/view/FeatureView.h"
-#include "tests/attack/RandomCamera.h"
 #include "tests/attack/RandomUser.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPointer>
 #include <QTest>
@@ -27,13 +26,13 @@ QWidget* RandomUser::anyWidget()
     }
     // The order of allWidgets() depends on addresses; that of the tree does not.
     std::vector<QWidget*> ordered;
-    const auto children = m_session->driver().window().findChildren<QWidget*>();
+    const auto children = session().driver().window().findChildren<QWidget*>();
     std::copy_if(children.begin(), children.end(), std::back_inserter(ordered),
                  [&](QWidget* child) { return std::find(visible.begin(), visible.end(), child) != visible.end(); });
     QWidget* const focus = QApplication::focusWidget();
     if (focus && draw(3) == 0)
         return focus;
-    return ordered.empty() ? &m_session->driver().window() : pick(ordered);
+    return ordered.empty() ? &session().driver().window() : pick(ordered);
 }
 
 QPoint RandomUser::anyPoint(const QWidget& widget, std::uint32_t random)
@@ -53,21 +52,7 @@ void RandomUser::triggerAction()
         "actionStart",       "action_Menu_Start", "actionSoftwareTrigger"};
     const char* const action = draw(60) == 0 ? "action_Menu_Exit" : pick(actions);
     say(action);
-    static_cast<void>(m_session->trigger(action));
-}
-
-void RandomUser::openCamera()
-{
-    static_cast<void>(m_session->trigger("actionOpen"));
-}
-
-void RandomUser::openHealthyCamera()
-{
-    scripted::healAll();
-    scripted::setCameras(std::vector<scripted::CameraSpec>(2));
-    static_cast<void>(m_session->open());
-    if (draw(2) == 0)
-        static_cast<void>(m_session->trigger("actionStart"));
+    static_cast<void>(session().trigger(action));
 }
 
 void RandomUser::pressKey()
@@ -146,7 +131,7 @@ void RandomUser::turnWheelAnywhere()
 
 void RandomUser::changeLayout()
 {
-    MainWindow& window = m_session->driver().window();
+    MainWindow& window = session().driver().window();
     static const std::vector<const char*> docks = {"dockWidgetBottom", "dockWidgetRight"};
     if (draw(2) == 0) {
         const int width = static_cast<int>(draw(2000)) + 1;
@@ -155,167 +140,42 @@ void RandomUser::changeLayout()
         window.resize(width, height);
         return;
     }
-    auto* const dock = m_session->driver().child<QDockWidget>(pick(docks));
+    auto* const dock = session().driver().child<QDockWidget>(pick(docks));
     say(QString("%1 %2").arg(dock->objectName(), dock->isFloating() ? "docks" : "floats"));
     dock->setFloating(!dock->isFloating());
 }
 
 void RandomUser::useTool()
 {
-    if (!m_session->features())
+    if (!session().features())
         return;
-    const auto actions = m_session->features()->findChild<QToolBar*>()->actions();
+    const auto actions = session().features()->findChild<QToolBar*>()->actions();
     QAction* const action = actions[static_cast<int>(draw(static_cast<std::uint32_t>(actions.size())))];
     say(action->text());
     if (action->isVisible() && !action->isSeparator())
         action->trigger();
 }
 
-void RandomUser::edit()
+void RandomUser::triggerOpen()
 {
-    if (!m_session->features())
-        return;
-    const QString feature = randomFeature(m_random);
-    const QString text = randomText(m_random);
-    say(feature + " = " + text);
-    static_cast<void>(m_session->edit(feature, text));
-}
-
-void RandomUser::leaveEditorOpen()
-{
-    if (!m_session->features())
-        return;
-    const QString feature = randomFeature(m_random);
-    say(feature);
-    static_cast<void>(m_session->editor(feature));
-}
-
-void RandomUser::deliver()
-{
-    for (std::uint32_t left = draw(4) + 1; left > 0; --left) {
-        switch (draw(8)) {
-        case 0:
-            static_cast<void>(scripted::deliverError(draw(0x10000)));
-            break;
-        case 1:
-            static_cast<void>(scripted::deliverBusy(draw(8)));
-            break;
-        case 2:
-            m_frame += draw(100000);
-            [[fallthrough]];
-        default:
-            ++m_frame;
-            static_cast<void>(
-                scripted::deliverImage(m_frame, static_cast<std::uint8_t>(m_frame), draw(6) == 0 ? 19 : 0));
-        }
-    }
-    QTest::qWait(static_cast<int>(draw(2)) * 30); // a period of the display, or none
-}
-
-void RandomUser::changeCamera()
-{
-    const QString what = changeRandomly(m_random);
-    say(what);
-}
-
-void RandomUser::plug()
-{
-    switch (draw(4)) {
-    case 0:
-        say("unplug");
-        scripted::unplug();
-        break;
-    case 1: {
-        const std::uint32_t count = draw(4);
-        say(QString("%1 cameras").arg(count));
-        if (m_model->state() < MAIN_STATE_OPENED)
-            scripted::setCameras(std::vector<scripted::CameraSpec>(count));
-        break;
-    }
-    default:
-        say("plug in");
-        scripted::plugIn();
-    }
-}
-
-void RandomUser::fail()
-{
-    // Not those that release something: after such a failure the scripted camera would keep what the viewer gave back.
-    static const std::vector<const char*> operations = {"Sys_GetNumOfCameras",
-                                                        "Cam_GetInformation",
-                                                        "Sys_CreateSignal",
-                                                        "Cam_Open",
-                                                        "GetCamWidth",
-                                                        "GetCamHeight",
-                                                        "GetCamPixelFormat",
-                                                        "Strm_OpenSimple",
-                                                        "Strm_SetCallbackImageAcquired",
-                                                        "Strm_SetCallbackImageError",
-                                                        "Strm_SetCallbackBufferBusy",
-                                                        "Strm_Start",
-                                                        "Strm_Stop",
-                                                        "Strm_GetCurrentBufferIndex",
-                                                        "Strm_LockBuffer",
-                                                        "ConvImage",
-                                                        "GetCamIndexFromCamHandle",
-                                                        "GetCamTriggerMode",
-                                                        "GetCamTriggerSource",
-                                                        "ExecuteCamSoftwareTrigger",
-                                                        "Sys_GetInformation",
-                                                        "Misc_GetLastGenICamError",
-                                                        "Nd_GetNode",
-                                                        "Nd_GetNumOfFeatures",
-                                                        "Nd_GetFeatureByIndex",
-                                                        "Nd_GetType",
-                                                        "Nd_GetName",
-                                                        "Nd_GetAccessMode",
-                                                        "Nd_GetVisibility",
-                                                        "Nd_GetDescription",
-                                                        "Nd_GetToolTip",
-                                                        "Nd_GetRepresentation",
-                                                        "Nd_GetUnit",
-                                                        "Nd_GetIntValue",
-                                                        "Nd_GetIntMin",
-                                                        "Nd_GetIntMax",
-                                                        "Nd_GetIntInc",
-                                                        "Nd_GetFloatValue",
-                                                        "Nd_GetFloatMin",
-                                                        "Nd_GetFloatMax",
-                                                        "Nd_GetFloatInc",
-                                                        "Nd_GetFloatHasInc",
-                                                        "Nd_GetBoolValue",
-                                                        "Nd_GetStrValue",
-                                                        "Nd_GetEnumStrValue",
-                                                        "Nd_GetEnumIntValue",
-                                                        "Nd_GetNumOfEnumEntries",
-                                                        "Nd_GetEnumEntryByIndex",
-                                                        "Nd_GetEnumEntryStrValue",
-                                                        "Nd_SetIntValue",
-                                                        "Nd_SetFloatValue",
-                                                        "Nd_SetBoolValue",
-                                                        "Nd_SetStrValue",
-                                                        "Nd_SetEnumStrValue",
-                                                        "Nd_SetEnumIntValue",
-                                                        "Nd_CmdExecute"};
-    static const std::vector<Orvo::CAM_API_STATUS> statuses = {1, 13, 19, 258, 2055, 0xFFFFFFFF};
-    const char* const operation = pick(operations);
-    const Orvo::CAM_API_STATUS status = pick(statuses);
-    const int nth = static_cast<int>(draw(10));
-    say(QString("%1, call %2, status %3").arg(operation).arg(nth).arg(status));
-    if (nth == 0) {
-        scripted::failAlways(operation, status);
-    } else {
-        scripted::failCall(operation, status, nth);
-    }
-}
-
-void RandomUser::heal()
-{
-    scripted::healAll();
+    static_cast<void>(session().trigger("actionOpen"));
 }
 
 void RandomUser::wait()
 {
-    const int time = static_cast<int>(draw(60));
-    QTest::qWait(time);
+    QTest::qWait(static_cast<int>(draw(60)));
+}
+
+std::vector<RandomUser::Action> RandomUser::windowActions()
+{
+    return {
+        {18, "trigger an action", [this] { triggerAction(); }},
+        {6, "open", [this] { triggerOpen(); }},
+        {14, "key", [this] { pressKey(); }},
+        {14, "mouse", [this] { click(); }},
+        {6, "wheel", [this] { turnWheelAnywhere(); }},
+        {5, "layout", [this] { changeLayout(); }},
+        {6, "tool", [this] { useTool(); }},
+        {3, "wait", [this] { wait(); }},
+    };
 }

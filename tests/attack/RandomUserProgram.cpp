@@ -4,6 +4,8 @@
 //                                                       may take the window more than 200 ms of processor time
 //     random_user --seed N --only 3,17,40      some actions of a sequence, each printed
 //
+// random_gige_user is the same with the camera libraries and a GigE camera that comes and goes.
+//
 // The actions run in a process of their own. Each is drawn from the seed and its number alone, so that any of them can
 // be left out: after a failure the program looks for the few that are enough, and prints them.
 
@@ -11,76 +13,36 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QMutex>
-#include <QMutexLocker>
+#include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
 #include <vector>
 
 namespace {
 
-constexpr int kQuickActions = 2000;
 constexpr int kFound = 3; // exit status of a process that found something
 
 struct Task {
-    std::uint32_t seed = 1;
+    RandomUser::Options options;
     std::vector<int> actions;
-    bool prints = false;
-    bool judgesStalls = false;
-};
-
-/// What Qt warns of is wrong, too: for example, a widget that is painted while it is painted.
-class QtWarnings {
-public:
-    QtWarnings() { qInstallMessageHandler(&QtWarnings::receive); }
-    ~QtWarnings() { qInstallMessageHandler(nullptr); }
-    Q_DISABLE_COPY_MOVE(QtWarnings)
-
-    [[nodiscard]] static QStringList take()
-    {
-        const QMutexLocker lock(&mutex());
-        return std::exchange(lines(), {});
-    }
-
-private:
-    static void receive(QtMsgType type, const QMessageLogContext&, const QString& text)
-    {
-        const QMutexLocker lock(&mutex());
-        std::fprintf(stderr, "%s\n", qPrintable(text));
-        // The platform without a screen lacks a few things.
-        if (type != QtDebugMsg && type != QtInfoMsg && !text.startsWith("This plugin does not support "))
-            lines() << "Qt: " + text;
-    }
-    static QMutex& mutex()
-    {
-        static QMutex mutex;
-        return mutex;
-    }
-    static QStringList& lines()
-    {
-        static QStringList lines;
-        return lines;
-    }
 };
 
 /// In the process of the user: what was found, to standard output; the exit status.
 int perform(const Task& task)
 {
-    const QtWarnings warnings;
-    RandomUser user(task.seed, task.prints, task.judgesStalls);
+    const auto user = makeRandomUser(task.options);
     for (const int number : task.actions) {
-        const QStringList wrong = user.act(number) + QtWarnings::take();
+        const QStringList wrong = user->act(number);
         if (!wrong.isEmpty()) {
             std::printf("after action %d: %s\n", number, qPrintable(wrong.join("\n  ")));
             return kFound;
         }
     }
-    const QStringList wrong = user.finish() + QtWarnings::take();
+    const QStringList wrong = user->finish();
     for (const QString& line : wrong)
         std::printf("at the end: %s\n", qPrintable(line));
     return wrong.isEmpty() ? EXIT_SUCCESS : kFound;
@@ -116,8 +78,9 @@ public:
     {
         m_process.setProcessChannelMode(QProcess::MergedChannels);
         m_process.start(QCoreApplication::applicationFilePath(),
-                        {"--seed", QString::number(task.seed), "--only", listOf(task.actions),
-                         task.prints ? "--print" : "--silent", task.judgesStalls ? "--stalls" : "--no-stalls"});
+                        {"--seed", QString::number(task.options.seed), "--only", listOf(task.actions),
+                         task.options.prints ? "--print" : "--silent",
+                         task.options.judgesStalls ? "--stalls" : "--no-stalls"});
         m_ended = m_process.waitForFinished(patienceMs);
         if (!m_ended) {
             m_process.kill();
@@ -188,12 +151,13 @@ int supervise(Task task)
                                task.actions.end());
         }
         task.actions = shrink(task);
-        task.prints = true;
-        std::printf("random_user --seed %u --only %s\n%s", task.seed, qPrintable(listOf(task.actions)),
-                    Trial(task, -1).output().constData());
+        task.options.prints = true;
+        std::printf("%s --seed %u --only %s\n%s",
+                    qPrintable(QFileInfo(QCoreApplication::applicationFilePath()).fileName()), task.options.seed,
+                    qPrintable(listOf(task.actions)), Trial(task, -1).output().constData());
         return EXIT_FAILURE;
     }
-    std::printf("random user: %zu actions of seed %u, nothing wrong, %lld s\n", all.size(), task.seed,
+    std::printf("random user: %zu actions of seed %u, nothing wrong, %lld s\n", all.size(), task.options.seed,
                 static_cast<long long>(timer.elapsed() / 1000));
     return EXIT_SUCCESS;
 }
@@ -206,18 +170,18 @@ int main(int argc, char** argv)
     Task task;
     int count = kQuickActions;
     const QStringList arguments = QCoreApplication::arguments();
-    task.judgesStalls = arguments.contains("--stalls");
+    task.options.judgesStalls = arguments.contains("--stalls");
     const auto value = [&arguments](const char* option) {
         const int at = arguments.indexOf(option);
         return at < 0 || at + 1 >= arguments.size() ? QString() : arguments[at + 1];
     };
     if (!value("--seed").isEmpty())
-        task.seed = value("--seed").toUInt();
+        task.options.seed = value("--seed").toUInt();
     if (!value("--actions").isEmpty())
         count = value("--actions").toInt();
     if (!value("--only").isEmpty()) {
         task.actions = actionsOf(value("--only"));
-        task.prints = !arguments.contains("--silent");
+        task.options.prints = !arguments.contains("--silent");
         std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // a crash must not swallow what was printed
         return perform(task);
     }

@@ -9,7 +9,7 @@
 #include "display/DispThread.h"
 #include "features/view/FeatureView.h"
 #include "tests/attack/Process.h"
-#include "tests/attack/ViewerSession.h"
+#include "tests/attack/ScriptedSession.h"
 #include "tests/attack/WindowModel.h"
 #include "tests/support/Patience.h"
 
@@ -152,7 +152,7 @@ void Races::begin()
 
 void Races::check(const char* when)
 {
-    const QStringList differences = m_model->check() + m_session->wrongRows(false);
+    const QStringList differences = m_model->check() + m_session->wrongRows();
     m_model->forgetCalls();
     for (const QString& difference : differences)
         wrong(QString("%1: %2").arg(when, difference));

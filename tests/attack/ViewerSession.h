@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tests/support/ScriptedCamera.h"
 #include "tests/support/WindowDriver.h"
 
 #include <QApplication>
@@ -8,20 +7,13 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <cstdint>
-#include <functional>
-#include <vector>
-
 class FeatureView;
 class QModelIndex;
 class QTableView;
 class QWidget;
 
-/// The nodes of a small camera with one feature of each type and editor.
-[[nodiscard]] std::vector<scripted::NodeSpec> smallCamera();
-
-/// The window with the scripted camera, operated the way a user does it. Operations return at once; they do nothing and
-/// return false or null if a fault prevents them.
+/// The window, operated the way a user does it. Operations return at once; they do nothing and return false or null if
+/// a fault prevents them.
 class ViewerSession {
 public:
     ViewerSession();
@@ -38,20 +30,17 @@ public:
     /// Writes a value through the editor, whichever it is: a text into a line edit, the next entry of a combo box, a
     /// press of a button.
     bool edit(const QString& feature, const QString& text = {});
-    /// Delivers images until the window has shown one, or `enough` says that none will come.
-    bool showImage(const std::function<bool()>& enough);
     /// Saves the displayed image; false where no dialog opens.
     bool snapshot();
     /// Ends the window; the program goes on.
     void exit();
 
-    /// Features whose rows differ from the scripted camera, or that do not agree with their items.
-    [[nodiscard]] QStringList wrongRows(bool compareValues);
+    /// Rows that do not agree with their items.
+    [[nodiscard]] QStringList wrongRows();
 
 private:
     WindowDriver m_driver;
     QTemporaryDir m_folder;
-    std::uint64_t m_frame = 0;
 };
 
 /// The application object of an attack: suppresses warnings of the offscreen platform and keeps running when a window
@@ -59,6 +48,9 @@ private:
 class AttackApplication : public QApplication {
 public:
     AttackApplication(int& argc, char** argv);
+
+    /// What Qt has warned of since the last call: for example, a widget painted while it is painted.
+    [[nodiscard]] static QStringList takeWarnings();
 };
 
 /// Lets the timers of an object elapse now.
