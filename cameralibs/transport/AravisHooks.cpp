@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <string_view>
@@ -25,6 +26,12 @@ constexpr std::uint16_t kSearch = 0x0002;
 constexpr std::uint16_t kSearchAnswer = 0x0003;
 constexpr std::uint16_t kPendingAnswer = 0x0089;
 
+/// Of a pending acknowledgement: the time that the camera asks for, in milliseconds.
+constexpr std::size_t kPendingTimeOffset = 10;
+
+/// The library waits no longer, whatever a camera asks for.
+constexpr std::chrono::milliseconds kLongestPending{10'000};
+
 /// The standard's own limit is lower.
 constexpr gsize kLargestAnswer = 1024;
 
@@ -32,6 +39,7 @@ struct Traffic {
     std::function<void(Answer)> handler;
     std::function<void(std::string_view)> searchHandler;
     std::atomic<Clock::time_point> searchEnd{Clock::time_point::max()};
+    std::atomic<Clock::time_point> lastAnswer{Clock::time_point::min()};
     std::atomic<bool> polled{false};      ///< in this search
     std::atomic<bool> answered{false};    ///< any command
     std::atomic<std::int32_t> lastId{-1}; ///< of the last command
@@ -76,6 +84,10 @@ void noteReceived(const char* packet, std::size_t size)
     const bool pending = number(packet, 2) == kPendingAnswer;
     if (!pending)
         traffic().lastAnswered = true;
+    std::chrono::milliseconds announced{0};
+    if (pending && size >= kPendingTimeOffset + sizeof(std::uint16_t))
+        announced = std::chrono::milliseconds(number(packet, kPendingTimeOffset));
+    traffic().lastAnswer = Clock::now() + std::min(announced, kLongestPending);
     reportAnswer(pending ? Answer::pending : Answer::useful);
 }
 
@@ -121,6 +133,11 @@ void reportAnswer(Answer answer)
     traffic().answered = true;
     if (traffic().handler)
         traffic().handler(answer);
+}
+
+Clock::time_point lastAnswer()
+{
+    return traffic().lastAnswer;
 }
 
 bool seesAnswers()

@@ -22,6 +22,10 @@ void onAnswer(std::function<void(Answer)> handler);
 /// Passes an answer to the handler. For usb/UsbTraffic.h, which follows USB3 Vision cameras in the same way.
 void reportAnswer(Answer answer);
 
+/// When the GigE Vision camera last answered a command. In the future after a pending acknowledgement: until then the
+/// camera needs no more than the time that it has asked for. Thread-safe.
+[[nodiscard]] Clock::time_point lastAnswer();
+
 /// Whether any answer to a command has been seen.
 [[nodiscard]] bool seesAnswers();
 

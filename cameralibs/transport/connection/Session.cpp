@@ -43,6 +43,7 @@ void Session::run()
         {
             const std::lock_guard lock(m_mutex);
             m_asked = true;
+            m_lastProgress.clear();
         }
         if (!answer(packet))
             break;
@@ -156,9 +157,11 @@ void Session::reportProgress(Answer answer)
 {
     const std::lock_guard lock(m_mutex);
     const Clock::time_point now = Clock::now();
-    if (!m_asked || now < m_lastProgress + kProgressPeriod)
+    // Each kind on its own: a single pending acknowledgement may follow an answer at once.
+    Clock::time_point& last = m_lastProgress[answer];
+    if (!m_asked || now < last + kProgressPeriod)
         return;
-    m_lastProgress = now;
+    last = now;
     (void)m_control.send(Kind::progress, Progress{answer, 0});
 }
 

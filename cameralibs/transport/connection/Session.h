@@ -3,6 +3,7 @@
 #include "cameralibs/transport/Channel.h"
 #include "cameralibs/transport/connection/OpenedCamera.h"
 
+#include <map>
 #include <mutex>
 #include <thread>
 
@@ -32,9 +33,9 @@ private:
     bool m_greeted = false; ///< by a library of the same build
     Channel m_control;
     Channel m_events;
-    std::mutex m_mutex;   ///< guards sending replies and the two members below
-    bool m_asked = false; ///< a reply is still to be sent
-    Clock::time_point m_lastProgress;
+    std::mutex m_mutex;                                 ///< guards sending replies and the two members below
+    bool m_asked = false;                               ///< a reply is still to be sent
+    std::map<Answer, Clock::time_point> m_lastProgress; ///< of this request
     OpenedCamera m_camera;
 };
 

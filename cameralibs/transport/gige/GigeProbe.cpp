@@ -1,7 +1,9 @@
 #include "cameralibs/transport/gige/GigeProbe.h"
 
+#include "cameralibs/transport/AravisHooks.h"
 #include "cameralibs/transport/Reporting.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -149,7 +151,7 @@ bool GigeProbe::waitUntil(Clock::time_point time)
 
 Clock::time_point GigeProbe::lastSign() const noexcept
 {
-    return Clock::time_point(Clock::duration(m_lastSign.load(std::memory_order_relaxed)));
+    return std::max(Clock::time_point(Clock::duration(m_lastSign.load(std::memory_order_relaxed))), lastAnswer());
 }
 
 } // namespace cameralibs::transport

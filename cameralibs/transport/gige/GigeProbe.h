@@ -21,7 +21,7 @@ public:
     GigeProbe(const GigeProbe&) = delete;
     GigeProbe& operator=(const GigeProbe&) = delete;
 
-    /// Notes that the camera has sent something. Thread-safe.
+    /// Notes that the camera has sent an image. Answers to Aravis' commands are noted without it. Thread-safe.
     void noteSign() noexcept { m_lastSign.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed); }
 
 private:

@@ -22,7 +22,7 @@ constexpr std::uint32_t kExposure = 0x8028;
 constexpr std::uint32_t kTestText = 0x8040;       ///< of 32 bytes
 constexpr std::uint32_t kTestDelay = 0x8060;      ///< of accesses to the registers before it, in milliseconds
 constexpr std::uint32_t kTestImageDelay = 0x8068; ///< of the packets of images, in milliseconds
-constexpr std::uint32_t kTestPending = 0x8064;    ///< not 0: with pending acknowledgements meanwhile
+constexpr std::uint32_t kTestPending = 0x8064;    ///< 0, or a PendingAnswers
 
 constexpr std::uint32_t kDescriptionAddress = 0x100000;
 

@@ -105,6 +105,8 @@ void GigeCamera::receive(UdpSocket& socket)
     if (!received || received->first.size() < kHeaderSize || received->first[0] != kCommandKey)
         return;
     const auto& [command, client] = *received;
+    if (ignores(command, client))
+        return;
     if (m_controller == client)
         m_heardOfController = Clock::now();
     Exchange exchange{command, {}};
@@ -245,6 +247,12 @@ std::uint16_t GigeCamera::write(std::uint32_t address, const Bytes& data, const 
         break;
     }
     return kSuccess;
+}
+
+bool GigeCamera::ignores(const Bytes& command, const Peer& client)
+{
+    const bool ofOther = m_controller && !(m_controller == client) && codeOf(command) != Code::discovery;
+    return ofOther && ++m_answeredOthers > m_settings.answersToOthers;
 }
 
 bool GigeCamera::owesControllerAnAnswer() const

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <deque>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ struct CameraSettings {
     bool zipped = false;                                ///< its description
     std::string url;                                    ///< of its description; empty for the correct one
     std::size_t discoveryAnswer = kDiscoveryAnswerSize; ///< its size
+
+    /// How many commands of other clients it answers while it has a controller, apart from searches.
+    std::uint32_t answersToOthers = std::numeric_limits<std::uint32_t>::max();
 };
 
 /// A GigE Vision camera with one stream channel. Byte i of image n, which has the block id n mod 65535, is the low byte
@@ -48,6 +52,7 @@ private:
     [[nodiscard]] Bytes readMemory(const Bytes& command, std::uint16_t& status) const;
     [[nodiscard]] Bytes writeRegisters(const Bytes& command, const Peer& client, std::uint16_t& status);
     [[nodiscard]] std::uint16_t write(std::uint32_t address, const Bytes& data, const Peer& client);
+    [[nodiscard]] bool ignores(const Bytes& command, const Peer& client);
     [[nodiscard]] bool owesControllerAnAnswer() const;
     void giveControlBack();
     void resend(const Bytes& command);
@@ -72,6 +77,7 @@ private:
     UdpSocket m_foreignStream;
 
     std::optional<Peer> m_controller;
+    std::uint32_t m_answeredOthers = 0;
     Clock::time_point m_heardOfController;
     Clock::time_point m_awake;
     std::multimap<Clock::time_point, Delayed> m_delayed;

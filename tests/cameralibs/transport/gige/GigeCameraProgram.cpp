@@ -9,6 +9,7 @@
 // --description zip                its description is zipped
 // --url URL                        the URL of its description
 // --discovery-answer N             the size of its answer to a search
+// --answers-to-others N            it answers so many commands of clients that do not control it
 // --delay N                        it answers every command N ms late
 // --pending yes                    and sends pending acknowledgements meanwhile
 // --liar SEED | --stranger SEED    it sends wrong packets, or another host does
@@ -51,10 +52,13 @@ try {
             settings.url = value;
         } else if (option == "--discovery-answer") {
             settings.discoveryAnswer = std::stoul(value);
+        } else if (option == "--answers-to-others") {
+            settings.answersToOthers = static_cast<std::uint32_t>(std::stoul(value));
         } else if (option == "--delay") {
             delay.time = std::chrono::milliseconds(std::stoul(value));
         } else if (option == "--pending") {
-            delay.pending = value == "yes";
+            using Pending = gige::Slowness::PendingAnswers;
+            delay.pending = value == "yes" ? Pending::periodic : Pending::none;
         } else if (option == "--liar" || option == "--stranger") {
             liar = option == "--liar" ? gige::Liars::camera : gige::Liars::stranger;
             seed = std::stoull(value);

@@ -2,9 +2,26 @@
 
 using namespace Orvo;
 
-OneMoreDevice::OneMoreDevice(std::uint32_t number)
-    : m_device({GIGE_CAMERA, "--address", "127.0.1." + std::to_string(number), "--foreign-address",
-                "127.0.2." + std::to_string(number), "--serial", "T" + std::to_string(number + 1)})
+namespace {
+
+std::vector<std::string> commandFor(std::uint32_t number, const std::vector<std::string>& options)
+{
+    const std::string digits = std::to_string(number);
+    std::vector<std::string> command = {GIGE_CAMERA,
+                                        "--address",
+                                        "127.0.1." + digits,
+                                        "--foreign-address",
+                                        "127.0.2." + digits,
+                                        "--serial",
+                                        "T" + std::to_string(number + 1)};
+    command.insert(command.end(), options.begin(), options.end());
+    return command;
+}
+
+} // namespace
+
+OneMoreDevice::OneMoreDevice(std::uint32_t number, const std::vector<std::string>& options)
+    : m_device(commandFor(number, options))
 {
     (void)m_device.readLine();
 }

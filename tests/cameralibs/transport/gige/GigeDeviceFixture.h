@@ -14,7 +14,7 @@
 /// that its place in the list.
 class OneMoreDevice {
 public:
-    explicit OneMoreDevice(std::uint32_t number);
+    explicit OneMoreDevice(std::uint32_t number, const std::vector<std::string>& options = {});
 
 private:
     ChildProcess m_device;

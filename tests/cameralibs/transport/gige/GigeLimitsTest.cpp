@@ -26,9 +26,14 @@ CAM_API_STATUS read(CAM_HANDLE camera)
     return Nd_GetIntValue(camera, nodeOf(camera, "Width"), &width);
 }
 
-void becomeSlow(CAM_HANDLE camera, std::int64_t delay)
+// What TestPending means to the camera: pending acknowledgements now and then, or a single one that announces the
+// delay.
+constexpr std::int64_t kPeriodic = 1;
+constexpr std::int64_t kSingle = 2;
+
+void becomeSlow(CAM_HANDLE camera, std::int64_t delay, std::int64_t pending = kPeriodic)
 {
-    setInt(camera, "TestPending", 1);
+    setInt(camera, "TestPending", pending);
     setInt(camera, "TestDelay", delay);
 }
 
@@ -41,31 +46,49 @@ void expectWithin(std::chrono::seconds limit, CAM_API_STATUS expected, const std
 
 } // namespace
 
-// In parallel, because each takes seconds.
+// In parallel, because each takes seconds. The first two cameras leave the queries of other clients unanswered.
 TEST_F(GigeLimitsTest, PendingAcknowledgementsExtendAnAccessToTenSeconds)
 {
-    const OneMoreDevice second(1);
+    const OneMoreDevice second(1, {"--answers-to-others", "1"});
     const OneMoreDevice third(2);
-    list({"--serial", "T1"}, 3);
-    std::vector<CAM_HANDLE> cameras(3);
+    const OneMoreDevice fourth(3);
+    list({"--serial", "T1", "--answers-to-others", "1"}, 4);
+    std::vector<CAM_HANDLE> cameras(4);
     for (std::uint32_t i = 0; i < cameras.size(); ++i)
         ASSERT_EQ(Cam_Open(i, &cameras[i], 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
     becomeSlow(cameras[0], 8'000);
-    becomeSlow(cameras[1], kForEver);
+    becomeSlow(cameras[1], 8'000, kSingle);
     becomeSlow(cameras[2], kForEver);
+    becomeSlow(cameras[3], kForEver);
     std::vector<std::thread> threads;
     threads.emplace_back([&] { EXPECT_EQ(read(cameras[0]), CAM_API_STS_SUCCESS) << "after 8 s"; });
-    threads.emplace_back([&] { expectWithin(std::chrono::seconds(10), kGone, [&] { return read(cameras[1]); }); });
+    threads.emplace_back([&] { EXPECT_EQ(read(cameras[1]), CAM_API_STS_SUCCESS) << "after 8 s"; });
+    threads.emplace_back([&] { expectWithin(std::chrono::seconds(10), kGone, [&] { return read(cameras[2]); }); });
     threads.emplace_back([&] {
         CAM_STRM_HANDLE stream = 0;
         expectWithin(std::chrono::seconds(10), kGone,
-                     [&] { return Strm_OpenSimple(cameras[2], &stream, nullptr, nullptr, 4, nullptr); });
+                     [&] { return Strm_OpenSimple(cameras[3], &stream, nullptr, nullptr, 4, nullptr); });
     });
     for (std::thread& thread : threads)
         thread.join();
     // Aravis sends no heartbeat during an access, but the library still controls the camera.
-    setInt(cameras[0], "TestDelay", 0);
-    setInt(cameras[0], "Width", 256);
+    for (const CAM_HANDLE camera : {cameras[0], cameras[1]}) {
+        setInt(camera, "TestDelay", 0);
+        setInt(camera, "Width", 256);
+    }
+}
+
+TEST_F(GigeLimitsTest, CameraThatAnswersOnlyItsControllerIsNotLost)
+{
+    open({"--answers-to-others", "1"});
+    // Longer than the transport waits before it reports a loss.
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    CAM_API_STATUS status = CAM_API_STS_SUCCESS;
+    while (status == CAM_API_STS_SUCCESS && std::chrono::steady_clock::now() < end) {
+        status = read(m_camera);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    EXPECT_EQ(status, CAM_API_STS_SUCCESS);
 }
 
 TEST_F(GigeLimitsTest, SlowCameraOpensAsLongAsItKeepsAnswering)

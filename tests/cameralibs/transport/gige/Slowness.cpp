@@ -30,7 +30,12 @@ void Slowness::answer(Exchange& exchange)
     if (delay.time == milliseconds(0) || exchange.answers.empty())
         return;
     exchange.answers.front().after = delay.time;
-    for (milliseconds after{0}; delay.pending && after < delay.time; after += kPendingPeriod)
+    if (delay.pending == PendingAnswers::single) {
+        const auto announced = static_cast<std::uint16_t>(delay.time.count() + kAnnounced);
+        exchange.answers.push_back(pendingAnswer(exchange.command, announced, milliseconds(0)));
+    }
+    const bool periodic = delay.pending == PendingAnswers::periodic;
+    for (milliseconds after{0}; periodic && after < delay.time; after += kPendingPeriod)
         exchange.answers.push_back(pendingAnswer(exchange.command, kAnnounced, after));
 }
 
@@ -47,7 +52,7 @@ Slowness::Delay Slowness::delayOf(const Bytes& command) const
     // All other commands begin with the address.
     const auto address = get<std::uint32_t>(command, kHeaderSize);
     if (address >= kWidth && address < kTestDelay && m_memory->value(kTestDelay) != 0)
-        return {milliseconds(m_memory->value(kTestDelay)), m_memory->value(kTestPending) != 0};
+        return {milliseconds(m_memory->value(kTestDelay)), static_cast<PendingAnswers>(m_memory->value(kTestPending))};
     return m_always;
 }
 

@@ -13,9 +13,13 @@ namespace gige {
 /// a delay that is given at its start applies to all commands but searches.
 class Slowness : public Behaviour {
 public:
+    /// The pending acknowledgements that it sends meanwhile. A single one announces more than the
+    /// whole delay.
+    enum class PendingAnswers : std::uint32_t { none, periodic, single };
+
     struct Delay {
         std::chrono::milliseconds time{0};
-        bool pending = false; ///< it sends pending acknowledgements meanwhile
+        PendingAnswers pending = PendingAnswers::none;
     };
     explicit Slowness(Delay always)
         : m_always(always)
