@@ -65,6 +65,7 @@ std::uint32_t logLevel()
 }
 
 constexpr std::string_view kLate = "The camera does not answer in time";
+constexpr std::string_view kMalformed = "The transport sent a malformed packet";
 
 std::string reasonOf(int error)
 {
@@ -166,7 +167,7 @@ std::string Connection::exchangeHello()
         return theirs ? ReplyKind::last : ReplyKind::invalid;
     });
     if (!answered)
-        return transportProgram() + " does not run";
+        return transportProgram() + " does not run: " + reasonOfLoss();
     if (build != ORVO_TRANSPORT_BUILD) {
         endNow("It is of another build");
         return transportProgram() + " is of another build than the camera library";
@@ -186,6 +187,23 @@ bool Connection::endNow(std::string_view reason) noexcept
     m_gone.store(true, std::memory_order_release);
     m_process.kill();
     return false;
+}
+
+bool Connection::endAsClosed() noexcept
+{
+    const auto closing = [this] {
+        const std::lock_guard lock(m_mutex);
+        return m_closing;
+    };
+    return endNow(closing() || m_process.endsSoon() ? "" : "The transport has closed a channel");
+}
+
+std::string Connection::reasonOfLoss()
+{
+    std::unique_lock lock(m_mutex);
+    // The watching thread waits for the end of the process first.
+    (void)m_reportedChanged.wait_for(lock, 2 * Process::kDying, [this] { return m_reported; });
+    return m_reason;
 }
 
 void Connection::endBy(Clock::time_point time)
@@ -222,6 +240,12 @@ void Connection::cancel()
         m_end = std::min(m_end, Clock::now());
     }
     wakeWatcher();
+}
+
+Clock::time_point Connection::endingTime()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_end;
 }
 
 bool Connection::inHurry()
@@ -273,9 +297,9 @@ bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
         case Received::timeout:
             return endNow(kLate);
         case Received::closed:
-            return endNow({});
+            return endAsClosed();
         case Received::malformed:
-            return endNow("The transport sent a malformed packet");
+            return endNow(kMalformed);
         }
         if (const auto progress = m_reply.body<Progress>(Kind::progress)) {
             if (progress->answer == Answer::useful)
@@ -365,13 +389,13 @@ void Connection::watchUntilGone(Packet& packet)
 /// False if it was the last event.
 bool Connection::readEvent(Packet& packet)
 {
-    if (m_events.receive(packet, Clock::time_point::min()) != Received::packet)
-        return false;
-    if (packet.body<Nothing>(Kind::alive))
+    const Received received = m_events.receive(packet, Clock::time_point::min());
+    if (received == Received::closed)
+        return endAsClosed();
+    if (received == Received::packet && packet.body<Nothing>(Kind::alive))
         return true;
-    if (packet.body<Nothing>(Kind::lost))
-        endNow(packet.data().substr(0, kMaxText));
-    return false;
+    const bool lost = received == Received::packet && packet.body<Nothing>(Kind::lost);
+    return endNow(lost ? packet.data().substr(0, kMaxText) : kMalformed);
 }
 
 /// Reads a limited part of the transport's standard error, so that a flood of lines delays nothing else. False if
@@ -420,8 +444,9 @@ void Connection::reportLoss() noexcept
 {
     std::string reason;
     try {
-        // The wait is short, so that the loss is reported soon even if the process takes long to end.
-        const std::string end = m_process.wait();
+        // The wait is short, so that the loss is reported soon even if the process takes long to end. If many cameras
+        // are closed, one after the other, they share it.
+        const std::string end = m_process.wait(std::min(endingTime(), Clock::now()) + Process::kDying);
         for (int part = 0; part < kMaxLastParts && readErrors(); ++part) {
         }
         const std::lock_guard lock(m_mutex);
@@ -435,6 +460,7 @@ void Connection::reportLoss() noexcept
     {
         const std::lock_guard lock(m_mutex);
         m_reported = true;
+        m_reportedChanged.notify_all();
         if (m_closing)
             return;
         handler = std::move(m_goneHandler);

@@ -5,6 +5,7 @@
 #include "cameralibs/transport/Channel.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <future>
 #include <memory>
@@ -68,10 +69,10 @@ public:
     template <class Body>
     [[nodiscard]] Outcome requestDone(transport::Kind kind, const Body& body, const Limits& limits, int descriptor = -1)
     {
-        Outcome outcome{Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
-        (void)request(
+        Outcome outcome;
+        const bool answered = request(
             kind, body, limits, [&](const auto& reply) { return readDone(reply, outcome); }, {}, descriptor);
-        return outcome;
+        return answered ? outcome : Outcome{Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING, reasonOfLoss()};
     }
 
     [[nodiscard]] bool gone() const noexcept
@@ -81,6 +82,14 @@ public:
 
     /// Kills the process; `reason` is logged. Always returns false.
     bool endNow(std::string_view reason) noexcept;
+
+    /// The same for a channel that the transport has closed. Usually it has done so by ending, and then how it ended is
+    /// the reason.
+    bool endAsClosed() noexcept;
+
+    /// Why the transport is gone. To be called after a failed request. Waits briefly until the reason is known; empty
+    /// if it remains unknown.
+    [[nodiscard]] std::string reasonOfLoss();
 
     /// Limits every wait for the transport to `time`.
     void endBy(transport::Clock::time_point time);
@@ -111,6 +120,7 @@ private:
     void watchUntilGone(transport::Packet& packet);
     void wakeWatcher() const;
     [[nodiscard]] bool inHurry();
+    [[nodiscard]] transport::Clock::time_point endingTime();
     [[nodiscard]] bool readEvent(transport::Packet& packet);
     [[nodiscard]] bool readErrors();
     void logLine(std::string_view line) const noexcept;
@@ -130,7 +140,8 @@ private:
     std::atomic<bool> m_gone{false};
     std::mutex m_mutex; ///< guards the members below
     bool m_closing = false;
-    bool m_reported = false; ///< the handler has run, or will never run
+    bool m_reported = false; ///< the reason is final; the handler runs next, or never
+    std::condition_variable m_reportedChanged;
     transport::Clock::time_point m_end = transport::Clock::time_point::max();
     bool m_opened = false;                                                         ///< relax() has been called
     transport::Clock::time_point m_hurryEnd = transport::Clock::time_point::max(); ///< max if there is no limit

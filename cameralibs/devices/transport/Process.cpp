@@ -5,8 +5,10 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <iterator>
 #include <optional>
 #include <string_view>
@@ -26,15 +28,13 @@
 namespace cameralibs {
 
 using transport::aboveStandard;
+using transport::Clock;
 using transport::Descriptor;
 
 namespace {
 
 /// Above every descriptor number of the child, so that no copy overwrites a descriptor that is still to be copied.
 constexpr int kAboveAll = 16;
-
-/// In milliseconds. A killed process usually ends sooner. Short enough for closing to take less than a second.
-constexpr int kDying = 200;
 
 std::string reasonOf(int error)
 {
@@ -118,16 +118,22 @@ std::vector<char*> environmentPassedOn()
     return passedOn;
 }
 
-/// Waits for the end of the process (-1: without limit) and reaps it. Empty if it still runs. The result has only zeros
-/// if SIGCHLD is ignored or the program has already waited for all its children.
-std::optional<siginfo_t> waitFor(const Descriptor& process, int milliseconds)
+/// Waits for the end of the process (-1: without limit).
+bool ends(const Descriptor& process, int milliseconds)
 {
     pollfd end{process.get(), POLLIN, 0};
     int ready = -1;
     do {
         ready = ::poll(&end, 1, milliseconds);
     } while (ready < 0 && errno == EINTR);
-    if (ready <= 0)
+    return ready > 0;
+}
+
+/// The same, and reaps it. Empty if it still runs. The result has only zeros if SIGCHLD is ignored or the program has
+/// already waited for all its children.
+std::optional<siginfo_t> waitFor(const Descriptor& process, int milliseconds)
+{
+    if (!ends(process, milliseconds))
         return {};
     siginfo_t how{};
     (void)::waitid(P_PIDFD, static_cast<id_t>(process.get()), &how, WEXITED | WNOHANG);
@@ -151,13 +157,13 @@ __attribute__((constructor)) void noteLibrary()
 Process::~Process()
 {
     kill();
-    (void)wait();
+    (void)wait(m_waited ? Clock::now() : Clock::now() + kDying);
     if (!m_handle || m_ended)
         return;
     try {
         std::thread([handle = std::move(m_handle)] { (void)waitFor(handle, -1); }).detach();
-    } catch (const std::system_error&) {
-        // The process remains a zombie until the program ends.
+    } catch (const std::exception&) {
+        // There are no threads or no memory. The process remains a zombie until the program ends.
     }
 }
 
@@ -202,11 +208,18 @@ void Process::kill() const noexcept
         (void)::syscall(SYS_pidfd_send_signal, m_handle.get(), SIGKILL, nullptr, 0);
 }
 
-std::string Process::wait()
+bool Process::endsSoon() const noexcept
+{
+    return ends(m_handle, static_cast<int>(kDying.count()));
+}
+
+std::string Process::wait(Clock::time_point deadline)
 {
     if (!m_handle || m_ended)
         return {};
-    const auto how = waitFor(m_handle, kDying);
+    m_waited = true;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    const auto how = waitFor(m_handle, static_cast<int>(std::max<std::int64_t>(left, 0)));
     m_ended = how.has_value();
     if (how && (how->si_code == CLD_KILLED || how->si_code == CLD_DUMPED))
         return "ended by signal " + std::to_string(how->si_status);

@@ -2,6 +2,7 @@
 
 #include "cameralibs/transport/Channel.h"
 
+#include <chrono>
 #include <string>
 
 namespace cameralibs {
@@ -32,14 +33,21 @@ public:
     /// Kills the child if it runs. Thread-safe.
     void kill() const noexcept;
 
-    /// Waits briefly for the end of the child, which may be delayed by an uninterruptible call. Returns how it ended,
-    /// or an empty text if that is unknown.
-    std::string wait();
+    /// How long the end of a child is waited for. A killed process usually ends sooner, but an uninterruptible call may
+    /// delay it. Short enough for closing to take less than a second.
+    static constexpr std::chrono::milliseconds kDying{200};
+
+    /// Waits until `deadline` for the end of the child. Returns how it ended, or an empty text if that is unknown.
+    std::string wait(transport::Clock::time_point deadline);
+
+    /// Whether the child ends within kDying. Thread-safe.
+    [[nodiscard]] bool endsSoon() const noexcept;
 
     /// Becomes readable when the child has ended; -1 if none was started.
     [[nodiscard]] int handle() const noexcept { return m_handle.get(); }
 
 private:
+    bool m_waited = false; ///< once is enough
     bool m_ended = false;
     transport::Descriptor m_handle; ///< a pidfd: unlike the number, it is never reused
 };

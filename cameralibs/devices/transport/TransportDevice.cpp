@@ -38,8 +38,9 @@ Connection& connectionOf(ArvDevice* device)
 /// The result of a register access.
 struct Access {
     bool done = false;
+    bool answered = true; ///< otherwise the transport is gone
     ArvDeviceError error = ARV_DEVICE_ERROR_NOT_CONNECTED;
-    std::string text = "The camera is not connected";
+    std::string text;
 
     /// Copies `size` bytes to `to`; a write has none.
     [[nodiscard]] Connection::ReplyKind readReply(const Packet& reply, char* to, std::size_t size)
@@ -62,10 +63,12 @@ struct Access {
     }
 
     /// An error that means a lost camera also ends its transport.
-    [[nodiscard]] gboolean finish(Connection& connection, GError** to) const
+    [[nodiscard]] gboolean finish(Connection& connection, GError** to)
     {
         if (done)
             return TRUE;
+        if (!answered)
+            text = connection.reasonOfLoss();
         const GErrorPointer failure(g_error_new_literal(ARV_DEVICE_ERROR, error, text.c_str()));
         if (outcomeOf(failure, Attempted::reading).status == Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING)
             connection.endNow(text);
@@ -95,8 +98,9 @@ gboolean readMemory(ArvDevice* device, guint64 address, guint32 size, void* buff
             char* const to = static_cast<char*>(buffer) + at;
             const std::size_t part = std::min<std::size_t>(size - at, kMaxData);
             access.done = false;
-            (void)connection.request(Kind::read, Read{address + at, part}, kAccess,
-                                     [&](const Packet& reply) { return access.readReply(reply, to, part); });
+            access.answered =
+                connection.request(Kind::read, Read{address + at, part}, kAccess,
+                                   [&](const Packet& reply) { return access.readReply(reply, to, part); });
         }
         return access.finish(connection, error);
     });
@@ -114,7 +118,7 @@ gboolean writeMemory(ArvDevice* device, guint64 address, guint32 size, Buffer* b
             const std::string_view part(static_cast<const char*>(buffer) + at,
                                         std::min<std::size_t>(size - at, kMaxData));
             access.done = false;
-            (void)connection.request(
+            access.answered = connection.request(
                 Kind::write, Write{address + at}, kAccess,
                 [&](const Packet& reply) { return access.readReply(reply, nullptr, 0); }, part);
         }
@@ -201,7 +205,7 @@ Outcome TransportDevice::description(std::string& xml)
             return Connection::ReplyKind::last;
         };
         if (!m_connection->request(Kind::describe, Describe{xml.size()}, kAccess, append))
-            return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
+            return {CAM_API_STS_CAMERA_NOT_RESPONDING, m_connection->reasonOfLoss()};
     } while (xml.size() < total);
     if (xml.empty())
         return {CAM_API_STS_XML_LOAD_ERR, "The camera gives no description"};

@@ -53,7 +53,7 @@ public:
                                                                           : Connection::ReplyKind::invalid;
         });
         if (!whole)
-            log(Severity::warning, {}, "The search for cameras ended early");
+            log(Severity::warning, {}, "The search for cameras ended early: " + connection->reasonOfLoss());
         // The order of Aravis changes from one search to the next.
         std::sort(found.begin(), found.end(), [](const DeviceInfo& a, const DeviceInfo& b) {
             return std::tie(a.link, a.id) < std::tie(b.link, b.id);

@@ -58,6 +58,7 @@ Outcome TransportSource::start()
         return outcome;
     }
     m_blockIds = {};
+    m_stopping = false;
     try {
         m_thread = std::thread([this] { run(); });
     } catch (const std::system_error&) {
@@ -71,6 +72,7 @@ void TransportSource::stop()
 {
     if (m_channel.descriptor() < 0)
         return;
+    m_stopping = true;
     m_channel.shutDown();
     if (m_thread.joinable())
         m_thread.join();
@@ -80,12 +82,17 @@ void TransportSource::stop()
 
 void TransportSource::run()
 {
-    while (m_channel.receive(m_packet, Clock::time_point::max()) == Received::packet) {
+    Received received = Received::packet;
+    while ((received = m_channel.receive(m_packet, Clock::time_point::max())) == Received::packet) {
         if (!handle(m_packet)) {
             m_connection->endNow("The transport filled a buffer that was not lent to it");
             return;
         }
     }
+    if (received == Received::malformed)
+        m_connection->endNow("The transport sent a malformed packet");
+    else if (!m_stopping)
+        m_connection->endAsClosed();
 }
 
 bool TransportSource::handle(const Packet& packet)

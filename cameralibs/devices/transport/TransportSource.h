@@ -5,6 +5,7 @@
 #include "cameralibs/devices/transport/BlockIds.h"
 #include "cameralibs/devices/transport/Connection.h"
 
+#include <atomic>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -38,6 +39,7 @@ private:
         m_lent; ///< buffers that the transport may fill, by their position in the memory; null if not lent
     transport::Channel m_channel;
     transport::Packet m_packet;
+    std::atomic<bool> m_stopping{false};
     std::thread m_thread;
     BlockIds m_blockIds;
 };

@@ -144,12 +144,17 @@ private:
         const auto tell = [this] {
             while (lie() == "flood progress" && tellProgress()) {
             }
-            for (;;)
-                ::pause();
+            pauseForEver();
         };
         for (int i = 0; i < 4; ++i)
             std::thread(tell).detach();
         tell();
+    }
+
+    static void pauseForEver()
+    {
+        for (;;)
+            ::pause();
     }
 
     [[nodiscard]] bool tellProgress() const { return m_control.send(Kind::progress, Progress{Answer::pending, 0}); }
@@ -189,6 +194,10 @@ private:
         setText(hello.build, lie() == "other build" ? "0.0.0" : ORVO_TRANSPORT_BUILD);
         if (lie() == "ends at once")
             ::_exit(3);
+        if (lie() == "crashes at once") {
+            (void)std::signal(SIGSEGV, SIG_DFL); // a sanitizer handles it
+            (void)::raise(SIGSEGV);
+        }
         if (lie() == "says nothing")
             return;
         if (lie() == "slow search")
@@ -207,6 +216,8 @@ private:
 
     void answerEnumerate()
     {
+        if (lie() == "many cameras")
+            return answerWithMany();
         Listed camera{};
         camera.link = lie() == "unknown kind" ? 77U : std::uint32_t{Orvo::CAM_LINK_USB3_VISION};
         setText(camera.id, "rogue");
@@ -222,6 +233,18 @@ private:
         } while (sent && endless);
         if (lie() != "slow search")
             done();
+    }
+
+    void answerWithMany()
+    {
+        Listed camera{};
+        camera.link = Orvo::CAM_LINK_USB3_VISION;
+        setText(camera.model, "Rogue");
+        for (int i = 0; i < 20; ++i) {
+            setText(camera.id, std::to_string(i));
+            (void)m_control.send(Kind::listed, camera);
+        }
+        done();
     }
 
     void answerDescribe(std::uint64_t offset)
@@ -256,6 +279,16 @@ private:
         }
         if (lie() == "no answer")
             return;
+        if (lie() == "exits")
+            ::_exit(3);
+        if (lie() == "closes the control channel") {
+            m_control.shutDown();
+            return pauseForEver();
+        }
+        if (lie() == "reports a loss") {
+            (void)m_events.send(Kind::lost, Nothing{}, "It says so");
+            ::_exit(0);
+        }
         if (lie() == "short read") {
             bytes.pop_back();
         } else if (lie() == "long read") {
@@ -289,6 +322,17 @@ private:
         Packet packet;
         std::uint64_t blockId = 1;
         while (images.receive(packet, Clock::time_point::max()) == Received::packet) {
+            if (lie() == "short image packet") {
+                (void)!::send(images.descriptor(), "x", 1, MSG_NOSIGNAL);
+                return pauseForEver();
+            }
+            if (lie() == "descriptor with an image") {
+                const auto lent = packet.body<Free>(Kind::free);
+                (void)images.send(Kind::image, Image{lent->offset, lent->capacity, 1, 1}, {}, STDIN_FILENO);
+                return pauseForEver();
+            }
+            if (lie() == "closes the image channel")
+                return;
             const auto free = packet.body<Free>(Kind::free);
             Image image{free->offset, free->capacity, blockId++, 1};
             if (lie() == "foreign buffer") {

@@ -21,6 +21,7 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -65,6 +66,18 @@ std::size_t threadsOf(pid_t process)
 {
     const std::filesystem::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
     return static_cast<std::size_t>(std::distance(begin(threads), end(threads)));
+}
+
+/// Traces a thread of the process and returns its number. Like a process in an uninterruptible call, this one remains
+/// when it is killed, until its tracer acknowledges that the thread has ended.
+pid_t keepFromEnding(pid_t process)
+{
+    pid_t thread = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task"))
+        thread = std::max(thread, std::stoi(entry.path().filename()));
+    EXPECT_NE(thread, process);
+    EXPECT_EQ(::ptrace(PTRACE_SEIZE, thread, nullptr, nullptr), 0);
+    return thread;
 }
 
 class RogueTransportTest : public ::testing::Test {
@@ -203,6 +216,41 @@ TEST_F(RogueTransportTest, InvalidRepliesToHello)
     }
 }
 
+TEST_F(RogueTransportTest, LogTellsWhyATransportIsGone)
+{
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    ::setenv("ORVO_CAMERA_LOG", "warning", 1); // NOLINT(concurrency-mt-unsafe)
+    EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    m_signal = 0;
+    struct Row {
+        const char* lie;
+        const char* reason;
+    };
+    for (const Row& row : {Row{"ends at once", "does not run: The transport process ended with status 3"},
+                           Row{"crashes at once", "does not run: The transport process ended by signal 11"},
+                           Row{"descriptor", "does not run: The transport sent a malformed packet"}}) {
+        tell(row.lie);
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(list(), 0U) << row.lie;
+        EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr(row.reason)) << row.lie;
+    }
+    tell("");
+    EXPECT_EQ(list(), 1U);
+    for (const Row& row :
+         {Row{"reports a loss", "It says so"}, Row{"exits", "The transport process ended with status 3"},
+          Row{"closes the control channel", "The transport has closed a channel"},
+          Row{"short read", "The transport sent a reply that does not match the request"}}) {
+        tell(row.lie);
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(open(), CAM_API_STS_SUCCESS) << row.lie;
+        std::int64_t value = 0;
+        EXPECT_EQ(Nd_GetIntValue(m_camera, nodeOf(m_camera, "Width"), &value), kGone) << row.lie;
+        EXPECT_EQ(Cam_Close(m_camera), CAM_API_STS_SUCCESS);
+        EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr(row.reason)) << row.lie;
+    }
+    ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+}
+
 TEST_F(RogueTransportTest, Listing)
 {
     for (const char* lie : {"unknown kind", "endless list"}) {
@@ -274,10 +322,11 @@ TEST_F(RogueTransportTest, InvalidEventsMakeTheCameraLost)
     }
 }
 
-TEST_F(RogueTransportTest, ImagesInBuffersThatWereNotLentMakeTheCameraLost)
+TEST_F(RogueTransportTest, InvalidUseOfTheImageChannelMakesTheCameraLost)
 {
     ASSERT_EQ(list(), 1U);
-    for (const char* lie : {"foreign buffer", "odd offset", "too large", "twice", "unknown packet"}) {
+    for (const char* lie : {"foreign buffer", "odd offset", "too large", "twice", "unknown packet",
+                            "short image packet", "descriptor with an image", "closes the image channel"}) {
         tell(lie);
         ASSERT_EQ(open(), CAM_API_STS_SUCCESS) << lie;
         CAM_STRM_HANDLE stream = 0;
@@ -399,7 +448,6 @@ TEST_F(RogueTransportTest, LossIsDetectedAlthoughAnotherProcessHoldsTheChannels)
     expectWithin(std::chrono::seconds(3), [this] { EXPECT_TRUE(lost()); });
 }
 
-// Like a process in an uninterruptible call, this one remains after it was killed.
 TEST_F(RogueTransportTest, ProcessThatCannotEndDelaysNothing)
 {
     ASSERT_EQ(list(), 1U);
@@ -407,12 +455,7 @@ TEST_F(RogueTransportTest, ProcessThatCannotEndDelaysNothing)
         ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
         ASSERT_THAT(transports(), ::testing::SizeIs(1));
         const pid_t transport = transports().front();
-        pid_t thread = 0;
-        for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(transport) + "/task"))
-            thread = std::max(thread, std::stoi(entry.path().filename()));
-        ASSERT_NE(thread, transport);
-        // The process remains until its tracer acknowledges its end.
-        ASSERT_EQ(::ptrace(PTRACE_SEIZE, thread, nullptr, nullptr), 0);
+        const pid_t thread = keepFromEnding(transport);
         if (killed) {
             ::kill(transport, SIGKILL);
             expectWithin(std::chrono::seconds(3), [this] { EXPECT_TRUE(lost()); });
@@ -423,6 +466,29 @@ TEST_F(RogueTransportTest, ProcessThatCannotEndDelaysNothing)
         EXPECT_EQ(::waitpid(thread, nullptr, __WALL), thread);
         EXPECT_TRUE(becomes([this] { return transports().empty() && ownDescriptors() == m_descriptors; }));
     }
+}
+
+TEST_F(RogueTransportTest, ManyProcessesThatCannotEndDelayNothing)
+{
+    tell("many cameras");
+    const std::uint32_t count = list();
+    ASSERT_EQ(count, 20U);
+    tell("");
+    for (std::uint32_t i = 0; i < count; ++i) {
+        CAM_HANDLE camera = 0;
+        ASSERT_EQ(Cam_Open(i, &camera, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+    }
+    ASSERT_THAT(transports(), ::testing::SizeIs(count));
+    std::vector<pid_t> threads;
+    for (const pid_t transport : transports())
+        threads.push_back(keepFromEnding(transport));
+    expectWithin(std::chrono::seconds(1), [] { EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS); });
+    for (const pid_t thread : threads)
+        EXPECT_EQ(::waitpid(thread, nullptr, __WALL), thread);
+    EXPECT_TRUE(becomes([] { return transports().empty(); }));
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    m_signal = 0;
+    m_descriptors = ownDescriptors();
 }
 
 // Without this rule the time limit would end the search, but only after seconds.
