@@ -150,7 +150,7 @@ CAM_API_STATUS System::terminate()
 std::uint32_t System::enumerate()
 {
     const std::lock_guard providers(root().providers);
-    throwUnless(!m_ended, CAM_API_STS_NOT_INITIALIZED);
+    throwUnless(!m_ending, CAM_API_STS_NOT_INITIALIZED);
     std::vector<Listed> found;
     for (const auto& provider : m_providers) {
         for (DeviceInfo& info : provider->enumerate())
@@ -217,7 +217,7 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
 {
     const Listed entry = listed(index);
     const std::lock_guard providers(root().providers);
-    throwUnless(!m_ended, CAM_API_STS_NOT_INITIALIZED);
+    throwUnless(!m_ending, CAM_API_STS_NOT_INITIALIZED);
     throwUnless(!isOpen(entry.info), CAM_API_STS_ALREADY_OPENED);
     std::unique_ptr<Device> device;
     throwIfFailed(entry.provider->open(entry.info.id, device));
@@ -238,7 +238,7 @@ void System::openCamera(std::uint32_t index, CAM_SIGNAL_HANDLE removalSignal, CA
 
     std::string xml;
     throwIfFailed(device->description(xml));
-    EvaluationBudget budget(kOpeningLimit);
+    EvaluationBudget budget(kOpeningLimit, &m_ending);
     budget.begin();
     const auto camera =
         std::make_shared<Camera>(index, device->info(), removal, std::move(device), readDescription(xml));
@@ -359,6 +359,7 @@ void System::close(Camera& camera) noexcept
 
 void System::shutDown()
 {
+    m_ending = true;
     // Set the limits of all cameras first, so that several unresponsive cameras take no longer than one.
     for (const auto& provider : m_providers)
         provider->cancel();
@@ -376,7 +377,6 @@ void System::shutDown()
         signal->close(CAM_API_STS_NOT_INITIALIZED);
     const std::lock_guard providers(root().providers);
     m_providers.clear();
-    m_ended = true;
 }
 
 } // namespace cameralibs

@@ -6,6 +6,7 @@
 #include "cameralibs/api/Stream.h"
 #include "cameralibs/devices/Device.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <map>
 #include <memory>
@@ -65,7 +66,7 @@ private:
     void shutDown();
 
     std::vector<std::unique_ptr<DeviceProvider>> m_providers;
-    bool m_ended = false; ///< shut down; checked by threads that waited for the providers' mutex
+    std::atomic<bool> m_ending{false}; ///< shutting down: no camera is listed or opened any more
 
     mutable std::mutex m_listMutex;
     std::vector<Listed> m_list;

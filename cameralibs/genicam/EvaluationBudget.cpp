@@ -22,9 +22,10 @@ std::chrono::nanoseconds processorTime()
 
 } // namespace
 
-EvaluationBudget::EvaluationBudget(std::chrono::milliseconds limit) noexcept
+EvaluationBudget::EvaluationBudget(std::chrono::milliseconds limit, const std::atomic<bool>* ending) noexcept
     : m_outer(current)
     , m_limit(limit)
+    , m_ending(ending)
 {
     current = this;
 }
@@ -64,6 +65,7 @@ void EvaluationBudget::check()
 // Processor time never exceeds wall time, whose clock is cheaper to read, so check that one first.
 void EvaluationBudget::checkTime() const
 {
+    throwUnless(m_ending == nullptr || !*m_ending, Orvo::CAM_API_STS_NOT_INITIALIZED);
     if (Clock::now() - m_wallTimeAtBegin <= m_limit || processorTime() - *m_processorTimeAtBegin <= m_limit)
         return;
     throw Failure(Orvo::CAM_API_STS_GENICAM_ERR, (m_node.empty() ? "" : "[" + m_node + "] ") +

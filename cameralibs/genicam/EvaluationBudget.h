@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -15,7 +16,8 @@ namespace cameralibs {
 /// the time before and after it.
 class EvaluationBudget {
 public:
-    explicit EvaluationBudget(std::chrono::milliseconds limit) noexcept;
+    /// If `ending` becomes true, the evaluation ends with Failure(CAM_API_STS_NOT_INITIALIZED).
+    explicit EvaluationBudget(std::chrono::milliseconds limit, const std::atomic<bool>* ending = nullptr) noexcept;
     ~EvaluationBudget();
     EvaluationBudget(const EvaluationBudget&) = delete;
     EvaluationBudget& operator=(const EvaluationBudget&) = delete;
@@ -40,6 +42,7 @@ private:
 
     EvaluationBudget* const m_outer;
     const std::chrono::milliseconds m_limit;
+    const std::atomic<bool>* const m_ending;
     std::uint64_t m_untimedSteps = 0;
     std::string m_node; ///< the last node with many steps, for the error text
     std::optional<std::chrono::nanoseconds> m_processorTimeAtBegin;

@@ -7,9 +7,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <thread>
+
+#include <pthread.h>
 
 using namespace Orvo;
 using ::testing::HasSubstr;
@@ -118,6 +123,41 @@ TEST(EvaluationTime, OpeningEndsAfterTwoSeconds)
     });
     EXPECT_GT(taken, 1900ms);
     EXPECT_LT(taken, 4000ms);
+}
+
+TEST(EvaluationTime, TerminatingEndsAnOpening)
+{
+    std::string names;
+    for (int i = 210; i < 240; ++i)
+        names += numbered("S", i) + " ";
+    const DescriptionFile file(describe(names, slowNodes()));
+    ::setenv("ORVO_SIMULATED_CAMERAS", ("0," + file.path()).c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_SIMULATED), CAM_API_STS_SUCCESS);
+    std::uint32_t count = 0;
+    ASSERT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+    std::atomic<bool> evaluating{false};
+    CAM_API_STATUS opened = CAM_API_STS_SUCCESS;
+    Milliseconds taken{};
+    std::thread opening([&] {
+        clockid_t clock{};
+        EXPECT_EQ(::pthread_getcpuclockid(::pthread_self(), &clock), 0);
+        std::thread watching([&, clock] {
+            timespec time{};
+            while (time.tv_sec == 0 && time.tv_nsec < 100'000'000) {
+                std::this_thread::yield();
+                (void)::clock_gettime(clock, &time);
+            }
+            evaluating = true;
+        });
+        CAM_HANDLE camera = 0;
+        taken = timeOf([&] { opened = Cam_Open(0, &camera, 0, 1, nullptr, 1); });
+        watching.join();
+    });
+    EXPECT_TRUE(becomes([&] { return evaluating.load(); }));
+    EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    opening.join();
+    EXPECT_EQ(opened, CAM_API_STS_NOT_INITIALIZED);
+    EXPECT_LT(taken, 1500ms); // of 2000
 }
 
 TEST(EvaluationTime, CallsEndAfterFiftyMilliseconds)
