@@ -17,21 +17,29 @@ namespace {
 
 constexpr std::uint32_t kMaxBuffers = 1024;
 
-thread_local int callbackDepth = 0;
+thread_local bool runsCallback = false;
 
 class InsideCallback {
 public:
-    InsideCallback() { ++callbackDepth; }
-    ~InsideCallback() { --callbackDepth; }
+    InsideCallback() { runsCallback = true; }
+    ~InsideCallback() { runsCallback = m_outer; }
     InsideCallback(const InsideCallback&) = delete;
     InsideCallback& operator=(const InsideCallback&) = delete;
+
+private:
+    const bool m_outer = runsCallback;
 };
 
 } // namespace
 
 bool Stream::insideCallback() noexcept
 {
-    return callbackDepth != 0;
+    return runsCallback;
+}
+
+void Stream::forgetCallback() noexcept
+{
+    runsCallback = false;
 }
 
 Stream::Stream(std::shared_ptr<Camera> camera)

@@ -47,6 +47,9 @@ public:
     /// Whether the calling thread is inside a callback of any stream.
     [[nodiscard]] static bool insideCallback() noexcept;
 
+    /// For a forked process, whose only thread may run a callback of its parent. Nothing waits for that callback.
+    static void forgetCallback() noexcept;
+
     [[nodiscard]] Orvo::CAM_STRM_HANDLE handle() const noexcept { return m_handle; }
     [[nodiscard]] Camera& camera() const noexcept { return *m_camera; }
 

@@ -37,16 +37,23 @@ struct Root {
     std::mutex providers; ///< serialises listing and opening devices and parsing descriptions; Aravis requires that
 };
 
-void leaveSystemToParent();
+/// Never destroyed: a program may exit while cameras are open and threads still use them. Initialised at compile time,
+/// so that no fork comes in between.
+union KeptRoot {
+    Root root;
+    constexpr KeptRoot()
+        : root()
+    {
+    }
+    ~KeptRoot() {} // NOLINT(modernize-use-equals-default): that would be deleted
+    KeptRoot(const KeptRoot&) = delete;
+    KeptRoot& operator=(const KeptRoot&) = delete;
+};
+KeptRoot s_root;
 
-/// Never destroyed: a program may exit while cameras are open and threads still use them.
 Root& root()
 {
-    static Root& theRoot = []() -> Root& {
-        (void)::pthread_atfork(nullptr, nullptr, leaveSystemToParent);
-        return *std::make_unique<Root>().release();
-    }();
-    return theRoot;
+    return s_root.root;
 }
 
 /// Runs in a forked process, which has the objects of its parent, but none of the threads that serve them and unlock
@@ -59,7 +66,11 @@ void leaveSystemToParent()
     new (&theRoot) Root;
     theRoot.inherited = inherited;
     theRoot.layers = layers;
+    Stream::forgetCallback();
 }
+
+/// Registered when the library is loaded; 0 on success.
+const int s_atFork = ::pthread_atfork(nullptr, nullptr, leaveSystemToParent);
 
 /// To be called with the mutex locked. Most forked processes never use the library, so the System is made here.
 const std::shared_ptr<System>& ownSystem()
@@ -117,6 +128,7 @@ std::shared_ptr<System> System::current()
 
 CAM_API_STATUS System::initialize(std::uint32_t layers)
 {
+    throwUnless(s_atFork == 0, CAM_API_STS_NO_MEMORY);
     const std::lock_guard lock(root().mutex);
     // Waiting for the termination could deadlock: it waits for callbacks, and this may be called from one.
     if (root().terminating)

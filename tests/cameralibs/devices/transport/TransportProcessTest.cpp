@@ -269,6 +269,51 @@ TEST_F(TransportProcessTest, ForkedProcessCannotTouchTheCamerasOfItsParent)
     EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
 }
 
+TEST_F(TransportProcessTest, ProcessForkedFromAForkedProcessCanUseCameras)
+{
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(holdsInForkedProcess([] {
+        EXPECT_TRUE(holdsInForkedProcess([] {
+            EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+            expectWholeSession();
+        })) << "the library was not used in between";
+        std::uint32_t count = 0;
+        EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        EXPECT_TRUE(holdsInForkedProcess([] {
+            EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+            expectWholeSession();
+        }));
+    }));
+}
+
+TEST_F(TransportProcessTest, ProcessForkedInACallbackCanUseAndCloseCameras)
+{
+    CAM_HANDLE camera = 0;
+    CAM_STRM_HANDLE stream = 0;
+    ASSERT_TRUE(open(camera));
+    ASSERT_EQ(Strm_OpenSimple(camera, &stream, nullptr, nullptr, 4, nullptr), CAM_API_STS_SUCCESS);
+    StreamRecorder recorder;
+    recorder.attachTo(stream);
+    std::atomic<int> held{-1};
+    recorder.onImage = [&](const StreamRecorder::Image&) {
+        if (held < 0) {
+            held = holdsInForkedProcess([] {
+                std::uint32_t count = 0;
+                CAM_HANDLE own = 0;
+                EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+                EXPECT_EQ(Cam_Open(0, &own, 0, 1, nullptr, 1), CAM_API_STS_SUCCESS);
+                EXPECT_EQ(Cam_Close(own), CAM_API_STS_SUCCESS);
+                EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+            });
+        }
+    };
+    ASSERT_EQ(Strm_Start(stream, 8), CAM_API_STS_SUCCESS);
+    EXPECT_TRUE(recorder.waitForImages(2));
+    EXPECT_EQ(Strm_Stop(stream), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(held, 1);
+    EXPECT_EQ(Cam_Close(camera), CAM_API_STS_SUCCESS);
+}
+
 // A stopped transport stands for one that was taken over: neither looks at its channels.
 TEST_F(TransportProcessTest, EndsWithTheProgramEvenIfThatIsKilled)
 {
