@@ -18,6 +18,7 @@
 #include <linux/landlock.h>
 #include <linux/netlink.h>
 #include <malloc.h>
+#include <pthread.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
@@ -61,6 +62,24 @@ void limit(__rlimit_resource resource, rlim_t soft, rlim_t hard)
         noteFailure("A limit cannot be set");
 }
 
+/// The stacks of threads count as address space. By default they have the size that the program allows for its own
+/// stack, which may be anything.
+void limitStacks()
+{
+    constexpr std::size_t kStack = 8UL << 20;
+    pthread_attr_t attributes;
+    std::size_t size = 0;
+    if (::pthread_getattr_default_np(&attributes) != 0)
+        return;
+    if (::pthread_attr_getstacksize(&attributes, &size) == 0 && size > kStack &&
+        ::pthread_attr_setstacksize(&attributes, kStack) == 0) {
+        errno = ::pthread_setattr_default_np(&attributes);
+        if (errno != 0)
+            noteFailure("The stacks of threads cannot be limited");
+    }
+    ::pthread_attr_destroy(&attributes);
+}
+
 void limitResources()
 {
     // A limit of 1 also stops core dumps that are piped to a program; 0 does not.
@@ -68,6 +87,7 @@ void limitResources()
     if (kSanitized)
         return;
     limit(RLIMIT_FSIZE, 0, 0);
+    limitStacks();
     // Each arena reserves 64 MiB, and by default there is one for each thread.
     ::mallopt(M_ARENA_MAX, 2);
     limit(RLIMIT_AS, kAddressSpace, kAddressSpace + kMaxBuffers);

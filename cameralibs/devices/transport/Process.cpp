@@ -58,17 +58,21 @@ public:
     {
         Descriptor& copy = m_copies.at(m_count++);
         copy = Descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, kAboveAll));
-        const int error = copy ? ::posix_spawn_file_actions_adddup2(&m_actions, copy.get(), as) : errno;
-        if (error != 0)
-            m_error = error;
+        note(copy ? ::posix_spawn_file_actions_adddup2(&m_actions, copy.get(), as) : errno);
     }
-    void openNull(int as, int mode) { ::posix_spawn_file_actions_addopen(&m_actions, as, "/dev/null", mode, 0); }
-    void closeFrom(int descriptor) { ::posix_spawn_file_actions_addclosefrom_np(&m_actions, descriptor); }
-    /// The first failure of give(); 0 if none.
+    void openNull(int as, int mode) { note(::posix_spawn_file_actions_addopen(&m_actions, as, "/dev/null", mode, 0)); }
+    void closeFrom(int descriptor) { note(::posix_spawn_file_actions_addclosefrom_np(&m_actions, descriptor)); }
+    /// The first failure; 0 if none.
     [[nodiscard]] int error() const { return m_error; }
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &m_actions; }
 
 private:
+    void note(int error)
+    {
+        if (m_error == 0)
+            m_error = error;
+    }
+
     posix_spawn_file_actions_t m_actions{};
     std::array<Descriptor, 3> m_copies;
     std::size_t m_count = 0;
@@ -186,19 +190,19 @@ std::string Process::start(const std::string& program, const Ends& ends)
     std::string name = program;
     std::array<char*, 2> arguments = {name.data(), nullptr};
     const std::vector<char*> environment = environmentPassedOn();
+    // Tried first, so that no process is started which cannot be watched.
+    if (!aboveStandard(Descriptor(openProcess(::getpid()))))
+        return program + " cannot be watched: " + reasonOf(errno);
     pid_t number = -1;
     const int error =
         ::posix_spawn(&number, name.c_str(), actions.get(), attributes.get(), arguments.data(), environment.data());
     if (error != 0)
         return program + " cannot be started: " + reasonOf(error);
     m_handle = aboveStandard(Descriptor(openProcess(number)));
-    if (!m_handle) {
-        const int reason = errno;
-        // The child has not been waited for, so its number is still valid.
-        (void)::kill(number, SIGKILL);
-        (void)::waitpid(number, nullptr, 0);
-        return program + " cannot be watched: " + reasonOf(reason);
-    }
+    // The child is not killed or waited for by its number: where the program ignores SIGCHLD or waits for all its
+    // children, that may belong to another process by now. The child ends because its channels are closed.
+    if (!m_handle)
+        return program + " cannot be watched: " + reasonOf(errno);
     return {};
 }
 

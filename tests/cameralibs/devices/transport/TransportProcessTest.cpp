@@ -4,17 +4,24 @@
 
 #include "tests/cameralibs/transport/usb/UsbFixture.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <seccomp.h>
+#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -93,7 +100,34 @@ std::string contentsOf(pid_t process, const std::string& file)
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+/// What the functions below return instead of what the C library's do, unless it is 0.
+int openError = 0;
+int closeFromError = 0;
+
+template <class Function> Function* original(const char* name)
+{
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
 } // namespace
+
+/// Override the functions of the C library, also for the camera library, and call them.
+extern "C" __attribute__((visibility("default"))) int
+posix_spawn_file_actions_addopen(posix_spawn_file_actions_t* actions, int descriptor, const char* path, int flags,
+                                 mode_t mode)
+{
+    static const auto next =
+        original<int(posix_spawn_file_actions_t*, int, const char*, int, mode_t)>("posix_spawn_file_actions_addopen");
+    return openError != 0 ? openError : next(actions, descriptor, path, flags, mode);
+}
+
+extern "C" __attribute__((visibility("default"))) int
+posix_spawn_file_actions_addclosefrom_np(posix_spawn_file_actions_t* actions, int from)
+{
+    static const auto next =
+        original<int(posix_spawn_file_actions_t*, int)>("posix_spawn_file_actions_addclosefrom_np");
+    return closeFromError != 0 ? closeFromError : next(actions, from);
+}
 
 TEST_F(TransportProcessTest, OneForEachCameraAndNoneWithout)
 {
@@ -215,6 +249,54 @@ TEST_F(TransportProcessTest, ProgramMayHaveNoDescriptorLeft)
     EXPECT_THAT(log, ::testing::HasSubstr("cannot be started: "));
     EXPECT_THAT(log, ::testing::Not(::testing::HasSubstr("does not run")));
     ::unsetenv("ORVO_CAMERA_LOG"); // NOLINT(concurrency-mt-unsafe)
+}
+
+TEST_F(TransportProcessTest, ProgramMayAllowLargeStacks)
+{
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_STACK, &before), 0);
+    const rlimit large{std::min<rlim_t>(before.rlim_max, 1UL << 30), before.rlim_max};
+    if (large.rlim_cur < 1UL << 30)
+        GTEST_SKIP() << "the system does not allow them";
+    ASSERT_EQ(::setrlimit(RLIMIT_STACK, &large), 0);
+    EXPECT_NO_FATAL_FAILURE(expectWholeSession());
+    ASSERT_EQ(::setrlimit(RLIMIT_STACK, &before), 0);
+}
+
+// Without this step the transport would inherit all of them.
+TEST_F(TransportProcessTest, NothingIsStartedIfItsDescriptorsCannotBePrepared)
+{
+    std::uint32_t count = 1;
+    ASSERT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+    for (int* const error : {&openError, &closeFromError}) {
+        *error = ENOMEM;
+        EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        *error = 0;
+        EXPECT_EQ(count, 0U);
+    }
+    EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+    EXPECT_EQ(count, 1U);
+}
+
+// The program may have waited for the child already, so its number may belong to another process.
+TEST_F(TransportProcessTest, TransportThatCannotBeWatchedIsNotEndedByItsNumber)
+{
+    EXPECT_TRUE(holdsInForkedProcess([] {
+        scmp_filter_ctx filter = ::seccomp_init(SCMP_ACT_ALLOW);
+        const scmp_arg_cmp other{0, SCMP_CMP_NE, static_cast<scmp_datum_t>(::getpid()), 0};
+        const scmp_arg_cmp named{0, SCMP_CMP_LE, std::numeric_limits<pid_t>::max(), 0};
+        ASSERT_EQ(::seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(ESRCH), SCMP_SYS(pidfd_open), 1, &other), 0);
+        ASSERT_EQ(::seccomp_rule_add_array(filter, SCMP_ACT_KILL_PROCESS, SCMP_SYS(kill), 1, &named), 0);
+        ASSERT_EQ(::seccomp_rule_add_array(filter, SCMP_ACT_KILL_PROCESS, SCMP_SYS(wait4), 1, &named), 0);
+        ASSERT_EQ(::seccomp_load(filter), 0);
+        ::seccomp_release(filter);
+        std::uint32_t count = 1;
+        EXPECT_EQ(Sys_Initialize(CAM_LAYER_USB3_VISION), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(Sys_GetNumOfCameras(&count), CAM_API_STS_SUCCESS);
+        EXPECT_EQ(count, 0U);
+        EXPECT_GT(::waitpid(-1, nullptr, 0), 0) << "it has ended by itself";
+        EXPECT_EQ(Sys_Terminate(), CAM_API_STS_SUCCESS);
+    }));
 }
 
 TEST_F(TransportProcessTest, ForkedProcessCanUseCameras)
