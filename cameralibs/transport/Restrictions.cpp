@@ -326,7 +326,7 @@ constexpr const char* kAllowedCalls[] = {
     "getrandom",
     "sysinfo",
     "uname",
-    // The network. The kinds of sockets are restricted below. None of them accepts connections.
+    // The network. The kinds of sockets are restricted below.
     "bind",
     "connect",
     "shutdown",
@@ -369,9 +369,7 @@ struct ConditionalCall {
 constexpr ConditionalCall kConditionalCalls[] = {
     // No local sockets, because services on this machine act with the user's rights, and no other families.
     {"socket", {0, AF_INET}, {1, SOCK_DGRAM, kSocketType}},
-    {"socket", {0, AF_INET}, {1, SOCK_STREAM, kSocketType}},
     {"socket", {0, AF_INET6}, {1, SOCK_DGRAM, kSocketType}},
-    {"socket", {0, AF_INET6}, {1, SOCK_STREAM, kSocketType}},
     {"socket", {0, AF_NETLINK}, {2, NETLINK_ROUTE}},          // network interfaces
     {"socket", {0, AF_NETLINK}, {2, NETLINK_KOBJECT_UEVENT}}, // USB devices that come and go
     // Threads, but no processes. A filter cannot see the arguments of clone3, which are in memory; without it the C

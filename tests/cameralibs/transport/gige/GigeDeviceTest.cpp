@@ -119,7 +119,8 @@ TEST_F(GigeDeviceTest, LocalFilesAreNotReadAsDescriptions)
 
 TEST_F(GigeDeviceTest, UnreadableDescriptionIsReportedAsSuch)
 {
-    for (const std::string url : {"Local:gv-test.xml;100000;3", "Local:gv-test.zip;100000;400", "Local:", "nonsense"}) {
+    for (const std::string url : {"Local:gv-test.xml;100000;3", "Local:gv-test.zip;100000;400", "Local:", "nonsense",
+                                  "Http://127.0.0.1/gv-test.xml"}) {
         ASSERT_NO_FATAL_FAILURE(list({"--url", url}));
         EXPECT_EQ(tryToOpen(), CAM_API_STS_XML_LOAD_ERR) << url;
         const char* text = nullptr;
