@@ -279,6 +279,8 @@ private:
         }
         if (lie() == "no answer")
             return;
+        while (lie() == "answers without receiving")
+            done(0, bytes);
         if (lie() == "exits")
             ::_exit(3);
         if (lie() == "closes the control channel") {

@@ -359,6 +359,22 @@ TEST_F(RogueTransportTest, FrameNumbersRiseAndImageStatusesAreValid)
     }
 }
 
+TEST_F(RogueTransportTest, TransportThatReceivesNothingMakesTheCameraLost)
+{
+    ASSERT_EQ(list(), 1U);
+    tell("answers without receiving");
+    ASSERT_EQ(open(), CAM_API_STS_SUCCESS);
+    const CAM_NODE_HANDLE width = nodeOf(m_camera, "Width");
+    CAM_API_STATUS status = CAM_API_STS_SUCCESS;
+    expectWithin(std::chrono::seconds(3), [&] {
+        // More requests than the channel holds.
+        std::int64_t value = 0;
+        for (int i = 0; i < 100'000 && status == CAM_API_STS_SUCCESS; ++i)
+            status = Nd_GetIntValue(m_camera, width, &value);
+    });
+    EXPECT_EQ(status, kGone);
+}
+
 TEST_F(RogueTransportTest, ProgressWithoutPauseDoesNotProlongAnAccess)
 {
     ASSERT_EQ(list(), 1U);
