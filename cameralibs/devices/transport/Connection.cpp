@@ -242,12 +242,6 @@ void Connection::cancel()
     wakeWatcher();
 }
 
-Clock::time_point Connection::endingTime()
-{
-    const std::lock_guard lock(m_mutex);
-    return m_end;
-}
-
 bool Connection::inHurry()
 {
     const std::lock_guard lock(m_mutex);
@@ -444,9 +438,8 @@ void Connection::reportLoss() noexcept
 {
     std::string reason;
     try {
-        // The wait is short, so that the loss is reported soon even if the process takes long to end. If many cameras
-        // are closed, one after the other, they share it.
-        const std::string end = m_process.wait(std::min(endingTime(), Clock::now()) + Process::kDying);
+        // The wait is short, so that the loss is reported soon even if the process takes long to end.
+        const std::string end = m_process.wait();
         for (int part = 0; part < kMaxLastParts && readErrors(); ++part) {
         }
         const std::lock_guard lock(m_mutex);

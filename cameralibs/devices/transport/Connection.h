@@ -120,7 +120,6 @@ private:
     void watchUntilGone(transport::Packet& packet);
     void wakeWatcher() const;
     [[nodiscard]] bool inHurry();
-    [[nodiscard]] transport::Clock::time_point endingTime();
     [[nodiscard]] bool readEvent(transport::Packet& packet);
     [[nodiscard]] bool readErrors();
     void logLine(std::string_view line) const noexcept;

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -28,7 +27,6 @@
 namespace cameralibs {
 
 using transport::aboveStandard;
-using transport::Clock;
 using transport::Descriptor;
 
 namespace {
@@ -161,7 +159,7 @@ __attribute__((constructor)) void noteLibrary()
 Process::~Process()
 {
     kill();
-    (void)wait(m_waited ? Clock::now() : Clock::now() + kDying);
+    (void)wait();
     if (!m_handle || m_ended)
         return;
     try {
@@ -217,13 +215,11 @@ bool Process::endsSoon() const noexcept
     return ends(m_handle, static_cast<int>(kDying.count()));
 }
 
-std::string Process::wait(Clock::time_point deadline)
+std::string Process::wait()
 {
     if (!m_handle || m_ended)
         return {};
-    m_waited = true;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    const auto how = waitFor(m_handle, static_cast<int>(std::max<std::int64_t>(left, 0)));
+    const auto how = waitFor(m_handle, std::exchange(m_waited, true) ? 0 : static_cast<int>(kDying.count()));
     m_ended = how.has_value();
     if (how && (how->si_code == CLD_KILLED || how->si_code == CLD_DUMPED))
         return "ended by signal " + std::to_string(how->si_status);

@@ -37,8 +37,9 @@ public:
     /// delay it. Short enough for closing to take less than a second.
     static constexpr std::chrono::milliseconds kDying{200};
 
-    /// Waits until `deadline` for the end of the child. Returns how it ended, or an empty text if that is unknown.
-    std::string wait(transport::Clock::time_point deadline);
+    /// Waits for up to kDying for the end of the child, the second time not at all. Returns how it ended, or an empty
+    /// text if that is unknown.
+    std::string wait();
 
     /// Whether the child ends within kDying. Thread-safe.
     [[nodiscard]] bool endsSoon() const noexcept;
@@ -47,7 +48,7 @@ public:
     [[nodiscard]] int handle() const noexcept { return m_handle.get(); }
 
 private:
-    bool m_waited = false; ///< once is enough
+    bool m_waited = false;
     bool m_ended = false;
     transport::Descriptor m_handle; ///< a pidfd: unlike the number, it is never reused
 };
