@@ -206,6 +206,23 @@ TEST(NetworkChecksTest, SmallReceiveBufferIsWrongForGigeCameras)
     EXPECT_THAT(checkReceiveBuffer(view), ElementsAre(IsLine(Severity::failed, "neither read nor measured", "")));
 }
 
+TEST(NetworkChecksTest, NothingIsSaidOfAnUnknownSpeedOrMtu)
+{
+    View view = workingView();
+    Interface& interface = view.machine.interfaces->front();
+    interface.speed.reset();
+    EXPECT_EQ(checkInterfaces(view).front().text, "192.168.5.1/24, MTU 9000");
+    interface.mtu = 1500;
+    EXPECT_THAT(checkMtu(view), IsEmpty()) << "a slow interface needs no larger packets";
+    interface.speed = 1000;
+    interface.mtu = 8000;
+    EXPECT_THAT(checkMtu(view), IsEmpty()) << "these are jumbo frames";
+    interface.mtu = 0;
+    EXPECT_EQ(checkInterfaces(view).front().text, "192.168.5.1/24, 1000 Mbit/s");
+    view.search.cameras.back().packetSize = 8000;
+    EXPECT_THAT(checkMtu(view), IsEmpty());
+}
+
 TEST(NetworkChecksTest, PacketsAboveTheMtuAreWrongWhereTheyHarm)
 {
     View view = workingView();
@@ -215,6 +232,8 @@ TEST(NetworkChecksTest, PacketsAboveTheMtuAreWrongWhereTheyHarm)
     EXPECT_THAT(checkMtu(view), SizeIs(1)) << "once for each interface";
     view.search.cameras.erase(view.search.cameras.begin());
     Camera& camera = view.search.cameras.back();
+    camera.packetSize = 1500;
+    EXPECT_THAT(checkMtu(view), ElementsAre(IsLine(Severity::note, "1500 means", ""))) << "they just fit";
     camera.packetSize = 8000;
     const auto line = [](Severity severity) {
         return IsLine(severity, "packets of 8000 bytes exceed the MTU of enp3s0, 1500", "GevSCPSPacketSize");
