@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <fstream>
 #include <memory>
 #include <set>
+#include <string>
 #include <utility>
+#include <vector>
 
 using namespace Orvo;
 
@@ -235,6 +238,38 @@ TEST_F(StreamTest, LockSurvivesARestart)
     const std::size_t images = m_recorder.images().size();
     ASSERT_TRUE(m_recorder.waitForImages(images + std::size_t{2} * kSlots));
     EXPECT_EQ(m_recorder.images().back().info.dataSize, 512U * 512U);
+}
+
+TEST_F(StreamTest, MemoryOfSmallerImagesLivesAsLongAsTheyAreLocked)
+{
+    // The kernel names each memory after its purpose.
+    const auto memories = [] {
+        std::ifstream file("/proc/self/maps");
+        int count = 0;
+        for (std::string line; std::getline(file, line);)
+            count += line.find("/memfd:images") == std::string::npos ? 0 : 1;
+        return count;
+    };
+    start();
+    ASSERT_TRUE(m_recorder.waitForImages(kSlots));
+    stop();
+    std::vector<CAM_IMAGE_INFO> locked(kSlots);
+    std::vector<std::vector<std::uint8_t>> before;
+    for (std::uint32_t slot = 0; slot < kSlots; ++slot) {
+        ASSERT_EQ(Strm_LockBuffer(m_stream, slot, &locked[slot]), CAM_API_STS_SUCCESS);
+        before.push_back(bytesOf(locked[slot]));
+    }
+    EXPECT_EQ(memories(), 1);
+    setInt("Width", 512);
+    setInt("Height", 512);
+    start();
+    ASSERT_TRUE(m_recorder.waitForBusy(1));
+    ASSERT_EQ(memories(), 2);
+    for (std::uint32_t slot = 0; slot < kSlots; ++slot) {
+        EXPECT_EQ(bytesOf(locked[slot]), before[slot]) << slot;
+        EXPECT_EQ(Strm_UnlockBuffer(m_stream, slot), CAM_API_STS_SUCCESS);
+    }
+    EXPECT_EQ(memories(), 1);
 }
 
 TEST_F(StreamTest, RemovedImageCallbackIsNotCalled)
