@@ -220,26 +220,29 @@ TEST_F(SceneTest, PartOfARowEqualsThatOfTheWholeRow)
 TEST_F(SceneTest, BallStaysInTheImageAndCrossesItsMiddle)
 {
     const Scene scene(kWidth, kHeight);
-    double left = kWidth;
-    double right = 0;
-    double top = kHeight;
-    double bottom = 0;
-    for (int tenth = 0; tenth < 2000; ++tenth) {
-        const Ball ball = scene.ballAt(tenth / 10.0);
-        EXPECT_EQ(ball.radius, 90);
-        left = std::min(left, ball.x - 90);
-        right = std::max(right, ball.x + 90);
-        top = std::min(top, ball.y - 90);
-        bottom = std::max(bottom, ball.y + 90);
+    for (const int minute : {0, 1, 60}) {
+        SCOPED_TRACE(minute);
+        double left = kWidth;
+        double right = 0;
+        double top = kHeight;
+        double bottom = 0;
+        for (int tenth = 0; tenth < 600; ++tenth) {
+            const Ball ball = scene.ballAt(60.0 * minute + tenth / 10.0);
+            EXPECT_EQ(ball.radius, 90);
+            left = std::min(left, ball.x - 90);
+            right = std::max(right, ball.x + 90);
+            top = std::min(top, ball.y - 90);
+            bottom = std::max(bottom, ball.y + 90);
+        }
+        EXPECT_GE(left, 0);
+        EXPECT_LT(left, kWidth / 8);
+        EXPECT_LE(right, kWidth);
+        EXPECT_GT(right, kWidth - kWidth / 8);
+        EXPECT_GE(top, 0);
+        EXPECT_LT(top, kHeight / 8);
+        EXPECT_LE(bottom, kHeight);
+        EXPECT_GT(bottom, kHeight - kHeight / 8);
     }
-    EXPECT_GE(left, 0);
-    EXPECT_LT(left, kWidth / 8);
-    EXPECT_LE(right, kWidth);
-    EXPECT_GT(right, kWidth - kWidth / 8);
-    EXPECT_GE(top, 0);
-    EXPECT_LT(top, kHeight / 8);
-    EXPECT_LE(bottom, kHeight);
-    EXPECT_GT(bottom, kHeight - kHeight / 8);
 }
 
 TEST_F(SceneTest, BallIsADiscLitFromTheUpperLeft)
