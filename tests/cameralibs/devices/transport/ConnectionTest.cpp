@@ -2,10 +2,15 @@
 
 #include "cameralibs/devices/transport/Connection.h"
 
+#include "tests/cameralibs/devices/transport/Transports.h"
+
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <future>
+#include <memory>
 #include <string>
 
 using namespace cameralibs;
@@ -20,21 +25,40 @@ std::future<std::string> nextReason(Connection& connection)
     return promise->get_future();
 }
 
+class ConnectionTest : public ::testing::Test {
+protected:
+    ConnectionTest()
+    {
+        EXPECT_EQ(::setenv("ORVO_CAMERA_TRANSPORT", TRANSPORT, 1), 0); // NOLINT(concurrency-mt-unsafe)
+        const Outcome opened = m_connection.open();
+        EXPECT_TRUE(opened.ok()) << opened.text;
+    }
+    ~ConnectionTest() override { ::unsetenv("ORVO_CAMERA_TRANSPORT"); } // NOLINT(concurrency-mt-unsafe)
+
+    Connection m_connection{"camera"};
+};
+
 } // namespace
 
-TEST(ConnectionTest, HandlersHearTheReasonBeforeAndAfterTheLoss)
+TEST_F(ConnectionTest, HandlersHearTheReasonBeforeAndAfterTheLoss)
 {
-    ASSERT_EQ(::setenv("ORVO_CAMERA_TRANSPORT", TRANSPORT, 1), 0);
-    Connection connection("camera");
-    const Outcome opened = connection.open();
-    ASSERT_TRUE(opened.ok()) << opened.text;
-    std::future<std::string> early = nextReason(connection);
-    EXPECT_FALSE(connection.gone());
-    EXPECT_FALSE(connection.endNow("The first reason"));
-    EXPECT_FALSE(connection.endNow("Another reason"));
-    EXPECT_TRUE(connection.gone());
+    std::future<std::string> early = nextReason(m_connection);
+    EXPECT_FALSE(m_connection.gone());
+    EXPECT_FALSE(m_connection.endNow("The first reason"));
+    EXPECT_FALSE(m_connection.endNow("Another reason"));
+    EXPECT_TRUE(m_connection.gone());
     EXPECT_EQ(early.get(), "The first reason");
-    std::future<std::string> late = nextReason(connection);
+    std::future<std::string> late = nextReason(m_connection);
     ASSERT_EQ(late.wait_for(std::chrono::seconds(0)), std::future_status::ready) << "at once";
     EXPECT_EQ(late.get(), "The first reason");
+}
+
+TEST_F(ConnectionTest, IsGoneWhenTheTransportIsKilled)
+{
+    std::future<std::string> reason = nextReason(m_connection);
+    const auto children = transports();
+    ASSERT_EQ(children.size(), 1U);
+    EXPECT_EQ(::kill(children[0], SIGKILL), 0);
+    EXPECT_NE(reason.get(), "");
+    EXPECT_TRUE(m_connection.gone()) << "before anything is asked";
 }
