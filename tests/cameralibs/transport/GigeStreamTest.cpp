@@ -154,4 +154,5 @@ TEST_F(GigeStreamLogTest, LogContainsPacketSizeAndLosses)
     EXPECT_THAT(m_log, ::testing::HasSubstr("info: Fake GV01: Packet size: 1400 bytes"));
     EXPECT_THAT(m_log, ::testing::ContainsRegex("warning: Fake GV01: At most [1-9][0-9]* packets are missing"));
     EXPECT_THAT(m_log, ::testing::ContainsRegex("warning: Fake GV01: stream stopped; .* [1-9][0-9]* failed"));
+    EXPECT_THAT(m_log, ::testing::Not(::testing::HasSubstr("CRITICAL"))) << "what a library says of its misuse";
 }
