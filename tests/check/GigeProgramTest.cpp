@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <future>
 #include <memory>
 
 using nlohmann::json;
@@ -152,6 +153,15 @@ TEST_F(GigeProgramTest, ProgramThatControlsTheCameraIsNamed)
     EXPECT_THAT(found.linesOf("open"), ElementsAre(Says("wrong", "another program controls it (2052")));
     EXPECT_THAT(found.linesOf("open"), ElementsAre(Says("wrong", "camera_holder (process ")))
         << "beside the programs of other tests";
+}
+
+TEST_F(GigeProgramTest, TwoSearchesAtATimeDoNotDisturbEachOther)
+{
+    std::future<ProgramRun> other = std::async(std::launch::async, [this] { return run(); });
+    for (const ProgramRun& found : {run(), other.get()}) {
+        EXPECT_THAT(found.output, Not(HasSubstr("already in use")));
+        EXPECT_EQ(found.status, 1) << found.output;
+    }
 }
 
 TEST_F(GigeProgramTest, CameraInAnotherNetworkIsAFinding)

@@ -72,6 +72,19 @@ TEST(ReportTest, JsonHasLinesAndCameras)
     EXPECT_EQ(shown["stream"]["packetSize"], 1400);
 }
 
+TEST(ReportTest, JsonHasLinkAndPacketSizeOfEachCamera)
+{
+    Camera other = workingCamera("S1");
+    other.link = Orvo::CAM_LINK_SIMULATED;
+    other.packetSize = 1400;
+    const auto report = jsonOf({}, {listedAs(workingDevice()), workingCamera(), other});
+    EXPECT_FALSE(report["cameras"][1].contains("packetSize"));
+    EXPECT_EQ(report["cameras"][2]["packetSize"], 1400);
+    EXPECT_EQ(report["cameras"][0]["link"], "USB3 Vision");
+    EXPECT_EQ(report["cameras"][1]["link"], "GigE Vision");
+    EXPECT_EQ(report["cameras"][2]["link"], "other");
+}
+
 TEST(ReportTest, JsonIsPlainAscii)
 {
     std::ostringstream text;

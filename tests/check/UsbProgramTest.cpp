@@ -3,6 +3,7 @@
 #include "tests/check/MadeUpRoot.h"
 #include "tests/check/ProgramRun.h"
 
+#include "camera/OrvoCamApi.h"
 #include "tests/cameralibs/transport/usb/FakeUsb.h"
 
 #include <gmock/gmock.h>
@@ -113,4 +114,16 @@ TEST_F(UsbProgramTest, CameraThatDoesNotAnswerIsAFinding)
     EXPECT_THAT(found.report()["cameras"], ElementsAre(::testing::Truly([](const json& camera) {
                     return camera["openStatus"] != 0 && !camera.contains("stream");
                 })));
+}
+
+// Here, because it searches the network, too.
+TEST_F(UsbProgramTest, LibraryThatIsAskedForGigeCamerasListsNoUsbCamera)
+{
+    for (const std::uint32_t layers : {Orvo::CAM_LAYER_GIGE_VISION, Orvo::CAM_LAYER_USB3_VISION}) {
+        ASSERT_EQ(Orvo::Sys_Initialize(layers), Orvo::CAM_API_STS_SUCCESS);
+        std::uint32_t count = 0;
+        EXPECT_EQ(Orvo::Sys_GetNumOfCameras(&count), Orvo::CAM_API_STS_SUCCESS);
+        EXPECT_EQ(count, layers == Orvo::CAM_LAYER_USB3_VISION ? 1U : 0U);
+        EXPECT_EQ(Orvo::Sys_Terminate(), Orvo::CAM_API_STS_SUCCESS);
+    }
 }
