@@ -9,9 +9,13 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <future>
 #include <memory>
 #include <string>
+
+#include <sys/syscall.h>
+#include <unistd.h>
 
 using namespace cameralibs;
 
@@ -61,4 +65,26 @@ TEST_F(ConnectionTest, IsGoneWhenTheTransportIsKilled)
     EXPECT_EQ(::kill(children[0], SIGKILL), 0);
     EXPECT_NE(reason.get(), "");
     EXPECT_TRUE(m_connection.gone()) << "before anything is asked";
+}
+
+TEST_F(ConnectionTest, SignalsDoNotHideASilentTransport)
+{
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = [](int) {}; // without SA_RESTART
+    ASSERT_EQ(::sigaction(SIGUSR1, &action, &before), 0);
+    std::future<std::string> reason = nextReason(m_connection);
+    const auto children = transports();
+    ASSERT_EQ(children.size(), 1U);
+    EXPECT_EQ(::kill(children[0], SIGSTOP), 0);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    bool noticed = false;
+    while (!noticed && std::chrono::steady_clock::now() < end) {
+        for (const auto& task : std::filesystem::directory_iterator("/proc/self/task"))
+            (void)::syscall(SYS_tgkill, ::getpid(), std::stoi(task.path().filename()), SIGUSR1);
+        noticed = reason.wait_for(std::chrono::milliseconds(100)) == std::future_status::ready;
+    }
+    ASSERT_TRUE(noticed);
+    EXPECT_EQ(reason.get(), "The transport shows no sign of life");
+    EXPECT_EQ(::sigaction(SIGUSR1, &before, nullptr), 0);
 }
