@@ -72,10 +72,11 @@ public:
         scripted::reset();
         scripted::setNodes(smallCamera());
         scripted::setImageFormat(64, 48, scripted::kMono8);
-        if (!fault.operation.empty() && fault.call == kEveryCall)
+        if (!fault.operation.empty() && fault.call == kEveryCall) {
             scripted::failAlways(fault.operation, fault.status);
-        else if (!fault.operation.empty())
+        } else if (!fault.operation.empty()) {
             scripted::failCall(fault.operation, fault.status, fault.call);
+        }
     }
 
     /// What is wrong; nothing if the session went as it must.

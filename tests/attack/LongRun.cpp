@@ -44,7 +44,7 @@ constexpr int kSnapshotPeriod = 30;
 constexpr int kRestartPeriod = 60;
 constexpr int kOpenings = 10;
 
-constexpr long kMemoryNoiseKib = 8 * 1024; // the allocator's own ups and downs
+constexpr long kMemoryNoiseKib = 8L * 1024; // the allocator's own ups and downs
 
 [[noreturn]] void giveUp(const char* why)
 {

@@ -85,9 +85,10 @@ NodeSpec randomNode(std::minstd_rand& random, std::string name)
     spec.boolValue = static_cast<std::uint8_t>(draw(random, 256));
     spec.strValue = pick(random, kTexts);
     if (spec.type == Orvo::NODE_TYPE_ENUMERATION) {
-        for (std::uint32_t entry = 0; entry < draw(random, 5); ++entry)
+        for (std::uint32_t entry = 0; entry < draw(random, 5); ++entry) {
             spec.entries.push_back(scripted::enumEntry("Entry" + std::to_string(entry), entry,
                                                        static_cast<Orvo::NodeAccessMode>(draw(random, 5))));
+        }
     }
     return spec;
 }

@@ -63,10 +63,11 @@ QStringList RandomUser::endWindow()
     m_session->exit();
     m_session.reset();
     QStringList wrong = leftovers();
-    if (const auto left = QApplication::allWidgets(); !left.isEmpty())
+    if (const auto left = QApplication::allWidgets(); !left.isEmpty()) {
         wrong << QString("%1 widgets outlive the window, one of them a %2")
                      .arg(left.size())
                      .arg(left.first()->metaObject()->className());
+    }
     return wrong;
 }
 

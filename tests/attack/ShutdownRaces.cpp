@@ -253,10 +253,11 @@ bool Races::run(const char* name, void (Races::*race)(), int rounds)
             endWindow();
     }
     const process::Held after = process::heldWithin(before);
-    if (after.threads > before.threads || after.descriptors > before.descriptors)
+    if (after.threads > before.threads || after.descriptors > before.descriptors) {
         wrong(QString("%1 threads and %2 descriptors too many")
                   .arg(after.threads - before.threads)
                   .arg(after.descriptors - before.descriptors));
+    }
     std::printf("%s: %d rounds, %d wrong, %lld s\n", name, rounds, m_wrong,
                 static_cast<long long>(timer.elapsed() / 1000));
     std::fflush(stdout);

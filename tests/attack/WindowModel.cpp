@@ -152,15 +152,13 @@ void WindowModel::takeCall(const scripted::Call& call)
             m_readsParameters = false;
             enter(kOpened);
         }
-    } else if (!ok && isNeededToStart(operation)) {
+    } else if (operation == "Cam_Close" || (!ok && isNeededToStart(operation))) {
         closed();
     } else if (operation == "Strm_Start") {
         m_enabled["actionStart"] = false;
         enter(kAcquiring);
     } else if (operation == "Strm_Stop") {
         enter(kOpened);
-    } else if (operation == "Cam_Close") {
-        closed();
     } else if (operation == "GetCamTriggerMode" || operation == "GetCamTriggerSource") {
         const scripted::Trigger trigger = scripted::trigger();
         const bool wanted =
