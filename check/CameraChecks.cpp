@@ -58,7 +58,7 @@ Line lineOf(const View& view, const Camera& camera, CAM_API_STATUS status)
 
 constexpr Address kLinkLocalNetwork = {0xa9fe0000, 16};
 
-// Addresses that the internet does not route, so adding one to an interface makes nothing else unreachable.
+// Addresses that the internet does not route.
 constexpr Address kPrivateNetworks[] = {{0x0a000000, 8}, {0xac100000, 12}, {0xc0a80000, 16}, kLinkLocalNetwork};
 
 bool isIn(std::uint32_t address, const Address& network)
@@ -66,9 +66,30 @@ bool isIn(std::uint32_t address, const Address& network)
     return (address & network.mask()) == network.address;
 }
 
+bool overlap(const Address& one, const Address& other)
+{
+    const std::uint32_t mask = one.prefix < other.prefix ? one.mask() : other.mask();
+    return (one.address & mask) == (other.address & mask);
+}
+
+/// Whether an interface other than the camera's is in the network.
+bool isElsewhere(const View& view, const GigeAnswer& answer, const Address& network)
+{
+    if (!view.machine.interfaces)
+        return false;
+    for (const Interface& interface : *view.machine.interfaces) {
+        const auto& own = interface.addresses;
+        if (interface.name != answer.interface &&
+            std::any_of(own.begin(), own.end(), [&](const Address& address) { return overlap(address, network); }))
+            return true;
+    }
+    return false;
+}
+
 /// An address in the camera's network that is neither the camera's nor one that routers usually have. No value for a
-/// public network, because anybody can send an answer that names one.
-std::optional<Address> neighbourOf(const GigeAnswer& answer)
+/// public network, because anybody can send an answer that names one, and for the network of another interface, which
+/// would become unreachable.
+std::optional<Address> neighbourOf(const View& view, const GigeAnswer& answer)
 {
     constexpr unsigned kUsual = 24;
     constexpr unsigned kLargestNetwork = 16;  // a larger one may contain other people's networks
@@ -78,6 +99,8 @@ std::optional<Address> neighbourOf(const GigeAnswer& answer)
         return {};
     const unsigned told = prefixOf(answer.mask).value_or(kUsual);
     const Address network = {answer.address, told < kLargestNetwork || told > kSmallestNetwork ? kUsual : told};
+    if (isElsewhere(view, answer, network))
+        return {};
     constexpr std::uint32_t kFirstLinkLocal = 0x100; // the first and the last 256 are reserved
     const std::uint32_t first = (answer.address & network.mask()) +
                                 (isIn(answer.address, kLinkLocalNetwork) && network.prefix == 16 ? kFirstLinkLocal : 0);
@@ -119,8 +142,11 @@ std::string cureOf(const View& view, const Camera& camera, const StreamResult& s
     if (nothingCame)
         return "check the line on the firewall, and the camera's AcquisitionMode and AcquisitionFrameRate";
     if (camera.bufferErrors != 0) {
-        return "the receive buffer overflowed " + std::to_string(camera.bufferErrors) +
-               " times: sudo sysctl -w net.core.rmem_max=33554432";
+        const std::string overflows = "the receive buffer overflowed " + std::to_string(camera.bufferErrors) + " times";
+        if (view.machine.receiveBuffer.value_or(0) >= kWantedBuffer)
+            return overflows +
+                   ", although it is as large as it may be: a lower AcquisitionFrameRate, or less other work";
+        return overflows + ": sudo sysctl -w net.core.rmem_max=" + std::to_string(kWantedBuffer);
     }
     if (stream.images == 0)
         return "the packets may be too large for the network: set GevSCPSPacketSize of the camera to 1500 or less";
@@ -131,10 +157,14 @@ std::string cureOf(const View& view, const Camera& camera, const StreamResult& s
 
 Line lineOf(const View& view, const Camera& camera, const StreamResult& stream)
 {
+    const std::string howToLearnMore = "ORVO_CAMERA_LOG=info orvocam-check --stream tells why";
+    if (stream.status != CAM_API_STS_SUCCESS && stream.seconds <= 0) {
+        return {Severity::wrong, nameOf(camera), "its stream does not start: " + statusText(stream.status),
+                howToLearnMore};
+    }
     if (stream.status != CAM_API_STS_SUCCESS) {
         return {Severity::wrong, nameOf(camera),
-                "its stream fails with " + statusText(stream.status) + "; " + figuresOf(stream),
-                "ORVO_CAMERA_LOG=info orvocam-check --stream tells why"};
+                "its stream fails with " + statusText(stream.status) + "; " + figuresOf(stream), howToLearnMore};
     }
     if (stream.images == 0 || stream.lost != 0 || stream.incomplete != 0)
         return {Severity::wrong, nameOf(camera), figuresOf(stream), cureOf(view, camera, stream)};
@@ -191,7 +221,7 @@ Lines checkAddresses(const View& view)
                 {Severity::wrong, nameOf(*camera), "has no address yet",
                  "wait until it has one; otherwise a DHCP server, or a fixed address set with its maker's program"});
         } else if (interface != nullptr && !interface->reaches(answer.address)) {
-            const std::optional<Address> own = neighbourOf(answer);
+            const std::optional<Address> own = neighbourOf(view, answer);
             const std::string addition = own ? "sudo ip address add " + textOf(*own) + " dev " + answer.interface +
                                                    ", if nothing else has that address; or "
                                              : "";

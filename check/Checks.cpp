@@ -58,7 +58,7 @@ bool View::cameraOn(const std::string& interface) const
 
 Severity View::hidesGige(const Interface& interface) const
 {
-    if (anyGige())
+    if (anyGige() || interface.wireless)
         return Severity::note;
     return !anyCamera() || interface.dedicated() ? Severity::wrong : Severity::note;
 }

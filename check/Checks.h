@@ -4,6 +4,7 @@
 #include "check/cameras/CameraSearch.h"
 #include "check/machine/Machine.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,8 @@ struct View {
     [[nodiscard]] std::vector<Interface> networks() const;
 
     /// The severity of a setting that can hide GigE cameras. Many machines have such settings, so they are notes while
-    /// GigE cameras answer. A USB camera only makes them notes on interfaces that are not dedicated to cameras.
+    /// GigE cameras answer, and on wireless interfaces, because cameras have cables. A USB camera only makes them notes
+    /// on interfaces that are not dedicated to cameras.
     [[nodiscard]] Severity hidesGige(const Interface& interface) const;
 
     /// The USB device as the camera library lists it; null if it does not.
@@ -40,6 +42,9 @@ struct View {
 
 /// Whether the camera library lists this device as this camera.
 [[nodiscard]] bool isSame(const Camera& camera, const UsbDevice& device);
+
+/// The camera library asks for a receive buffer of this size, and the packages' example for sysctl.d allows it.
+constexpr std::int64_t kWantedBuffer = 33'554'432;
 
 using Lines = std::vector<Line>;
 

@@ -6,9 +6,6 @@ namespace check {
 
 namespace {
 
-/// The camera library asks for this size, and the packages' example for sysctl.d allows it.
-constexpr std::int64_t kWantedBuffer = 33'554'432;
-
 /// Holds an image of medium size that arrives at once. A smaller buffer loses images even on an idle machine.
 constexpr std::int64_t kSmallestBuffer = 4'000'000;
 
@@ -59,7 +56,7 @@ Line lineOf(const View& view, const Interface& interface)
     return {Severity::good, subject, text};
 }
 
-std::string openingFor(const Firewall& firewall, const std::string& interface, const std::string& chain)
+std::string commandFor(const Firewall& firewall, const std::string& interface, const std::string& chain)
 {
     if (firewall.manager == "ufw")
         return "sudo ufw allow in on " + interface + " proto udp to any";
@@ -71,6 +68,17 @@ std::string openingFor(const Firewall& firewall, const std::string& interface, c
            " meta l4proto udp accept";
 }
 
+/// The cure for a firewall. None for a wireless interface without a camera: its network may be open to everybody.
+std::string openingFor(const View& view, const Interface& interface, const std::string& chain = {})
+{
+    if (interface.wireless && !view.cameraOn(interface.name))
+        return {};
+    std::string cure = commandFor(view.machine.firewall, interface.name, chain);
+    if (interface.leadsOut)
+        cure += "; " + interface.name + " then accepts UDP from everybody in its network";
+    return cure;
+}
+
 Line lineOf(const View& view, const Interface& interface, const Passage& passage)
 {
     const std::string subject = "firewall on " + interface.name;
@@ -79,13 +87,12 @@ Line lineOf(const View& view, const Interface& interface, const Passage& passage
         return {Severity::good, subject, "no nftables rule drops UDP"};
     case Passage::dropped:
         return {view.cameraOn(interface.name) ? Severity::wrong : view.hidesGige(interface), subject,
-                "drops UDP, which GigE cameras use for answers and images",
-                openingFor(view.machine.firewall, interface.name, passage.chain)};
+                "drops UDP, which GigE cameras use for answers and images", openingFor(view, interface, passage.chain)};
     case Passage::unknown:
         break;
     }
     return {Severity::note, subject, "it depends on its rules whether it accepts UDP from cameras",
-            openingFor(view.machine.firewall, interface.name, passage.chain)};
+            openingFor(view, interface, passage.chain)};
 }
 
 } // namespace
@@ -119,10 +126,12 @@ Lines checkNetworks(const View& view)
                 if (!networks[j].reaches(address.address))
                     continue;
                 const bool used = view.cameraOn(networks[i].name) || view.cameraOn(networks[j].name);
-                lines.push_back({used ? Severity::wrong : view.hidesGige(networks[i]), subjectOf(networks[i]),
-                                 textOf(address) + " is in the network of " + networks[j].name +
-                                     ", too: packets to a camera leave through only one of the two",
-                                 "give one of them and its cameras addresses of another network"});
+                lines.push_back(
+                    {used ? Severity::wrong : view.hidesGige(networks[i].wireless ? networks[j] : networks[i]),
+                     subjectOf(networks[i]),
+                     textOf(address) + " is in the network of " + networks[j].name +
+                         ", too: packets to a camera leave through only one of the two",
+                     "give one of them and its cameras addresses of another network"});
             }
         }
     }
@@ -162,7 +171,7 @@ Lines checkFirewall(const View& view)
             lines.push_back(
                 {view.hidesGige(interface), subject,
                  firewall.manager + " is on, and drops the answers of GigE cameras unless a rule accepts them",
-                 openingFor(firewall, interface.name, {})});
+                 openingFor(view, interface)});
         } else {
             unseen = true;
         }

@@ -114,12 +114,12 @@ void writeText(std::ostream& to, const std::vector<Line>& lines)
     }
     const auto wrong = countOf(lines, Severity::wrong);
     if (countOf(lines, Severity::failed) != 0)
-        to << "Could not look at everything.\n";
-    if (wrong == 0) {
+        to << (wrong == 0 ? "Could not look at everything; nothing else is wrong.\n"
+                          : "Could not look at everything.\n");
+    else if (wrong == 0)
         to << "Nothing wrong was found.\n";
-    } else {
+    if (wrong != 0)
         to << wrong << (wrong == 1 ? " finding.\n" : " findings.\n");
-    }
 }
 
 void writeJson(std::ostream& to, const std::vector<Line>& lines, const std::vector<Camera>& cameras,

@@ -46,15 +46,32 @@ bool isUsb(const Camera& camera)
     return camera.link == Orvo::CAM_LINK_USB3_VISION;
 }
 
+/// Whether a lack of memory may be the reason; a camera that has gone has another one.
 bool imagesFail(const Camera& camera)
 {
-    return isUsb(camera) && camera.stream &&
-           (camera.stream->status != Orvo::CAM_API_STS_SUCCESS || camera.stream->incomplete != 0);
+    if (!isUsb(camera) || !camera.stream)
+        return false;
+    const StreamResult& stream = *camera.stream;
+    const bool gone = stream.status == Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING;
+    return (stream.status != Orvo::CAM_API_STS_SUCCESS && !gone) || stream.incomplete != 0 || stream.lost != 0;
 }
 
 bool imagesCome(const Camera& camera)
 {
     return isUsb(camera) && camera.stream && camera.stream->images != 0;
+}
+
+Line holderLine(const View& view, const UsbDevice& device)
+{
+    const std::string text = "another program has it: ";
+    const std::string cure = "close the camera there";
+    if (!device.holders.empty())
+        return {Severity::wrong, nameOf(device), text + namesOf(device.holders), cure};
+    if (!view.machine.root)
+        return {Severity::wrong, nameOf(device), text + "one of another user",
+                "sudo orvocam-check tells which; " + cure};
+    return {Severity::wrong, nameOf(device), text + "one that is not visible here",
+            cure + "; in a container, look outside it and in other containers"};
 }
 
 } // namespace
@@ -110,11 +127,7 @@ Lines checkUsbHolders(const View& view)
     Lines lines;
     for (const UsbDevice& device : devicesOf(view)) {
         if (view.held(device)) {
-            const std::string names = namesOf(device.holders);
-            const std::string cure =
-                names.empty() ? "sudo orvocam-check tells which; close the camera there" : "close the camera there";
-            lines.push_back({Severity::wrong, nameOf(device),
-                             "another program has it: " + (names.empty() ? "one of another user" : names), cure});
+            lines.push_back(holderLine(view, device));
         } else if (!device.driver.empty() && device.driver != "usbfs") {
             lines.push_back(
                 {Severity::wrong, nameOf(device), "the kernel's driver " + device.driver + " has it",

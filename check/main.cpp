@@ -22,7 +22,7 @@ with the cure if something is wrong.
   --version  print the version
 
 The exit status is 0 if nothing is wrong, 1 with findings, and 2 if something
-could not be checked.
+could not be checked, even with findings.
 )";
 
 struct Options {

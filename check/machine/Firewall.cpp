@@ -137,8 +137,7 @@ public:
     {
         Passage result;
         for (const auto& [key, chain] : m_chains) {
-            const std::string hook = chain.head.value("hook", "");
-            if ((hook != "input" && hook != "prerouting") || !concerns(chain.head.value("family", "")))
+            if (!concerns(chain.head))
                 continue;
             const auto policy = chain.head.value("policy", "accept") == "drop" ? Passage::dropped : Passage::accepted;
             Passage one = {follow(key, 0).value_or(policy), key};
@@ -162,7 +161,15 @@ private:
         return item.value("family", "") + " " + item.value("table", "") + " " + item.value(name, "");
     }
 
-    static bool concerns(const std::string& family) { return family == "inet" || family == "ip"; }
+    /// Whether the packet meets this chain on its way to a program.
+    [[nodiscard]] bool concerns(const json& head) const
+    {
+        const std::string hook = head.value("hook", "");
+        const std::string family = head.value("family", "");
+        if (hook == "ingress")
+            return any(head.value("dev", json()), [&](const json& device) { return device == m_interface; });
+        return (hook == "input" || hook == "prerouting") && (family == "inet" || family == "ip");
+    }
 
     /// No value if the packet reaches the end of the chain.
     [[nodiscard]] std::optional<Passage::Kind> follow(const std::string& key, int depth) const

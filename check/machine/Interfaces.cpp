@@ -116,8 +116,8 @@ std::optional<std::vector<Interface>> readInterfaces(const SystemFiles& files)
     for (auto& [name, interface] : found) {
         const std::string folder = "/sys/class/net/" + name + "/";
         interface.mtu = mtuOf(name);
-        interface.wired =
-            files.exists(folder + "device") && !files.exists(folder + "wireless") && !files.exists(folder + "phy80211");
+        interface.wireless = files.exists(folder + "wireless") || files.exists(folder + "phy80211");
+        interface.wired = files.exists(folder + "device") && !interface.wireless;
         if (const auto speed = files.number(folder + "speed"); speed && *speed > 0)
             interface.speed = speed;
         interface.leadsOut = defaultRoutes.count(name) != 0;

@@ -31,7 +31,8 @@ struct Interface {
     bool up = false;      ///< switched on
     bool running = false; ///< something is connected
     bool loopback = false;
-    bool wired = false;    ///< an Ethernet card, not a wireless, virtual or tunnelled interface
+    bool wired = false; ///< an Ethernet card, not a wireless, virtual or tunnelled interface
+    bool wireless = false;
     bool leadsOut = false; ///< has a default route
     int mtu = 0;
     std::optional<std::int64_t> speed;             ///< Mbit/s

@@ -152,6 +152,25 @@ TEST(CameraChecksTest, SuggestedAddressIsInTheCamerasNetworkUnlessThatIsUnusual)
     isSuggested(" 10.20.30.10/24 ", 0xfffffff8);
 }
 
+// Two interfaces in one network would hide the camera from the system, or the other machines there.
+TEST(CameraChecksTest, NoAddressIsSuggestedInTheNetworkOfAnotherInterface)
+{
+    View view = viewOf(workingCamera("G1", 0x0a000014));
+    view.search.cameras.front().answer->mask = 0xffff0000;
+    const auto isSuggested = [&] {
+        const Lines lines = checkAddresses(view);
+        EXPECT_THAT(lines, ElementsAre(IsLine(Severity::wrong, "is outside", "of the interface's network")));
+        return !lines.empty() && lines.front().cure.find("ip address add") != std::string::npos;
+    };
+    EXPECT_TRUE(isSuggested());
+    view.machine.interfaces->push_back(workingInterface("wlan0", 0x0a01022a));
+    EXPECT_TRUE(isSuggested()) << "10.1.2.0/24 is outside 10.0.0.0/16";
+    view.machine.interfaces->back().addresses = {{0x0a00022a, 24}};
+    EXPECT_FALSE(isSuggested()) << "10.0.2.0/24 is inside";
+    view.machine.interfaces->back().addresses = {{0x0a01022a, 8}};
+    EXPECT_FALSE(isSuggested()) << "10.0.0.0/8 contains it";
+}
+
 TEST(CameraChecksTest, AddressThatIsMissingOrTakenIsWrong)
 {
     EXPECT_THAT(checkAddresses(viewOf(workingCamera("G1", 0))),
@@ -207,10 +226,23 @@ TEST(CameraChecksTest, FiguresOfAStreamAreTold)
                                    "")));
 }
 
+TEST(CameraChecksTest, StreamThatDoesNotStartHasNoFigures)
+{
+    Camera camera = workingCamera();
+    camera.stream.emplace().status = CAM_API_STS_BUSY;
+    EXPECT_EQ(checkImages(viewOf(camera)).front().text, "its stream does not start: 2053 CAM_API_STS_BUSY");
+    camera.stream->seconds = 0.5;
+    EXPECT_THAT(checkImages(viewOf(camera)).front().text, HasSubstr("BUSY; 0 images in 0.5 s"));
+}
+
 TEST(CameraChecksTest, ImagesThatDoNotComeHaveTheirCures)
 {
-    const auto cureOf = [](const Camera& camera) {
-        const Lines lines = checkImages(viewOf(camera));
+    bool small = false; // the receive buffer
+    const auto cureOf = [&small](const Camera& camera) {
+        View view = viewOf(camera);
+        if (small)
+            view.machine.receiveBuffer = 212992;
+        const Lines lines = checkImages(view);
         EXPECT_THAT(lines, ElementsAre(IsLine(Severity::wrong, "", "")));
         return lines.empty() ? std::string() : lines.front().cure;
     };
@@ -224,7 +256,9 @@ TEST(CameraChecksTest, ImagesThatDoNotComeHaveTheirCures)
     camera.stream->images = 30;
     EXPECT_THAT(cureOf(camera), HasSubstr("ip -s link show dev enp3s0"));
     camera.bufferErrors = 7;
-    EXPECT_THAT(cureOf(camera), HasSubstr("overflowed 7 times"));
+    EXPECT_THAT(cureOf(camera), HasSubstr("overflowed 7 times, although it is as large as"));
+    small = true;
+    EXPECT_THAT(cureOf(camera), HasSubstr("overflowed 7 times: sudo sysctl -w net.core.rmem_max=33554432"));
     camera.stream = goodStream();
     camera.stream->lost = 1;
     EXPECT_THAT(cureOf(camera), HasSubstr("rmem_max"));

@@ -116,6 +116,19 @@ TEST(FirewallTest, ChainsBeforeRoutingCount)
     EXPECT_EQ(passage(input("accept"), early, rule(kDrop, "early")), Passage::dropped);
 }
 
+TEST(FirewallTest, ChainsAtTheInterfaceCount)
+{
+    const auto ingress = [](const std::string& family, const std::string& device) {
+        return R"({"chain": {"family": ")" + family +
+               R"(", "table": "t", "name": "early", "hook": "ingress", "policy": "drop", "dev": )" + device + "}}";
+    };
+    const std::string open = input("accept");
+    EXPECT_EQ(passage(open, ingress("netdev", R"("cam0")")), Passage::dropped);
+    EXPECT_EQ(passage(open, ingress("netdev", R"(["cam1", "cam0"])")), Passage::dropped);
+    EXPECT_EQ(passage(open, ingress("inet", R"("cam0")")), Passage::dropped);
+    EXPECT_EQ(passage(open, ingress("netdev", R"("cam1")")), Passage::accepted);
+}
+
 TEST(FirewallTest, JumpsAreFollowed)
 {
     const auto jump = rule(R"({"jump": {"target": "cameras"}})");

@@ -114,6 +114,24 @@ TEST(MachineTest, InterfaceOfADefaultRouteLeadsOut)
     EXPECT_FALSE(loopbackLeadsOut("lo\t0005A8C0\t00000000\neth0\t00000000\t0105A8C0\n"));
 }
 
+TEST(MachineTest, KindOfAnInterfaceIsTold)
+{
+    const MadeUpRoot root;
+    const auto loopback = [&] {
+        for (const Interface& interface : readInterfaces(SystemFiles(root.path())).value_or(std::vector<Interface>())) {
+            if (interface.name == "lo")
+                return interface;
+        }
+        return Interface();
+    };
+    EXPECT_FALSE(loopback().wired || loopback().wireless) << "a virtual one";
+    root.write("/sys/class/net/lo/device", "");
+    EXPECT_TRUE(loopback().wired);
+    root.write("/sys/class/net/lo/phy80211", "");
+    EXPECT_TRUE(loopback().wireless);
+    EXPECT_FALSE(loopback().wired);
+}
+
 TEST(MachineTest, NumbersAreWholeLines)
 {
     const MadeUpRoot root;

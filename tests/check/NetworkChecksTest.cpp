@@ -162,6 +162,34 @@ TEST(NetworkChecksTest, FirewallThatDropsIsWrong)
     EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::note, "drops UDP", "firewall-cmd")));
 }
 
+// Cameras have cables, and the network of another interface may be open to everybody.
+TEST(NetworkChecksTest, NothingIsOpenedOnAWirelessInterface)
+{
+    View view = viewWithoutCameras();
+    view.machine.firewall.ruleSet = kClosed;
+    view.machine.interfaces->front().wired = false;
+    view.machine.interfaces->front().wireless = true;
+    view.machine.interfaces->front().reversePathFilter = 1;
+    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::note, "drops UDP", "")));
+    EXPECT_EQ(checkFirewall(view).front().cure, "");
+    EXPECT_THAT(checkReversePathFilter(view), ElementsAre(IsLine(Severity::note, "is strict", "")));
+    view.machine.firewall.ruleSet.reset();
+    view.machine.firewall.manager = "ufw";
+    EXPECT_EQ(checkFirewall(view).front().cure, "");
+    view.search.cameras = {workingCamera()};
+    view.machine.firewall.ruleSet = kClosed;
+    EXPECT_THAT(checkFirewall(view), ElementsAre(IsLine(Severity::wrong, "drops UDP", "sudo ufw allow")));
+}
+
+TEST(NetworkChecksTest, WhoeverOpensAnInterfaceWithADefaultRouteIsWarned)
+{
+    View view = viewWithoutCameras();
+    view.machine.firewall.ruleSet = kClosed;
+    EXPECT_THAT(checkFirewall(view).front().cure, ::testing::Not(::testing::HasSubstr("everybody")));
+    view.machine.interfaces->front().leadsOut = true;
+    EXPECT_THAT(checkFirewall(view).front().cure, ::testing::HasSubstr("; enp3s0 then accepts UDP from everybody"));
+}
+
 TEST(NetworkChecksTest, FirewallThatMayDropIsNoted)
 {
     View view = viewWithoutCameras();

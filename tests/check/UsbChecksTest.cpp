@@ -62,6 +62,9 @@ TEST(UsbChecksTest, ProgramThatHasTheCameraIsNamed)
     view.search.cameras.front().opened = Orvo::CAM_API_STS_BUSY;
     EXPECT_THAT(checkUsbHolders(view),
                 ElementsAre(IsLine(Severity::wrong, "one of another user", "sudo orvocam-check")));
+    view.machine.root = true;
+    EXPECT_THAT(checkUsbHolders(view),
+                ElementsAre(IsLine(Severity::wrong, "one that is not visible here", "container")));
     device.holders = {{42, "grabber"}, {43, "other"}};
     EXPECT_THAT(checkUsbHolders(view),
                 ElementsAre(IsLine(Severity::wrong, "grabber (process 42), other (process 43)", "close")));
@@ -117,6 +120,12 @@ TEST(UsbChecksTest, LittleMemoryIsWrongIfATrialFails)
     stream.incomplete = 1;
     EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::wrong, "16 MiB", "echo 256 | sudo tee")));
     stream.incomplete = 0;
+    stream.lost = 1;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::wrong, "16 MiB", "echo 256 | sudo tee")));
+    stream.lost = 0;
+    stream.status = Orvo::CAM_API_STS_CAMERA_NOT_RESPONDING;
+    EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::good, "16 MiB", "")))
+        << "a camera that was unplugged says nothing of the memory";
     stream.status = Orvo::CAM_API_STS_NO_MEMORY;
     EXPECT_THAT(checkUsbMemory(view), ElementsAre(IsLine(Severity::wrong, "16 MiB", "echo 256 | sudo tee")));
     view.search.cameras.front().link = Orvo::CAM_LINK_GIGE_VISION;
