@@ -150,7 +150,7 @@ Streamed stream(const Row& row)
     require(Cam_Close(camera), "Cam_Close");
     const double spent = processorSecondsWithChildren() - before;
     const std::uint64_t sent = seen.last - seen.first + 1;
-    const double images = static_cast<double>(seen.images);
+    const auto images = static_cast<double>(seen.images);
     return {images / std::chrono::duration<double>(kStreaming).count(),
             static_cast<double>(sent - seen.images + seen.dropped + seen.failed), spent * 1e6 / std::max(images, 1.0)};
 }

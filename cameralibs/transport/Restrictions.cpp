@@ -89,7 +89,7 @@ void limitResources()
     limit(RLIMIT_FSIZE, 0, 0);
     limitStacks();
     // Each arena reserves 64 MiB, and by default there is one for each thread.
-    ::mallopt(M_ARENA_MAX, 2);
+    ::mallopt(M_ARENA_MAX, 2); // NOLINT(concurrency-mt-unsafe): there are no other threads yet
     limit(RLIMIT_AS, kAddressSpace, kAddressSpace + kMaxBuffers);
 }
 
@@ -361,7 +361,7 @@ constexpr std::uint64_t kSocketType = 0xf;
 constexpr std::uint64_t kIoctlType = 0xff00;
 
 struct ConditionalCall {
-    const char* name;
+    const char* name = nullptr;
     Argument first;
     Argument second = {0, 0, 0}; ///< ignored if the mask is empty
 };

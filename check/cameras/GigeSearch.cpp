@@ -230,8 +230,11 @@ GigeSearch searchGige(const std::vector<Interface>& interfaces)
         }
     }
     for (const Listener& listener : listeners) {
-        if (listener.error() != 0)
-            search.silent.push_back({listener.interface().name, std::strerror(listener.error())});
+        if (listener.error() != 0) {
+            // There is one thread.
+            const char* const reason = std::strerror(listener.error()); // NOLINT(concurrency-mt-unsafe)
+            search.silent.push_back({listener.interface().name, reason});
+        }
     }
     return search;
 }

@@ -166,7 +166,7 @@ public:
 void MainWindowTest::frameRatesHaveTheHeightOfTheirDock()
 {
     const auto fusion = qScopeGuard([] { QApplication::setStyle("Fusion"); });
-    QApplication::setStyle(new FramedDocks);
+    QApplication::setStyle(new FramedDocks); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): Qt owns it
     const WindowDriver driver;
     const int height = driver.child<QDockWidget>("dockWidget_Top")->height();
     QCOMPARE(driver.child<QWidget>("dockWidgetContents_11")->height(), height);

@@ -89,10 +89,11 @@ void TransportSource::run()
             return;
         }
     }
-    if (received == Received::malformed)
+    if (received == Received::malformed) {
         m_connection->endNow("The transport sent a malformed packet");
-    else if (!m_stopping)
+    } else if (!m_stopping) {
         m_connection->endAsClosed();
+    }
 }
 
 bool TransportSource::handle(const Packet& packet)

@@ -46,7 +46,7 @@ constexpr std::size_t kMaxSize = std::size_t{16} << 20;
 
 std::string nameOf(XmlElement element)
 {
-    const std::string name(element.attribute("Name"));
+    std::string name(element.attribute("Name"));
     if (name.size() > kMaxName) {
         throw Failure(CAM_API_STS_GENICAM_ERR, "[" + name.substr(0, kMaxName) + "...] The name is longer than " +
                                                    std::to_string(kMaxName) + " bytes");

@@ -119,6 +119,7 @@ bool ImageSender::takeFreeBuffers()
         GObjectPointer<ArvBuffer>& buffer = m_buffers[free->offset];
         if (buffer == nullptr) {
             const std::size_t size = std::min<std::size_t>(free->capacity, m_reception->largestBuffer());
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): Aravis keeps a number there
             buffer.reset(arv_buffer_new_full(size, data, reinterpret_cast<void*>(free->offset), nullptr));
         }
         push(buffer.get());

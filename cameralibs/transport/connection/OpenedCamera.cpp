@@ -64,9 +64,10 @@ Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
     Outcome outcome = outcomeOfOpening(error);
     if (link == CAM_LINK_USB3_VISION)
         outcome = outcomeOfUsb(outcome);
-    if (!outcome.ok() && !refusedFile().empty())
+    if (!outcome.ok() && !refusedFile().empty()) {
         return {CAM_API_STS_XML_LOAD_ERR,
                 "The camera refers to a local file for its description, which is refused: " + refusedFile()};
+    }
     // Aravis reports the same error for a camera that is gone and for one whose description it cannot read.
     if (outcome.status == CAM_API_STS_CAMERA_NOT_RESPONDING && answersEverything())
         return {CAM_API_STS_XML_LOAD_ERR, "The camera answers, but its description cannot be read"};
@@ -74,9 +75,10 @@ Outcome OpenedCamera::open(CAM_LINK link, const std::string& name)
         return outcome;
     if (opened == nullptr)
         return {CAM_API_STS_CAMERA_NOT_RESPONDING, {}};
-    if (!seesAnswers())
+    if (!seesAnswers()) {
         note(Severity::warning,
              "This version of Aravis receives answers in an unknown way, so slow cameras get less time");
+    }
     const bool gige = ARV_IS_GV_DEVICE(opened.get()) != FALSE;
     if (gige && arv_gv_device_is_controller(ARV_GV_DEVICE(opened.get())) == FALSE) {
         // Not destroyed: that would release control, which the camera has given to the other program.

@@ -73,7 +73,8 @@ template <class Operation> void attempt(Operation&& operation)
 
 void tryNode(NodeMap& nodes, NodeId id, FuzzInput& input)
 {
-    const auto number = static_cast<std::int64_t>(static_cast<std::int8_t>(input.byte()));
+    constexpr std::int64_t kHalf = 128;
+    const std::int64_t number = input.byte() - kHalf;
     attempt([&] { (void)accessMode(nodes, id); });
     switch (nodes.node(id).type) {
     case Orvo::NODE_TYPE_INTEGER:

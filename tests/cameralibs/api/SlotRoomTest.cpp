@@ -286,7 +286,7 @@ TEST_F(SlotRoomTest, NothingRemainsOfALongerImageOfAnEarlierStart)
     ASSERT_EQ(Strm_LockBuffer(m_stream, locked.slot(), &info), CAM_API_STS_SUCCESS);
     EXPECT_EQ(info.dataSize, 64U * 64U);
     const auto* const data = static_cast<const std::uint8_t*>(info.data);
-    EXPECT_TRUE(std::all_of(data + 64 * 64, data + 1280 * 1024, [](std::uint8_t byte) { return byte == 0; }));
+    EXPECT_TRUE(std::all_of(data + 64L * 64, data + 1280L * 1024, [](std::uint8_t byte) { return byte == 0; }));
     EXPECT_EQ(Strm_UnlockBuffer(m_stream, locked.slot()), CAM_API_STS_SUCCESS);
 }
 
