@@ -92,6 +92,7 @@ public:
     {
     }
 
+    [[nodiscard]] explicit operator bool() const noexcept { return static_cast<bool>(m_socket); }
     [[nodiscard]] int descriptor() const noexcept { return m_socket.get(); }
 
     /// False if the other side is gone or does not accept the packet in time. A valid `descriptor` is sent along.

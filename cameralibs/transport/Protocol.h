@@ -121,7 +121,6 @@ enum class Answer : std::uint32_t { useful, pending };
 
 struct Progress {
     Answer answer; ///< the last answer of the camera; pending: a pending acknowledgement
-    std::uint32_t reserved;
 };
 
 /// The status is a CAM_API_STATUS. For register accesses it is 0 or 1 + an ArvDeviceError.

@@ -94,7 +94,6 @@ public:
         , m_error(other.m_error)
     {
     }
-    Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
     Listener& operator=(Listener&&) = delete;
 
@@ -179,8 +178,8 @@ std::optional<GigeAnswer> answerIn(const std::uint8_t* bytes, std::size_t size, 
 {
     if (size < kHeaderSize + kBodySize)
         return {};
-    const std::array<std::uint8_t, 4> begin = {0, 0, 0, kDiscoveryAnswer}; // no error
-    if (!std::equal(begin.begin(), begin.end(), bytes) || numberAt(bytes, {4, 2}) != kBodySize ||
+    // The first half of the number is the status, 0: no error.
+    if (numberAt(bytes, {0, 4}) != kDiscoveryAnswer || numberAt(bytes, {4, 2}) != kBodySize ||
         numberAt(bytes, {6, 2}) != id)
         return {};
     const std::uint8_t* const body = bytes + kHeaderSize;

@@ -10,7 +10,7 @@
 namespace check {
 
 struct Program {
-    int process = 0;
+    int process;
     std::string name;
 };
 

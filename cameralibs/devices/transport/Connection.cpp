@@ -277,7 +277,7 @@ bool Connection::makeChannel(Channel& here, Descriptor& there)
     (void)::setsockopt(ends[0], SOL_SOCKET, SO_SNDTIMEO, &kSendLimit, sizeof kSendLimit);
     here = Channel(aboveStandard(Descriptor(ends[0])));
     there = aboveStandard(Descriptor(ends[1]));
-    return here.descriptor() >= 0 && there;
+    return here && there;
 }
 
 bool Connection::awaitReplies(const Limits& limits, const ReplyHandler& handler)
@@ -357,10 +357,11 @@ void Connection::watchUntilGone(Packet& packet)
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(std::min(given, silentUntil) - Clock::now()).count();
         const int ready = ::poll(watched.data(), watched.size(), static_cast<int>(std::max<std::int64_t>(left, 0)));
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready < 0)
+        if (ready < 0) {
+            if (errno == EINTR)
+                continue;
             break;
+        }
         if (watched[1].revents != 0) {
             std::uint64_t count = 0;
             (void)!::read(m_wake.get(), &count, sizeof count);

@@ -70,7 +70,7 @@ Outcome TransportSource::start()
 
 void TransportSource::stop()
 {
-    if (m_channel.descriptor() < 0)
+    if (!m_channel)
         return;
     m_stopping = true;
     m_channel.shutDown();

@@ -74,7 +74,7 @@ Outcome ImageSender::start(Descriptor channel)
 
 void ImageSender::stop()
 {
-    if (m_channel.descriptor() < 0)
+    if (!m_channel)
         return;
     m_running = false;
     // The thread may be blocked by a full channel that the library no longer reads.

@@ -162,7 +162,7 @@ void Session::reportProgress(Answer answer)
     if (!m_asked || now < last + kProgressPeriod)
         return;
     last = now;
-    (void)m_control.send(Kind::progress, Progress{answer, 0});
+    (void)m_control.send(Kind::progress, Progress{answer});
 }
 
 template <class Body> bool Session::reply(Kind kind, const Body& body, std::string_view data)

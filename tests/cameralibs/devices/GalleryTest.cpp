@@ -105,6 +105,9 @@ TEST_F(GalleryTest, FloatsHaveAllMagnitudes)
 
 TEST_F(GalleryTest, BooleansHaveTheirOwnOnAndOffValues)
 {
+    EXPECT_TRUE(m_camera.flag("BooleanPlain"));
+    EXPECT_FALSE(m_camera.flag("BooleanInverted")); // its register is 1
+    EXPECT_FALSE(m_camera.flag("BooleanOddValues"));
     for (const char* const name : {"BooleanPlain", "BooleanInverted", "BooleanOddValues"}) {
         for (const bool value : {true, false}) {
             m_camera.setFlag(name, value);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <set>
 #include <string>
 #include <tuple>
@@ -94,6 +95,24 @@ TEST_F(SceneTest, ChartHasEighteenColoursAndSixGreysThatGetDarker)
         }
     }
     EXPECT_EQ(different.size(), 18U);
+}
+
+// Users compare colours of different formats, versions and machines.
+TEST_F(SceneTest, ChartHasKnownColours)
+{
+    constexpr std::uint32_t kRgb[4][6] = {
+        {0xd62828, 0xf0821e, 0xecd02e, 0x3ca046, 0x285abe, 0x6e3296},
+        {0xbe3c78, 0x1ea0aa, 0x96be32, 0x784c2e, 0xe8b896, 0x5a78a0},
+        {0xfac8c8, 0xfce6be, 0xceeccc, 0xc4e2f0, 0xd6ccf0, 0x966e5a},
+        {0xf3f3f3, 0xc8c8c8, 0xa0a0a0, 0x797979, 0x545454, 0x323232},
+    };
+    for (int row = 0; row < 4; ++row) {
+        for (int column = 0; column < 6; ++column) {
+            const Sample& patch = at(80 + 110 * column + 55, 180 + 110 * row + 55);
+            const auto rgb = static_cast<std::uint32_t>(patch.red / 16 << 16 | patch.green / 16 << 8 | patch.blue / 16);
+            EXPECT_EQ(rgb, kRgb[row][column]) << column << ", " << row;
+        }
+    }
 }
 
 TEST_F(SceneTest, TwelveGreyStepsReachFromBlackToWhite)

@@ -157,7 +157,7 @@ private:
             ::pause();
     }
 
-    [[nodiscard]] bool tellProgress() const { return m_control.send(Kind::progress, Progress{Answer::pending, 0}); }
+    [[nodiscard]] bool tellProgress() const { return m_control.send(Kind::progress, Progress{Answer::pending}); }
 
     void done(std::uint32_t status = 0, std::string_view data = {})
     {
