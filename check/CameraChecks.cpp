@@ -143,9 +143,10 @@ std::string cureOf(const View& view, const Camera& camera, const StreamResult& s
         return "check the line on the firewall, and the camera's AcquisitionMode and AcquisitionFrameRate";
     if (camera.bufferErrors != 0) {
         const std::string overflows = "the receive buffer overflowed " + std::to_string(camera.bufferErrors) + " times";
-        if (view.machine.receiveBuffer.value_or(0) >= kWantedBuffer)
+        if (view.machine.receiveBuffer.value_or(0) >= kWantedBuffer) {
             return overflows +
                    ", although it is as large as it may be: a lower AcquisitionFrameRate, or less other work";
+        }
         return overflows + ": sudo sysctl -w net.core.rmem_max=" + std::to_string(kWantedBuffer);
     }
     if (stream.images == 0)

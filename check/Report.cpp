@@ -113,11 +113,12 @@ void writeText(std::ostream& to, const std::vector<Line>& lines)
         to << '\n';
     }
     const auto wrong = countOf(lines, Severity::wrong);
-    if (countOf(lines, Severity::failed) != 0)
+    if (countOf(lines, Severity::failed) != 0) {
         to << (wrong == 0 ? "Could not look at everything; nothing else is wrong.\n"
                           : "Could not look at everything.\n");
-    else if (wrong == 0)
+    } else if (wrong == 0) {
         to << "Nothing wrong was found.\n";
+    }
     if (wrong != 0)
         to << wrong << (wrong == 1 ? " finding.\n" : " findings.\n");
 }

@@ -67,9 +67,10 @@ Line holderLine(const View& view, const UsbDevice& device)
     const std::string cure = "close the camera there";
     if (!device.holders.empty())
         return {Severity::wrong, nameOf(device), text + namesOf(device.holders), cure};
-    if (!view.machine.root)
+    if (!view.machine.root) {
         return {Severity::wrong, nameOf(device), text + "one of another user",
                 "sudo orvocam-check tells which; " + cure};
+    }
     return {Severity::wrong, nameOf(device), text + "one that is not visible here",
             cure + "; in a container, look outside it and in other containers"};
 }

@@ -10,7 +10,7 @@
 namespace check {
 
 struct Program {
-    int process;
+    int process = 0;
     std::string name;
 };
 
