@@ -166,8 +166,8 @@ public:
 void MainWindowTest::frameRatesHaveTheHeightOfTheirDock()
 {
     const auto fusion = qScopeGuard([] { QApplication::setStyle("Fusion"); });
-    QApplication::setStyle(new FramedDocks); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): Qt owns it
-    const WindowDriver driver;
+    QApplication::setStyle(new FramedDocks);
+    const WindowDriver driver; // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): Qt owns the style
     const int height = driver.child<QDockWidget>("dockWidget_Top")->height();
     QCOMPARE(driver.child<QWidget>("dockWidgetContents_11")->height(), height);
 }
