@@ -21,13 +21,13 @@ thread_local bool runsCallback = false;
 
 class InsideCallback {
 public:
-    InsideCallback() { runsCallback = true; }
+    InsideCallback() = default;
     ~InsideCallback() { runsCallback = m_outer; }
     InsideCallback(const InsideCallback&) = delete;
     InsideCallback& operator=(const InsideCallback&) = delete;
 
 private:
-    const bool m_outer = runsCallback;
+    const bool m_outer = std::exchange(runsCallback, true);
 };
 
 } // namespace

@@ -167,7 +167,7 @@ void MainWindowTest::frameRatesHaveTheHeightOfTheirDock()
 {
     const auto fusion = qScopeGuard([] { QApplication::setStyle("Fusion"); });
     QApplication::setStyle(new FramedDocks);
-    const WindowDriver driver; // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): Qt owns the style
+    const WindowDriver driver;
     const int height = driver.child<QDockWidget>("dockWidget_Top")->height();
     QCOMPARE(driver.child<QWidget>("dockWidgetContents_11")->height(), height);
 }

@@ -6,7 +6,6 @@
 
 using namespace check;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 namespace {
 

@@ -53,9 +53,10 @@ protected:
 StreamResult resultOf(const std::vector<std::uint64_t>& numbers)
 {
     scripted::onCall("Strm_Stop", [numbers] {
-        for (const std::uint64_t number : numbers)
+        for (const std::uint64_t number : numbers) {
             EXPECT_TRUE(number == 0 ? scripted::deliverError(CAM_API_STS_MISSING_PACKETS)
                                     : scripted::deliverImage(number));
+        }
     });
     const OpenCamera camera;
     return tryStream(camera.handle());

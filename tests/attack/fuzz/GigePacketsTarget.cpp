@@ -23,7 +23,7 @@ namespace {
 
 class DistortedPackets : public gige::Behaviour {
 public:
-    explicit DistortedPackets(FuzzInput input)
+    explicit DistortedPackets(const FuzzInput& input)
         : m_input(input)
     {
     }
@@ -47,7 +47,7 @@ private:
 /// A camera on a thread of its own.
 class RunningCamera {
 public:
-    explicit RunningCamera(FuzzInput input)
+    explicit RunningCamera(const FuzzInput& input)
         : m_packets(input)
     {
         REQUIRE(::pipe(m_end.data()) == 0);

@@ -8,7 +8,7 @@
 /// Distorts the packets of a correct camera as an input says. Once the input is used up, they stay as they are.
 class PacketDistortion {
 public:
-    explicit PacketDistortion(FuzzInput input, std::uint8_t correct = 0)
+    explicit PacketDistortion(const FuzzInput& input, std::uint8_t correct = 0)
         : m_input(input)
         , m_correct(correct)
     {

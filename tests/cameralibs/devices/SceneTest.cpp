@@ -30,7 +30,10 @@ protected:
             scene.render(0, y, kWidth, &m_pixels[index(0, y)]);
     }
 
-    [[nodiscard]] static std::size_t index(int x, int y) { return static_cast<std::size_t>(y * kWidth + x); }
+    [[nodiscard]] static std::size_t index(int x, int y)
+    {
+        return static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(x);
+    }
     [[nodiscard]] const Sample& at(int x, int y) const { return m_pixels[index(x, y)]; }
     /// The green channel in steps of 8 bits.
     [[nodiscard]] int level(int x, int y) const { return at(x, y).green / 16; }
@@ -126,7 +129,7 @@ TEST_F(SceneTest, TwelveGreyStepsReachFromBlackToWhite)
 TEST_F(SceneTest, RampRisesEvenlyToFullLight)
 {
     for (int i = 0; i < 660; ++i)
-        EXPECT_NEAR(at(80 + i, 780).green, kFullLight * i / 659.0, 1);
+        EXPECT_NEAR(at(80 + i, 780).green, kFullLight * static_cast<unsigned>(i) / 659.0, 1);
 }
 
 TEST_F(SceneTest, LinesHaveTheirWidths)
@@ -278,9 +281,10 @@ TEST_F(SceneTest, BallIsADiscLitFromTheUpperLeft)
     };
     for (int y = 0; y < 300; ++y) {
         const std::vector<bool> columns = painted(y);
-        for (int x = 0; x < 300; ++x)
+        for (int x = 0; x < 300; ++x) {
             ASSERT_EQ(columns[static_cast<std::size_t>(x)], (x - 150) * (x - 150) + (y - 140) * (y - 140) < 90 * 90)
                 << x << ", " << y;
+        }
     }
     (void)painted(100);
     const Sample lit = row[110];

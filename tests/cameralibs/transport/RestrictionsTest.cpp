@@ -289,10 +289,11 @@ TEST(Restrictions, ThreadsAreStarted)
 TEST(Restrictions, NetworkIsReached)
 {
     for (const int family : {AF_INET, AF_INET6}) {
-        for (const int flags : {0, SOCK_CLOEXEC | SOCK_NONBLOCK})
+        for (const int flags : {0, SOCK_CLOEXEC | SOCK_NONBLOCK}) {
             EXPECT_TRUE(restricted([&] {
                 return ::socket(family, SOCK_DGRAM | flags, 0) >= 0 || errno == EAFNOSUPPORT;
             })) << family;
+        }
     }
     for (const int protocol : {NETLINK_ROUTE, NETLINK_KOBJECT_UEVENT})
         EXPECT_TRUE(restricted([&] { return ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, protocol) >= 0; }));

@@ -189,13 +189,13 @@ TEST_F(TransportProcessTest, OtherChildrenOfTheProgramAreNotWaitedFor)
 
 TEST_F(TransportProcessTest, ProgramMayHaveManyDescriptorsAndKeepsThem)
 {
-    constexpr int kMany = 1000;
+    constexpr rlim_t kMany = 1000;
     rlimit limit{};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const rlimit enough{std::max<rlim_t>(limit.rlim_cur, 2 * kMany), limit.rlim_max};
+    const rlimit enough{std::max(limit.rlim_cur, 2 * kMany), limit.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &enough), 0);
     std::vector<int> descriptors;
-    for (int i = 0; i < kMany; ++i)
+    for (rlim_t i = 0; i < kMany; ++i)
         descriptors.push_back(::open("/dev/zero", O_RDONLY)); // inherited by whatever is started without care
     CAM_HANDLE camera = 0;
     ASSERT_TRUE(open(camera));

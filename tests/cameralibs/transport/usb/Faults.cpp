@@ -161,8 +161,8 @@ const std::vector<Fault>& faults()
         {"image without a payload", [](StreamTransfer& transfer) { skip(transfer, Part::Payload); }},
 
         // Payloads of changing size.
-        {"payload that shrinks", [](FakeCamera& camera) { camera.setOddPayload(320 * 200); }},
-        {"payload that grows", [](FakeCamera& camera) { camera.setOddPayload(320 * 280); }},
+        {"payload that shrinks", [](FakeCamera& camera) { camera.setOddPayload(std::uint64_t{320} * 200); }},
+        {"payload that grows", [](FakeCamera& camera) { camera.setOddPayload(std::uint64_t{320} * 280); }},
 
         // Impossible sizes.
         {"payload size of 0", [](FakeCamera& camera) { camera.setPayload(0); }},
