@@ -96,6 +96,7 @@ private:
     void setCamera() const;
     void act(int second);
     void unplugAndOpen();
+    void saveImage();
     void record(int second);
     [[nodiscard]] bool isFlat() const;
 
@@ -157,6 +158,12 @@ void LongRun::unplugAndOpen()
     openAndStart();
 }
 
+void LongRun::saveImage()
+{
+    if (!takeSnapshot(m_driver, m_folder.filePath("shot.png")))
+        giveUp("no snapshot");
+}
+
 void LongRun::act(int second)
 {
     const int period = std::max(1, m_seconds / (kOpenings + 1));
@@ -176,8 +183,8 @@ void LongRun::act(int second)
         m_driver.trigger(m_zoomed && m_driver.enabled("actionZoomOut") ? "actionZoomOut" : "actionZoomIn");
         m_zoomed = !m_zoomed;
     }
-    if (second % kSnapshotPeriod == kSnapshotPeriod - 1 && !takeSnapshot(m_driver, m_folder.filePath("shot.png")))
-        giveUp("no snapshot");
+    if (second % kSnapshotPeriod == kSnapshotPeriod - 1)
+        saveImage();
     FeatureHand hand(m_driver.window());
     if (second % 2 == 0) {
         hand.type("ExposureTime", second % 4 == 0 ? "1500" : "1000");
@@ -224,6 +231,7 @@ bool LongRun::isFlat() const
 bool LongRun::run()
 {
     openAndStart();
+    saveImage(); // loads what the dialog needs, which a short run must not take for growth
     QElapsedTimer clock;
     clock.start();
     int second = 0;
