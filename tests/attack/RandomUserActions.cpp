@@ -3,6 +3,7 @@
 #include "features/view/FeatureView.h"
 #include "tests/attack/RandomUser.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDockWidget>
@@ -43,16 +44,16 @@ QPoint RandomUser::anyPoint(const QWidget& widget, std::uint32_t random)
 
 void RandomUser::triggerAction()
 {
-    static const std::vector<const char*> actions = {
-        "actionClose",       "actionStart",       "actionStart",          "actionPause",
-        "actionStop",        "actionZoomIn",      "actionZoomOut",        "actionNormalSize",
-        "actionSnapshot",    "action_Menu_Open",  "action_Menu_Close",    "action_Menu_Start",
-        "action_Menu_Pause", "action_Menu_Stop",  "action_Menu_One_Shot", "action_Menu_Zoom_In",
-        "actionStart",       "action_Menu_About", "action_Menu_Zoom_Out", "action_Menu_Normal_Size",
-        "actionStart",       "action_Menu_Start", "actionSoftwareTrigger"};
-    const char* const action = draw(60) == 0 ? "action_Menu_Exit" : pick(actions);
+    const QString exit = "action_Menu_Exit";
+    std::vector<QString> names;
+    for (const QAction* action : session().driver().window().findChildren<QAction*>()) {
+        if (action->objectName().startsWith("action") && action->objectName() != exit)
+            names.push_back(action->objectName());
+    }
+    // Most actions need a stream, and no session would last if leaving were as likely as the others.
+    const QString action = draw(60) == 0 ? exit : draw(5) == 0 ? QString("actionStart") : pick(names);
     say(action);
-    static_cast<void>(session().trigger(action));
+    static_cast<void>(session().trigger(qPrintable(action)));
 }
 
 void RandomUser::pressKey()

@@ -3,8 +3,9 @@
 //     shutdown_races [--rounds N] [--race NAME]
 //
 // In each round a camera thread delivers images, errors and busy buffers without pause, conversions take their time,
-// images wait in the event queue, an editor is open, and features are read. Then the user stops, closes, leaves, or
-// opens the next camera, or the cable is pulled, at a moment that differs from round to round.
+// images wait in the event queue, and an editor is open. Then the user stops, closes, leaves, or opens the next camera
+// while the removal of the last one is queued; or the cable is pulled while features are read. The moment differs from
+// round to round.
 
 #include "display/DispThread.h"
 #include "features/view/FeatureView.h"
@@ -84,6 +85,7 @@ private:
     void newWindow();
     void endWindow();
     void begin();
+    /// Handles what is queued, and checks the window. No stream may be running.
     void check(const char* when);
     void wrong(const QString& what)
     {
@@ -152,6 +154,13 @@ void Races::begin()
 
 void Races::check(const char* when)
 {
+    // Images that are queued belong to a stream that is gone.
+    bool shown = false;
+    QObject receiver;
+    QObject::connect(&m_session->driver().window(), &MainWindow::Update_Image, &receiver, [&shown] { shown = true; });
+    handleEvents();
+    if (shown)
+        wrong(QString("%1: an image of the ended stream is shown").arg(when));
     const QStringList differences = m_model->check() + m_session->wrongRows();
     m_model->forgetCalls();
     for (const QString& difference : differences)
@@ -166,24 +175,16 @@ void Races::stop()
 {
     begin();
     static_cast<void>(m_session->trigger(draw(2) == 0 ? "actionStop" : "action_Menu_Stop"));
-    // Images that were queued belong to a stream that is gone.
-    bool shown = false;
-    QObject receiver;
-    QObject::connect(&m_session->driver().window(), &MainWindow::Update_Image, &receiver, [&shown] { shown = true; });
-    handleEvents();
-    if (shown)
-        wrong("an image is shown after the stop");
     check("after the stop");
     scripted::lateImage(1);
     scripted::lateError(19);
-    handleEvents();
+    check("after late deliveries");
 }
 
 void Races::close()
 {
     begin();
     static_cast<void>(m_session->trigger("actionClose"));
-    handleEvents();
     check("after the closing");
 }
 
@@ -200,7 +201,6 @@ void Races::unplug()
     hand.join();
     if (!QTest::qWaitFor([this] { return m_session->driver().enabled("actionOpen"); }, kPatienceMs))
         wrong("the removal is not noticed");
-    handleEvents();
     check("after the removal");
 }
 
@@ -223,7 +223,6 @@ void Races::openNext()
     scripted::plugIn();
     if (!m_session->open())
         wrong("the next camera does not open");
-    handleEvents();
     check("with the next camera");
     if (!m_session->features())
         wrong("the removal of the last camera closes the next");
