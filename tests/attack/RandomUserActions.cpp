@@ -31,7 +31,7 @@ QWidget* RandomUser::anyWidget()
     std::copy_if(children.begin(), children.end(), std::back_inserter(ordered),
                  [&](QWidget* child) { return std::find(visible.begin(), visible.end(), child) != visible.end(); });
     QWidget* const focus = QApplication::focusWidget();
-    if (focus && draw(3) == 0)
+    if (focus && !focus->size().isEmpty() && draw(3) == 0)
         return focus;
     return ordered.empty() ? &session().driver().window() : pick(ordered);
 }
